@@ -1,0 +1,232 @@
+#include "ScriptServer.h"
+
+#include <QHostAddress>
+#include <QTcpSocket>
+#include <QTimer>
+
+#include <optional>
+
+#ifdef Q_OS_WIN
+#include <winsock2.h>
+#else
+#include <sys/socket.h>
+#endif
+
+namespace {
+
+const QByteArray headEnd = QByteArrayLiteral("\r\n\r\n");
+
+/// Takes one whole request off the front of `received`; nothing while it is incomplete.
+std::optional<ScriptServer::Request> takeRequest(QByteArray& received)
+{
+    const int end = received.indexOf(headEnd);
+    if (end < 0)
+        return std::nullopt;
+
+    ScriptServer::Request request;
+    const QList<QByteArray> lines = received.left(end).split('\n');
+    const QList<QByteArray> words = lines.first().trimmed().split(' ');
+    request.method = words.value(0);
+    request.target = words.value(1);
+    for (int i = 1; i < lines.size(); ++i) {
+        const QByteArray line = lines.at(i).trimmed();
+        const int colon = line.indexOf(':');
+        request.headers.append({line.left(colon), line.mid(colon + 1).trimmed()});
+    }
+
+    const int length = request.header("Content-Length").toInt();
+    const int whole = end + headEnd.size() + length;
+    if (received.size() < whole)
+        return std::nullopt;
+    request.body = received.mid(end + headEnd.size(), length);
+    received.remove(0, whole);
+    return request;
+}
+
+/// Makes the next close send a reset instead of a FIN (socket(7), SO_LINGER).
+void closeByReset(QTcpSocket* socket)
+{
+    struct linger option = {};
+    option.l_onoff = 1;
+    option.l_linger = 0;
+#ifdef Q_OS_WIN
+    ::setsockopt(static_cast<SOCKET>(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER,
+                 reinterpret_cast<const char*>(&option), sizeof option);
+#else
+    ::setsockopt(static_cast<int>(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &option, sizeof option);
+#endif
+    socket->abort();
+}
+
+} // namespace
+
+QByteArray ScriptServer::Request::header(const QByteArray& name) const
+{
+    for (const auto& [key, value] : headers) {
+        if (key.compare(name, Qt::CaseInsensitive) == 0)
+            return value;
+    }
+    return {};
+}
+
+ScriptServer::ScriptServer()
+{
+    connect(&_listener, &QTcpServer::newConnection, this, [this] { accept(); });
+    if (!_listener.listen(QHostAddress::LocalHost))
+        qFatal("the script server cannot listen: %s", qPrintable(_listener.errorString()));
+}
+
+ScriptServer::~ScriptServer()
+{
+    const QList<QTcpSocket*> sockets = _connections.keys();
+    for (QTcpSocket* socket : sockets)
+        socket->disconnect(this);
+}
+
+QString ScriptServer::baseAddress() const
+{
+    return QStringLiteral("http://127.0.0.1:%1/").arg(port());
+}
+
+quint16 ScriptServer::port() const
+{
+    return _listener.serverPort();
+}
+
+void ScriptServer::answerJson(int status, const QByteArray& body)
+{
+    answerRaw({Step::bytes(httpAnswer(status, body))});
+}
+
+void ScriptServer::answerRaw(const QList<Step>& steps)
+{
+    QQueue<Step> answer;
+    answer.append(steps);
+    _script.enqueue(answer);
+}
+
+void ScriptServer::neverAnswer()
+{
+    answerRaw({Step::never()});
+}
+
+QByteArray ScriptServer::httpAnswer(int status, const QByteArray& body, const QList<QByteArray>& headerLines)
+{
+    QByteArray answer = "HTTP/1.1 " + QByteArray::number(status) + " Scripted\r\n";
+    for (const QByteArray& line : headerLines)
+        answer += line + "\r\n";
+    // RFC 9110, 8.6: a 204 has no Content-Length.
+    if (status != 204)
+        answer += "Content-Length: " + QByteArray::number(body.size()) + "\r\n";
+    return answer + "\r\n" + body;
+}
+
+int ScriptServer::unansweredSteps() const
+{
+    int count = 0;
+    for (const QList<Step>& answer : _script)
+        count += answer.size();
+    for (const Connection& connection : _connections)
+        count += connection.steps.size();
+    return count;
+}
+
+QString ScriptServer::decodedPath(const QByteArray& target)
+{
+    const int question = target.indexOf('?');
+    return QString::fromUtf8(QByteArray::fromPercentEncoding(question < 0 ? target : target.left(question)));
+}
+
+QList<QPair<QString, QString>> ScriptServer::decodedQuery(const QByteArray& target)
+{
+    QList<QPair<QString, QString>> query;
+    const int question = target.indexOf('?');
+    if (question < 0)
+        return query;
+    const QList<QByteArray> parts = target.mid(question + 1).split('&');
+    for (const QByteArray& part : parts) {
+        const int equals = part.indexOf('=');
+        const QByteArray name = equals < 0 ? part : part.left(equals);
+        const QByteArray value = equals < 0 ? QByteArray() : part.mid(equals + 1);
+        query.append({QString::fromUtf8(QByteArray::fromPercentEncoding(name)),
+                      QString::fromUtf8(QByteArray::fromPercentEncoding(value))});
+    }
+    return query;
+}
+
+void ScriptServer::accept()
+{
+    while (QTcpSocket* socket = _listener.nextPendingConnection()) {
+        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+        // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the socket owns it
+        auto* pause = new QTimer(socket);
+        pause->setSingleShot(true);
+        pause->setTimerType(Qt::PreciseTimer);
+        connect(pause, &QTimer::timeout, this, [this, socket] {
+            play(socket);
+            read(socket);
+        });
+        _connections[socket].number = ++_connectionsAccepted;
+        _connections[socket].pause = pause;
+        connect(socket, &QTcpSocket::readyRead, this, [this, socket] { read(socket); });
+        connect(socket, &QTcpSocket::disconnected, this, [this, socket] { drop(socket); });
+        read(socket);
+    }
+}
+
+void ScriptServer::read(QTcpSocket* socket)
+{
+    if (!_connections.contains(socket))
+        return;
+    _connections[socket].received += socket->readAll();
+    // An answer is finished before the next request of the same connection is looked at.
+    while (_connections.contains(socket) && !_connections[socket].answering) {
+        std::optional<Request> request = takeRequest(_connections[socket].received);
+        if (!request)
+            return;
+        request->connection = _connections[socket].number;
+        _requests.append(*request);
+        _connections[socket].answering = true;
+        // Taken before onRequest runs: what is requested meanwhile gets the answers that follow.
+        if (_script.isEmpty()) {
+            ++_unscriptedRequests;
+            answerJson(500, R"({"message":"no answer is scripted for this request"})");
+        }
+        _connections[socket].steps.append(_script.dequeue());
+        if (onRequest)
+            onRequest();
+        play(socket);
+    }
+}
+
+void ScriptServer::play(QTcpSocket* socket)
+{
+    while (_connections.contains(socket) && !_connections[socket].steps.isEmpty()) {
+        const Step step = _connections[socket].steps.dequeue();
+        switch (step.kind) {
+        case Step::Kind::Bytes:
+            socket->write(step.data);
+            socket->flush();
+            break;
+        case Step::Kind::Pause:
+            _connections[socket].pause->start(step.milliseconds);
+            return;
+        case Step::Kind::Fin:
+            socket->disconnectFromHost();
+            return;
+        case Step::Kind::Reset:
+            closeByReset(socket);
+            return;
+        case Step::Kind::Never:
+            return;
+        }
+    }
+    if (_connections.contains(socket))
+        _connections[socket].answering = false;
+}
+
+void ScriptServer::drop(QTcpSocket* socket)
+{
+    _connections.remove(socket);
+    socket->deleteLater();
+}
