@@ -4,15 +4,13 @@ namespace RKPub {
 
 void removeCommonJsonValue(const QJsonObject& before, QJsonObject& after)
 {
-    // A copy (shared, not deep), because the caller may pass one object as both.
-    const QJsonObject previous = before;
-    for (auto member = after.begin(); member != after.end();) {
-        const auto same = previous.constFind(member.key());
-        if (same != previous.constEnd() && same.value() == QJsonValue(member.value()))
-            member = after.erase(member);
-        else
-            ++member;
+    QJsonObject changed; // apart from `after`, which the caller may pass as `before` too
+    for (auto member = after.constBegin(); member != after.constEnd(); ++member) {
+        const auto earlier = before.constFind(member.key());
+        if (earlier == before.constEnd() || earlier.value() != member.value())
+            changed.insert(member.key(), member.value());
     }
+    after = changed;
 }
 
 } // namespace RKPub

@@ -4,8 +4,8 @@ namespace RKPub {
 
 namespace {
 
-constexpr QLatin1String relationKey("type");
-constexpr QLatin1String identifierKey("rId");
+const QLatin1String relationKey("type");
+const QLatin1String identifierKey("rId");
 
 } // namespace
 
