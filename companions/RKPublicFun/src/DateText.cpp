@@ -9,9 +9,12 @@ namespace RKPub {
 
 namespace {
 
+constexpr int millisecondsPerSecond = 1000;
 constexpr int secondsPerMinute = 60;
 constexpr int minutesPerHour = 60;
-constexpr int greatestOffset = 14 * 60 * 60; // seconds; no zone of today is farther from UTC
+constexpr int hoursPerDay = 24;
+constexpr int greatestOffset =
+    14 * minutesPerHour * secondsPerMinute; // seconds; no zone of today is farther from UTC
 
 /// Reads a text from left to right. A refusal is final: the caller gives up the whole text.
 class Reader
@@ -68,6 +71,7 @@ bool readDate(Reader& reader, QDate& date)
     return date.isValid();
 }
 
+/// Adds the fraction of a second to `milliseconds`.
 bool readFraction(Reader& reader, int& milliseconds)
 {
     int digit = 0;
@@ -81,19 +85,19 @@ bool readFraction(Reader& reader, int& milliseconds)
     return true;
 }
 
-bool readTime(Reader& reader, QTime& time)
+/// The time of day as milliseconds since its start.
+bool readTime(Reader& reader, int& milliseconds)
 {
     int hour = 0;
     int minute = 0;
     int second = 0;
-    int milliseconds = 0;
     if (!reader.readNumber(2, hour) || !reader.skip(u':') || !reader.readNumber(2, minute) ||
         !reader.skip(u':') || !reader.readNumber(2, second))
         return false;
-    if (reader.skip(u'.') && !readFraction(reader, milliseconds))
+    if (hour >= hoursPerDay || minute >= minutesPerHour || second >= secondsPerMinute)
         return false;
-    time = QTime(hour, minute, second, milliseconds);
-    return time.isValid();
+    milliseconds = ((hour * minutesPerHour + minute) * secondsPerMinute + second) * millisecondsPerSecond;
+    return !reader.skip(u'.') || readFraction(reader, milliseconds);
 }
 
 bool readOffset(Reader& reader, int& seconds)
@@ -116,6 +120,18 @@ bool readOffset(Reader& reader, int& seconds)
 QDateTime validOrNull(const QDateTime& dateTime)
 {
     return dateTime.isValid() ? dateTime : QDateTime();
+}
+
+// From the instant, which costs Qt half of what it takes from a date and a time.
+QDateTime atOffset(const QDate& date, int timeOfDay, int offset)
+{
+    constexpr qint64 julianDayOfEpoch = 2440588; // 1970-01-01
+    constexpr qint64 millisecondsPerDay =
+        qint64(hoursPerDay) * minutesPerHour * secondsPerMinute * millisecondsPerSecond;
+    const qint64 clock = (date.toJulianDay() - julianDayOfEpoch) * millisecondsPerDay + timeOfDay;
+    return offset == 0 ? QDateTime::fromMSecsSinceEpoch(clock, Qt::UTC)
+                       : QDateTime::fromMSecsSinceEpoch(clock - qint64(offset) * millisecondsPerSecond,
+                                                        Qt::OffsetFromUTC, offset);
 }
 
 /// Writes digits and signs one after another into a text that is long enough.
@@ -148,7 +164,7 @@ void writeDate(Writer& writer, int year, int month, int day)
 
 void writeTime(Writer& writer, int milliseconds)
 {
-    const int seconds = milliseconds / 1000;
+    const int seconds = milliseconds / millisecondsPerSecond;
     const int minutes = seconds / secondsPerMinute;
     writer.write(u'T');
     writer.writeNumber(2, minutes / minutesPerHour);
@@ -157,7 +173,7 @@ void writeTime(Writer& writer, int milliseconds)
     writer.write(u':');
     writer.writeNumber(2, seconds % secondsPerMinute);
     writer.write(u'.');
-    writer.writeNumber(3, milliseconds % 1000);
+    writer.writeNumber(3, milliseconds % millisecondsPerSecond);
 }
 
 void writeOffset(Writer& writer, int seconds)
@@ -216,18 +232,18 @@ QDateTime getDateTimeByQString(const QString& text)
     if (reader.atEnd())
         return validOrNull(date.startOfDay());
 
-    QTime time;
-    if (!reader.skip(u'T') || !readTime(reader, time))
+    int timeOfDay = 0;
+    if (!reader.skip(u'T') || !readTime(reader, timeOfDay))
         return {};
     if (reader.atEnd())
-        return validOrNull(QDateTime(date, time, Qt::LocalTime));
+        return validOrNull(QDateTime(date, QTime::fromMSecsSinceStartOfDay(timeOfDay), Qt::LocalTime));
 
     int offset = 0;
     if (!reader.skip(u'Z') && !readOffset(reader, offset))
         return {};
     if (!reader.atEnd())
         return {};
-    return offset == 0 ? QDateTime(date, time, Qt::UTC) : QDateTime(date, time, Qt::OffsetFromUTC, offset);
+    return atOffset(date, timeOfDay, offset);
 }
 
 } // namespace RKPub
