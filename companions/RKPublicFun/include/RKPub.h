@@ -28,10 +28,9 @@ RKPUBLICFUN_EXPORT QString getQStringByDateTime(const QDateTime& dateTime);
 
 /// The time that `text` names. Accepted, after ISO 8601 and RFC 3339 section 5.6, and nothing else:
 /// - `YYYY-MM-DDThh:mm:ss`, optionally with `.` and a fraction of any length (digits after the milliseconds
-/// are cut
-///   off, not rounded), and then `Z`, `±hh:mm`, `±hhmm` or nothing for local time;
+///   are cut off, not rounded), and then `Z`, `±hh:mm`, `±hhmm` or nothing for local time;
 /// - `YYYY-MM-DD` alone: the day's first moment in local time, which is later than 00:00 where clocks skip
-/// midnight.
+///   midnight.
 ///
 /// The offset read is kept, so that `date()` is the day written: a zero offset (`Z`, `+00:00`, `-00:00`)
 /// gives Qt::UTC, any other Qt::OffsetFromUTC. Of a local time that occurs twice Qt chooses which.
