@@ -1,0 +1,73 @@
+#include "Pattern.h"
+
+#include "InQuotes.h"
+#include "QueryError.h"
+
+#define PCRE2_CODE_UNIT_WIDTH 8
+#include <pcre2.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+
+namespace monitorservice {
+
+namespace {
+
+// The automatic callouts are what PatternSearch counts steps by. \C could split a character.
+constexpr std::uint32_t kBaseOptions = PCRE2_UTF | PCRE2_UCP | PCRE2_NEVER_BACKSLASH_C | PCRE2_AUTO_CALLOUT;
+
+std::uint32_t readOptions(std::string_view letters, std::string_view path)
+{
+    std::uint32_t options = kBaseOptions;
+    for (const char letter : letters) {
+        switch (letter) {
+        case 'i':
+            options |= PCRE2_CASELESS;
+            break;
+        case 'm':
+            options |= PCRE2_MULTILINE;
+            break;
+        case 's':
+            options |= PCRE2_DOTALL;
+            break;
+        case 'x':
+            options |= PCRE2_EXTENDED;
+            break;
+        default:
+            throw QueryError(400, "where: $options " + inQuotes(letters) +
+                                      " has letters other than imsx at " + inQuotes(path));
+        }
+    }
+    return options;
+}
+
+std::string message(int error)
+{
+    std::array<PCRE2_UCHAR, 256> text{};
+    pcre2_get_error_message(error, text.data(), text.size());
+    return std::string(text.begin(), std::find(text.begin(), text.end(), PCRE2_UCHAR{0}));
+}
+
+} // namespace
+
+void Pattern::FreeCode::operator()(pcre2_code* code) const
+{
+    pcre2_code_free(code);
+}
+
+Pattern::Pattern(std::string_view text, std::string_view options, std::string_view path)
+    : m_text(text), m_path(path)
+{
+    int error = 0;
+    PCRE2_SIZE offset = 0;
+    m_code.reset(pcre2_compile(reinterpret_cast<PCRE2_SPTR>(m_text.data()), m_text.size(),
+                               readOptions(options, path), &error, &offset, nullptr));
+    if (!m_code)
+        throw QueryError(400, "where: pattern " + inQuotes(text) + " at " + inQuotes(path) + ": " +
+                                  message(error) + " (at byte " + std::to_string(offset) + ")");
+    // Where there is no just-in-time compiler, the interpreter gives the same answers.
+    pcre2_jit_compile(m_code.get(), PCRE2_JIT_COMPLETE);
+}
+
+} // namespace monitorservice

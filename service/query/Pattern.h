@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+// PCRE2's own name for a compiled pattern of 8-bit code units; its header stays out of ours.
+struct pcre2_real_code_8;
+
+namespace monitorservice {
+
+/// A compiled regular expression (Perl syntax, see pcre2pattern(3)) over Unicode text. Immutable, usable from
+/// any thread.
+class Pattern
+{
+public:
+    /// \a options: letters of `imsx`, with the meaning of Perl's modifiers. Throws QueryError with status
+    /// 400, naming \a path, when a letter is unknown or the pattern cannot be compiled.
+    Pattern(std::string_view text, std::string_view options, std::string_view path);
+
+    const std::string& text() const { return m_text; }
+    const std::string& path() const { return m_path; }
+    const pcre2_real_code_8* code() const { return m_code.get(); }
+
+private:
+    struct FreeCode
+    {
+        void operator()(pcre2_real_code_8* code) const;
+    };
+
+    std::string m_text;
+    std::string m_path;
+    std::unique_ptr<pcre2_real_code_8, FreeCode> m_code;
+};
+
+} // namespace monitorservice

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+struct pcre2_real_jit_stack_8;
+struct pcre2_real_match_context_8;
+struct pcre2_real_match_data_8;
+
+namespace monitorservice {
+
+class Pattern;
+
+/// Searches texts for patterns with one budget of steps for all searches. Steps are counted, not time, so the
+/// same query over the same data always has the same answer. For use by one thread.
+class PatternSearch
+{
+public:
+    /// About half a second on a machine of 2020.
+    static constexpr std::uint64_t kDefaultStepBudget = 100'000'000;
+
+    explicit PatternSearch(std::uint64_t stepBudget = kDefaultStepBudget);
+
+    /// Whether \a pattern is found anywhere in \a subject, which is valid UTF-8. Throws QueryError with
+    /// status 422 when the search ends at a limit.
+    bool finds(const Pattern& pattern, std::string_view subject);
+
+private:
+    struct Free
+    {
+        void operator()(pcre2_real_jit_stack_8* stack) const;
+        void operator()(pcre2_real_match_context_8* context) const;
+        void operator()(pcre2_real_match_data_8* data) const;
+    };
+
+    void prepare();
+
+    std::uint64_t m_stepsLeft;
+    std::unique_ptr<pcre2_real_jit_stack_8, Free> m_stack;
+    std::unique_ptr<pcre2_real_match_context_8, Free> m_context;
+    std::unique_ptr<pcre2_real_match_data_8, Free> m_data;
+};
+
+} // namespace monitorservice

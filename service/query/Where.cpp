@@ -1,0 +1,32 @@
+#include "Where.h"
+
+#include "Matcher.h"
+
+#include <algorithm>
+
+namespace monitorservice {
+
+bool Where::matches(simdjson::dom::element document) const
+{
+    return Matcher(*this).matches(document);
+}
+
+bool Where::names(std::string_view path) const
+{
+    return std::any_of(m_conditions.begin(), m_conditions.end(),
+                       [path](const Condition& condition) { return condition.path == path; });
+}
+
+std::pair<Where, Where> Where::split(const std::vector<std::string_view>& paths) const
+{
+    std::pair<Where, Where> parts;
+    parts.first.m_values = m_values;
+    parts.second.m_values = m_values;
+    for (const Condition& condition : m_conditions) {
+        const bool named = std::find(paths.begin(), paths.end(), condition.path) != paths.end();
+        (named ? parts.first : parts.second).m_conditions.push_back(condition);
+    }
+    return parts;
+}
+
+} // namespace monitorservice

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "Condition.h"
+
+#include <simdjson.h>
+
+#include <cstddef>
+#include <memory>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace monitorservice {
+
+/// A parsed where document: a list of conditions that must all hold. Immutable, cheap to copy, usable from
+/// any thread.
+///
+/// The language is described in docs/query-language.md.
+class Where
+{
+public:
+    static constexpr std::size_t kMaximumBytes = 8 * 1024;
+    static constexpr std::size_t kMaximumDepth = 8;
+    static constexpr std::size_t kMaximumListMembers = 1000;
+    static constexpr std::size_t kMaximumPatterns = 32;
+
+    /// The where document that every document matches, `{}`.
+    Where() = default;
+
+    /// Throws QueryError with status 400 when \a json is not a where document.
+    static Where parse(std::string_view json);
+
+    /// Whether \a document matches. The definition of what a where document means; for more than one document
+    /// use a Matcher, whose step budget covers them together. Throws QueryError with status 422 when a
+    /// pattern takes too many steps.
+    bool matches(simdjson::dom::element document) const;
+
+    /// Whether there are no conditions, so that every document matches.
+    bool isEmpty() const { return m_conditions.empty(); }
+
+    /// In the order of the where document; a path with several operators has one condition for each.
+    const std::vector<Condition>& conditions() const { return m_conditions; }
+
+    /// Whether a condition on exactly this path exists.
+    bool names(std::string_view path) const;
+
+    /// The conditions on exactly these paths, and the others: what is asked of a sample apart from what is
+    /// asked of its point.
+    std::pair<Where, Where> split(const std::vector<std::string_view>& paths) const;
+
+private:
+    /// Owns the JSON values that the conditions' operands refer to.
+    std::shared_ptr<const simdjson::dom::document> m_values;
+    std::vector<Condition> m_conditions;
+};
+
+} // namespace monitorservice
