@@ -1,0 +1,93 @@
+#pragma once
+
+#include "RKNetworkExport.h"
+
+#include <QByteArray>
+#include <QNetworkReply>
+#include <QString>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+class QJsonArray;
+class QJsonObject;
+
+/// What is known of one exchange when it is over.
+struct NetworkExchange
+{
+    QByteArray method;
+    QString url;        ///< as sent, without user name and password
+    int httpStatus = 0; ///< 0 when no answer arrived
+    QNetworkReply::NetworkError error = QNetworkReply::NoError;
+    /// For people; empty after success. The "message" of the service's error reply when it has one, else what
+    /// the transport or HTTP has to say. Never holds a token.
+    QString errorText;
+    qint64 bytesReceived = 0; ///< of the body, as they came over the wire
+    qint64 microseconds = 0;  ///< from the call to the end of the exchange
+};
+
+/// The process-wide HTTP client of the monitoring service.
+///
+/// It sends JSON over HTTP/1.1 and is driven by the event loop of the thread that calls it; one thread at a
+/// time may use it. Connections are kept and used again.
+///
+/// URLs are given raw, as text without percent-encoding: the base address of RKBaseApi stands as configured,
+/// and everything after it is encoded so that each character arrives as it was typed (RFC 3986).
+///
+/// A request is sent at most once, except a GET that failed on a kept connection before any byte of an answer
+/// arrived, which is sent once more. Redirects are not followed. An exchange succeeds when the whole answer
+/// arrived with a 2xx status and its body is empty or is JSON (an object or an array); everything else is a
+/// failure with one of Qt's own codes.
+///
+/// Every request returns a reply that has not finished yet, also when it cannot be sent; the reply belongs to
+/// the caller, as a rule to a NetworkEventLoop. Without a QCoreApplication the reply has failed already.
+class RKNETWORK_EXPORT NetworkManager
+{
+public:
+    static NetworkManager& instance();
+
+    /// Starts GET url.
+    QNetworkReply* get(const QString& url);
+    /// Starts POST url with the compact JSON text of the body.
+    QNetworkReply* postJson(const QString& url, const QJsonObject& body);
+    /// Starts POST url with the compact JSON text of the body.
+    QNetworkReply* postJson(const QString& url, const QJsonArray& body);
+    /// Starts PUT url with the compact JSON text of the body.
+    QNetworkReply* putJson(const QString& url, const QJsonObject& body);
+    /// Starts DELETE url, without a body, on a connection of its own.
+    QNetworkReply* deleteResource(const QString& url);
+
+    /// Sets the token that is sent as "Authorization: Bearer TOKEN" (RFC 6750) to the scheme, host and port
+    /// of RKBaseApi's address and to nothing else. Empty text sends none. Returns false, and keeps the token
+    /// it had, when the text holds a control character or one outside ASCII.
+    bool setBearerToken(const QString& token);
+    /// The longest an exchange may take from the call to the last byte; 30 s at first. Zero or less sets no
+    /// limit.
+    void setDeadline(std::chrono::milliseconds deadline);
+    std::chrono::milliseconds deadline() const;
+    /// The longest that finding the host, connecting and the TLS handshake may take; 10 s at first.
+    void setConnectTimeout(std::chrono::milliseconds timeout);
+    /// The largest body accepted, in bytes after decompression; 256 MiB at first.
+    void setMaximumReplySize(qint64 bytes);
+    /// A file of PEM certificates that may sign the service's; empty text for the system's own.
+    void setCaFile(const QString& path);
+    /// A proxy such as "http://proxy.example:3128"; "direct" for none; empty text, as at first, for the one
+    /// that the environment names (http_proxy, https_proxy, no_proxy).
+    void setProxy(const QString& proxy);
+    /// Called once after every exchange, in the thread that began it and before its wait returns. It may
+    /// begin exchanges of its own and wait for them. An empty function takes the observer away.
+    void setObserver(std::function<void(const NetworkExchange&)> observer);
+
+    NetworkManager(const NetworkManager&) = delete;
+    NetworkManager& operator=(const NetworkManager&) = delete;
+
+private:
+    NetworkManager();
+    ~NetworkManager();
+
+    QNetworkReply* send(const QByteArray& method, const QString& url, const QByteArray& body);
+
+    struct Settings;
+    std::unique_ptr<Settings> _settings;
+};

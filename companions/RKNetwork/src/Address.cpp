@@ -1,0 +1,60 @@
+#include "Address.h"
+
+#include <curl/curl.h>
+
+#include <memory>
+
+namespace {
+
+struct FreeUrl
+{
+    void operator()(CURLU* url) const { curl_url_cleanup(url); }
+};
+using Url = std::unique_ptr<CURLU, FreeUrl>;
+
+QByteArray part(const Url& url, CURLUPart which)
+{
+    char* text = nullptr;
+    if (curl_url_get(url.get(), which, &text, CURLU_DEFAULT_PORT) != CURLUE_OK)
+        return {};
+    QByteArray result(text);
+    curl_free(text);
+    return result.toLower();
+}
+
+/// "scheme host port"; empty when the URL cannot be read. libcurl reads it, so that what is compared is where
+/// the request goes.
+QByteArray origin(const QByteArray& text)
+{
+    const Url url(curl_url());
+    if (!url || curl_url_set(url.get(), CURLUPART_URL, text.constData(), CURLU_PATH_AS_IS) != CURLUE_OK)
+        return {};
+    return part(url, CURLUPART_SCHEME) + ' ' + part(url, CURLUPART_HOST) + ' ' + part(url, CURLUPART_PORT);
+}
+
+} // namespace
+
+bool isWebAddress(const QByteArray& url)
+{
+    const QByteArray scheme = url.left(8).toLower();
+    return (scheme.startsWith("http://") || scheme.startsWith("https://")) && !url.contains('\0');
+}
+
+bool haveSameOrigin(const QByteArray& url, const QByteArray& other)
+{
+    const QByteArray first = origin(url);
+    return !first.isEmpty() && first == origin(other);
+}
+
+QString withoutSecrets(const QByteArray& url)
+{
+    const int scheme = url.indexOf("://");
+    if (scheme < 0)
+        return QString::fromUtf8(url);
+    const int begin = scheme + 3;
+    int end = begin;
+    while (end < url.size() && url.at(end) != '/' && url.at(end) != '?' && url.at(end) != '#')
+        ++end;
+    const int at = url.left(end).lastIndexOf('@');
+    return QString::fromUtf8(at < begin ? url : url.left(begin) + url.mid(at + 1));
+}

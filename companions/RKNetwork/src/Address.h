@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+/// True for text that begins with "http://" or "https://" in any case and holds no NUL.
+bool isWebAddress(const QByteArray& url);
+
+/// True when both have the same scheme, host and port (RFC 6454, 5); false when one cannot be read.
+bool haveSameOrigin(const QByteArray& url, const QByteArray& other);
+
+/// The URL without the user name and password before its host.
+QString withoutSecrets(const QByteArray& url);

@@ -1,0 +1,176 @@
+#include "CurlDriver.h"
+
+#include "HttpTransfer.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QPointer>
+#include <QSocketNotifier>
+#include <QThreadStorage>
+
+#include <utility>
+
+CurlDriver* CurlDriver::ofThisThread()
+{
+    // Never freed: libcurl may be used until the last moment of the process.
+    static const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
+    static QThreadStorage<CurlDriver*> drivers; // deletes the main thread's with the QCoreApplication
+    if (initialised != CURLE_OK || !QCoreApplication::instance())
+        return nullptr;
+    if (!drivers.hasLocalData()) {
+        const QEventLoop makesTheDispatcher;  // which notifiers need, and a thread begins without
+        drivers.setLocalData(new CurlDriver); // NOLINT(cppcoreguidelines-owning-memory): the storage owns it
+    }
+    return drivers.localData();
+}
+
+CurlDriver::CurlDriver() : _multi(curl_multi_init())
+{
+    _timer.setSingleShot(true);
+    _timer.setTimerType(Qt::PreciseTimer);
+    connect(&_timer, &QTimer::timeout, this, [this] { act(CURL_SOCKET_TIMEOUT, 0); });
+    curl_multi_setopt(_multi.get(), CURLMOPT_SOCKETFUNCTION, &CurlDriver::onSocket);
+    curl_multi_setopt(_multi.get(), CURLMOPT_SOCKETDATA, this);
+    curl_multi_setopt(_multi.get(), CURLMOPT_TIMERFUNCTION, &CurlDriver::onTimer);
+    curl_multi_setopt(_multi.get(), CURLMOPT_TIMERDATA, this);
+    // Nested waits use one connection each; more idle ones than this are closed.
+    curl_multi_setopt(_multi.get(), CURLMOPT_MAXCONNECTS, 8L);
+}
+
+CurlDriver::~CurlDriver()
+{
+    const QList<HttpTransfer*> unfinished = _running + _finished;
+    for (HttpTransfer* transfer : unfinished) {
+        cancel(transfer);
+        transfer->failWith(QNetworkReply::OperationCanceledError,
+                           QStringLiteral("the application has ended"));
+    }
+    // The watches go before the sockets that closing the connections closes.
+    curl_multi_setopt(_multi.get(), CURLMOPT_SOCKETFUNCTION, nullptr);
+    curl_multi_setopt(_multi.get(), CURLMOPT_TIMERFUNCTION, nullptr);
+    for (const Watch& watch : qAsConst(_watches)) {
+        delete watch.read;
+        delete watch.write;
+    }
+}
+
+void CurlDriver::start(HttpTransfer* transfer)
+{
+    transfer->_driver = this;
+    if (!transfer->prepare() || curl_multi_add_handle(_multi.get(), transfer->_easy.get()) != CURLM_OK) {
+        transfer->failWith(QNetworkReply::UnknownNetworkError,
+                           QStringLiteral("the request cannot be prepared"));
+        startFailed(transfer);
+        return;
+    }
+    _running.append(transfer);
+    // Sends at once what can be sent, instead of after another turn of the event loop.
+    int running = 0;
+    curl_multi_socket_action(_multi.get(), CURL_SOCKET_TIMEOUT, 0, &running);
+    collectFinished();
+    if (!_finished.isEmpty())
+        deliverSoon();
+}
+
+void CurlDriver::startFailed(HttpTransfer* transfer)
+{
+    transfer->_driver = this;
+    _finished.append(transfer);
+    deliverSoon();
+}
+
+void CurlDriver::cancel(HttpTransfer* transfer)
+{
+    if (_running.removeOne(transfer))
+        curl_multi_remove_handle(_multi.get(), transfer->_easy.get());
+    _finished.removeOne(transfer);
+    transfer->_driver = nullptr;
+}
+
+void CurlDriver::act(curl_socket_t socket, int what)
+{
+    int running = 0;
+    curl_multi_socket_action(_multi.get(), socket, what, &running);
+    collectFinished();
+    deliver();
+}
+
+void CurlDriver::collectFinished()
+{
+    int left = 0;
+    while (const CURLMsg* message = curl_multi_info_read(_multi.get(), &left)) {
+        if (message->msg != CURLMSG_DONE)
+            continue;
+        const CURLcode code = message->data.result; // the message is gone once the handle is removed
+        char* owner = nullptr;
+        CURL* easy = message->easy_handle;
+        curl_easy_getinfo(easy, CURLINFO_PRIVATE, &owner);
+        auto* transfer = static_cast<HttpTransfer*>(static_cast<void*>(owner));
+        transfer->settle(code);
+        curl_multi_remove_handle(_multi.get(), easy);
+        _running.removeOne(transfer);
+        _finished.append(transfer);
+    }
+}
+
+void CurlDriver::deliver()
+{
+    const QPointer<CurlDriver> self(this);
+    while (self && !_finished.isEmpty()) {
+        HttpTransfer* transfer = _finished.takeFirst();
+        // Its owner may wait for one of the others, which this loop cannot tell before the owner returns.
+        if (!_finished.isEmpty())
+            deliverSoon();
+        transfer->_driver = nullptr;
+        const std::function<void()> tell =
+            std::move(transfer->_whenFinished); // the transfer may go meanwhile
+        tell();
+    }
+}
+
+void CurlDriver::deliverSoon()
+{
+    QMetaObject::invokeMethod(
+        this, [this] { deliver(); }, Qt::QueuedConnection);
+}
+
+void CurlDriver::watch(curl_socket_t socket, int what)
+{
+    const bool reads = what == CURL_POLL_IN || what == CURL_POLL_INOUT;
+    const bool writes = what == CURL_POLL_OUT || what == CURL_POLL_INOUT;
+    Watch& watch = _watches[socket];
+    if (reads && !watch.read)
+        watch.read = notifier(socket, true);
+    if (writes && !watch.write)
+        watch.write = notifier(socket, false);
+    if (watch.read)
+        watch.read->setEnabled(reads);
+    if (watch.write)
+        watch.write->setEnabled(writes);
+}
+
+QSocketNotifier* CurlDriver::notifier(curl_socket_t socket, bool forReading)
+{
+    // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the parent owns it
+    auto* notifier = new QSocketNotifier(static_cast<qintptr>(socket),
+                                         forReading ? QSocketNotifier::Read : QSocketNotifier::Write, this);
+    const int what = forReading ? CURL_CSELECT_IN : CURL_CSELECT_OUT;
+    connect(notifier, &QSocketNotifier::activated, this, [this, socket, what] { act(socket, what); });
+    return notifier;
+}
+
+int CurlDriver::onSocket(CURL* /*easy*/, curl_socket_t socket, int what, void* driver, void* /*unused*/)
+{
+    static_cast<CurlDriver*>(driver)->watch(socket, what);
+    return 0;
+}
+
+int CurlDriver::onTimer(CURLM* /*multi*/, long milliseconds, void* driver)
+{
+    QTimer& timer = static_cast<CurlDriver*>(driver)->_timer;
+    if (milliseconds < 0)
+        timer.stop();
+    else
+        timer.start(static_cast<int>(milliseconds));
+    return 0;
+}

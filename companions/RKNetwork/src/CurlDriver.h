@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QTimer>
+
+#include <curl/curl.h>
+
+#include <memory>
+
+class HttpTransfer;
+class QSocketNotifier;
+
+/// Runs transfers on the event loop of its thread: libcurl's multi-socket interface (libcurl-multi(3)), a
+/// QSocketNotifier per socket and direction, one timer.
+///
+/// Code of the application never runs from inside libcurl: transfers that are over are queued first, and
+/// their owners told when libcurl has returned. So an owner may start, wait for and delete transfers as it
+/// likes.
+class CurlDriver : public QObject
+{
+public:
+    /// The calling thread's driver; null without a QCoreApplication. It goes with the thread, in the main
+    /// thread with the QCoreApplication, and takes the connections with it.
+    static CurlDriver* ofThisThread();
+
+    ~CurlDriver() override;
+
+    /// Sends a transfer's request. Its owner is told later that it is over, also when it cannot be sent.
+    void start(HttpTransfer* transfer);
+    /// Has a transfer fail later without sending anything; its answer holds the reason already.
+    void startFailed(HttpTransfer* transfer);
+    /// Drops a transfer; its owner is not told.
+    void cancel(HttpTransfer* transfer);
+
+private:
+    struct FreeMulti
+    {
+        void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+    };
+    /// Kept disabled when libcurl is done with a socket: requests on a kept connection use the same ones
+    /// again.
+    struct Watch
+    {
+        QSocketNotifier* read = nullptr;
+        QSocketNotifier* write = nullptr;
+    };
+
+    CurlDriver();
+
+    void act(curl_socket_t socket, int what);
+    void collectFinished();
+    void deliver();
+    void deliverSoon();
+    void watch(curl_socket_t socket, int what);
+    QSocketNotifier* notifier(curl_socket_t socket, bool forReading);
+
+    static int onSocket(CURL* easy, curl_socket_t socket, int what, void* driver, void* unused);
+    static int onTimer(CURLM* multi, long milliseconds, void* driver);
+
+    std::unique_ptr<CURLM, FreeMulti> _multi;
+    QTimer _timer;
+    QHash<curl_socket_t, Watch> _watches;
+    QList<HttpTransfer*> _running;
+    QList<HttpTransfer*> _finished; ///< over, their owners not told yet
+};

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "HttpTransfer.h"
+#include "NetworkManager.h"
+
+#include <QElapsedTimer>
+#include <QJsonDocument>
+#include <QNetworkReply>
+
+#include <functional>
+#include <memory>
+
+using NetworkObserver = std::function<void(const NetworkExchange&)>;
+
+/// The reply of one exchange. It finishes once, when the whole body is there or the exchange failed;
+/// readyRead comes just before finished.
+class HttpReply : public QNetworkReply
+{
+public:
+    /// Sends the request. `observer` is called when the exchange is over, `secret` is kept out of every text.
+    HttpReply(HttpRequest request, NetworkObserver observer, const QByteArray& secret);
+    /// Cancels an exchange that is not over.
+    ~HttpReply() override;
+
+    /// The parsed body: an object or an array, or null when there is none that can be read.
+    const QJsonDocument& document() const { return _document; }
+
+    void abort() override;
+    bool isSequential() const override { return true; }
+    qint64 bytesAvailable() const override;
+
+protected:
+    qint64 readData(char* data, qint64 size) override;
+
+private:
+    void whenTransferFinished();
+    void readAnswer(const HttpAnswer& answer);
+    void fail(NetworkError error, const QString& text);
+    void closeExchange();
+    void report() const;
+    QString statusText(const HttpAnswer& answer) const;
+
+    HttpTransfer _transfer;
+    NetworkObserver _observer;
+    QString _secret;
+    QElapsedTimer _watch;
+    QJsonDocument _document;
+    QByteArray _body;
+    int _readPosition = 0;
+    int _status = 0;
+    qint64 _bytesReceived = 0;
+    QString _errorText;
+};

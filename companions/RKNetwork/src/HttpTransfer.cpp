@@ -1,0 +1,297 @@
+#include "HttpTransfer.h"
+
+#include "CurlDriver.h"
+#include "ErrorTable.h"
+
+#include <new>
+#include <utility>
+
+namespace {
+
+constexpr qint64 maximumHeadSize = 256 * 1024;
+
+QString megabytes(qint64 bytes)
+{
+    return bytes < 1024 * 1024 ? QStringLiteral("%1 bytes").arg(bytes)
+                               : QStringLiteral("%1 MiB").arg(bytes / (1024 * 1024));
+}
+
+} // namespace
+
+QByteArray HttpAnswer::header(const QByteArray& name) const
+{
+    for (const auto& [key, value] : headers) {
+        if (key.compare(name, Qt::CaseInsensitive) == 0)
+            return value;
+    }
+    return {};
+}
+
+HttpTransfer::HttpTransfer(HttpRequest request, std::function<void()> whenFinished)
+    : _request(std::move(request)), _whenFinished(std::move(whenFinished)),
+      _decoder(QByteArray(), _request.maximumReplySize)
+{
+}
+
+HttpTransfer::~HttpTransfer()
+{
+    cancel();
+}
+
+void HttpTransfer::cancel()
+{
+    if (_driver)
+        _driver->cancel(this);
+}
+
+bool HttpTransfer::prepare()
+{
+    _easy.reset(curl_easy_init());
+    CURL* easy = _easy.get();
+    if (!easy || !prepareHeaders())
+        return false;
+    curl_easy_setopt(easy, CURLOPT_PRIVATE, this);
+    curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, _errorText);
+    curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
+    curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1);
+    curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 0L);
+    curl_easy_setopt(easy, CURLOPT_PATH_AS_IS, 1L);
+    curl_easy_setopt(easy, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+    curl_easy_setopt(easy, CURLOPT_TCP_NODELAY, 1L);
+    curl_easy_setopt(easy, CURLOPT_TCP_KEEPALIVE, 1L);
+    // Otherwise aborting a request whose host is still being looked up waits for the answer.
+    curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
+
+    curl_easy_setopt(easy, CURLOPT_PREREQFUNCTION, &HttpTransfer::onSending);
+    curl_easy_setopt(easy, CURLOPT_PREREQDATA, this);
+    curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &HttpTransfer::onHeadLine);
+    curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
+    curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &HttpTransfer::onBody);
+    curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
+    prepareBody();
+    prepareBounds();
+    return curl_easy_setopt(easy, CURLOPT_URL, _request.url.constData()) == CURLE_OK;
+}
+
+void HttpTransfer::prepareBody()
+{
+    CURL* easy = _easy.get();
+    if (!_request.body.isEmpty()) {
+        curl_easy_setopt(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(_request.body.size()));
+        curl_easy_setopt(easy, CURLOPT_POSTFIELDS, _request.body.constData()); // not copied
+    }
+    if (_request.method != "GET")
+        curl_easy_setopt(easy, CURLOPT_CUSTOMREQUEST, _request.method.constData());
+    // A DELETE has no body whose loss would show; on a connection of its own it cannot meet one that the peer
+    // is just closing, and so never fails for that reason alone.
+    if (_request.method == "DELETE")
+        curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, 1L);
+}
+
+void HttpTransfer::prepareBounds()
+{
+    CURL* easy = _easy.get();
+    curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(_request.deadline.count()));
+    curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(_request.connectTimeout.count()));
+    if (!_request.caFile.isEmpty())
+        curl_easy_setopt(easy, CURLOPT_CAINFO, _request.caFile.constData());
+    if (_request.proxy == "direct")
+        curl_easy_setopt(easy, CURLOPT_NOPROXY, "*");
+    else if (!_request.proxy.isEmpty())
+        curl_easy_setopt(easy, CURLOPT_PROXY, _request.proxy.constData());
+}
+
+bool HttpTransfer::prepareHeaders()
+{
+    // "Expect:" takes away libcurl's "Expect: 100-continue", which delays large bodies.
+    QList<QByteArray> lines = {"Accept: application/json", "Accept-Encoding: gzip, deflate", "Expect:"};
+    if (!_request.body.isEmpty())
+        lines.append("Content-Type: application/json");
+    lines += _request.headerLines;
+    for (const QByteArray& line : qAsConst(lines)) {
+        curl_slist* longer = curl_slist_append(_headerList.get(), line.constData());
+        if (!longer)
+            return false;
+        _headerList.release();
+        _headerList.reset(longer);
+    }
+    curl_easy_setopt(_easy.get(), CURLOPT_HTTPHEADER, _headerList.get());
+    return true;
+}
+
+void HttpTransfer::settle(CURLcode code)
+{
+    curl_off_t received = 0;
+    curl_easy_getinfo(_easy.get(), CURLINFO_SIZE_DOWNLOAD_T, &received);
+    _answer.bytesReceived = received;
+
+    const CURLcode last = lastCheck(code);
+    _answer.isWhole = last == CURLE_OK;
+    if (!_answer.isWhole) {
+        const auto error = _stop == Stop::Repeated      ? QNetworkReply::RemoteHostClosedError
+                           : _stop == Stop::OutOfMemory ? QNetworkReply::UnknownNetworkError
+                           : _stop != Stop::None        ? QNetworkReply::ProtocolFailure
+                                                        : errorOfTransport(last);
+        failWith(error, describe(last));
+    }
+}
+
+void HttpTransfer::failWith(QNetworkReply::NetworkError error, const QString& text)
+{
+    _answer.isWhole = false;
+    _answer.body.clear();
+    _answer.error = error;
+    _answer.errorText = text;
+}
+
+/// The checks that libcurl leaves out: a head cut between two lines and compressed data that end too early
+/// pass there as whole.
+CURLcode HttpTransfer::lastCheck(CURLcode code)
+{
+    if (code != CURLE_OK)
+        return code;
+    if (!_headIsWhole)
+        return CURLE_PARTIAL_FILE;
+    const bool hasContent = _answer.status != 204 && _answer.status != 304;
+    if (hasContent && !stopUnlessGood(_decoder.finish()))
+        return CURLE_BAD_CONTENT_ENCODING;
+    return CURLE_OK;
+}
+
+QString HttpTransfer::describe(CURLcode code) const
+{
+    switch (_stop) {
+    case Stop::None:
+        break;
+    case Stop::Repeated:
+        return QStringLiteral("the connection closed without an answer; the request was not sent again");
+    case Stop::TooLarge:
+        return QStringLiteral("the reply is larger than the limit of %1")
+            .arg(megabytes(_request.maximumReplySize));
+    case Stop::Damaged:
+        return QStringLiteral("the compressed reply is damaged or incomplete");
+    case Stop::UnknownEncoding:
+        return QStringLiteral("the reply has an unknown Content-Encoding \"%1\"")
+            .arg(QString::fromLatin1(_answer.header("Content-Encoding")));
+    case Stop::ContradictoryLength:
+        return QStringLiteral("the reply states two different lengths");
+    case Stop::HeadTooLarge:
+        return QStringLiteral("the reply's header is larger than %1").arg(megabytes(maximumHeadSize));
+    case Stop::OutOfMemory:
+        return QStringLiteral("not enough memory for the reply");
+    }
+    if (!_headIsWhole && code == CURLE_PARTIAL_FILE)
+        return QStringLiteral("the connection closed within the reply's header");
+    return QString::fromUtf8(_errorText[0] != '\0' ? _errorText : curl_easy_strerror(code));
+}
+
+int HttpTransfer::onSending(void* transfer, char* /*peer*/, char* /*self*/, int /*peerPort*/,
+                            int /*selfPort*/)
+{
+    auto* self = static_cast<HttpTransfer*>(transfer);
+    const int most = self->_request.method == "GET" ? 2 : 1;
+    if (++self->_timesSent <= most)
+        return CURL_PREREQFUNC_OK;
+    self->_stop = Stop::Repeated;
+    return CURL_PREREQFUNC_ABORT;
+}
+
+size_t HttpTransfer::onHeadLine(char* data, size_t size, size_t count, void* transfer)
+{
+    const size_t bytes = size * count;
+    auto* self = static_cast<HttpTransfer*>(transfer);
+    try {
+        return self->takeHeadLine(data, static_cast<qint64>(bytes)) ? bytes : 0;
+    } catch (const std::bad_alloc&) { // must not pass through libcurl
+        self->_stop = Stop::OutOfMemory;
+        return 0;
+    }
+}
+
+size_t HttpTransfer::onBody(char* data, size_t size, size_t count, void* transfer)
+{
+    const size_t bytes = size * count;
+    auto* self = static_cast<HttpTransfer*>(transfer);
+    try {
+        return self->takeBody(data, static_cast<qint64>(bytes)) ? bytes : 0;
+    } catch (const std::bad_alloc&) { // must not pass through libcurl
+        self->_stop = Stop::OutOfMemory;
+        return 0;
+    }
+}
+
+bool HttpTransfer::takeHeadLine(const char* data, qint64 size)
+{
+    _headSize += size;
+    if (_headSize > maximumHeadSize) {
+        _stop = Stop::HeadTooLarge;
+        return false;
+    }
+    const QByteArray line = QByteArray(data, static_cast<int>(size)).trimmed();
+    if (line.startsWith("HTTP/")) {
+        takeStatusLine(line);
+        return true;
+    }
+    if (_headIsWhole) // a trailer of a chunked body
+        return true;
+    if (!line.isEmpty())
+        return takeHeader(line);
+    // An interim answer (RFC 9110, 15.2) is followed by another head.
+    _headIsWhole = _answer.status >= 200;
+    if (_headIsWhole)
+        _decoder = ContentDecoder(_answer.header("Content-Encoding"), _request.maximumReplySize);
+    return true;
+}
+
+void HttpTransfer::takeStatusLine(const QByteArray& line)
+{
+    const int first = line.indexOf(' ');
+    const int second = line.indexOf(' ', first + 1);
+    _answer.status = line.mid(first + 1, second < 0 ? -1 : second - first - 1).toInt();
+    _answer.reason = second < 0 ? QByteArray() : line.mid(second + 1).trimmed();
+    _answer.headers.clear();
+    _headIsWhole = false;
+}
+
+bool HttpTransfer::takeHeader(const QByteArray& line)
+{
+    const int colon = line.indexOf(':');
+    if (colon < 0)
+        return true;
+    const QByteArray name = line.left(colon).trimmed();
+    const QByteArray value = line.mid(colon + 1).trimmed();
+    // RFC 9112, 6.3: a body whose length is stated twice, and differently, has no length that can be trusted.
+    if (name.compare("Content-Length", Qt::CaseInsensitive) == 0) {
+        const QByteArray earlier = _answer.header(name);
+        if (!earlier.isNull() && earlier != value) {
+            _stop = Stop::ContradictoryLength;
+            return false;
+        }
+    }
+    _answer.headers.append({name, value});
+    return true;
+}
+
+bool HttpTransfer::takeBody(const char* data, qint64 size)
+{
+    return stopUnlessGood(_decoder.write(data, size, _answer.body));
+}
+
+bool HttpTransfer::stopUnlessGood(ContentDecoder::Result result)
+{
+    switch (result) {
+    case ContentDecoder::Result::Good:
+        return true;
+    case ContentDecoder::Result::UnknownEncoding:
+        _stop = Stop::UnknownEncoding;
+        return false;
+    case ContentDecoder::Result::Damaged:
+        _stop = Stop::Damaged;
+        return false;
+    case ContentDecoder::Result::TooLarge:
+        _stop = Stop::TooLarge;
+        return false;
+    }
+    return false;
+}

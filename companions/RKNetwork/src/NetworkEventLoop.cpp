@@ -1,0 +1,113 @@
+#include "NetworkEventLoop.h"
+
+#include "HttpReply.h"
+#include "NetworkManager.h"
+
+#include <QAbstractEventDispatcher>
+#include <QCoreApplication>
+#include <QJsonValue>
+#include <QTimer>
+
+#include <algorithm>
+
+NetworkEventLoop::NetworkEventLoop(QNetworkReply* reply, QObject* parent) : QObject(parent), _reply(reply) {}
+
+NetworkEventLoop::~NetworkEventLoop()
+{
+    // Not deleteLater: many operations in one slot would hold all their replies until it returns.
+    delete _reply.data(); // NOLINT(cppcoreguidelines-owning-memory): handed over by the constructor
+}
+
+int NetworkEventLoop::exec(QEventLoop::ProcessEventsFlags flags)
+{
+    const QPointer<NetworkEventLoop> self(this); // an event may delete the wait, too
+    if (_reply && !_reply->isFinished() && QCoreApplication::instance())
+        runEvents(flags & ~QEventLoop::ProcessEventsFlags(QEventLoop::ExcludeSocketNotifiers));
+    const bool finished = self && _reply && _reply->isFinished();
+    if (self && _reply && !finished)
+        _reply->abort();
+    if (self)
+        readReply();
+    return finished ? 0 : -1;
+}
+
+void NetworkEventLoop::runEvents(QEventLoop::ProcessEventsFlags flags)
+{
+    const QPointer<QNetworkReply> reply = _reply;
+    QEventLoop loop;
+    QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    QObject::connect(reply, &QObject::destroyed, &loop, &QEventLoop::quit);
+
+    // Replies of our own keep their deadline themselves.
+    QTimer deadline;
+    if (!dynamic_cast<HttpReply*>(reply.data()) && NetworkManager::instance().deadline().count() > 0) {
+        QObject::connect(&deadline, &QTimer::timeout, reply.data(), &QNetworkReply::abort);
+        deadline.setSingleShot(true);
+        deadline.start(NetworkManager::instance().deadline());
+    }
+
+    // QEventLoop::exec returns at once, without running a single event, when the thread was told to quit
+    // earlier; nothing public says so, but an event dispatcher that runs emits one of these.
+    bool hasRun = false;
+    const auto noteThatItRuns = [&hasRun] {
+        hasRun = true;
+    };
+    const QAbstractEventDispatcher* dispatcher = QAbstractEventDispatcher::instance();
+    QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, &loop, noteThatItRuns);
+    QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, &loop, noteThatItRuns);
+    loop.exec(flags);
+    if (hasRun)
+        return;
+    while (reply && !reply->isFinished())
+        loop.processEvents(flags | QEventLoop::WaitForMoreEvents);
+}
+
+void NetworkEventLoop::readReply()
+{
+    if (!_reply) {
+        _error = QNetworkReply::OperationCanceledError;
+        return;
+    }
+    _error = _reply->error();
+    if (const auto* own = dynamic_cast<HttpReply*>(_reply.data())) {
+        _body = own->document();
+        return;
+    }
+    const QByteArray text = _reply->readAll();
+    _body = QJsonDocument::fromJson(text);
+    if (_error == QNetworkReply::NoError && !text.isEmpty() && _body.isNull())
+        _error = QNetworkReply::ProtocolFailure;
+}
+
+bool NetworkEventLoop::isSuccessful() const
+{
+    return _error == QNetworkReply::NoError;
+}
+
+QNetworkReply::NetworkError NetworkEventLoop::error() const
+{
+    return _error;
+}
+
+QJsonObject NetworkEventLoop::object() const
+{
+    return _body.object();
+}
+
+QList<QJsonObject> NetworkEventLoop::objectList() const
+{
+    const QJsonArray elements = _body.array();
+    QList<QJsonObject> objects;
+    objects.reserve(elements.size());
+    for (const QJsonValue& element : elements) {
+        if (!element.isObject())
+            return {};
+        objects.append(element.toObject());
+    }
+    return objects;
+}
+
+QJsonArray NetworkEventLoop::array() const
+{
+    return _body.array();
+}
