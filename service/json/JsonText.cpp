@@ -1,0 +1,134 @@
+#include "json/JsonText.h"
+
+#include <array>
+#include <cstdio>
+#include <utility>
+
+namespace monitorservice {
+
+namespace {
+
+void appendEscaped(std::string& out, char character)
+{
+    switch (character) {
+    case '"':
+        out += "\\\"";
+        return;
+    case '\\':
+        out += "\\\\";
+        return;
+    case '\b':
+        out += "\\b";
+        return;
+    case '\f':
+        out += "\\f";
+        return;
+    case '\n':
+        out += "\\n";
+        return;
+    case '\r':
+        out += "\\r";
+        return;
+    case '\t':
+        out += "\\t";
+        return;
+    default:
+        break;
+    }
+    std::array<char, 8> escape{};
+    std::snprintf(escape.data(), escape.size(), "\\u%04x", static_cast<unsigned>(character));
+    out += escape.data();
+}
+
+} // namespace
+
+void appendJsonString(std::string& out, std::string_view text)
+{
+    out += '"';
+    std::size_t plain = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char character = text[i];
+        const bool escape =
+            static_cast<unsigned char>(character) < 0x20 || character == '"' || character == '\\';
+        if (escape) {
+            out.append(text.substr(plain, i - plain));
+            appendEscaped(out, character);
+            plain = i + 1;
+        }
+    }
+    out.append(text.substr(plain));
+    out += '"';
+}
+
+void JsonObjectWriter::begin(std::string_view name)
+{
+    if (m_text.size() > 1) {
+        m_text += ',';
+    }
+    appendJsonString(m_text, name);
+    m_text += ':';
+}
+
+JsonObjectWriter& JsonObjectWriter::text(std::string_view name, std::string_view value)
+{
+    begin(name);
+    appendJsonString(m_text, value);
+    return *this;
+}
+
+JsonObjectWriter& JsonObjectWriter::integer(std::string_view name, std::int64_t value)
+{
+    return json(name, std::to_string(value));
+}
+
+JsonObjectWriter& JsonObjectWriter::boolean(std::string_view name, bool value)
+{
+    return json(name, value ? "true" : "false");
+}
+
+JsonObjectWriter& JsonObjectWriter::null(std::string_view name)
+{
+    return json(name, "null");
+}
+
+JsonObjectWriter& JsonObjectWriter::json(std::string_view name, std::string_view value)
+{
+    begin(name);
+    m_text += value;
+    return *this;
+}
+
+std::string JsonObjectWriter::finish()
+{
+    m_text += '}';
+    return std::move(m_text);
+}
+
+void JsonArrayWriter::begin()
+{
+    if (m_text.size() > 1) {
+        m_text += ',';
+    }
+}
+
+JsonArrayWriter& JsonArrayWriter::json(std::string_view value)
+{
+    begin();
+    m_text += value;
+    return *this;
+}
+
+JsonArrayWriter& JsonArrayWriter::text(std::string_view value)
+{
+    begin();
+    appendJsonString(m_text, value);
+    return *this;
+}
+
+std::string JsonArrayWriter::finish()
+{
+    m_text += ']';
+    return std::move(m_text);
+}
+
+} // namespace monitorservice
