@@ -1,0 +1,34 @@
+#include "store/Instant.h"
+
+#include <date/date.h>
+
+#include <array>
+#include <chrono>
+#include <cstdio>
+
+namespace monitorservice {
+
+Instant systemNow()
+{
+    using std::chrono::milliseconds;
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<milliseconds>(now).count();
+}
+
+std::string isoText(Instant instant)
+{
+    using std::chrono::milliseconds;
+    const date::sys_time<milliseconds> time{milliseconds(instant)};
+    const auto days = date::floor<date::days>(time);
+    const date::year_month_day day(days);
+    const date::hh_mm_ss<milliseconds> clock(time - days);
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ",
+                  static_cast<int>(day.year()), static_cast<unsigned>(day.month()),
+                  static_cast<unsigned>(day.day()), static_cast<int>(clock.hours().count()),
+                  static_cast<int>(clock.minutes().count()), static_cast<int>(clock.seconds().count()),
+                  static_cast<int>(clock.subseconds().count()));
+    return text.data();
+}
+
+} // namespace monitorservice

@@ -1,0 +1,219 @@
+#include "store/SqliteDocuments.h"
+
+#include "query/Matcher.h"
+
+#include <simdjson.h>
+
+#include <algorithm>
+#include <limits>
+#include <variant>
+
+namespace monitorservice {
+
+namespace {
+
+// What a condition becomes in SQL: the rows to look at, and whether each of them is known to match.
+struct Selection
+{
+    std::string sql;
+    std::vector<SqlValue> values;
+    bool exact = true;
+};
+
+Selection select(const DocumentQuery& query, const DocumentTable& table)
+{
+    Selection selection{" FROM " + table.name + " WHERE project = ?", {query.project}, true};
+    if (query.categories) {
+        std::string placeholders;
+        for (const std::string& category : *query.categories) {
+            placeholders += placeholders.empty() ? "?" : ", ?";
+            selection.values.emplace_back(category);
+        }
+        selection.sql += " AND category IN (" + placeholders + ")";
+    }
+    if (query.where != nullptr) {
+        Narrowing narrowing = narrow(*query.where, table.narrowable);
+        selection.sql += " AND (" + narrowing.sql + ")";
+        selection.values.insert(selection.values.end(), narrowing.values.begin(), narrowing.values.end());
+        selection.exact = narrowing.exact;
+    }
+    return selection;
+}
+
+SqliteStatement bound(SqliteConnection& connection, const std::string& sql,
+                      const std::vector<SqlValue>& values)
+{
+    SqliteStatement statement = connection.statement(sql);
+    for (const SqlValue& value : values) {
+        std::visit([&statement](const auto& one) { statement.bindNext(one); }, value);
+    }
+    return statement;
+}
+
+// Asks the matcher about one stored document after another.
+class RowMatcher
+{
+public:
+    explicit RowMatcher(const Where& where) : m_matcher(where) {}
+
+    bool matches(std::string_view document)
+    {
+        simdjson::dom::element element;
+        if (m_parser.parse(document.data(), document.size()).get(element) != simdjson::SUCCESS) {
+            throw StoreError(StoreFailure::InputOutput, "a stored document is damaged");
+        }
+        return m_matcher.matches(element);
+    }
+
+private:
+    simdjson::dom::parser m_parser;
+    Matcher m_matcher;
+};
+
+std::int64_t sqlNumber(std::uint64_t number)
+{
+    constexpr auto largest = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+    return static_cast<std::int64_t>(std::min(number, largest));
+}
+
+} // namespace
+
+std::optional<StoredDocument> SqliteDocuments::find(const std::string& id) const
+{
+    SqliteStatement statement =
+        m_connection.statement("SELECT project, category, document FROM " + m_table.name + " WHERE id = ?");
+    statement.bind(id);
+    if (!statement.step()) {
+        return std::nullopt;
+    }
+    return StoredDocument{id, statement.text(0), statement.text(1), statement.text(2)};
+}
+
+std::uint64_t SqliteDocuments::count(const DocumentQuery& query) const
+{
+    parseOrder(query.order, m_table.sortable);
+    const Selection selection = select(query, m_table);
+    if (selection.exact) {
+        SqliteStatement statement = bound(m_connection, "SELECT count(*)" + selection.sql, selection.values);
+        statement.step();
+        return static_cast<std::uint64_t>(statement.integer(0));
+    }
+    SqliteStatement statement = bound(m_connection, "SELECT document" + selection.sql, selection.values);
+    RowMatcher matcher(*query.where);
+    std::uint64_t matching = 0;
+    while (statement.step()) {
+        matching += matcher.matches(statement.view(0)) ? 1 : 0;
+    }
+    return matching;
+}
+
+void SqliteDocuments::visit(const DocumentQuery& query, const Visitor& visitor) const
+{
+    const std::string order = orderBy(parseOrder(query.order, m_table.sortable), "id");
+    Selection selection = select(query, m_table);
+    if (selection.exact) {
+        selection.values.emplace_back(sqlNumber(query.limit));
+        selection.values.emplace_back(sqlNumber(query.skip));
+        SqliteStatement statement =
+            bound(m_connection, "SELECT document" + selection.sql + " " + order + " LIMIT ? OFFSET ?",
+                  selection.values);
+        while (statement.step()) {
+            visitor(statement.view(0));
+        }
+        return;
+    }
+    SqliteStatement statement =
+        bound(m_connection, "SELECT document" + selection.sql + " " + order, selection.values);
+    RowMatcher matcher(*query.where);
+    std::uint64_t toSkip = query.skip;
+    std::uint64_t toGive = query.limit;
+    while (toGive > 0 && statement.step()) {
+        const std::string_view document = statement.view(0);
+        if (!matcher.matches(document)) {
+            continue;
+        }
+        if (toSkip > 0) {
+            --toSkip;
+            continue;
+        }
+        visitor(document);
+        --toGive;
+    }
+}
+
+void SqliteDocuments::insert(const std::string& project, const std::string& id, const std::string& text)
+{
+    m_connection.statement("INSERT INTO " + m_table.name + " (project, id, document) VALUES (?, ?, ?)")
+        .bind(project, id, text)
+        .run();
+}
+
+void SqliteDocuments::replace(const std::string& project, const std::string& id, const std::string& text)
+{
+    m_connection.statement("UPDATE " + m_table.name + " SET document = ? WHERE project = ? AND id = ?")
+        .bind(text, project, id)
+        .run();
+}
+
+void SqliteDocuments::remove(const std::string& project, const std::string& id)
+{
+    m_connection.statement("DELETE FROM " + m_table.name + " WHERE project = ? AND id = ?")
+        .bind(project, id)
+        .run();
+}
+
+const DocumentTable& cellTable()
+{
+    static const DocumentTable table{
+        "cells",
+        {
+            {"_id", "id", FieldKind::Text, true},
+            {"projectId", "project", FieldKind::Text, true},
+            {"name", "name", FieldKind::Text, true},
+            {"category", "category", FieldKind::Text, true},
+            {"createdAt", "created_at", FieldKind::Time, true},
+            {"createdBy", "created_by", FieldKind::Text, true},
+            {"updatedAt", "updated_at", FieldKind::Time, true},
+            {"updatedBy", "updated_by", FieldKind::Text, true},
+            {"alarmTo", "EXISTS (SELECT 1 FROM json_each(document, '$.alarmTo') WHERE value IN ({}))",
+             FieldKind::TextSet, false},
+            {"links.rId",
+             "EXISTS (SELECT 1 FROM json_each(document, '$.links') AS link WHERE json_extract(link.value, "
+             "'$.rId') IN ({}))",
+             FieldKind::TextSet, false},
+        },
+        {
+            {"_id", "id"},
+            {"name", "name"},
+            {"category", "category"},
+            {"createdAt", "created_at"},
+            {"createdBy", "created_by"},
+            {"updatedAt", "updated_at"},
+            {"updatedBy", "updated_by"},
+        },
+    };
+    return table;
+}
+
+const DocumentTable& subCategoryTable()
+{
+    static const DocumentTable table{
+        "sub_categories",
+        {
+            {"_id", "id", FieldKind::Text, true},
+            {"projectId", "project", FieldKind::Text, true},
+            {"name", "name", FieldKind::Text, true},
+            {"category", "category", FieldKind::Text, true},
+            {"alias", "alias", FieldKind::Text, true},
+        },
+        {
+            {"_id", "id"},
+            {"name", "name"},
+            {"category", "category"},
+            {"alias", "alias"},
+        },
+    };
+    return table;
+}
+
+} // namespace monitorservice

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "store/SqliteConnection.h"
+
+#include <chrono>
+
+namespace monitorservice {
+
+/// Makes an empty database, or one of an earlier version, the current one, step by step in one transaction.
+/// Throws StoreError with StoreFailure::CannotOpen when the file is another application's or of a later version.
+void migrate(SqliteConnection& connection, std::chrono::milliseconds busyTimeout);
+
+} // namespace monitorservice

@@ -1,0 +1,166 @@
+#pragma once
+
+#include "query/Where.h"
+#include "store/Records.h"
+#include "store/StoreError.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace monitorservice {
+
+/// Which documents of a project, in which order, and which page of them.
+struct DocumentQuery
+{
+    std::string project;
+    std::optional<std::vector<std::string>> categories; ///< only these; nothing: every category
+    const Where* where = nullptr;                       ///< null: no condition
+    std::string
+        order; ///< as parseOrder() reads it; ties, and no order at all, are settled by rising identifier
+    std::uint64_t skip = 0;
+    std::uint64_t limit = 0; ///< 0 gives no document; count() reads neither skip nor limit
+};
+
+/// The documents of one kind. Every member may throw StoreError; those with a condition also QueryError.
+class Documents
+{
+public:
+    /// Is given each document's text; the view ends with the call.
+    using Visitor = std::function<void(std::string_view document)>;
+
+    Documents() = default;
+    Documents(const Documents&) = delete;
+    Documents& operator=(const Documents&) = delete;
+    virtual ~Documents() = default;
+
+    virtual std::optional<StoredDocument> find(const std::string& id) const = 0;
+    virtual std::uint64_t count(const DocumentQuery& query) const = 0;
+    virtual void visit(const DocumentQuery& query, const Visitor& visitor) const = 0;
+
+    /// `text` is the whole document; its "_id" and "projectId" are `id` and `project`.
+    virtual void insert(const std::string& project, const std::string& id, const std::string& text) = 0;
+    virtual void replace(const std::string& project, const std::string& id, const std::string& text) = 0;
+    virtual void remove(const std::string& project, const std::string& id) = 0;
+};
+
+class Projects
+{
+public:
+    Projects() = default;
+    Projects(const Projects&) = delete;
+    Projects& operator=(const Projects&) = delete;
+    virtual ~Projects() = default;
+
+    virtual std::optional<Project> find(const std::string& id) const = 0;
+    /// In the order of their identifiers.
+    virtual std::vector<Project> list() const = 0;
+    virtual void insert(const Project& project) = 0;
+};
+
+/// The texts that monitorings are classified by, the same for every project.
+class Categories
+{
+public:
+    Categories() = default;
+    Categories(const Categories&) = delete;
+    Categories& operator=(const Categories&) = delete;
+    virtual ~Categories() = default;
+
+    virtual bool contains(const std::string& category) const = 0;
+    /// In the order in which they were added.
+    virtual std::vector<std::string> list() const = 0;
+    /// False when the category was there already.
+    virtual bool add(const std::string& category) = 0;
+};
+
+class Tokens
+{
+public:
+    Tokens() = default;
+    Tokens(const Tokens&) = delete;
+    Tokens& operator=(const Tokens&) = delete;
+    virtual ~Tokens() = default;
+
+    virtual std::optional<Token> find(const std::string& id) const = 0;
+    /// Expired and revoked ones are found too.
+    virtual std::optional<Token> findBySecretHash(const std::string& sha256) const = 0;
+    /// In the order of their identifiers.
+    virtual std::vector<Token> list() const = 0;
+    virtual void insert(const Token& token, const std::string& sha256) = 0;
+    /// False when there is no such token; a token revoked earlier keeps its first time.
+    virtual bool revoke(const std::string& id, Instant when) = 0;
+};
+
+class Grants
+{
+public:
+    Grants() = default;
+    Grants(const Grants&) = delete;
+    Grants& operator=(const Grants&) = delete;
+    virtual ~Grants() = default;
+
+    virtual std::vector<Grant> ofToken(const std::string& token) const = 0;
+    /// In the order of their identifiers.
+    virtual std::vector<Grant> list() const = 0;
+    /// Adds the rights to the grant of the same token, project and category when there is one; gives the
+    /// identifier of the grant that holds them now.
+    virtual std::string add(const Grant& grant) = 0;
+    /// False when there is no such grant.
+    virtual bool remove(const std::string& id) = 0;
+};
+
+/// One transaction: everything it reads is of one moment, everything it writes comes to be at once with commit(),
+/// or not at all. To be used and destroyed by the thread that began it.
+class Session
+{
+public:
+    Session() = default;
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    /// Undoes what was not committed.
+    virtual ~Session() = default;
+
+    virtual const Documents& cells() const = 0;
+    virtual const Documents& subCategories() const = 0;
+    virtual const Projects& projects() const = 0;
+    virtual const Categories& categories() const = 0;
+    virtual const Tokens& tokens() const = 0;
+    virtual const Grants& grants() const = 0;
+
+    virtual Documents& cells() = 0;
+    virtual Documents& subCategories() = 0;
+    virtual Projects& projects() = 0;
+    virtual Categories& categories() = 0;
+    virtual Tokens& tokens() = 0;
+    virtual Grants& grants() = 0;
+
+    /// The time at which the session began.
+    virtual Instant now() const = 0;
+    /// An identifier greater than every one given before, by whatever process. Lost with the session if that is
+    /// not committed, and given anew then.
+    virtual std::string newIdentifier() = 0;
+    /// Returns when the changes survive a loss of power. The session is over then.
+    virtual void commit() = 0;
+};
+
+/// All that the service keeps. Safe to use from several threads at once.
+class Store
+{
+public:
+    Store() = default;
+    Store(const Store&) = delete;
+    Store& operator=(const Store&) = delete;
+    virtual ~Store() = default;
+
+    /// A session that only reads; it neither waits for writers nor holds them up.
+    virtual std::unique_ptr<const Session> read() = 0;
+    /// A session that may write. There is one at a time: waits for its turn, then StoreFailure::Busy.
+    virtual std::unique_ptr<Session> write() = 0;
+};
+
+} // namespace monitorservice

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace monitorservice {
+
+/// Why the store could not do what was asked.
+enum class StoreFailure
+{
+    Busy,        ///< another writer held the store for longer than the busy timeout; trying again later helps
+    Full,        ///< no room left where the data lie
+    InputOutput, ///< reading or writing failed
+    Conflict,    ///< what should be unique exists already, or what is referred to does not exist
+    CannotOpen,  ///< the data cannot be used at all: missing, not ours, damaged, newer, read-only
+    Internal     ///< anything else: a mistake of the service
+};
+
+/// Thrown by the store; the message is for the operator and may name files, never for a client.
+class StoreError : public std::runtime_error
+{
+public:
+    StoreError(StoreFailure failure, const std::string& message)
+        : std::runtime_error(message), m_failure(failure)
+    {
+    }
+
+    StoreFailure failure() const noexcept { return m_failure; }
+
+private:
+    StoreFailure m_failure;
+};
+
+} // namespace monitorservice
