@@ -1,0 +1,55 @@
+#pragma once
+
+#include "store/Store.h"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace monitorservice {
+
+/// A command that cannot be carried out; the message says why.
+class CommandError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// What every admin command is given.
+struct AdminSettings
+{
+    std::string file; ///< the service's data
+};
+
+/// Adds `admin` with everything below it. The commands run while the line is parsed, write what was asked for to the
+/// standard output, and throw CommandError or StoreError when they fail.
+void addAdminCommand(CLI::App& application);
+
+void addProjectCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);
+void addCategoryCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);
+void addSubCategoryCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);
+void addTokenCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);
+void addGrantCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);
+
+/// Opens the data; makes an empty file where there is none.
+std::unique_ptr<Store> openOrCreate(const AdminSettings& settings);
+/// Opens the data; there must be some.
+std::unique_ptr<Store> openExisting(const AdminSettings& settings);
+
+/// Throws CommandError naming `what` unless the text is UTF-8, not blank, and without control characters.
+void checkText(const std::string& what, const std::string& text);
+
+/// Throws CommandError when there is no such project, or category.
+void checkProject(const Session& session, const std::string& project);
+void checkCategory(const Session& session, const std::string& category);
+
+/// Writes the rows under their titles in aligned columns.
+void printTable(const std::vector<std::string>& titles, const std::vector<std::vector<std::string>>& rows);
+
+/// Adds the flag --json to a command that lists.
+void addJsonFlag(CLI::App& command, bool& json);
+
+} // namespace monitorservice
