@@ -23,10 +23,15 @@ bool equalsIgnoringCase(std::string_view left, std::string_view right)
                       [](char a, char b) { return toLower(a) == toLower(b); });
 }
 
+bool isDigit(char character)
+{
+    return character >= '0' && character <= '9';
+}
+
 bool isAlphanumeric(char character)
 {
     const char lower = toLower(character);
-    return (lower >= 'a' && lower <= 'z') || (character >= '0' && character <= '9');
+    return (lower >= 'a' && lower <= 'z') || isDigit(character);
 }
 
 bool isTokenCharacter(char character)
@@ -77,6 +82,12 @@ std::string_view takeLine(std::string_view& text)
     return line;
 }
 
+bool isVersion(std::string_view text)
+{
+    return text.size() == 8 && text.substr(0, 5) == "HTTP/" && isDigit(text[5]) && text[6] == '.' &&
+           isDigit(text[7]);
+}
+
 /** Reads METHOD SP TARGET SP VERSION into the head; true for HTTP/1.1, false for HTTP/1.0. */
 bool parseRequestLine(std::string_view line, const HttpLimits& limits, RequestHead& head)
 {
@@ -88,7 +99,7 @@ bool parseRequestLine(std::string_view line, const HttpLimits& limits, RequestHe
     const std::string_view target = line.substr(methodEnd + 1, targetEnd - methodEnd - 1);
     const std::string_view version = line.substr(targetEnd + 1);
 
-    if (version.substr(0, 5) != "HTTP/")
+    if (!isVersion(version))
         throw RefusedRequest(400, "the request line does not end in an HTTP version");
     if (version != "HTTP/1.1" && version != "HTTP/1.0")
         throw RefusedRequest(505, "only HTTP/1.1 and HTTP/1.0 are spoken here");
@@ -171,9 +182,7 @@ void checkHost(const std::optional<std::string_view>& host, bool isVersion11)
 /** A length too large for any integer is too large a body, not a malformed length. */
 std::uint64_t parseContentLength(std::string_view text, const HttpLimits& limits)
 {
-    const bool isNumber =
-        !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
-    if (!isNumber)
+    if (text.empty() || !std::all_of(text.begin(), text.end(), isDigit))
         throw RefusedRequest(400, "the field Content-Length is not a number");
     std::uint64_t length = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), length);
