@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QDateTime>
+
+/// The period that every condition begins with.
+struct RKTimePeriod
+{
+    /// True: no restriction in time; `startTime` and `endTime` are not read.
+    bool isAllTime = true;
+    /// First instant of the period (inclusive).
+    QDateTime startTime;
+    /// Last day of the period: it ends before `endTime` plus one calendar day, time of day kept.
+    /// The same midnight as start and end is thus that whole day.
+    QDateTime endTime;
+};

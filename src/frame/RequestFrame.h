@@ -1,0 +1,59 @@
+#pragma once
+
+#include "frame/Companions.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QList>
+#include <QString>
+
+namespace rk {
+
+/// Base address + "monitor-service/" + `pathTemplate`; its markers are the caller's to fill, in their order.
+QString resourceUrl(const char* pathTemplate);
+
+/// The same with "%1" filled with the current project's identifier.
+QString projectUrl(const char* pathTemplate);
+
+/// `url` with its two lowest markers filled with `skip` and `limit`, in decimal, as given.
+QString pagedUrl(const QString& url, int skip, int limit);
+
+/// One request, sent and waited for. The application's events run while it is being made, so nothing that
+/// they may change (a cache entry, say) may be referred to across it.
+class Exchange
+{
+public:
+    static Exchange get(const QString& url);
+    static Exchange post(const QString& url, const QJsonObject& body);
+    static Exchange post(const QString& url, const QJsonArray& body);
+    static Exchange put(const QString& url, const QJsonObject& body);
+    static Exchange deleteResource(const QString& url);
+
+    bool isSuccessful() const { return m_wait.isSuccessful(); }
+    QNetworkReply::NetworkError error() const { return m_wait.error(); }
+    QJsonObject object() const { return m_wait.object(); }
+    QList<QJsonObject> objectList() const { return m_wait.objectList(); }
+    QJsonArray array() const { return m_wait.array(); }
+
+private:
+    explicit Exchange(QNetworkReply* reply);
+
+    NetworkEventLoop m_wait;
+};
+
+/// GET of a counting URL: stores the reply's "count", 0 when it has none.
+bool readCount(const QString& url, int& count);
+
+/// GET of a list: appends `toRecord(object)` for every object of the reply, in its order.
+template <typename Record, typename ToRecord>
+bool appendRecords(const QString& url, QList<Record>& records, ToRecord toRecord)
+{
+    const Exchange exchange = Exchange::get(url);
+    const QList<QJsonObject> objects = exchange.objectList();
+    records.reserve(records.size() + objects.size());
+    for (const QJsonObject& object : objects)
+        records.append(toRecord(object));
+    return exchange.isSuccessful();
+}
+
+} // namespace rk
