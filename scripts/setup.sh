@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that building, testing and running need; what is there already stays as it is.
+#   scripts/setup.sh            what the build, the tests and the demonstration need
+#   scripts/setup.sh --checks   and the tools of the source checks
+set -euo pipefail
+
+packages=(
+  g++ cmake ninja-build pkg-config
+  qtbase5-dev libcurl4-openssl-dev                                  # library and companions
+  libboost1.81-dev libsimdjson-dev libpcre2-dev libsqlitecpp-dev    # service
+  libsqlite3-dev libssl-dev libhowardhinnant-date-dev nlohmann-json3-dev tzdata
+  libcli11-dev                                                      # command lines
+  libgtest-dev libgmock-dev                                         # tests
+)
+if [ "${1:-}" = --checks ]; then
+  packages+=(clang-format-14 clang-tidy-14)
+fi
+
+if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
+  echo "setup: this is not a Debian system. Install what these Debian 12 packages hold, then build with CMake:" >&2
+  printf '  %s\n' "${packages[@]}" >&2
+  exit 1
+fi
+
+missing=()
+for package in "${packages[@]}"; do
+  status=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)
+  [ "$status" = installed ] || missing+=("$package")
+done
+if [ ${#missing[@]} -eq 0 ]; then
+  echo "setup: all ${#packages[@]} packages are installed"
+  exit 0
+fi
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+  command -v sudo >/dev/null || { echo "setup: run as root, or install: ${missing[*]}" >&2; exit 1; }
+  as_root=(sudo)
+fi
+echo "setup: installing ${missing[*]}"
+export DEBIAN_FRONTEND=noninteractive
+"${as_root[@]}" apt-get update -qq
+"${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+echo "setup: done"

@@ -1,0 +1,96 @@
+#include "../../support/LibraryTest.h"
+
+#include <set>
+#include <thread>
+#include <vector>
+
+namespace {
+
+class Facade : public LibraryTest
+{
+};
+
+TEST_F(Facade, InstanceIsOneObjectForAllThreads)
+{
+    std::vector<RKMonitoringData*> seen(8);
+    std::vector<std::thread> threads;
+    for (auto& address : seen)
+        threads.emplace_back([&address] { address = RKMonitoringData::instance(); });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(std::set<RKMonitoringData*>(seen.begin(), seen.end()).size(), 1U);
+    EXPECT_EQ(seen.front(), &data);
+}
+
+TEST_F(Facade, NothingIsSentByItself)
+{
+    data.clear();
+    EXPECT_EQ(server.requestCount(), 0);
+}
+
+TEST_F(Facade, AnUnknownIdFromTheCacheLeavesAnEmptyEntryThatNamesItself)
+{
+    RKMonitoring monitoring;
+    monitoring.name = "before"_q;
+    EXPECT_TRUE(data.getMonitoringById("c1"_q, monitoring, true));
+    EXPECT_TRUE(monitoring.name.isEmpty());
+    EXPECT_TRUE(data.getMonitoringName("c1"_q).isEmpty());
+    EXPECT_EQ(server.requestCount(), 0);
+}
+
+TEST_F(Facade, ClearForgetsMonitoringsAndSubCategories)
+{
+    server.answerJson(200, R"({"_id":"c1","name":"Pit"})");
+    EXPECT_EQ(data.getMonitoringName("c1"_q), "Pit"_q);
+    server.answerJson(200, R"({"_id":"s1","name":"Moisture"})");
+    RKMonitoringSubCategory subCategory;
+    EXPECT_TRUE(data.getSubCategoryById("s1"_q, subCategory));
+
+    data.clear();
+
+    server.answerJson(200, R"({"_id":"c1","name":"Pit, renamed"})");
+    EXPECT_EQ(data.getMonitoringName("c1"_q), "Pit, renamed"_q);
+    server.answerJson(200, R"({"_id":"s1","name":"Moisture, renamed"})");
+    EXPECT_TRUE(data.getSubCategoryById("s1"_q, subCategory));
+    EXPECT_EQ(subCategory.name, "Moisture, renamed"_q);
+    EXPECT_EQ(server.requestCount(), 4);
+}
+
+/// Copies are made of objects that hold one monitoring; the destructor is private, so they are never destroyed
+/// one by one: they live in storage that the test owns.
+class CopiedFacade : public Facade
+{
+protected:
+    CopiedFacade()
+    {
+        server.answerJson(200, R"({"_id":"c1","name":"Pit"})");
+        EXPECT_EQ(data.getMonitoringName("c1"_q), "Pit"_q);
+    }
+};
+
+TEST_F(CopiedFacade, KeepsItsOwnCaches)
+{
+    // Never destroyed, as the destructor is not the application's to call; kept reachable for the leak check.
+    static RKMonitoringData* const copy =
+        new RKMonitoringData(data); // NOLINT(cppcoreguidelines-owning-memory)
+    data.clear();
+    EXPECT_EQ(copy->getMonitoringName("c1"_q), "Pit"_q);
+    copy->clear();
+    server.answerJson(500, "{}");
+    EXPECT_TRUE(copy->getMonitoringName("c1"_q).isEmpty());
+    EXPECT_EQ(server.requestCount(), 2);
+}
+
+TEST_F(CopiedFacade, AssignmentReplacesTheCaches)
+{
+    static RKMonitoringData* const other =
+        new RKMonitoringData(data); // NOLINT(cppcoreguidelines-owning-memory)
+    other->clear();
+    EXPECT_EQ(&(*other = data), other);
+    data.clear();
+    EXPECT_EQ(other->getMonitoringName("c1"_q), "Pit"_q);
+    EXPECT_EQ(server.requestCount(), 1);
+    other->clear();
+}
+
+} // namespace
