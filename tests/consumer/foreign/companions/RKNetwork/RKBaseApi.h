@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QString>
+
+class RKBaseApi
+{
+public:
+    static RKBaseApi& GetInstance();
+    QString getBaseApi() const;
+};

@@ -1,0 +1,7 @@
+#include "RKSoftCache.h"
+
+RKSoftCache* GetSoftCache()
+{
+    static RKSoftCache cache;
+    return &cache;
+}
