@@ -5,6 +5,15 @@ include(GenerateExportHeader)
 
 set(RK_PACKAGE_TEMPLATES "${CMAKE_CURRENT_LIST_DIR}")
 
+# The install tree works wherever it lies: libraries find each other beside themselves, programs in lib.
+if(APPLE)
+  set(RK_ORIGIN "@loader_path")
+else()
+  set(RK_ORIGIN "$ORIGIN")
+endif()
+file(RELATIVE_PATH RK_LIB_FROM_BIN "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+set(CMAKE_INSTALL_RPATH "${RK_ORIGIN}/${RK_LIB_FROM_BIN}")
+
 # rk_library_package(<target>
 #   INCLUDE_DIR <directory whose *.h are the public headers>
 #   DESCRIPTION <one line>
@@ -18,7 +27,8 @@ function(rk_library_package target)
   add_library(${target}::${target} ALIAS ${target})
   set_target_properties(${target} PROPERTIES
     VERSION ${PROJECT_VERSION}
-    SOVERSION ${PROJECT_VERSION_MAJOR})
+    SOVERSION ${PROJECT_VERSION_MAJOR}
+    INSTALL_RPATH "${RK_ORIGIN}")
 
   set(generated "${CMAKE_CURRENT_BINARY_DIR}/include")
   generate_export_header(${target} EXPORT_FILE_NAME "${generated}/${target}Export.h")
@@ -54,6 +64,7 @@ function(rk_library_package target)
 
   set(PACKAGE_DESCRIPTION "${arg_DESCRIPTION}")
   list(JOIN arg_PKG_CONFIG ", " PACKAGE_REQUIRES)
+  file(RELATIVE_PATH PREFIX_FROM_PKG_CONFIG "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
   configure_file("${RK_PACKAGE_TEMPLATES}/package.pc.in" "${CMAKE_CURRENT_BINARY_DIR}/${target}.pc" @ONLY)
   install(FILES "${CMAKE_CURRENT_BINARY_DIR}/${target}.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 endfunction()

@@ -25,7 +25,6 @@ build . "$work/bundled" -DRKMONITORINGDATA_BUILD_TESTS=OFF
 quietly cmake --install "$work/bundled" --prefix "$work/prefix"
 build tests/consumer/example "$work/example" -DCMAKE_PREFIX_PATH="$work/prefix"
 
-export LD_LIBRARY_PATH="$work/prefix/lib:$(cd "$work/prefix" && ls -d "$PWD"/lib/*-linux-gnu 2>/dev/null || true)"
 bin="$work/prefix/bin"
 store="$work/monitoring.db"
 admin() { "$bin/monitor-service" admin --data "$store" "$@"; }
