@@ -3,9 +3,16 @@
 #include <QDateTime>
 #include <QString>
 
+class QJsonObject;
+
+// The constructors from a reply object are the library's own: applications get these records filled.
+
 /// One alarm that a delivery raised for a monitoring. Only ever read.
 struct RKAlarm
 {
+    RKAlarm() = default;
+    explicit RKAlarm(const QJsonObject& object);
+
     QString id;
     /// Identifier of the monitoring.
     QString cellId;
@@ -20,6 +27,9 @@ struct RKAlarm
 /// One point of an alarm. Only ever read.
 struct RKAlarmDetail
 {
+    RKAlarmDetail() = default;
+    explicit RKAlarmDetail(const QJsonObject& object);
+
     QString id;
     /// Identifier of the alarm.
     QString alarmManId;
@@ -51,6 +61,9 @@ struct RKAlarmDetail
 /// The value of an alarm detail's point at one depth. Only ever read.
 struct AlarmThree
 {
+    AlarmThree() = default;
+    explicit AlarmThree(const QJsonObject& object);
+
     QString id;
     /// Identifier of the alarm detail.
     QString detailId;

@@ -9,6 +9,7 @@
 #include "RKMonitoringSubCategory.h"
 #include "RKPointLocation.h"
 
+#include <QDate>
 #include <QList>
 #include <QMap>
 #include <QPair>
@@ -114,6 +115,131 @@ public:
     /// One sub-category: from the sub-category cache, else by GET subCategories/{id}, which caches it under
     /// the identifier that the reply carries.
     bool getSubCategoryById(const QString& id, RKMonitoringSubCategory& subCategory);
+
+    // ---- Point locations --------------------------------------------------------------------------------
+
+    /// Sends points with their samples. POST pointLocations with an array.
+    /// On success each point, as passed (the reply is not read, so without the service's identifier), is
+    /// appended to the point location cache under its `cellId`.
+    bool createPointLocation(const QList<RKPointLocation>& points);
+
+    /// Sends batches of points in one delivery. POST pointLocations with an array of arrays.
+    /// `message` becomes the service's own words when it refused the delivery (HTTP 500), "Connection closed
+    /// prematurely" after an unknown server error, and is left alone otherwise, also on success.
+    /// Caches as the other form.
+    bool createPointLocation(const QList<QList<RKPointLocation>>& batches, QString& message);
+
+    /// Appends the points that match, with their samples. GET projects/{p}/pointLocations?where=…&expand=true.
+    /// `useCache`: when the point location cache has the condition's `cellId`, `points` is replaced by that
+    /// entry without a request, whatever else the condition asks.
+    /// On success of a request every point then in `points` is appended to the cache under its `cellId`: a
+    /// second uncached read of a cell doubles its entry.
+    bool getPointLocation(RKPointLocationCondition& condition, QList<RKPointLocation>& points, bool useCache);
+
+    /// Appends the points that have `uuid` among their relations.
+    /// GET projects/{p}/pointLocations?expand=true&where={"uuid":uuid}. The cache is not touched.
+    bool getPointLocationByGuid(const QString& uuid, QList<RKPointLocation>& points);
+
+    /// Reads one point. GET pointLocations/{pointId}. Pass a fresh record: samples are appended, and
+    /// `subCategoryId`, `alias` and `fileId` are kept. The cache is not touched.
+    bool getPointLocationByPointId(const QString& pointId, RKPointLocation& point);
+
+    /// Reads the point with the newest measured time among those that match.
+    /// GET projects/{p}/pointLocations?where=…&expand=true&order=-data.time&limit=1&skip=0.
+    /// When none matches, `point` is left alone and the result is true. The cache is not touched.
+    bool getPointLocationByTimeOrder(RKPointLocationCondition& condition, RKPointLocation& point);
+
+    /// Replaces the relations of every matching point. PUT pointLocations?where=….
+    /// On success the cached points of the condition's `cellId` whose name is in its `names` get `links`;
+    /// the entry of that cell is made when there is none.
+    bool updatePointLocation(const RKPointLocationCondition& condition,
+                             const QMap<QString, QStringList>& links);
+
+    // ---- Statistics -------------------------------------------------------------------------------------
+
+    /// Reads the statistic over time, by calendar day. GET projects/{p}/normal_statistics?where=…&expand=true.
+    /// A day of the reply replaces that day of `chartData`, of two equal days the later one stands; days that
+    /// the reply lacks stay. A day whose time cannot be read is the null date.
+    bool getNormalPointLocation(const RKPointLocationCondition& condition,
+                                QMap<QDate, QList<RKPointLocationChartData>>& chartData);
+
+    /// The same over depth. GET projects/{p}/depth_statistics?where=…&type=depth&expand=true.
+    bool getDepthPointLocation(const RKPointLocationCondition& condition,
+                               QMap<QDate, QList<RKPointLocationChartData>>& chartData);
+
+    // ---- Groups -----------------------------------------------------------------------------------------
+
+    /// Creates a group in the current project. POST groupSettings.
+    /// On success `group` is the service's view of it and is appended to the group cache under its `cellId`;
+    /// on failure it is emptied.
+    bool createGroup(PointLocSetting& group);
+
+    /// Deletes a group. DELETE groupSettings/{id}.
+    /// On success it is removed from the cached list of the cell that the reply names.
+    bool deleteGroup(const QString& id);
+
+    /// Sends what `updated` changes against `old`. PUT groupSettings/{id of updated} with the changed members.
+    /// Nothing changed: no request, `updated` becomes `old`, true. On success `updated` is the service's view
+    /// of it and replaces the first cached group of its `id` and `cellId`, if there is one; on failure it is
+    /// emptied.
+    bool updateGroup(const PointLocSetting& old, PointLocSetting& updated);
+
+    /// Appends the groups of a category. GET projects/{p}/groupSettings?where={"category":category}.
+    /// The cache is not touched.
+    bool getGroupsByCategory(const QString& category, QList<PointLocSetting>& groups);
+
+    /// Appends the groups of a monitoring. GET cells/{cellId}/groupSettings.
+    /// `useCache`: when the group cache has `cellId`, `groups` is replaced by that entry without a request.
+    /// On success of a request the cache entry becomes what is then in `groups`.
+    bool getGroupsByCellId(const QString& cellId, QList<PointLocSetting>& groups, bool useCache);
+
+    // ---- Data manages and their history -----------------------------------------------------------------
+
+    /// One data manage, from the data manage cache alone: nothing is sent. False, and `dataManage` left alone,
+    /// when no range read has returned it.
+    bool getDataManageById(QString id, RKDataManage& dataManage);
+
+    /// Counts. GET projects/{p}/dataManages?where=…&only_count=true. `count` is 0 after a failure.
+    bool getDataManageRangeCount(const RKDataManageCondition& condition, int& count);
+
+    /// Appends one page. GET projects/{p}/dataManages?where=…&skip={skip}&limit={limit}&expand=true.
+    /// On success every record then in `dataManages` is cached under its `id`.
+    bool getDataManageRangeData(const RKDataManageCondition& condition, int skip, int limit,
+                                QList<RKDataManage>& dataManages);
+
+    /// Deletes a data manage with the points, samples, history and alarms that came with it.
+    /// DELETE dataManages/{id}?cascade=true. The data manage cache keeps it.
+    bool deletePointData(const QString& dataManageId);
+
+    /// Counts deliveries. GET dataManages/{dataManageId}/historyDatas?where=…&only_count=true.
+    /// `count` is 0 after a failure.
+    bool getHistoryRangeCount(const RKHistoryDataCondition& condition, int& count);
+
+    /// Appends one page of deliveries.
+    /// GET dataManages/{dataManageId}/historyDatas?where=…&skip={skip}&limit={limit}.
+    bool getHistoryRangeData(const RKHistoryDataCondition& condition, int skip, int limit,
+                             QList<HistoryData>& history);
+
+    // ---- Alarms -----------------------------------------------------------------------------------------
+
+    /// Counts. GET projects/{p}/alarmManages?where=…&only_count=true. `count` is 0 after a failure.
+    bool getAlarmRangeCount(const RKAlarmCondition& condition, int& count);
+
+    /// Appends one page. GET projects/{p}/alarmManages?where=…&skip={skip}&limit={limit}.
+    bool getAlarmRangeData(const RKAlarmCondition& condition, int skip, int limit, QList<RKAlarm>& alarms);
+
+    /// Counts the details of the alarm `alarmManId`. GET alarmManages/{alarmManId}/alarmDetails?where=…
+    /// &only_count=true. `count` is 0 after a failure.
+    bool getAlarmDetailRangeCount(const RKAlarmDetailCondition& condition, int& count);
+
+    /// Appends one page of details.
+    /// GET alarmManages/{alarmManId}/alarmDetails?where=…&skip={skip}&limit={limit}.
+    bool getAlarmDetailRangeData(const RKAlarmDetailCondition& condition, int skip, int limit,
+                                 QList<RKAlarmDetail>& details);
+
+    /// Appends the values per depth of one alarm detail: all, or those of `depth` when it is not empty.
+    /// GET alarmDetails/{detailId}/threeDetails, with ?where={"depth":"{depth}"} for one depth.
+    bool getAlarmThreeByDetailId(const QString& detailId, const QString& depth, QList<AlarmThree>& depths);
 
 private:
     RKMonitoringData();

@@ -1,12 +1,31 @@
 #include "RKMonitoringData.h"
 
+#include "alarm/AlarmExchanges.h"
+#include "datamanage/DataManageExchanges.h"
 #include "frame/Permissions.h"
+#include "group/GroupExchanges.h"
 #include "monitoring/CategoryExchanges.h"
 #include "monitoring/MonitoringExchanges.h"
+#include "pointlocation/PointLocationExchanges.h"
+#include "pointlocation/StatisticsExchanges.h"
+
+#include <QSet>
+
+#include <algorithm>
 
 // Each member is its cache rule and one exchange. Keys that are needed after an exchange are copied before
 // it: an argument may be a member of the record that the exchange overwrites, or belong to a cache that
 // events change while the request waits.
+
+namespace {
+
+void appendByCell(QMap<QString, QList<RKPointLocation>>& cache, const QList<RKPointLocation>& points)
+{
+    for (const RKPointLocation& point : points)
+        cache[point.cellId].append(point);
+}
+
+} // namespace
 
 RKMonitoringData* RKMonitoringData::instance()
 {
@@ -154,4 +173,217 @@ bool RKMonitoringData::getSubCategoryById(const QString& id, RKMonitoringSubCate
         return false;
     m_subCategories.insert(subCategory.id, subCategory);
     return true;
+}
+
+// ---- Point locations ------------------------------------------------------------------------------------
+
+bool RKMonitoringData::createPointLocation(const QList<RKPointLocation>& points)
+{
+    const QList<RKPointLocation> created = points;
+    if (!rk::createPointLocations(created))
+        return false;
+    appendByCell(m_pointLocations, created);
+    return true;
+}
+
+bool RKMonitoringData::createPointLocation(const QList<QList<RKPointLocation>>& batches, QString& message)
+{
+    const QList<QList<RKPointLocation>> created = batches;
+    if (!rk::createPointLocations(created, message))
+        return false;
+    for (const QList<RKPointLocation>& batch : created)
+        appendByCell(m_pointLocations, batch);
+    return true;
+}
+
+bool RKMonitoringData::getPointLocation(RKPointLocationCondition& condition, QList<RKPointLocation>& points,
+                                        bool useCache)
+{
+    if (useCache) {
+        const auto cached = m_pointLocations.constFind(condition.cellId);
+        if (cached != m_pointLocations.constEnd()) {
+            points = *cached;
+            return true;
+        }
+    }
+    if (!rk::fetchPointLocations(condition, points))
+        return false;
+    // Appended, not replaced: what a cell's entry holds is every point read or created so far.
+    appendByCell(m_pointLocations, points);
+    return true;
+}
+
+bool RKMonitoringData::getPointLocationByGuid(const QString& uuid, QList<RKPointLocation>& points)
+{
+    return rk::fetchPointLocationsByGuid(uuid, points);
+}
+
+bool RKMonitoringData::getPointLocationByPointId(const QString& pointId, RKPointLocation& point)
+{
+    return rk::fetchPointLocation(pointId, point);
+}
+
+bool RKMonitoringData::getPointLocationByTimeOrder(RKPointLocationCondition& condition,
+                                                   RKPointLocation& point)
+{
+    return rk::fetchNewestPointLocation(condition, point);
+}
+
+bool RKMonitoringData::updatePointLocation(const RKPointLocationCondition& condition,
+                                           const QMap<QString, QStringList>& links)
+{
+    const RKPointLocationCondition asked = condition;
+    const QMap<QString, QStringList> newLinks = links;
+    if (!rk::updatePointLocationLinks(asked, newLinks))
+        return false;
+    const QSet<QString> names(asked.names.begin(), asked.names.end());
+    for (RKPointLocation& point : m_pointLocations[asked.cellId])
+        if (names.contains(point.name))
+            point.links = newLinks;
+    return true;
+}
+
+// ---- Statistics -----------------------------------------------------------------------------------------
+
+bool RKMonitoringData::getNormalPointLocation(const RKPointLocationCondition& condition,
+                                              QMap<QDate, QList<RKPointLocationChartData>>& chartData)
+{
+    return rk::fetchNormalStatistics(condition, chartData);
+}
+
+bool RKMonitoringData::getDepthPointLocation(const RKPointLocationCondition& condition,
+                                             QMap<QDate, QList<RKPointLocationChartData>>& chartData)
+{
+    return rk::fetchDepthStatistics(condition, chartData);
+}
+
+// ---- Groups ---------------------------------------------------------------------------------------------
+
+bool RKMonitoringData::createGroup(PointLocSetting& group)
+{
+    if (!rk::createGroup(group))
+        return false;
+    m_groups[group.cellId].append(group);
+    return true;
+}
+
+bool RKMonitoringData::deleteGroup(const QString& id)
+{
+    const QString deleted = id;
+    QString cellId;
+    if (!rk::deleteGroup(deleted, cellId))
+        return false;
+    QList<PointLocSetting>& groups = m_groups[cellId];
+    groups.erase(std::remove_if(groups.begin(), groups.end(),
+                                [&deleted](const PointLocSetting& group) { return group.id == deleted; }),
+                 groups.end());
+    return true;
+}
+
+bool RKMonitoringData::updateGroup(const PointLocSetting& old, PointLocSetting& updated)
+{
+    if (!rk::updateGroup(old, updated))
+        return false;
+    QList<PointLocSetting>& groups = m_groups[updated.cellId];
+    const auto cached = std::find_if(groups.begin(), groups.end(), [&updated](const PointLocSetting& group) {
+        return group.id == updated.id;
+    });
+    if (cached != groups.end())
+        *cached = updated;
+    return true;
+}
+
+bool RKMonitoringData::getGroupsByCategory(const QString& category, QList<PointLocSetting>& groups)
+{
+    return rk::fetchGroupsOfCategory(category, groups);
+}
+
+bool RKMonitoringData::getGroupsByCellId(const QString& cellId, QList<PointLocSetting>& groups, bool useCache)
+{
+    if (useCache) {
+        const auto cached = m_groups.constFind(cellId);
+        if (cached != m_groups.constEnd()) {
+            groups = *cached;
+            return true;
+        }
+    }
+    const QString key = cellId;
+    if (!rk::fetchGroupsOfCell(key, groups))
+        return false;
+    m_groups.insert(key, groups);
+    return true;
+}
+
+// ---- Data manages and their history ---------------------------------------------------------------------
+
+// By value as applications are compiled against it.
+bool RKMonitoringData::getDataManageById(QString id, // NOLINT(performance-unnecessary-value-param)
+                                         RKDataManage& dataManage)
+{
+    const auto cached = m_dataManages.constFind(id);
+    if (cached == m_dataManages.constEnd())
+        return false;
+    dataManage = *cached;
+    return true;
+}
+
+bool RKMonitoringData::getDataManageRangeCount(const RKDataManageCondition& condition, int& count)
+{
+    return rk::countDataManages(condition, count);
+}
+
+bool RKMonitoringData::getDataManageRangeData(const RKDataManageCondition& condition, int skip, int limit,
+                                              QList<RKDataManage>& dataManages)
+{
+    if (!rk::fetchDataManages(condition, skip, limit, dataManages))
+        return false;
+    for (const RKDataManage& dataManage : qAsConst(dataManages))
+        m_dataManages.insert(dataManage.id, dataManage);
+    return true;
+}
+
+bool RKMonitoringData::deletePointData(const QString& dataManageId)
+{
+    return rk::deleteDataManage(dataManageId);
+}
+
+bool RKMonitoringData::getHistoryRangeCount(const RKHistoryDataCondition& condition, int& count)
+{
+    return rk::countHistory(condition, count);
+}
+
+bool RKMonitoringData::getHistoryRangeData(const RKHistoryDataCondition& condition, int skip, int limit,
+                                           QList<HistoryData>& history)
+{
+    return rk::fetchHistory(condition, skip, limit, history);
+}
+
+// ---- Alarms ---------------------------------------------------------------------------------------------
+
+bool RKMonitoringData::getAlarmRangeCount(const RKAlarmCondition& condition, int& count)
+{
+    return rk::countAlarms(condition, count);
+}
+
+bool RKMonitoringData::getAlarmRangeData(const RKAlarmCondition& condition, int skip, int limit,
+                                         QList<RKAlarm>& alarms)
+{
+    return rk::fetchAlarms(condition, skip, limit, alarms);
+}
+
+bool RKMonitoringData::getAlarmDetailRangeCount(const RKAlarmDetailCondition& condition, int& count)
+{
+    return rk::countAlarmDetails(condition, count);
+}
+
+bool RKMonitoringData::getAlarmDetailRangeData(const RKAlarmDetailCondition& condition, int skip, int limit,
+                                               QList<RKAlarmDetail>& details)
+{
+    return rk::fetchAlarmDetails(condition, skip, limit, details);
+}
+
+bool RKMonitoringData::getAlarmThreeByDetailId(const QString& detailId, const QString& depth,
+                                               QList<AlarmThree>& depths)
+{
+    return rk::fetchAlarmDepths(detailId, depth, depths);
 }

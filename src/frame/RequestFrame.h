@@ -44,15 +44,19 @@ private:
 /// GET of a counting URL: stores the reply's "count", 0 when it has none.
 bool readCount(const QString& url, int& count);
 
-/// GET of a list: appends `toRecord(object)` for every object of the reply, in its order.
-template <typename Record, typename ToRecord>
-bool appendRecords(const QString& url, QList<Record>& records, ToRecord toRecord)
+/// GET of a list: appends one record per object of the reply, in its order, each filled by
+/// `fill(object, freshRecord)`.
+template <typename Record, typename Fill>
+bool appendRecords(const QString& url, QList<Record>& records, Fill fill)
 {
     const Exchange exchange = Exchange::get(url);
     const QList<QJsonObject> objects = exchange.objectList();
     records.reserve(records.size() + objects.size());
-    for (const QJsonObject& object : objects)
-        records.append(toRecord(object));
+    for (const QJsonObject& object : objects) {
+        // Filled where it lies: a record may hold thousands of samples.
+        records.append(Record());
+        fill(object, records.last());
+    }
     return exchange.isSuccessful();
 }
 

@@ -21,7 +21,10 @@ bool fetchSubCategories(const QString& category, QList<RKMonitoringSubCategory>&
         projectUrl("projects/%1/subCategories?where=%2").arg(whereEquals(jsonKey("category"), category));
     // Filled aside: the list is cleared only once the answer is there.
     QList<RKMonitoringSubCategory> fetched;
-    const bool successful = appendRecords(url, fetched, subCategoryFromJson);
+    const bool successful =
+        appendRecords(url, fetched, [](const QJsonObject& object, RKMonitoringSubCategory& subCategory) {
+            subCategory = subCategoryFromJson(object);
+        });
     subCategories = fetched;
     return successful;
 }

@@ -16,13 +16,6 @@ QJsonObject bodyOf(const RKMonitoring& monitoring)
     return body;
 }
 
-RKMonitoring freshMonitoring(const QJsonObject& object)
-{
-    RKMonitoring monitoring;
-    monitoringFromJson(object, monitoring);
-    return monitoring;
-}
-
 } // namespace
 
 bool createMonitoring(RKMonitoring& monitoring)
@@ -60,7 +53,8 @@ bool fetchMonitoring(const QString& id, RKMonitoring& monitoring)
 bool fetchMonitoringsOfModel(const QString& modelId, QList<RKMonitoring>& monitorings)
 {
     const QString where = whereEquals(jsonKey("links.rId"), modelId);
-    return appendRecords(projectUrl("projects/%1/cells?where=%2").arg(where), monitorings, freshMonitoring);
+    return appendRecords(projectUrl("projects/%1/cells?where=%2").arg(where), monitorings,
+                         monitoringFromJson);
 }
 
 bool countMonitorings(const RKMonitoringCondition& condition, int& count)
@@ -73,13 +67,14 @@ bool fetchMonitorings(const RKMonitoringCondition& condition, int skip, int limi
                       QList<RKMonitoring>& monitorings)
 {
     const QString url = projectUrl("projects/%1/cells?where=%2&skip=%3&limit=%4").arg(buildWhere(condition));
-    return appendRecords(pagedUrl(url, skip, limit), monitorings, freshMonitoring);
+    return appendRecords(pagedUrl(url, skip, limit), monitorings, monitoringFromJson);
 }
 
 bool fetchMonitoringNames(QList<QPair<QString, QString>>& cells)
 {
-    return appendRecords(projectUrl("projects/%1/cells"), cells, [](const QJsonObject& object) {
-        return qMakePair(object.value(jsonKey("_id")).toString(), object.value(jsonKey("name")).toString());
+    using Cell = QPair<QString, QString>;
+    return appendRecords(projectUrl("projects/%1/cells"), cells, [](const QJsonObject& object, Cell& cell) {
+        cell = {object.value(jsonKey("_id")).toString(), object.value(jsonKey("name")).toString()};
     });
 }
 
