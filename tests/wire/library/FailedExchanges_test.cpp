@@ -55,8 +55,7 @@ TEST_P(FailedExchanges, ErrorStatuses)
 
 TEST_P(FailedExchanges, Redirect)
 {
-    server.answerRaw(
-        {Step::bytes(ScriptServer::httpAnswer(302, GetParam().answer, {"Location: /elsewhere"}))});
+    server.answerRaw({Step::bytes(ScriptServer::httpAnswer(302, "", {"Location: /elsewhere"}))});
     expectFailure();
     expectNextSucceeds();
 }
