@@ -40,6 +40,11 @@ Selection select(const DocumentQuery& query, const DocumentTable& table)
     return selection;
 }
 
+std::vector<OrderTerm> orderOf(const DocumentQuery& query, const DocumentTable& table)
+{
+    return query.order ? parseOrder(*query.order, table.sortable) : std::vector<OrderTerm>();
+}
+
 SqliteStatement bound(SqliteConnection& connection, const std::string& sql,
                       const std::vector<SqlValue>& values)
 {
@@ -91,7 +96,7 @@ std::optional<StoredDocument> SqliteDocuments::find(const std::string& id) const
 
 std::uint64_t SqliteDocuments::count(const DocumentQuery& query) const
 {
-    parseOrder(query.order, m_table.sortable);
+    orderOf(query, m_table); // read for its check alone
     const Selection selection = select(query, m_table);
     if (selection.exact) {
         SqliteStatement statement = bound(m_connection, "SELECT count(*)" + selection.sql, selection.values);
@@ -109,7 +114,7 @@ std::uint64_t SqliteDocuments::count(const DocumentQuery& query) const
 
 void SqliteDocuments::visit(const DocumentQuery& query, const Visitor& visitor) const
 {
-    const std::string order = orderBy(parseOrder(query.order, m_table.sortable), "id");
+    const std::string order = orderBy(orderOf(query, m_table), "id");
     Selection selection = select(query, m_table);
     if (selection.exact) {
         selection.values.emplace_back(sqlNumber(query.limit));

@@ -20,8 +20,8 @@ struct DocumentQuery
     std::string project;
     std::optional<std::vector<std::string>> categories; ///< only these; nothing: every category
     const Where* where = nullptr;                       ///< null: no condition
-    std::string
-        order; ///< as parseOrder() reads it; ties, and no order at all, are settled by rising identifier
+    /// As parseOrder() reads it; ties, and no order at all, are settled by rising identifier.
+    std::optional<std::string> order;
     std::uint64_t skip = 0;
     std::uint64_t limit = 0; ///< 0 gives no document; count() reads neither skip nor limit
 };

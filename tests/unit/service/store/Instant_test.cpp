@@ -1,0 +1,21 @@
+#include "store/Instant.h"
+
+#include <gtest/gtest.h>
+
+namespace monitorservice {
+namespace {
+
+TEST(Instant, IsWrittenWithMillisecondsInUtc)
+{
+    EXPECT_EQ(isoText(0), "1970-01-01T00:00:00.000Z");
+    EXPECT_EQ(isoText(1450679400123), "2015-12-21T06:30:00.123Z");
+    EXPECT_EQ(isoText(951782400000), "2000-02-29T00:00:00.000Z");
+}
+
+TEST(Instant, BeforeTheEpochIsWrittenLikewise)
+{
+    EXPECT_EQ(isoText(-1), "1969-12-31T23:59:59.999Z");
+}
+
+} // namespace
+} // namespace monitorservice
