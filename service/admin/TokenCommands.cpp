@@ -25,7 +25,7 @@ std::optional<Instant> expiry(const std::string& text, Instant now)
     return time->milliseconds;
 }
 
-void createToken(const AdminSettings& settings, Token token, const std::string& expires)
+void createToken(const AdminSettings& settings, Token token, const std::string& expires, bool json)
 {
     checkText("--owner", token.owner);
     if (!token.name.empty()) {
@@ -39,6 +39,10 @@ void createToken(const AdminSettings& settings, Token token, const std::string& 
     const std::string text = newTokenText();
     session->tokens().insert(token, sha256(text));
     session->commit();
+    if (json) {
+        std::cout << JsonObjectWriter().text("_id", token.id).text("token", text).finish() << '\n';
+        return;
+    }
     std::cout << text << '\n';
     std::cerr << "token " << token.id << " of " << token.owner << "; it is not shown again\n";
 }
@@ -112,7 +116,10 @@ void addTokenCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& set
     create->add_option("--name", made->name, "What it is for");
     create->add_option("--expires", *expires, "When it ends, such as 2030-12-31T23:00:00Z")
         ->type_name("TIME");
-    create->callback([settings, made, expires] { createToken(*settings, *made, *expires); });
+    const auto createJson = std::make_shared<bool>(false);
+    create->add_flag("--json", *createJson, "Token and identifier as a JSON object, for scripts");
+    create->callback(
+        [settings, made, expires, createJson] { createToken(*settings, *made, *expires, *createJson); });
 
     CLI::App* const list = command->add_subcommand("list", "Print all tokens without their secrets");
     const auto json = std::make_shared<bool>(false);

@@ -1,0 +1,101 @@
+#include "ServeCommand.h"
+
+#include "api/Api.h"
+#include "http/HttpServer.h"
+#include "http/ListenAddress.h"
+#include "store/SqliteStore.h"
+
+#include <chrono>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace monitorservice {
+
+namespace {
+
+struct ServeSettings
+{
+    std::string file;
+    std::string listen = "127.0.0.1:8600";
+    bool log = false;
+};
+
+bool isLoopback(const std::string& host)
+{
+    return host == "::1" || host.rfind("127.", 0) == 0;
+}
+
+// One line for each request; the query is left out, as its values are nobody else's business.
+HttpHandler logged(HttpHandler handler)
+{
+    return [handler = std::move(handler)](HttpRequest&& request) {
+        const std::string what = request.method + ' ' + request.target.substr(0, request.target.find('?'));
+        const auto begin = std::chrono::steady_clock::now();
+        HttpResponse response = handler(std::move(request));
+        const auto taken = std::chrono::steady_clock::now() - begin;
+        const auto microseconds = std::chrono::duration_cast<std::chrono::microseconds>(taken).count();
+        std::cerr << isoText(systemNow()) + ' ' + what + ' ' + std::to_string(response.status) + ' ' +
+                         std::to_string(response.body.size()) + " B " + std::to_string(microseconds) +
+                         " us\n";
+        return response;
+    };
+}
+
+std::unique_ptr<Store> openStore(const std::string& file)
+{
+    if (!std::filesystem::exists(file)) {
+        std::cerr << "monitor-service: " << file << " does not exist and is made\n";
+    }
+    SqliteStoreOptions options;
+    options.createIfMissing = true;
+    return std::make_unique<SqliteStore>(file, options);
+}
+
+void serve(const ServeSettings& settings)
+{
+    const ListenAddress address = parseListenAddress(settings.listen);
+    if (!isLoopback(address.host)) {
+        std::cerr << "monitor-service: warning: " << address.host
+                  << " can be reached from other machines, and tokens travel unencrypted; put a proxy with "
+                     "TLS before it\n";
+    }
+    const std::unique_ptr<Store> store = openStore(settings.file);
+    const auto counters = std::make_shared<HttpCounters>();
+    const Api api(*store, counters);
+    HttpHandler handler = [&api](HttpRequest&& request) {
+        return api.answer(request);
+    };
+    HttpServer server(address, HttpLimits(), settings.log ? logged(std::move(handler)) : std::move(handler),
+                      counters);
+    const ListenAddress listening{address.host, server.port()};
+    std::cout << "monitor-service listening on http://" << toText(listening) << "/" << std::endl;
+    server.runUntilSignal();
+}
+
+} // namespace
+
+void addServeCommand(CLI::App& application)
+{
+    CLI::App* const command = application.add_subcommand("serve", "Answer requests until SIGTERM or SIGINT");
+    const auto settings = std::make_shared<ServeSettings>();
+    command->add_option("--data", settings->file, "The service's data; made when there is no such file")
+        ->required()
+        ->type_name("FILE")
+        ->envname("MONITOR_SERVICE_DATA");
+    command->add_option("--listen", settings->listen, "IP address and port; port 0 is any free one")
+        ->capture_default_str()
+        ->type_name("ADDRESS:PORT");
+    command->add_flag("--log", settings->log, "A line for each request on the standard error");
+    command->footer(R"(
+Prints "monitor-service listening on http://127.0.0.1:PORT/" when it is ready.
+
+Examples:
+  monitor-service serve --data site.db
+  monitor-service serve --data site.db --listen 127.0.0.1:0 --log)");
+    command->callback([settings] { serve(*settings); });
+}
+
+} // namespace monitorservice

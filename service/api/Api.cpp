@@ -1,0 +1,126 @@
+#include "api/Api.h"
+
+#include "api/ApiError.h"
+#include "api/Metrics.h"
+#include "api/Resources.h"
+#include "query/QueryError.h"
+#include "json/JsonText.h"
+
+#include <iostream>
+#include <utility>
+
+namespace monitorservice {
+
+namespace {
+
+constexpr const char* retryAfterSeconds = "1";
+
+std::vector<Route> allRoutes()
+{
+    std::vector<Route> routes;
+    for (auto&& some : {authRoutes(), cellRoutes(), categoryRoutes(), subCategoryRoutes()}) {
+        routes.insert(routes.end(), some.begin(), some.end());
+    }
+    return routes;
+}
+
+HttpResponse withHeaders(HttpResponse response, const ApiError::Headers& headers)
+{
+    response.headers.insert(response.headers.end(), headers.begin(), headers.end());
+    return response;
+}
+
+// What a client is told of a failure of the store; the operator reads the rest on the standard error.
+HttpResponse answerStoreError(const StoreError& error)
+{
+    switch (error.failure()) {
+    case StoreFailure::Busy:
+        return withHeaders(errorResponse(503, "the store is busy; try again"),
+                           {{"Retry-After", retryAfterSeconds}});
+    case StoreFailure::Full:
+        std::cerr << "monitor-service: " << error.what() << std::endl;
+        return withHeaders(errorResponse(503, "the store has no room left"), {{"Retry-After", "60"}});
+    case StoreFailure::Conflict:
+        return errorResponse(409, "this contradicts what is stored");
+    default:
+        std::cerr << "monitor-service: " << error.what() << std::endl;
+        return errorResponse(500, "the store has failed");
+    }
+}
+
+HttpResponse answerStatus(const char* status)
+{
+    HttpResponse response;
+    response.body = JsonObjectWriter().text("status", status).finish();
+    return response;
+}
+
+} // namespace
+
+Api::Api(Store& store, std::shared_ptr<const HttpCounters> counters)
+    : m_store(store), m_counters(std::move(counters)), m_routes(allRoutes())
+{
+}
+
+HttpResponse Api::answer(const HttpRequest& request) const
+{
+    try {
+        if (request.path.size() > 1 && request.path.front() == "monitor-service") {
+            return answerClient(request);
+        }
+        return answerOperator(request);
+    } catch (const AuthenticationError& error) {
+        return withHeaders(errorResponse(401, error.what()), {{"WWW-Authenticate", "Bearer"}});
+    } catch (const ApiError& error) {
+        return withHeaders(errorResponse(error.status(), error.what()), error.headers());
+    } catch (const QueryError& error) {
+        return errorResponse(static_cast<unsigned>(error.status()), error.what());
+    } catch (const StoreError& error) {
+        return answerStoreError(error);
+    }
+}
+
+HttpResponse Api::answerClient(const HttpRequest& request) const
+{
+    std::unique_ptr<const Session> session = m_store.read();
+    Principal principal = authenticate(*session, request.authorization);
+    RouteMatch match = findRoute(m_routes, request);
+    ApiRequest apiRequest{request, std::move(match.ids), m_store, std::move(session), std::move(principal)};
+    return match.handler(apiRequest);
+}
+
+// What needs no token: whether the service lives, whether it can answer, what it has done.
+HttpResponse Api::answerOperator(const HttpRequest& request) const
+{
+    const std::string name = request.path.size() == 1 ? request.path.front() : std::string();
+    if (name != "healthz" && name != "readyz" && name != "metrics") {
+        throw ApiError(404, "there is no such resource");
+    }
+    if (request.method != "GET") {
+        throw ApiError(405, request.method + " is not possible here, only GET", {{"Allow", "GET"}});
+    }
+    if (name == "metrics") {
+        HttpResponse response;
+        response.contentType = "text/plain; version=0.0.4; charset=utf-8";
+        response.body = metricsText(*m_counters);
+        return response;
+    }
+    if (name == "readyz" && !isReady()) {
+        return withHeaders(errorResponse(503, "the store cannot be read"),
+                           {{"Retry-After", retryAfterSeconds}});
+    }
+    return answerStatus("ok");
+}
+
+bool Api::isReady() const
+{
+    try {
+        m_store.read()->categories().list();
+        return true;
+    } catch (const StoreError& error) {
+        std::cerr << "monitor-service: " << error.what() << std::endl;
+        return false;
+    }
+}
+
+} // namespace monitorservice

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "api/Router.h"
+#include "http/HttpServer.h"
+#include "store/Store.h"
+
+#include <memory>
+
+namespace monitorservice {
+
+/// Answers every request of the service: who asks, for which resource, and each error in its JSON form. Safe to
+/// call from several threads at once.
+class Api
+{
+public:
+    /// The store must outlive the object.
+    Api(Store& store, std::shared_ptr<const HttpCounters> counters);
+
+    HttpResponse answer(const HttpRequest& request) const;
+
+private:
+    HttpResponse answerOperator(const HttpRequest& request) const;
+    HttpResponse answerClient(const HttpRequest& request) const;
+    bool isReady() const;
+
+    Store& m_store;
+    std::shared_ptr<const HttpCounters> m_counters;
+    std::vector<Route> m_routes;
+};
+
+} // namespace monitorservice

@@ -1,0 +1,15 @@
+#include "api/ApiRequest.h"
+
+#include <utility>
+
+namespace monitorservice {
+
+Writing beginWriting(ApiRequest& request)
+{
+    request.session.reset();
+    std::unique_ptr<Session> session = request.store.write();
+    Principal principal = authenticate(*session, request.http.authorization);
+    return {std::move(session), std::move(principal)};
+}
+
+} // namespace monitorservice

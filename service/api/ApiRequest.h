@@ -1,0 +1,34 @@
+#pragma once
+
+#include "admin/Access.h"
+#include "http/HttpMessage.h"
+#include "store/Store.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace monitorservice {
+
+/// A request whose bearer is known and whose resource has been found.
+struct ApiRequest
+{
+    const HttpRequest& http;
+    std::vector<std::string> ids; ///< the path's segments that stand for identifiers, in order
+    Store& store;
+    std::unique_ptr<const Session> session; ///< what is read is of the moment at which the token was checked
+    Principal principal;
+};
+
+/// A request that writes, from its turn to write on.
+struct Writing
+{
+    std::unique_ptr<Session> session;
+    Principal principal;
+};
+
+/// Ends the reading session and waits for the turn to write. The token and its grants are read once more: what was
+/// revoked during the wait is refused.
+Writing beginWriting(ApiRequest& request);
+
+} // namespace monitorservice

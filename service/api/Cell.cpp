@@ -1,0 +1,175 @@
+#include "api/Cell.h"
+
+#include "api/ApiError.h"
+#include "api/JsonBody.h"
+#include "store/StoreError.h"
+#include "json/JsonText.h"
+
+#include <algorithm>
+
+namespace monitorservice {
+
+namespace {
+
+constexpr std::size_t largestBody = 1024 * 1024;
+
+std::vector<std::string> parseTexts(simdjson::dom::element value, const std::string& name)
+{
+    std::vector<std::string> texts;
+    for (const simdjson::dom::element element : arrayOf(value, name)) {
+        texts.push_back(textOf(element, name + "[" + std::to_string(texts.size()) + "]"));
+    }
+    return texts;
+}
+
+void parseLink(simdjson::dom::element value, const std::string& name, CellBody::Links& links)
+{
+    std::optional<std::string> type;
+    std::optional<std::string> identifier;
+    forEachMember(objectOf(value, name), name + ".",
+                  [&](std::string_view member, simdjson::dom::element content) {
+                      const std::string path = name + "." + std::string(member);
+                      if (member == "type") {
+                          type = nonEmptyTextOf(content, path);
+                      } else if (member == "rId") {
+                          identifier = nonEmptyTextOf(content, path);
+                      } else {
+                          throw ApiError(400, "\"" + path + "\" is not a member of a link");
+                      }
+                  });
+    if (!type) {
+        throw ApiError(400, "\"" + name + ".type\" is missing");
+    }
+    links.types.push_back(*type);
+    if (identifier) {
+        links.links.push_back({*type, *identifier});
+    }
+}
+
+CellBody::Links parseLinks(simdjson::dom::element value)
+{
+    CellBody::Links links;
+    std::size_t index = 0;
+    for (const simdjson::dom::element element : arrayOf(value, "links")) {
+        parseLink(element, "links[" + std::to_string(index++) + "]", links);
+    }
+    return links;
+}
+
+template <typename Member>
+bool assign(Member& member, const std::optional<Member>& sent)
+{
+    if (!sent || *sent == member) {
+        return false;
+    }
+    member = *sent;
+    return true;
+}
+
+std::vector<Link> merged(const std::vector<Link>& present, const CellBody::Links& sent)
+{
+    std::vector<Link> links;
+    const auto stays = [&sent](const Link& link) {
+        return std::find(sent.types.begin(), sent.types.end(), link.type) == sent.types.end();
+    };
+    if (!sent.types.empty()) {
+        std::copy_if(present.begin(), present.end(), std::back_inserter(links), stays);
+    }
+    links.insert(links.end(), sent.links.begin(), sent.links.end());
+    return links;
+}
+
+std::string member(simdjson::dom::element object, const char* name)
+{
+    return std::string(object[name].get_string().value());
+}
+
+} // namespace
+
+CellBody parseCellBody(std::string_view json)
+{
+    const JsonBody text(json, largestBody);
+    CellBody body;
+    forEachMember(text.object(), "", [&body](std::string_view name, simdjson::dom::element value) {
+        if (name == "projectId") {
+            body.project = nonEmptyTextOf(value, "projectId");
+        } else if (name == "name") {
+            body.name = nonEmptyTextOf(value, "name");
+        } else if (name == "category") {
+            body.category = textOf(value, "category");
+        } else if (name == "alarmTo") {
+            body.alarmTo = parseTexts(value, "alarmTo");
+        } else if (name == "links") {
+            body.links = parseLinks(value);
+        } else {
+            throw ApiError(400, "\"" + std::string(name) + "\" is not a member that can be set");
+        }
+    });
+    return body;
+}
+
+bool applyTo(Cell& cell, const CellBody& body)
+{
+    bool changed = assign(cell.name, body.name);
+    changed = assign(cell.category, body.category) || changed;
+    changed = assign(cell.alarmTo, body.alarmTo) || changed;
+    if (body.links) {
+        changed = assign(cell.links, std::optional(merged(cell.links, *body.links))) || changed;
+    }
+    return changed;
+}
+
+std::string toDocument(const Cell& cell)
+{
+    JsonArrayWriter alarmTo;
+    for (const std::string& recipient : cell.alarmTo) {
+        alarmTo.text(recipient);
+    }
+    JsonArrayWriter links;
+    for (const Link& link : cell.links) {
+        links.json(JsonObjectWriter().text("type", link.type).text("rId", link.identifier).finish());
+    }
+    return JsonObjectWriter()
+        .text("_id", cell.id)
+        .text("projectId", cell.project)
+        .text("name", cell.name)
+        .text("category", cell.category)
+        .json("alarmTo", alarmTo.finish())
+        .json("links", links.finish())
+        .text("createdAt", cell.createdAt)
+        .text("createdBy", cell.createdBy)
+        .text("updatedAt", cell.updatedAt)
+        .text("updatedBy", cell.updatedBy)
+        .finish();
+}
+
+Cell cellOf(const std::string& document)
+{
+    try {
+        simdjson::dom::parser parser;
+        const simdjson::dom::element object = parser.parse(document);
+        Cell cell;
+        cell.id = member(object, "_id");
+        cell.project = member(object, "projectId");
+        cell.name = member(object, "name");
+        cell.category = member(object, "category");
+        const simdjson::dom::array recipients = object["alarmTo"];
+        for (const simdjson::dom::element recipient : recipients) {
+            cell.alarmTo.emplace_back(recipient.get_string().value());
+        }
+        const simdjson::dom::array links = object["links"];
+        for (const simdjson::dom::element link : links) {
+            cell.links.push_back({member(link, "type"), member(link, "rId")});
+        }
+        cell.createdAt = member(object, "createdAt");
+        cell.createdBy = member(object, "createdBy");
+        cell.updatedAt = member(object, "updatedAt");
+        cell.updatedBy = member(object, "updatedBy");
+        return cell;
+    } catch (const simdjson::simdjson_error& error) {
+        throw StoreError(StoreFailure::InputOutput,
+                         std::string("a stored monitoring is damaged: ") + error.what());
+    }
+}
+
+} // namespace monitorservice

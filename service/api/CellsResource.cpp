@@ -1,0 +1,155 @@
+#include "api/ApiError.h"
+#include "api/Cell.h"
+#include "api/Listing.h"
+#include "api/Parameters.h"
+#include "api/Resources.h"
+
+#include <algorithm>
+
+namespace monitorservice {
+
+namespace {
+
+HttpResponse answerDocument(std::string document, unsigned status = 200)
+{
+    HttpResponse response;
+    response.status = status;
+    response.body = std::move(document);
+    return response;
+}
+
+void requireMember(bool present, const char* name)
+{
+    if (!present) {
+        throw ApiError(400, std::string("\"") + name + "\" is missing");
+    }
+}
+
+void requireCategory(const Session& session, const std::string& category)
+{
+    if (!session.categories().contains(category)) {
+        throw ApiError(400, "\"category\": there is no category \"" + category + "\"");
+    }
+}
+
+// The stored monitoring, if the caller may read it.
+StoredDocument readable(const Session& session, const Principal& principal, const std::string& id)
+{
+    std::optional<StoredDocument> document = session.cells().find(id);
+    if (!document || !principal.may(Right::Read, document->project, document->category)) {
+        throw notFound("monitoring", id);
+    }
+    return std::move(*document);
+}
+
+void requireRight(const Principal& principal, Right right, const std::string& project,
+                  const std::string& category)
+{
+    if (!principal.may(right, project, category)) {
+        throw ApiError(403, "the token may not " + Rights(right).names() + " monitorings of category \"" +
+                                category + "\" in this project");
+    }
+}
+
+void requireMayCreate(const Session& session, const Principal& principal, const CellBody& body)
+{
+    const bool knowsProject = principal.mayAnywhere(Right::Read, *body.project) ||
+                              principal.mayAnywhere(Right::Create, *body.project);
+    if (!knowsProject) {
+        throw notFound("project", *body.project);
+    }
+    requireCategory(session, *body.category);
+    requireRight(principal, Right::Create, *body.project, *body.category);
+}
+
+// POST cells: answers 201 and the whole monitoring.
+HttpResponse createCell(ApiRequest& request)
+{
+    const Parameters parameters(request.http, {});
+    const CellBody body = parseCellBody(request.http.body);
+    requireMember(body.project.has_value(), "projectId");
+    requireMember(body.name.has_value(), "name");
+    requireMember(body.category.has_value(), "category");
+
+    const auto [session, principal] = beginWriting(request);
+    requireMayCreate(*session, principal, body);
+    Cell cell;
+    cell.id = session->newIdentifier();
+    cell.project = *body.project;
+    cell.createdAt = cell.updatedAt = isoText(session->now());
+    cell.createdBy = cell.updatedBy = principal.owner();
+    applyTo(cell, body);
+    std::string document = toDocument(cell);
+    session->cells().insert(cell.project, cell.id, document);
+    session->commit();
+
+    HttpResponse response = answerDocument(std::move(document), 201);
+    response.headers.emplace_back("Location", "/monitor-service/cells/" + cell.id);
+    return response;
+}
+
+// GET cells/{id}
+HttpResponse getCell(ApiRequest& request)
+{
+    const Parameters parameters(request.http, {});
+    return answerDocument(readable(*request.session, request.principal, request.ids[0]).text);
+}
+
+// PUT cells/{id}: changes the members that are sent and answers the whole monitoring. Its times change with its
+// content only.
+HttpResponse updateCell(ApiRequest& request)
+{
+    const Parameters parameters(request.http, {});
+    const CellBody body = parseCellBody(request.http.body);
+
+    const auto [session, principal] = beginWriting(request);
+    StoredDocument stored = readable(*session, principal, request.ids[0]);
+    requireRight(principal, Right::Edit, stored.project, stored.category);
+    if (body.project && *body.project != stored.project) {
+        throw ApiError(400, "\"projectId\": a monitoring stays in its project");
+    }
+    if (body.category && *body.category != stored.category) {
+        requireCategory(*session, *body.category);
+        requireRight(principal, Right::Edit, stored.project, *body.category);
+    }
+    Cell cell = cellOf(stored.text);
+    if (!applyTo(cell, body)) {
+        return answerDocument(std::move(stored.text));
+    }
+    // A clock that was set back does not make a change older than the one before.
+    cell.updatedAt = std::max(isoText(session->now()), cell.updatedAt);
+    cell.updatedBy = principal.owner();
+    std::string document = toDocument(cell);
+    session->cells().replace(cell.project, cell.id, document);
+    session->commit();
+    return answerDocument(std::move(document));
+}
+
+// DELETE cells/{id}: answers what was deleted.
+HttpResponse deleteCell(ApiRequest& request)
+{
+    const Parameters parameters(request.http, {});
+    const auto [session, principal] = beginWriting(request);
+    StoredDocument stored = readable(*session, principal, request.ids[0]);
+    requireRight(principal, Right::Delete, stored.project, stored.category);
+    session->cells().remove(stored.project, stored.id);
+    session->commit();
+    return answerDocument(std::move(stored.text));
+}
+
+// GET projects/{project}/cells: see answerListing().
+HttpResponse listCells(ApiRequest& request)
+{
+    return answerListing(request, request.ids[0], request.session->cells());
+}
+
+} // namespace
+
+std::vector<Route> cellRoutes()
+{
+    return {{{"cells"}, {{"POST", createCell}}},
+            {{"cells", "*"}, {{"GET", getCell}, {"PUT", updateCell}, {"DELETE", deleteCell}}},
+            {{"projects", "*", "cells"}, {{"GET", listCells}}}};
+}
+
+} // namespace monitorservice

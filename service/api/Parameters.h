@@ -1,0 +1,33 @@
+#pragma once
+
+#include "http/HttpMessage.h"
+
+#include <cstdint>
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace monitorservice {
+
+/// The parameters of a request's query. Every member throws ApiError 400 that names the parameter.
+class Parameters
+{
+public:
+    /// Throws for a parameter that is not among `known`, or that is given twice. The request must outlive the object.
+    Parameters(const HttpRequest& request, std::initializer_list<std::string_view> known);
+
+    /// Null when it is absent.
+    const std::string* text(std::string_view name) const;
+    /// Throws when it is absent.
+    const std::string& requiredText(std::string_view name) const;
+    /// Decimal digits and nothing else.
+    std::optional<std::uint64_t> number(std::string_view name) const;
+    /// "true" or "false"; false when it is absent.
+    bool flag(std::string_view name) const;
+
+private:
+    const HttpRequest& m_request;
+};
+
+} // namespace monitorservice

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "api/Router.h"
+
+namespace monitorservice {
+
+/// The routes of each resource, one file for each.
+std::vector<Route> authRoutes();
+std::vector<Route> cellRoutes();
+std::vector<Route> categoryRoutes();
+std::vector<Route> subCategoryRoutes();
+
+} // namespace monitorservice
