@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <exception>
 #include <iostream>
 #include <mutex>
 #include <thread>
@@ -23,9 +24,9 @@ using boost::system::error_code;
 
 namespace {
 
-/** Connections beyond the limit that are still told so; any further one is closed without a word. */
+/// Connections beyond the limit that are still told so; any further one is closed without a word.
 constexpr std::size_t mostRefusals = 64;
-/** Descriptors for everything that is not a connection. */
+/// Descriptors for everything that is not a connection.
 constexpr std::size_t otherDescriptors = 64;
 
 HttpLimits withinDescriptors(HttpLimits limits)
@@ -36,7 +37,7 @@ HttpLimits withinDescriptors(HttpLimits limits)
     return limits;
 }
 
-/** How often deadlines are looked at: often enough that none is exceeded by much. */
+/// How often deadlines are looked at: often enough that none is exceeded by much.
 std::chrono::milliseconds watchInterval(const HttpLimits& limits)
 {
     const auto shortest = std::min({limits.idleDeadline, limits.headerDeadline, limits.bodyDeadline,
@@ -114,7 +115,7 @@ public:
         std::call_once(m_joined, [this] {
             m_thread.join();
             m_sessions.onDrained = nullptr;
-            // Requests that no worker has taken up have lost their connection; only those that run are waited for.
+            // Requests that no worker has taken up have lost their connection; running ones are waited for.
             m_sessions.workers.stop();
             m_sessions.workers.join();
         });
@@ -149,7 +150,7 @@ private:
         });
     }
 
-    /** No descriptor is free, for instance: asking again at once would ask in a circle. */
+    /// No descriptor is free, for instance: asking again at once would ask in a circle.
     void acceptLater()
     {
         m_acceptPause.expires_after(std::chrono::milliseconds(50));
@@ -225,8 +226,13 @@ HttpServer::HttpServer(const ListenAddress& address, const HttpLimits& limits, H
 
 HttpServer::~HttpServer()
 {
-    stop();
-    join();
+    try {
+        stop();
+        join();
+    } catch (...) {
+        // A server that cannot be stopped would go on using what its owner destroys next.
+        std::terminate();
+    }
 }
 
 std::uint16_t HttpServer::port() const

@@ -20,7 +20,7 @@ namespace {
 
 constexpr std::size_t smallestRead = 2 * 1024;
 constexpr std::size_t largestRead = 64 * 1024;
-/** A chunk's line with its extensions, or the trailer fields after the last chunk. */
+/// A chunk's line with its extensions, or the trailer fields after the last chunk.
 constexpr std::size_t longestChunkLine = 16 * 1024;
 
 std::string_view textOf(const boost::beast::flat_buffer& buffer)
@@ -28,7 +28,7 @@ std::string_view textOf(const boost::beast::flat_buffer& buffer)
     return {static_cast<const char*>(buffer.data().data()), buffer.size()};
 }
 
-/** One line of the log, whatever bytes a message has. */
+/// One line of the log, whatever bytes a message has.
 void logFailure(const std::string& method, std::string_view target, std::string_view reason)
 {
     // The query is left out: what was asked for is no business of a log.
@@ -46,7 +46,7 @@ bool isSendable(std::string_view text)
     return std::none_of(text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
 }
 
-/** A handler's answer that would break the framing becomes a 500. */
+/// A handler's answer that would break the framing becomes a 500.
 HttpResponse checked(HttpResponse&& response, const RequestHead& head)
 {
     const bool isSound =
@@ -58,6 +58,15 @@ HttpResponse checked(HttpResponse&& response, const RequestHead& head)
         return std::move(response);
     logFailure(head.method, head.target, "its answer has a bad status or header");
     return errorResponse(500, "internal error");
+}
+
+/// What a header that does not end within its limit is refused with.
+RefusedRequest tooLarge(std::string_view head)
+{
+    const std::string limit = " than " + std::to_string(head.size()) + " bytes";
+    if (head.find('\n') == std::string_view::npos)
+        return {414, "the address is longer" + limit};
+    return {431, "the header is larger" + limit};
 }
 
 } // namespace
@@ -209,7 +218,7 @@ void HttpSession::readHead()
         const std::optional<std::size_t> end = findHeadEnd(text, m_headExamined);
         const std::size_t largest = m_sessions.limits.largestHeader;
         if (end ? *end > largest : text.size() >= largest)
-            throw RefusedRequest(431, "the header is larger than " + std::to_string(largest) + " bytes");
+            throw tooLarge(text.substr(0, largest));
         if (!end)
             return readMore(&HttpSession::readHead);
         takeHead(text.substr(0, *end));
@@ -388,10 +397,8 @@ void HttpSession::written(const error_code& error, std::size_t size)
         linger();
 }
 
-/**
- * Closes without losing the answer: were the socket closed while bytes of the client are unread, the system would reset the
- * connection and the client might never see what was sent (RFC 9112, section 9.6).
- */
+/// Closes without losing the answer: were the socket closed while bytes of the client are unread, the system
+/// would reset the connection and the client might never see what was sent (RFC 9112, section 9.6).
 void HttpSession::linger()
 {
     error_code error;

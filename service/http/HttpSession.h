@@ -16,6 +16,7 @@
 #include <boost/beast/http/serializer.hpp>
 #include <boost/beast/http/string_body.hpp>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <ctime>
@@ -29,13 +30,14 @@ namespace monitorservice {
 
 class HttpSession;
 
-/** What all sessions of one server share. Members but io, workers and counters belong to the thread that runs io. */
+/// What all sessions of one server share. Members but io, workers and counters belong to the thread that runs
+/// io.
 struct HttpSessions
 {
     HttpSessions(const HttpLimits& theLimits, HttpHandler theHandler,
                  std::shared_ptr<HttpCounters> theCounters)
         : limits(theLimits), handler(std::move(theHandler)), counters(std::move(theCounters)),
-          workers(theLimits.workerThreads)
+          workers(std::max<std::size_t>(theLimits.workerThreads, 1))
     {
     }
 
@@ -44,12 +46,12 @@ struct HttpSessions
     std::shared_ptr<HttpCounters> counters;
     std::unordered_set<HttpSession*> open;
     bool isStopping = false;
-    /** Called when the last session has gone while stopping. */
+    /// Called when the last session has gone while stopping.
     std::function<void()> onDrained;
     boost::asio::io_context io{1};
     boost::asio::thread_pool workers;
 
-    /** The Date field's value, made once a second. */
+    /// The Date field's value, made once a second.
     const std::string& currentDate();
 
 private:
@@ -57,7 +59,7 @@ private:
     std::string m_date;
 };
 
-/** A body that grows as its bytes arrive: memory is never taken on the word of a Content-Length. */
+/// A body that grows as its bytes arrive: memory is never taken on the word of a Content-Length.
 struct GrowingBody
 {
     using value_type = std::string;
@@ -94,10 +96,8 @@ struct GrowingBody
     };
 };
 
-/**
- * One connection. It lives as long as something is under way on it, and holds no buffer while it is idle. Requests are taken
- * one after the other, so pipelined ones are answered in order.
- */
+/// One connection. It lives as long as something is under way on it, and holds no buffer while it is idle.
+/// Requests are taken one after the other, so pipelined ones are answered in order.
 class HttpSession : public std::enable_shared_from_this<HttpSession>
 {
 public:
@@ -108,13 +108,13 @@ public:
     HttpSession(const HttpSession&) = delete;
     HttpSession& operator=(const HttpSession&) = delete;
 
-    /** Waits for requests. */
+    /// Waits for requests.
     void start();
-    /** Answers this instead of reading a request, and closes. */
+    /// Answers this instead of reading a request, and closes.
     void refuse(const RefusedRequest& refusal);
-    /** Ends what is overdue; called at short intervals. */
+    /// Ends what is overdue; called at short intervals.
     void checkDeadline(Clock::time_point now);
-    /** Closes the connection if no request has begun. */
+    /// Closes the connection if no request has begun.
     void closeIfIdle();
     void close();
 

@@ -5,7 +5,7 @@
 
 namespace monitorservice {
 
-/** A request that is answered with an error before any handler sees it; what() is the answer's message. */
+/// A request that is answered with an error before any handler sees it; what() is the answer's message.
 class RefusedRequest : public std::runtime_error
 {
 public:

@@ -71,7 +71,7 @@ std::string_view trimmed(std::string_view text)
     return text;
 }
 
-/** Takes one line off the text, without its CRLF; a CR or LF within it is refused. */
+/// Takes one line off the text, without its CRLF; a CR or LF within it is refused.
 std::string_view takeLine(std::string_view& text)
 {
     const std::size_t end = text.find(lineEnd);
@@ -88,7 +88,7 @@ bool isVersion(std::string_view text)
            isDigit(text[7]);
 }
 
-/** Reads METHOD SP TARGET SP VERSION into the head; true for HTTP/1.1, false for HTTP/1.0. */
+/// Reads METHOD SP TARGET SP VERSION into the head; true for HTTP/1.1, false for HTTP/1.0.
 bool parseRequestLine(std::string_view line, const HttpLimits& limits, RequestHead& head)
 {
     const std::size_t methodEnd = line.find(' ');
@@ -112,7 +112,7 @@ bool parseRequestLine(std::string_view line, const HttpLimits& limits, RequestHe
     return version == "HTTP/1.1";
 }
 
-/** The fields that may stand once at most and matter here, by their place in the header. */
+/// The fields that may stand once at most and matter here, by their place in the header.
 struct SingleFields
 {
     std::optional<std::string_view> host, contentLength, transferEncoding, authorization, contentType,
@@ -179,7 +179,7 @@ void checkHost(const std::optional<std::string_view>& host, bool isVersion11)
         throw RefusedRequest(400, "the field Host is not a host and port");
 }
 
-/** A length too large for any integer is too large a body, not a malformed length. */
+/// A length too large for any integer is too large a body, not a malformed length.
 std::uint64_t parseContentLength(std::string_view text, const HttpLimits& limits)
 {
     if (text.empty() || !std::all_of(text.begin(), text.end(), isDigit))

@@ -44,7 +44,7 @@ std::string percentDecoded(std::string_view text)
     return decoded;
 }
 
-/** Calls take with each piece between the delimiters, empty ones included. */
+/// Calls take with each piece between the delimiters, empty ones included.
 template <typename Take>
 void split(std::string_view text, char delimiter, Take take)
 {

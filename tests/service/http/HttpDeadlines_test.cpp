@@ -11,7 +11,7 @@ using std::chrono::milliseconds;
 
 namespace {
 
-/** Sends a piece again and again until the server has had enough; the answer is read afterwards. */
+/// Sends a piece again and again until the server has had enough; the answer is read afterwards.
 void sendUntilRefused(RawClient& client, const HttpServer& server, const std::string& piece)
 {
     while (server.counters().answers[4] == 0 && client.send(piece))

@@ -22,7 +22,7 @@ TEST(HttpMessage, ErrorAnswerIsJson)
 TEST(HttpMessage, ErrorAnswerEscapesItsMessage)
 {
     EXPECT_EQ(errorResponse(400, "a \"b\" \\ \n\x01 沉").body,
-              R"({"message":"a \"b\" \\ \u000a\u0001 沉","status":400})");
+              R"({"message":"a \"b\" \\ \n\u0001 沉","status":400})");
 }
 
 TEST(HttpMessage, UnavailableSaysWhenToTryAgain)

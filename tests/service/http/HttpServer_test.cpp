@@ -252,7 +252,8 @@ TEST(HttpServer, AnAnswerThatWouldBreakTheFramingBecomesA500)
 
 TEST(HttpServer, SendsALargeAnswerWhole)
 {
-    std::string large(40'000'000, '\0');
+    std::string large;
+    large.resize(40'000'000);
     for (std::size_t i = 0; i < large.size(); ++i)
         large[i] = static_cast<char>('a' + i % 23);
     const HttpServer server = serve({}, [&large](HttpRequest&&) {
@@ -287,15 +288,18 @@ TEST(HttpServer, AClientThatLeavesInTheMiddleOfAnAnswerIsForgotten)
 TEST(HttpServer, AClientThatLeavesInTheMiddleOfARequestIsForgotten)
 {
     const HttpServer server = serve();
+    const std::string whole = post("/", "body");
     for (const std::string& part :
-         {std::string("GET / HT"), post("/", "body").substr(0, 60), std::string()}) {
+         {std::string("GET / HT"), whole.substr(0, whole.size() - 1), std::string()}) {
         RawClient(server.port()).send(part);
         RawClient client(server.port());
         client.send(part);
         client.reset();
     }
+    // Connections are accepted in order: once this one is answered, the others have been seen.
+    EXPECT_EQ(ask(server, get("/")).status, 200U);
     waitUntil([&server] { return server.counters().openConnections == 0; });
-    EXPECT_EQ(server.counters().requests, 0U);
+    EXPECT_EQ(server.counters().requests, 1U);
 }
 
 TEST(HttpServer, ARequestCutShortIsToldSo)
@@ -345,6 +349,7 @@ TEST(HttpServer, AnswersManyClientsAtOnce)
 {
     const HttpServer server = serve();
     std::vector<std::future<int>> clients;
+    clients.reserve(16);
     for (int client = 0; client < 16; ++client) {
         clients.push_back(std::async(std::launch::async, [&server, client] {
             RawClient connection(server.port());

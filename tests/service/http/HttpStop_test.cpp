@@ -13,7 +13,7 @@ using std::chrono::milliseconds;
 
 namespace {
 
-/** A handler that answers /held only when it is released. */
+/// A handler that answers /held only when it is released.
 class Gate
 {
 public:

@@ -20,7 +20,7 @@
 
 namespace monitorservice::test {
 
-/** One answer as it came over the wire. */
+/// One answer as it came over the wire.
 struct RawAnswer
 {
     std::string statusLine;
@@ -29,11 +29,11 @@ struct RawAnswer
     std::string body;
 };
 
-/** A blocking connection to 127.0.0.1 that sends any bytes and shows what came back. */
+/// A blocking connection to 127.0.0.1 that sends any bytes and shows what came back.
 class RawClient
 {
 public:
-    /** A small receive buffer makes a large answer wait for this client. */
+    /// A small receive buffer makes a large answer wait for this client.
     explicit RawClient(std::uint16_t port, int receiveBuffer = 0)
         : m_socket(::socket(AF_INET, SOCK_STREAM, 0))
     {
@@ -66,7 +66,7 @@ public:
     RawClient& operator=(const RawClient&) = delete;
     RawClient& operator=(RawClient&&) = delete;
 
-    /** False when the server has closed the connection. */
+    /// False when the server has closed the connection.
     bool send(std::string_view bytes)
     {
         while (!bytes.empty()) {
@@ -87,7 +87,7 @@ public:
         m_socket = -1;
     }
 
-    /** Closes with a reset, as a client that crashes may. */
+    /// Closes with a reset, as a client that crashes may.
     void reset()
     {
         const linger immediately{1, 0};
@@ -95,7 +95,7 @@ public:
         close();
     }
 
-    /** Reads one answer with a Content-Length, or without a body (hasBody false, for HEAD). */
+    /// Reads one answer with a Content-Length, or without a body (hasBody false, for HEAD).
     RawAnswer readAnswer(bool hasBody = true)
     {
         RawAnswer answer;
@@ -117,7 +117,7 @@ public:
         return answer;
     }
 
-    /** True when nothing has been left unread and the server ends the connection; waits for that. */
+    /// True when nothing has been left unread and the server ends the connection; waits for that.
     bool isEnded()
     {
         try {

@@ -12,7 +12,7 @@ using testing::Pair;
 
 namespace {
 
-/** The status the target is refused with; 0 when it is accepted. */
+/// The status the target is refused with; 0 when it is accepted.
 unsigned refusal(std::string_view target)
 {
     try {

@@ -11,7 +11,7 @@
 
 namespace monitorservice::test {
 
-/** Answers with what it was asked: one line each for method, target and authorization, then the body. */
+/// Answers with what it was asked: one line each for method, target and authorization, then the body.
 inline HttpResponse echo(HttpRequest&& request)
 {
     HttpResponse response;
@@ -26,7 +26,7 @@ inline std::string echoed(const std::string& method, const std::string& target, 
     return method + "\n" + target + "\nnone\n" + body;
 }
 
-/** A server on a free port of 127.0.0.1. */
+/// A server on a free port of 127.0.0.1.
 inline HttpServer serve(const HttpLimits& limits = {}, HttpHandler handler = echo)
 {
     return HttpServer(ListenAddress{}, limits, std::move(handler));
@@ -49,7 +49,7 @@ inline std::string postChunked(const std::string& target, const std::string& chu
     return "POST " + target + " HTTP/1.1\r\nHost: localhost\r\nTransfer-Encoding: chunked\r\n\r\n" + chunks;
 }
 
-/** Sends the bytes on a connection of their own and reads one answer. */
+/// Sends the bytes on a connection of their own and reads one answer.
 inline RawAnswer ask(const HttpServer& server, std::string_view bytes)
 {
     RawClient client(server.port());
@@ -57,7 +57,7 @@ inline RawAnswer ask(const HttpServer& server, std::string_view bytes)
     return client.readAnswer();
 }
 
-/** Waits until the condition holds, for as long as the test runner lets the test run. */
+/// Waits until the condition holds, for as long as the test runner lets the test run.
 inline void waitUntil(const std::function<bool()>& condition)
 {
     while (!condition())
