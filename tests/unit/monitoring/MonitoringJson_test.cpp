@@ -1,24 +1,17 @@
 #include "monitoring/MonitoringJson.h"
 
+#include "../../support/Json.h"
 #include "../../support/Text.h"
 
 #include <RKSoftCache.h>
-
-#include <QJsonArray>
-#include <QJsonDocument>
 
 #include <gtest/gtest.h>
 
 namespace {
 
-QJsonObject json(const char* text)
-{
-    return QJsonDocument::fromJson(text).object();
-}
-
 RKMonitoring read(const char* text, RKMonitoring record = {})
 {
-    rk::monitoringFromJson(json(text), record);
+    rk::monitoringFromJson(jsonObject(text), record);
     return record;
 }
 
@@ -26,7 +19,7 @@ QString written(const RKMonitoring& record)
 {
     QJsonObject body;
     rk::monitoringToJson(record, body);
-    return QString::fromUtf8(QJsonDocument(body).toJson(QJsonDocument::Compact));
+    return compact(body);
 }
 
 class MonitoringJson : public testing::Test

@@ -56,8 +56,7 @@ TEST_F(Facade, ClearForgetsMonitoringsAndSubCategories)
     EXPECT_EQ(server.requestCount(), 4);
 }
 
-/// Copies are made of objects that hold one monitoring; the destructor is private, so they are never destroyed
-/// one by one: they live in storage that the test owns.
+/// A copy is made of an object that holds one monitoring.
 class CopiedFacade : public Facade
 {
 protected:

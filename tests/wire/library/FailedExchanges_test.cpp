@@ -22,6 +22,17 @@ protected:
         server.answerJson(200, R"([{"_id":"s1","name":"Rain"}])");
         QList<RKMonitoringSubCategory> subCategories;
         EXPECT_TRUE(data.getMonitoringSubCategory("slope"_q, subCategories));
+        server.answerJson(200, R"([{"_id":"g1","cellId":"c1"}])");
+        QList<PointLocSetting> groups;
+        EXPECT_TRUE(data.getGroupsByCellId("c1"_q, groups, false));
+        server.answerJson(200, R"([{"_id":"w1","cellId":"c1","name":"W1"}])");
+        RKPointLocationCondition condition;
+        condition.cellId = "c1"_q;
+        QList<RKPointLocation> points;
+        EXPECT_TRUE(data.getPointLocation(condition, points, false));
+        server.answerJson(200, R"([{"_id":"d1","fileId":"f1"}])");
+        QList<RKDataManage> dataManages;
+        EXPECT_TRUE(data.getDataManageRangeData({}, 0, 10, dataManages));
     }
     ~FailedExchanges() override { NetworkManager::instance().setDeadline(std::chrono::seconds(30)); }
 
@@ -34,6 +45,17 @@ protected:
         RKMonitoringSubCategory subCategory;
         EXPECT_TRUE(data.getSubCategoryById("s1"_q, subCategory));
         EXPECT_EQ(subCategory.name, "Rain"_q);
+        QList<PointLocSetting> groups;
+        EXPECT_TRUE(data.getGroupsByCellId("c1"_q, groups, true));
+        EXPECT_EQ(groups.size(), 1);
+        RKPointLocationCondition condition;
+        condition.cellId = "c1"_q;
+        QList<RKPointLocation> points;
+        EXPECT_TRUE(data.getPointLocation(condition, points, true));
+        EXPECT_EQ(points.size(), 1);
+        RKDataManage dataManage;
+        EXPECT_TRUE(data.getDataManageById("d1"_q, dataManage));
+        EXPECT_EQ(dataManage.fileId, "f1"_q);
         EXPECT_EQ(server.requestCount(), requests);
     }
     /// And that the next one works.
