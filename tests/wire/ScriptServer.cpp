@@ -2,6 +2,7 @@
 
 #include <QHostAddress>
 #include <QTcpSocket>
+#include <QTextCodec>
 #include <QTimer>
 
 #include <optional>
@@ -56,6 +57,14 @@ void closeByReset(QTcpSocket* socket)
     ::setsockopt(static_cast<int>(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &option, sizeof option);
 #endif
     socket->abort();
+}
+
+/// Percent-encoded UTF-8 as text. QString::fromUtf8 is no help: it stops at a NUL and drops a leading U+FEFF.
+QString decoded(const QByteArray& text)
+{
+    const QByteArray bytes = QByteArray::fromPercentEncoding(text);
+    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
+    return QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
 }
 
 } // namespace
@@ -134,7 +143,7 @@ int ScriptServer::unansweredSteps() const
 QString ScriptServer::decodedPath(const QByteArray& target)
 {
     const int question = target.indexOf('?');
-    return QString::fromUtf8(QByteArray::fromPercentEncoding(question < 0 ? target : target.left(question)));
+    return decoded(question < 0 ? target : target.left(question));
 }
 
 QList<QPair<QString, QString>> ScriptServer::decodedQuery(const QByteArray& target)
@@ -148,8 +157,7 @@ QList<QPair<QString, QString>> ScriptServer::decodedQuery(const QByteArray& targ
         const int equals = part.indexOf('=');
         const QByteArray name = equals < 0 ? part : part.left(equals);
         const QByteArray value = equals < 0 ? QByteArray() : part.mid(equals + 1);
-        query.append({QString::fromUtf8(QByteArray::fromPercentEncoding(name)),
-                      QString::fromUtf8(QByteArray::fromPercentEncoding(value))});
+        query.append({decoded(name), decoded(value)});
     }
     return query;
 }
@@ -193,8 +201,8 @@ void ScriptServer::read(QTcpSocket* socket)
             answerJson(500, R"({"message":"no answer is scripted for this request"})");
         }
         _connections[socket].steps.append(_script.dequeue());
-        if (onRequest)
-            onRequest();
+        if (const std::function<void()> call = onRequest) // a copy: it may replace itself
+            call();
         play(socket);
     }
 }

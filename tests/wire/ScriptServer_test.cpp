@@ -225,6 +225,12 @@ TEST(ScriptServer, DecodesATargetByTheBook)
                             Pair(QStringLiteral("z"), QString()), Pair(QString(), QStringLiteral("v?w"))));
 }
 
+TEST(ScriptServer, DecodesNulAndByteOrderMarkAsCharacters)
+{
+    EXPECT_EQ(ScriptServer::decodedPath("%EF%BB%BFa%00b"),
+              QString(QChar(0xFEFF)) + QLatin1Char('a') + QChar(0) + QLatin1Char('b'));
+}
+
 TEST(ScriptServer, A204HasNeitherLengthNorBody)
 {
     EXPECT_EQ(ScriptServer::httpAnswer(204, {}, {}), "HTTP/1.1 204 Scripted\r\n\r\n");

@@ -68,7 +68,7 @@ public:
     std::chrono::milliseconds deadline() const;
     /// The longest that finding the host, connecting and the TLS handshake may take; 10 s at first.
     void setConnectTimeout(std::chrono::milliseconds timeout);
-    /// The largest body accepted, in bytes after decompression; 256 MiB at first.
+    /// The largest body accepted, in bytes after decompression; 256 MiB at first, 1 GiB at most.
     void setMaximumReplySize(qint64 bytes);
     /// A file of PEM certificates that may sign the service's; empty text for the system's own.
     void setCaFile(const QString& path);

@@ -37,7 +37,9 @@ QByteArray origin(const QByteArray& text)
 bool isWebAddress(const QByteArray& url)
 {
     const QByteArray scheme = url.left(8).toLower();
-    return (scheme.startsWith("http://") || scheme.startsWith("https://")) && !url.contains('\0');
+    const int host = scheme.startsWith("https://") ? 8 : scheme.startsWith("http://") ? 7 : url.size();
+    // Without a host libcurl would take the first segment of the path for one.
+    return host < url.size() && !QByteArray("/?#\\").contains(url.at(host)) && !url.contains('\0');
 }
 
 bool haveSameOrigin(const QByteArray& url, const QByteArray& other)

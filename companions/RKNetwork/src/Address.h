@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
-/// True for text that begins with "http://" or "https://" in any case and holds no NUL.
+/// True for text that begins with "http://" or "https://", in any case, and a host, and holds no NUL.
 bool isWebAddress(const QByteArray& url);
 
 /// True when both have the same scheme, host and port (RFC 6454, 5); false when one cannot be read.

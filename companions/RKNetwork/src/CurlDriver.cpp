@@ -5,7 +5,6 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QPointer>
-#include <QSocketNotifier>
 #include <QThreadStorage>
 
 #include <utility>
@@ -29,6 +28,8 @@ CurlDriver::CurlDriver() : _multi(curl_multi_init())
     _timer.setSingleShot(true);
     _timer.setTimerType(Qt::PreciseTimer);
     connect(&_timer, &QTimer::timeout, this, [this] { act(CURL_SOCKET_TIMEOUT, 0); });
+    _delivery.setSingleShot(true);
+    connect(&_delivery, &QTimer::timeout, this, [this] { deliver(); });
     curl_multi_setopt(_multi.get(), CURLMOPT_SOCKETFUNCTION, &CurlDriver::onSocket);
     curl_multi_setopt(_multi.get(), CURLMOPT_SOCKETDATA, this);
     curl_multi_setopt(_multi.get(), CURLMOPT_TIMERFUNCTION, &CurlDriver::onTimer);
@@ -48,10 +49,7 @@ CurlDriver::~CurlDriver()
     // The watches go before the sockets that closing the connections closes.
     curl_multi_setopt(_multi.get(), CURLMOPT_SOCKETFUNCTION, nullptr);
     curl_multi_setopt(_multi.get(), CURLMOPT_TIMERFUNCTION, nullptr);
-    for (const Watch& watch : qAsConst(_watches)) {
-        delete watch.read;
-        delete watch.write;
-    }
+    _watches.clear();
 }
 
 void CurlDriver::start(HttpTransfer* transfer)
@@ -130,8 +128,7 @@ void CurlDriver::deliver()
 
 void CurlDriver::deliverSoon()
 {
-    QMetaObject::invokeMethod(
-        this, [this] { deliver(); }, Qt::QueuedConnection);
+    _delivery.start(0);
 }
 
 void CurlDriver::watch(curl_socket_t socket, int what)
@@ -149,13 +146,12 @@ void CurlDriver::watch(curl_socket_t socket, int what)
         watch.write->setEnabled(writes);
 }
 
-QSocketNotifier* CurlDriver::notifier(curl_socket_t socket, bool forReading)
+std::unique_ptr<QSocketNotifier> CurlDriver::notifier(curl_socket_t socket, bool forReading)
 {
-    // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the parent owns it
-    auto* notifier = new QSocketNotifier(static_cast<qintptr>(socket),
-                                         forReading ? QSocketNotifier::Read : QSocketNotifier::Write, this);
+    auto notifier = std::make_unique<QSocketNotifier>(
+        static_cast<qintptr>(socket), forReading ? QSocketNotifier::Read : QSocketNotifier::Write);
     const int what = forReading ? CURL_CSELECT_IN : CURL_CSELECT_OUT;
-    connect(notifier, &QSocketNotifier::activated, this, [this, socket, what] { act(socket, what); });
+    connect(notifier.get(), &QSocketNotifier::activated, this, [this, socket, what] { act(socket, what); });
     return notifier;
 }
 

@@ -1,16 +1,16 @@
 #pragma once
 
-#include <QHash>
 #include <QList>
 #include <QObject>
+#include <QSocketNotifier>
 #include <QTimer>
 
 #include <curl/curl.h>
 
 #include <memory>
+#include <unordered_map>
 
 class HttpTransfer;
-class QSocketNotifier;
 
 /// Runs transfers on the event loop of its thread: libcurl's multi-socket interface (libcurl-multi(3)), a
 /// QSocketNotifier per socket and direction, one timer.
@@ -43,8 +43,8 @@ private:
     /// again.
     struct Watch
     {
-        QSocketNotifier* read = nullptr;
-        QSocketNotifier* write = nullptr;
+        std::unique_ptr<QSocketNotifier> read;
+        std::unique_ptr<QSocketNotifier> write;
     };
 
     CurlDriver();
@@ -54,14 +54,15 @@ private:
     void deliver();
     void deliverSoon();
     void watch(curl_socket_t socket, int what);
-    QSocketNotifier* notifier(curl_socket_t socket, bool forReading);
+    std::unique_ptr<QSocketNotifier> notifier(curl_socket_t socket, bool forReading);
 
     static int onSocket(CURL* easy, curl_socket_t socket, int what, void* driver, void* unused);
     static int onTimer(CURLM* multi, long milliseconds, void* driver);
 
     std::unique_ptr<CURLM, FreeMulti> _multi;
-    QTimer _timer;
-    QHash<curl_socket_t, Watch> _watches;
+    QTimer _timer;    ///< libcurl's
+    QTimer _delivery; ///< runs deliver() in the next turn of the event loop
+    std::unordered_map<curl_socket_t, Watch> _watches;
     QList<HttpTransfer*> _running;
     QList<HttpTransfer*> _finished; ///< over, their owners not told yet
 };

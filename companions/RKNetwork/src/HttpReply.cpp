@@ -61,7 +61,8 @@ HttpReply::HttpReply(HttpRequest request, NetworkObserver observer, const QByteA
         HttpAnswer& answer = _transfer.answer();
         answer.error = ProtocolUnknownError;
         answer.errorText =
-            QStringLiteral("\"%1\" does not begin with http:// or https://; is the base address set?")
+            QStringLiteral(
+                "\"%1\" does not begin with http:// or https:// and a host; is the base address set?")
                 .arg(shortened(withoutSecrets(sent.url)));
         driver->startFailed(&_transfer);
     } else {

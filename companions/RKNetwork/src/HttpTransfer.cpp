@@ -113,7 +113,7 @@ bool HttpTransfer::prepareHeaders()
         curl_slist* longer = curl_slist_append(_headerList.get(), line.constData());
         if (!longer)
             return false;
-        _headerList.release();
+        static_cast<void>(_headerList.release()); // part of the longer list
         _headerList.reset(longer);
     }
     curl_easy_setopt(_easy.get(), CURLOPT_HTTPHEADER, _headerList.get());
