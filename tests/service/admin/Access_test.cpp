@@ -1,0 +1,64 @@
+#include "admin/Access.h"
+
+#include "admin/Secret.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace monitorservice {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+Grant grant(const std::string& project, const std::optional<std::string>& category, Rights rights)
+{
+    return {"g", "t", project, category, rights, 0};
+}
+
+TEST(Principal, HoldsWhatItsGrantsAddUpTo)
+{
+    const Principal principal("Ada", {grant("p1", "A", Right::Read), grant("p1", std::nullopt, Right::Create),
+                                      grant("p1", "A", Right::Edit), grant("p2", "B", Right::Delete)});
+    EXPECT_EQ(principal.owner(), "Ada");
+    EXPECT_TRUE(principal.may(Right::Read, "p1", "A"));
+    EXPECT_TRUE(principal.may(Right::Edit, "p1", "A"));
+    EXPECT_TRUE(principal.may(Right::Create, "p1", "A"));
+    EXPECT_TRUE(principal.may(Right::Create, "p1", "B"));
+    EXPECT_FALSE(principal.may(Right::Read, "p1", "B"));
+    EXPECT_FALSE(principal.may(Right::Delete, "p1", "B"));
+    EXPECT_TRUE(principal.may(Right::Delete, "p2", "B"));
+    EXPECT_FALSE(principal.may(Right::Create, "p3", "A"));
+}
+
+TEST(Principal, KnowsWhereARightIsHeld)
+{
+    const Principal principal("Ada",
+                              {grant("p1", "A", Right::Read), grant("p1", "B", Right::Read),
+                               grant("p1", "C", Right::Edit), grant("p1", std::nullopt, Right::Create)});
+    EXPECT_THAT(*principal.categoriesWith(Right::Read, "p1"), ElementsAre("A", "B"));
+    EXPECT_EQ(principal.categoriesWith(Right::Create, "p1"), std::nullopt);
+    EXPECT_THAT(*principal.categoriesWith(Right::Delete, "p1"), IsEmpty());
+    EXPECT_THAT(*principal.categoriesWith(Right::Read, "p2"), IsEmpty());
+    EXPECT_TRUE(principal.mayAnywhere(Right::Edit, "p1"));
+    EXPECT_TRUE(principal.mayAnywhere(Right::Create, "p1"));
+    EXPECT_FALSE(principal.mayAnywhere(Right::Delete, "p1"));
+}
+
+TEST(Secret, HashIsSha256)
+{
+    // The example of FIPS 180-2, appendix B.1.
+    const std::string hash = sha256("abc");
+    ASSERT_EQ(hash.size(), 32U);
+    EXPECT_EQ(static_cast<unsigned char>(hash.front()), 0xba);
+    EXPECT_EQ(static_cast<unsigned char>(hash.back()), 0xad);
+}
+
+TEST(Secret, TokensDiffer)
+{
+    EXPECT_NE(newTokenText(), newTokenText());
+    EXPECT_EQ(newTokenText().size(), 68U);
+}
+
+} // namespace
+} // namespace monitorservice

@@ -1,0 +1,141 @@
+#pragma once
+
+#include <fcntl.h>
+#include <sys/types.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace monitorservice::test {
+
+/// The service's executable as a process of its own; killed with the object if it still runs then.
+class ServiceProcess
+{
+public:
+    explicit ServiceProcess(std::vector<std::string> arguments)
+    {
+        // The developer's own data are not the tests' business.
+        static const int unset = unsetenv("MONITOR_SERVICE_DATA");
+        static_cast<void>(unset);
+        arguments.insert(arguments.begin(), MONITOR_SERVICE_EXECUTABLE);
+        std::vector<char*> pointers;
+        for (std::string& argument : arguments) {
+            pointers.push_back(argument.data());
+        }
+        pointers.push_back(nullptr);
+        const auto [outRead, outWrite] = makePipe();
+        const auto [errorRead, errorWrite] = makePipe();
+        m_process = fork();
+        if (m_process == 0) {
+            dup2(outWrite, STDOUT_FILENO);
+            dup2(errorWrite, STDERR_FILENO);
+            execv(pointers.front(), pointers.data());
+            _exit(127);
+        }
+        ::close(outWrite);
+        ::close(errorWrite);
+        m_out = outRead;
+        m_error = errorRead;
+    }
+    ~ServiceProcess()
+    {
+        if (m_process > 0) {
+            signal(SIGKILL);
+            wait();
+        }
+        ::close(m_out);
+        ::close(m_error);
+    }
+    ServiceProcess(const ServiceProcess&) = delete;
+    ServiceProcess& operator=(const ServiceProcess&) = delete;
+
+    /// The next line of the standard output, without its end.
+    std::string readLine() const
+    {
+        std::string line;
+        for (char character = 0; ::read(m_out, &character, 1) == 1 && character != '\n';) {
+            line += character;
+        }
+        return line;
+    }
+
+    /// Everything that is still to come, up to the process's end.
+    std::string readOutput() const { return readAll(m_out); }
+    std::string readErrors() const { return readAll(m_error); }
+
+    void signal(int number) const { ::kill(m_process, number); }
+
+    /// The exit code, or the number of the signal that ended the process as a negative number.
+    int wait()
+    {
+        int status = 0;
+        waitpid(m_process, &status, 0);
+        m_process = -1;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    }
+
+private:
+    // Other threads start processes too, which must not keep these ends open.
+    static std::pair<int, int> makePipe()
+    {
+        std::array<int, 2> ends{};
+        if (pipe2(ends.data(), O_CLOEXEC) != 0) {
+            throw std::runtime_error("no pipe to be had");
+        }
+        return {ends[0], ends[1]};
+    }
+
+    static std::string readAll(int pipe)
+    {
+        std::string text;
+        std::array<char, 4096> bytes{};
+        for (ssize_t size = 0; (size = ::read(pipe, bytes.data(), bytes.size())) > 0;) {
+            text.append(bytes.data(), static_cast<std::size_t>(size));
+        }
+        return text;
+    }
+
+    pid_t m_process = -1;
+    int m_out = -1;
+    int m_error = -1;
+};
+
+/// What a command that ends by itself left behind.
+struct CommandResult
+{
+    int exitCode = 0;
+    std::string out;
+    std::string error;
+
+    /// The output without the end of its last line.
+    std::string line() const { return out.substr(0, out.find_last_not_of('\n') + 1); }
+};
+
+/// Runs "monitor-service" with the arguments to its end.
+inline CommandResult run(const std::vector<std::string>& arguments)
+{
+    ServiceProcess process(arguments);
+    CommandResult result;
+    // Messages are far smaller than a pipe, so reading one after the other cannot come to a standstill.
+    result.out = process.readOutput();
+    result.error = process.readErrors();
+    result.exitCode = process.wait();
+    return result;
+}
+
+/// Runs "monitor-service admin --data FILE" with the arguments.
+inline CommandResult runAdmin(const std::string& file, std::vector<std::string> arguments)
+{
+    const std::vector<std::string> prefix{"admin", "--data", file};
+    arguments.insert(arguments.begin(), prefix.begin(), prefix.end());
+    return run(arguments);
+}
+
+} // namespace monitorservice::test
