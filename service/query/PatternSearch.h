@@ -18,7 +18,7 @@ class PatternSearch
 {
 public:
     /// About half a second on a machine of 2020.
-    static constexpr std::uint64_t kDefaultStepBudget = 100'000'000;
+    static constexpr std::uint64_t kDefaultStepBudget = 50'000'000;
 
     explicit PatternSearch(std::uint64_t stepBudget = kDefaultStepBudget);
 

@@ -204,7 +204,7 @@ private:
             std::count_if(m_conditions.begin(), m_conditions.end(),
                           [](const Condition& condition) { return condition.pattern != nullptr; });
         if (static_cast<std::size_t>(patterns) == Where::kMaximumPatterns)
-            refuse("more than " + std::to_string(Where::kMaximumPatterns) + " patterns");
+            refuse("more than " + std::to_string(Where::kMaximumPatterns) + " patterns", m_path);
         std::string_view text;
         if (value.get(text) != simdjson::SUCCESS)
             refuse("$regex needs a text", m_path);
