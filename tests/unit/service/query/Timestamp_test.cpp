@@ -105,7 +105,7 @@ TEST(Timestamp, RefusesEverythingElse)
 TEST(Timestamp, FollowsTheCalendarDayByDay)
 {
     std::int64_t expected = -62167219200000;
-    std::array<char, 32> text{};
+    std::array<char, 64> text{};
     for (int year = 0; year <= 9999; ++year) {
         const bool leapYear = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
         const std::array<int, 12> lengths{31, leapYear ? 29 : 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
