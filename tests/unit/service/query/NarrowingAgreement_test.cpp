@@ -65,7 +65,7 @@ const std::vector<Json> kOddValues{"5",
 
 Json anyText(Chance& chance)
 {
-    return chance.below(4) == 0 ? chance.of(kTimestamps) : chance.of(kPlainTexts);
+    return chance.below(3) == 0 ? chance.of(kTimestamps) : chance.of(kPlainTexts);
 }
 
 Json anyValue(Chance& chance)
@@ -116,10 +116,11 @@ Json oddDocument(Chance& chance)
     return json + "}";
 }
 
-Json operand(Chance& chance, bool ordered)
+/// A value that has an order.
+Json bound(Chance& chance)
 {
-    if (!ordered)
-        return anyValue(chance);
+    if (chance.below(2) == 0)
+        return chance.of(kTimestamps);
     const Json value = anyValue(chance);
     return value.front() == '[' || value.front() == '{' ? anyText(chance) : value;
 }
@@ -127,7 +128,7 @@ Json operand(Chance& chance, bool ordered)
 Json condition(Chance& chance)
 {
     static const std::vector<std::string> orders{"$gte", "$gt", "$lte", "$lt"};
-    switch (chance.below(9)) {
+    switch (chance.below(10)) {
     case 0:
     case 1:
         return anyValue(chance);
@@ -146,9 +147,9 @@ Json condition(Chance& chance)
         return R"({"$regex":")" + chance.of(std::vector<std::string>{"a", "^a", "[bz]", "^$", "2024"}) +
                "\"}";
     case 7:
-        return R"({"$gte":)" + operand(chance, true) + R"(,"$lt":)" + operand(chance, true) + "}";
+        return R"({"$gte":)" + bound(chance) + R"(,"$lt":)" + bound(chance) + "}";
     default:
-        return "{\"" + chance.of(orders) + "\":" + operand(chance, true) + "}";
+        return "{\"" + chance.of(orders) + "\":" + bound(chance) + "}";
     }
 }
 
@@ -157,8 +158,9 @@ Json whereDocument(Chance& chance)
     std::vector<std::string> paths{"name",    "category", "createdAt", "updatedAt",
                                    "alarmTo", "depth",    "name.b",    "alarmTo.0"};
     Json json = "{";
-    for (std::size_t i = chance.below(3) + 1; i > 0; --i) {
-        const std::size_t position = chance.below(chance.below(3) == 0 ? paths.size() : 4 - (3 - i));
+    for (std::size_t i = chance.of(std::vector<std::size_t>{1, 1, 1, 2, 2, 3}); i > 0; --i) {
+        // The first paths have columns and come more often.
+        const std::size_t position = chance.below(chance.below(3) == 0 ? paths.size() : 4);
         addMember(json, '"' + paths[position] + "\":" + condition(chance));
         paths.erase(paths.begin() + static_cast<std::ptrdiff_t>(position));
     }
@@ -287,7 +289,7 @@ Tally compare(bool uniform, unsigned seed)
     Chance chance(seed);
     Tally tally;
     Table table(uniform, 100, chance);
-    for (int i = 0; i < 4'000 && !testing::Test::HasFatalFailure(); ++i)
+    for (int i = 0; i < 8'000 && !testing::Test::HasFatalFailure(); ++i)
         compareOnce(table, whereDocument(chance), tally);
     return tally;
 }
@@ -296,18 +298,18 @@ TEST(NarrowingAgreement, UniformDocuments)
 {
     const Tally tally = compare(true, 20240301);
     // The test is worth something only when all kinds occur often.
-    EXPECT_GT(tally.exact, 200);
-    EXPECT_GT(tally.narrowed, 500);
-    EXPECT_GT(tally.matched, 20'000);
-    EXPECT_GT(tally.unmatched, 20'000);
+    EXPECT_GT(tally.exact, 1'000);
+    EXPECT_GT(tally.narrowed, 2'000);
+    EXPECT_GT(tally.matched, 50'000);
+    EXPECT_GT(tally.unmatched, 50'000);
 }
 
 TEST(NarrowingAgreement, DocumentsThatHoldAnything)
 {
     const Tally tally = compare(false, 20240302);
-    EXPECT_GT(tally.narrowed, 500);
-    EXPECT_GT(tally.matched, 20'000);
-    EXPECT_GT(tally.unmatched, 20'000);
+    EXPECT_GT(tally.narrowed, 2'000);
+    EXPECT_GT(tally.matched, 50'000);
+    EXPECT_GT(tally.unmatched, 50'000);
 }
 
 } // namespace
