@@ -37,6 +37,7 @@ struct HttpResponse
     unsigned status = 200; ///< 200 to 599; 204 and 304 leave without a body
     std::string body;
     std::string contentType = "application/json; charset=utf-8"; ///< not sent when empty
+    /// Any but Connection, Content-Length, Content-Type, Date and Transfer-Encoding, which the server writes.
     std::vector<std::pair<std::string, std::string>> headers;
 };
 
