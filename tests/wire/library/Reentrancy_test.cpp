@@ -6,6 +6,8 @@
 #include <QCoreApplication>
 #include <QTimer>
 
+#include <utility>
+
 namespace {
 
 class Reentrancy : public LibraryTest, public testing::WithParamInterface<Operation>
@@ -21,11 +23,9 @@ protected:
     /// Runs `event` while the first request waits, once.
     void duringTheWait(const std::function<void()>& event)
     {
-        server.onRequest = [event, happened = false]() mutable {
-            if (!happened) {
-                happened = true;
+        server.onRequest = [this, event] {
+            if (!std::exchange(m_happened, true))
                 event();
-            }
         };
     }
     void answer(int times)
@@ -33,6 +33,9 @@ protected:
         for (int i = 0; i < times; ++i)
             server.answerJson(200, GetParam().answer);
     }
+
+private:
+    bool m_happened = false;
 };
 
 TEST_P(Reentrancy, ClearDuringTheWait)
