@@ -30,6 +30,7 @@ void listProjects(const AdminSettings& settings, bool json)
     const auto projects = openExisting(settings)->read()->projects().list();
     if (!json) {
         std::vector<std::vector<std::string>> rows;
+        rows.reserve(projects.size());
         for (const Project& project : projects) {
             rows.push_back({project.id, project.timeZone, isoText(project.createdAt), project.name});
         }

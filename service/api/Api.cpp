@@ -2,6 +2,7 @@
 
 #include "api/ApiError.h"
 #include "api/Metrics.h"
+#include "api/OpenApi.h"
 #include "api/Resources.h"
 #include "query/QueryError.h"
 #include "json/JsonText.h"
@@ -14,15 +15,6 @@ namespace monitorservice {
 namespace {
 
 constexpr const char* retryAfterSeconds = "1";
-
-std::vector<Route> allRoutes()
-{
-    std::vector<Route> routes;
-    for (auto&& some : {authRoutes(), cellRoutes(), categoryRoutes(), subCategoryRoutes()}) {
-        routes.insert(routes.end(), some.begin(), some.end());
-    }
-    return routes;
-}
 
 HttpResponse withHeaders(HttpResponse response, const ApiError::Headers& headers)
 {
@@ -48,14 +40,16 @@ HttpResponse answerStoreError(const StoreError& error)
     }
 }
 
-HttpResponse answerStatus(const char* status)
-{
-    HttpResponse response;
-    response.body = JsonObjectWriter().text("status", status).finish();
-    return response;
-}
-
 } // namespace
+
+std::vector<Route> allRoutes()
+{
+    std::vector<Route> routes;
+    for (auto&& some : {authRoutes(), cellRoutes(), categoryRoutes(), subCategoryRoutes()}) {
+        routes.insert(routes.end(), some.begin(), some.end());
+    }
+    return routes;
+}
 
 Api::Api(Store& store, std::shared_ptr<const HttpCounters> counters)
     : m_store(store), m_counters(std::move(counters)), m_routes(allRoutes())
@@ -89,27 +83,29 @@ HttpResponse Api::answerClient(const HttpRequest& request) const
     return match.handler(apiRequest);
 }
 
-// What needs no token: whether the service lives, whether it can answer, what it has done.
+// What needs no token: whether the service lives, whether it can answer, what it has done, what can be asked of it.
 HttpResponse Api::answerOperator(const HttpRequest& request) const
 {
     const std::string name = request.path.size() == 1 ? request.path.front() : std::string();
-    if (name != "healthz" && name != "readyz" && name != "metrics") {
+    if (name != "healthz" && name != "readyz" && name != "metrics" && name != "openapi.json") {
         throw ApiError(404, "there is no such resource");
     }
     if (request.method != "GET") {
         throw ApiError(405, request.method + " is not possible here, only GET", {{"Allow", "GET"}});
     }
+    HttpResponse response;
     if (name == "metrics") {
-        HttpResponse response;
         response.contentType = "text/plain; version=0.0.4; charset=utf-8";
         response.body = metricsText(*m_counters);
-        return response;
+    } else if (name == "openapi.json") {
+        response.body = openApiText();
+    } else if (name == "readyz" && !isReady()) {
+        response =
+            withHeaders(errorResponse(503, "the store cannot be read"), {{"Retry-After", retryAfterSeconds}});
+    } else {
+        response.body = JsonObjectWriter().text("status", "ok").finish();
     }
-    if (name == "readyz" && !isReady()) {
-        return withHeaders(errorResponse(503, "the store cannot be read"),
-                           {{"Retry-After", retryAfterSeconds}});
-    }
-    return answerStatus("ok");
+    return response;
 }
 
 bool Api::isReady() const

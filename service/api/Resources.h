@@ -10,4 +10,7 @@ std::vector<Route> cellRoutes();
 std::vector<Route> categoryRoutes();
 std::vector<Route> subCategoryRoutes();
 
+/// All of them.
+std::vector<Route> allRoutes();
+
 } // namespace monitorservice

@@ -1,5 +1,12 @@
 #include "ApiFixture.h"
 
+#include "api/Resources.h"
+
+#include <algorithm>
+#include <cctype>
+#include <regex>
+#include <set>
+
 namespace monitorservice {
 namespace {
 
@@ -50,6 +57,39 @@ TEST_F(ApiTest, OperatorsResourcesOnlyAnswerGet)
     const RawAnswer answer = raw(requestText("POST", "/healthz", "", "{}"));
     EXPECT_EQ(answer.status, 405U);
     EXPECT_EQ(answer.fields.at("allow"), "GET");
+}
+
+TEST_F(ApiTest, DescriptionNamesEveryRouteAndNoOther)
+{
+    const RawAnswer answer = raw(requestText("GET", "/openapi.json", "", ""));
+    EXPECT_EQ(answer.status, 200U);
+    std::set<std::string> described;
+    simdjson::dom::parser parser;
+    const simdjson::dom::object paths = parser.parse(answer.body)["paths"];
+    for (const auto path : paths) {
+        const simdjson::dom::object methods = path.value;
+        for (const auto method : methods) {
+            if (method.key != "parameters") {
+                const std::string pattern =
+                    std::regex_replace(std::string(path.key), std::regex("\\{[a-z]+\\}"), "*");
+                described.insert(std::string(method.key) + " " + pattern);
+            }
+        }
+    }
+    std::set<std::string> routed;
+    for (const Route& route : allRoutes()) {
+        std::string pattern;
+        for (const std::string_view segment : route.path) {
+            pattern += "/" + std::string(segment);
+        }
+        for (const auto& [method, handler] : route.methods) {
+            std::string name(method);
+            std::transform(name.begin(), name.end(), name.begin(),
+                           [](unsigned char c) { return std::tolower(c); });
+            routed.insert(name + " " + pattern);
+        }
+    }
+    EXPECT_EQ(described, routed);
 }
 
 TEST_F(ApiTest, BearerIsLetInWhateverTheSchemesCase)
