@@ -13,11 +13,17 @@
 
 #include <algorithm>
 
-// Each member is its cache rule and one exchange. Keys that are needed after an exchange are copied before
-// it: an argument may be a member of the record that the exchange overwrites, or belong to a cache that
-// events change while the request waits.
+// Each member is its cache rule and one exchange.
 
 namespace {
+
+/// What is needed after an exchange is copied before it: an argument may be a member of the record that the
+/// exchange overwrites, or belong to a cache that events change while the request waits.
+template <typename Value>
+Value ownCopy(const Value& value)
+{
+    return value;
+}
 
 void appendByCell(QMap<QString, QList<RKPointLocation>>& cache, const QList<RKPointLocation>& points)
 {
@@ -95,7 +101,7 @@ bool RKMonitoringData::getMonitoringById(const QString& id, RKMonitoring& monito
         monitoring = m_monitorings[id];
         return true;
     }
-    const QString key = id;
+    const QString key = ownCopy(id);
     if (!rk::fetchMonitoring(key, monitoring))
         return false;
     m_monitorings.insert(key, monitoring);
@@ -113,7 +119,7 @@ QString RKMonitoringData::getMonitoringName(const QString& id)
     if (cached != m_monitorings.constEnd())
         return cached->name;
 
-    const QString key = id;
+    const QString key = ownCopy(id);
     RKMonitoring monitoring;
     if (!rk::fetchMonitoring(key, monitoring))
         return QString();
@@ -153,7 +159,7 @@ bool RKMonitoringData::getMonitoringCategory(QStringList& categories)
 bool RKMonitoringData::getMonitoringSubCategory(const QString& category,
                                                 QList<RKMonitoringSubCategory>& subCategories)
 {
-    const QString key = category;
+    const QString key = ownCopy(category);
     if (!rk::fetchSubCategories(key, subCategories))
         return false;
     m_subCategoryLists.insert(key, subCategories);
@@ -179,7 +185,7 @@ bool RKMonitoringData::getSubCategoryById(const QString& id, RKMonitoringSubCate
 
 bool RKMonitoringData::createPointLocation(const QList<RKPointLocation>& points)
 {
-    const QList<RKPointLocation> created = points;
+    const QList<RKPointLocation> created = ownCopy(points);
     if (!rk::createPointLocations(created))
         return false;
     appendByCell(m_pointLocations, created);
@@ -188,7 +194,7 @@ bool RKMonitoringData::createPointLocation(const QList<RKPointLocation>& points)
 
 bool RKMonitoringData::createPointLocation(const QList<QList<RKPointLocation>>& batches, QString& message)
 {
-    const QList<QList<RKPointLocation>> created = batches;
+    const QList<QList<RKPointLocation>> created = ownCopy(batches);
     if (!rk::createPointLocations(created, message))
         return false;
     for (const QList<RKPointLocation>& batch : created)
@@ -232,8 +238,8 @@ bool RKMonitoringData::getPointLocationByTimeOrder(RKPointLocationCondition& con
 bool RKMonitoringData::updatePointLocation(const RKPointLocationCondition& condition,
                                            const QMap<QString, QStringList>& links)
 {
-    const RKPointLocationCondition asked = condition;
-    const QMap<QString, QStringList> newLinks = links;
+    const RKPointLocationCondition asked = ownCopy(condition);
+    const QMap<QString, QStringList> newLinks = ownCopy(links);
     if (!rk::updatePointLocationLinks(asked, newLinks))
         return false;
     const QSet<QString> names(asked.names.begin(), asked.names.end());
@@ -269,7 +275,7 @@ bool RKMonitoringData::createGroup(PointLocSetting& group)
 
 bool RKMonitoringData::deleteGroup(const QString& id)
 {
-    const QString deleted = id;
+    const QString deleted = ownCopy(id);
     QString cellId;
     if (!rk::deleteGroup(deleted, cellId))
         return false;
@@ -307,7 +313,7 @@ bool RKMonitoringData::getGroupsByCellId(const QString& cellId, QList<PointLocSe
             return true;
         }
     }
-    const QString key = cellId;
+    const QString key = ownCopy(cellId);
     if (!rk::fetchGroupsOfCell(key, groups))
         return false;
     m_groups.insert(key, groups);
