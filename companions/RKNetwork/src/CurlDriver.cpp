@@ -9,6 +9,10 @@
 
 #include <utility>
 
+#ifndef Q_OS_WIN
+#include <unistd.h>
+#endif
+
 CurlDriver* CurlDriver::ofThisThread()
 {
     // Never freed: libcurl may be used until the last moment of the process.
@@ -27,7 +31,7 @@ CurlDriver::CurlDriver() : _multi(curl_multi_init())
 {
     _timer.setSingleShot(true);
     _timer.setTimerType(Qt::PreciseTimer);
-    connect(&_timer, &QTimer::timeout, this, [this] { act(CURL_SOCKET_TIMEOUT, 0); });
+    connect(&_timer, &QTimer::timeout, this, [this] { actOnTime(); });
     _delivery.setSingleShot(true);
     connect(&_delivery, &QTimer::timeout, this, [this] { deliver(); });
     curl_multi_setopt(_multi.get(), CURLMOPT_SOCKETFUNCTION, &CurlDriver::onSocket);
@@ -46,16 +50,31 @@ CurlDriver::~CurlDriver()
         transfer->failWith(QNetworkReply::OperationCanceledError,
                            QStringLiteral("the application has ended"));
     }
-    // The watches go before the sockets that closing the connections closes.
-    curl_multi_setopt(_multi.get(), CURLMOPT_SOCKETFUNCTION, nullptr);
-    curl_multi_setopt(_multi.get(), CURLMOPT_TIMERFUNCTION, nullptr);
+    // The notifiers go before the sockets that closing the connections closes.
     _watches.clear();
+    _multi.reset();
+}
+
+std::unique_ptr<CURL, CurlDriver::FreeEasy> CurlDriver::takeEasy()
+{
+    if (!_spareEasy)
+        _spareEasy.reset(curl_easy_init());
+    CURL* easy = _spareEasy.get();
+    if (easy) {
+        curl_easy_reset(easy);
+        curl_easy_setopt(easy, CURLOPT_SOCKOPTFUNCTION, &CurlDriver::onSocketOpened);
+        curl_easy_setopt(easy, CURLOPT_SOCKOPTDATA, this);
+        curl_easy_setopt(easy, CURLOPT_CLOSESOCKETFUNCTION, &CurlDriver::onSocketClosing);
+        curl_easy_setopt(easy, CURLOPT_CLOSESOCKETDATA, this);
+    }
+    return std::move(_spareEasy);
 }
 
 void CurlDriver::start(HttpTransfer* transfer)
 {
     transfer->_driver = this;
-    if (!transfer->prepare() || curl_multi_add_handle(_multi.get(), transfer->_easy.get()) != CURLM_OK) {
+    if (!transfer->prepare(takeEasy()) ||
+        curl_multi_add_handle(_multi.get(), transfer->_easy.get()) != CURLM_OK) {
         transfer->failWith(QNetworkReply::UnknownNetworkError,
                            QStringLiteral("the request cannot be prepared"));
         startFailed(transfer);
@@ -65,6 +84,7 @@ void CurlDriver::start(HttpTransfer* transfer)
     // Sends at once what can be sent, instead of after another turn of the event loop.
     int running = 0;
     curl_multi_socket_action(_multi.get(), CURL_SOCKET_TIMEOUT, 0, &running);
+    armTimer();
     collectFinished();
     if (!_finished.isEmpty())
         deliverSoon();
@@ -85,10 +105,39 @@ void CurlDriver::cancel(HttpTransfer* transfer)
     transfer->_driver = nullptr;
 }
 
+void CurlDriver::actOnSocket(curl_socket_t socket, int what)
+{
+    Watch& watch = _watches[socket];
+    if (watch.isWanted) {
+        act(socket, what);
+    } else {
+        // An idle connection that its peer has closed; libcurl finds out when it wants to use it.
+        watch.read->setEnabled(false);
+    }
+}
+
+void CurlDriver::actOnTime()
+{
+    if (_due.hasExpired())
+        act(CURL_SOCKET_TIMEOUT, 0);
+    else
+        armTimer();
+}
+
+/// libcurl moves its timer several times per request. A timer that is set already and goes off earlier is left alone: the
+/// event loop's timers cost more than going off in vain now and then.
+void CurlDriver::armTimer()
+{
+    if (_due.isForever() || (_timer.isActive() && _timer.remainingTime() <= _due.remainingTime()))
+        return;
+    _timer.start(static_cast<int>(_due.remainingTime()));
+}
+
 void CurlDriver::act(curl_socket_t socket, int what)
 {
     int running = 0;
     curl_multi_socket_action(_multi.get(), socket, what, &running);
+    armTimer();
     collectFinished();
     deliver();
 }
@@ -106,6 +155,7 @@ void CurlDriver::collectFinished()
         auto* transfer = static_cast<HttpTransfer*>(static_cast<void*>(owner));
         transfer->settle(code);
         curl_multi_remove_handle(_multi.get(), easy);
+        _spareEasy.reset(transfer->_easy.release());
         _running.removeOne(transfer);
         _finished.append(transfer);
     }
@@ -140,7 +190,9 @@ void CurlDriver::watch(curl_socket_t socket, int what)
         watch.read = notifier(socket, true);
     if (writes && !watch.write)
         watch.write = notifier(socket, false);
-    if (watch.read)
+    watch.isWanted = reads || writes;
+    // Between two requests a connection stays watched: turning a notifier off and on again wakes the event loop.
+    if (watch.read && (reads || !watch.isConnection || watch.isWanted))
         watch.read->setEnabled(reads);
     if (watch.write)
         watch.write->setEnabled(writes);
@@ -151,7 +203,8 @@ std::unique_ptr<QSocketNotifier> CurlDriver::notifier(curl_socket_t socket, bool
     auto notifier = std::make_unique<QSocketNotifier>(
         static_cast<qintptr>(socket), forReading ? QSocketNotifier::Read : QSocketNotifier::Write);
     const int what = forReading ? CURL_CSELECT_IN : CURL_CSELECT_OUT;
-    connect(notifier.get(), &QSocketNotifier::activated, this, [this, socket, what] { act(socket, what); });
+    connect(notifier.get(), &QSocketNotifier::activated, this,
+            [this, socket, what] { actOnSocket(socket, what); });
     return notifier;
 }
 
@@ -163,10 +216,35 @@ int CurlDriver::onSocket(CURL* /*easy*/, curl_socket_t socket, int what, void* d
 
 int CurlDriver::onTimer(CURLM* /*multi*/, long milliseconds, void* driver)
 {
-    QTimer& timer = static_cast<CurlDriver*>(driver)->_timer;
-    if (milliseconds < 0)
-        timer.stop();
-    else
-        timer.start(static_cast<int>(milliseconds));
+    static_cast<CurlDriver*>(driver)->_due = milliseconds < 0
+                                                 ? QDeadlineTimer(QDeadlineTimer::Forever)
+                                                 : QDeadlineTimer(milliseconds, Qt::PreciseTimer);
     return 0;
+}
+
+int CurlDriver::onSocketOpened(void* driver, curl_socket_t socket, curlsocktype /*purpose*/)
+{
+    static_cast<CurlDriver*>(driver)->_watches[socket].isConnection = true;
+    return CURL_SOCKOPT_OK;
+}
+
+int CurlDriver::onSocketClosing(void* driver, curl_socket_t socket)
+{
+    auto& watches = static_cast<CurlDriver*>(driver)->_watches;
+    const auto found = watches.find(socket);
+    if (found != watches.end()) {
+        // Not deleted: this may be its own notification.
+        Watch& watch = found->second;
+        if (watch.read)
+            watch.read->setEnabled(false);
+        if (watch.write)
+            watch.write->setEnabled(false);
+        watch.isConnection = false;
+        watch.isWanted = false;
+    }
+#ifdef Q_OS_WIN
+    return ::closesocket(socket);
+#else
+    return ::close(socket);
+#endif
 }

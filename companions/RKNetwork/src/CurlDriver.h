@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QList>
 #include <QObject>
 #include <QSocketNotifier>
@@ -21,6 +22,11 @@ class HttpTransfer;
 class CurlDriver : public QObject
 {
 public:
+    struct FreeEasy
+    {
+        void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+    };
+
     /// The calling thread's driver; null without a QCoreApplication. It goes with the thread, in the main
     /// thread with the QCoreApplication, and takes the connections with it.
     static CurlDriver* ofThisThread();
@@ -39,17 +45,23 @@ private:
     {
         void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
     };
-    /// Kept disabled when libcurl is done with a socket: requests on a kept connection use the same ones
-    /// again.
+    /// Kept when libcurl is done with a socket, for the next request on the connection or the next socket of that
+    /// number.
     struct Watch
     {
         std::unique_ptr<QSocketNotifier> read;
         std::unique_ptr<QSocketNotifier> write;
+        bool isConnection = false; ///< opened for a connection, and not closed yet
+        bool isWanted = false;     ///< libcurl asks for something
     };
 
     CurlDriver();
 
+    std::unique_ptr<CURL, FreeEasy> takeEasy();
+    void actOnSocket(curl_socket_t socket, int what);
+    void actOnTime();
     void act(curl_socket_t socket, int what);
+    void armTimer();
     void collectFinished();
     void deliver();
     void deliverSoon();
@@ -58,9 +70,13 @@ private:
 
     static int onSocket(CURL* easy, curl_socket_t socket, int what, void* driver, void* unused);
     static int onTimer(CURLM* multi, long milliseconds, void* driver);
+    static int onSocketOpened(void* driver, curl_socket_t socket, curlsocktype purpose);
+    static int onSocketClosing(void* driver, curl_socket_t socket);
 
     std::unique_ptr<CURLM, FreeMulti> _multi;
-    QTimer _timer;    ///< libcurl's
+    std::unique_ptr<CURL, FreeEasy> _spareEasy;                    ///< of the last transfer, for the next
+    QDeadlineTimer _due = QDeadlineTimer(QDeadlineTimer::Forever); ///< when libcurl wants to be called
+    QTimer _timer;                                                 ///< goes off at _due or earlier
     QTimer _delivery; ///< runs deliver() in the next turn of the event loop
     std::unordered_map<curl_socket_t, Watch> _watches;
     QList<HttpTransfer*> _running;

@@ -1,6 +1,5 @@
 #include "HttpTransfer.h"
 
-#include "CurlDriver.h"
 #include "ErrorTable.h"
 
 #include <new>
@@ -44,9 +43,9 @@ void HttpTransfer::cancel()
         _driver->cancel(this);
 }
 
-bool HttpTransfer::prepare()
+bool HttpTransfer::prepare(std::unique_ptr<CURL, CurlDriver::FreeEasy> handle)
 {
-    _easy.reset(curl_easy_init());
+    _easy = std::move(handle);
     CURL* easy = _easy.get();
     if (!easy || !prepareHeaders())
         return false;

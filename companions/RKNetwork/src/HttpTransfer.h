@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ContentDecoder.h"
+#include "CurlDriver.h"
 
 #include <QByteArray>
 #include <QList>
@@ -13,8 +14,6 @@
 #include <chrono>
 #include <functional>
 #include <memory>
-
-class CurlDriver;
 
 /// One request as it goes on the wire, and the bounds of its exchange.
 struct HttpRequest
@@ -80,16 +79,12 @@ private:
         OutOfMemory,
     };
 
-    struct FreeEasy
-    {
-        void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
-    };
     struct FreeList
     {
         void operator()(curl_slist* list) const { curl_slist_free_all(list); }
     };
 
-    bool prepare();
+    bool prepare(std::unique_ptr<CURL, CurlDriver::FreeEasy> handle);
     void prepareBody();
     void prepareBounds();
     bool prepareHeaders();
@@ -112,7 +107,7 @@ private:
     std::function<void()> _whenFinished;
     HttpAnswer _answer;
     std::unique_ptr<curl_slist, FreeList> _headerList;
-    std::unique_ptr<CURL, FreeEasy> _easy; // freed before what it points to
+    std::unique_ptr<CURL, CurlDriver::FreeEasy> _easy; // freed before what it points to
     QPointer<CurlDriver> _driver;
 
     ContentDecoder _decoder;
