@@ -252,10 +252,11 @@ TEST_F(NetworkEventLoopTest, AParentTakesWaitAndReplyWithIt)
     auto parent = std::make_unique<QObject>();
     QPointer<QNetworkReply> reply = manager.get(url());
     auto owned = std::make_unique<NetworkEventLoop>(reply, parent.get());
-    const QPointer<NetworkEventLoop> wait = owned.get();
+    bool waitIsGone = false;
+    QObject::connect(owned.get(), &QObject::destroyed, [&] { waitIsGone = true; });
     static_cast<void>(owned.release()); // the parent owns it
     parent.reset();
-    EXPECT_FALSE(wait);
+    EXPECT_TRUE(waitIsGone);
     EXPECT_FALSE(reply);
 }
 

@@ -256,6 +256,24 @@ TEST_F(NetworkManagerTest, AnIdleConnectionThatThePeerClosedIsNotUsedAgain)
     EXPECT_TRUE(server.isUsedUp());
 }
 
+TEST_F(NetworkManagerTest, BytesThatNobodyAskedForAreNotTheNextAnswer)
+{
+    const QByteArray right = ScriptServer::httpAnswer(200, R"({"a":"right"})");
+    const QByteArray stray = ScriptServer::httpAnswer(200, R"({"a":"stray"})");
+    // With the answer, and later on the idle connection.
+    for (const QList<Step>& steps : {QList<Step>{Step::bytes(right + stray)},
+                                     QList<Step>{Step::bytes(right), Step::pause(30), Step::bytes(stray)}}) {
+        server.answerRaw(steps);
+        server.answerRaw({Step::bytes(right)});
+        EXPECT_EQ(get().object.value(QLatin1String("a")).toString(), QStringLiteral("right"));
+        ASSERT_TRUE(ScriptServer::runEventsUntil([&] { return server.unansweredSteps() == 1; }));
+        EXPECT_EQ(get().object.value(QLatin1String("a")).toString(), QStringLiteral("right"));
+        EXPECT_NE(server.requests().last().connection,
+                  server.requests().at(server.requestCount() - 2).connection);
+    }
+    EXPECT_TRUE(server.isUsedUp());
+}
+
 // ---- one answer or a failure
 
 TEST_F(NetworkManagerTest, AnEmptyAnswerIsAnEmptyObject)
@@ -551,9 +569,8 @@ TEST_F(NetworkManagerTest, TheDeadlineEndsATrickle)
     server.answerRaw(steps);
     expectFailureWithoutBody(get(), QNetworkReply::TimeoutError);
     EXPECT_EQ(server.requestCount(), 1);
-    for (int i = 0; i < 1000 && !server.isUsedUp(); ++i) // until the server sees the connection go
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-    EXPECT_TRUE(server.isUsedUp());
+    EXPECT_TRUE(
+        ScriptServer::runEventsUntil([&] { return server.isUsedUp(); })); // when it sees the client go
 }
 
 TEST_F(NetworkManagerTest, ADeadlineOfZeroIsNone)

@@ -1,5 +1,6 @@
 #include "ScriptServer.h"
 
+#include <QEventLoop>
 #include <QHostAddress>
 #include <QTcpSocket>
 #include <QTextCodec>
@@ -138,6 +139,17 @@ int ScriptServer::unansweredSteps() const
     for (const Connection& connection : _connections)
         count += connection.steps.size();
     return count;
+}
+
+bool ScriptServer::runEventsUntil(const std::function<bool()>& done)
+{
+    QEventLoop loop;
+    QTimer limit;
+    limit.setSingleShot(true);
+    limit.start(10000);
+    while (!done() && limit.isActive())
+        loop.processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+    return done();
 }
 
 QString ScriptServer::decodedPath(const QByteArray& target)

@@ -90,6 +90,9 @@ public:
     /// Called when a whole request has arrived, before its answer is sent. It may run events of its own.
     std::function<void()> onRequest;
 
+    /// Runs the thread's events until `done` holds; false when it does not within ten seconds.
+    static bool runEventsUntil(const std::function<bool()>& done);
+
     /// The path of a request target, split off at the first "?" and percent-decoded (RFC 3986, 2.1 and 3.3).
     static QString decodedPath(const QByteArray& target);
     /// The query of a target: split at "&", each part at its first "=", then percent-decoded (RFC 3986, 3.4).

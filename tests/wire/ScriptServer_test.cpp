@@ -165,9 +165,7 @@ TEST(ScriptServer, NeverAnswersWhenToldSo)
     server.neverAnswer();
     Client client(server);
     client.send("GET / HTTP/1.1\r\n\r\n");
-    for (int i = 0; i < 200 && server.requestCount() == 0; ++i)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-    ASSERT_EQ(server.requestCount(), 1);
+    ASSERT_TRUE(ScriptServer::runEventsUntil([&] { return server.requestCount() == 1; }));
     EXPECT_TRUE(server.isUsedUp());
     EXPECT_EQ(client.socket().state(), QAbstractSocket::ConnectedState);
 }
@@ -209,9 +207,7 @@ TEST(ScriptServer, ForgetsTheRestOfAnAnswerWhenTheClientHangsUp)
     client.receive("a");
     EXPECT_EQ(server.unansweredSteps(), 1);
     client.socket().abort();
-    for (int i = 0; i < 200 && !server.isUsedUp(); ++i)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-    EXPECT_TRUE(server.isUsedUp());
+    EXPECT_TRUE(ScriptServer::runEventsUntil([&] { return server.isUsedUp(); }));
 }
 
 TEST(ScriptServer, DecodesATargetByTheBook)

@@ -1,6 +1,7 @@
 #include "CurlDriver.h"
 
 #include "HttpTransfer.h"
+#include "Sockets.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -8,10 +9,6 @@
 #include <QThreadStorage>
 
 #include <utility>
-
-#ifndef Q_OS_WIN
-#include <unistd.h>
-#endif
 
 CurlDriver* CurlDriver::ofThisThread()
 {
@@ -70,8 +67,19 @@ std::unique_ptr<CURL, CurlDriver::FreeEasy> CurlDriver::takeEasy()
     return std::move(_spareEasy);
 }
 
+/// Ends idle connections on which something has arrived: bytes that nobody asked for, which libcurl would take for the
+/// answer to the next request, or the peer's closing. libcurl drops an ended connection and opens another.
+void CurlDriver::endStrayConnections()
+{
+    for (const auto& [socket, watch] : _watches) {
+        if (watch.isConnection && !watch.isWanted && hasInput(socket))
+            endConnection(socket);
+    }
+}
+
 void CurlDriver::start(HttpTransfer* transfer)
 {
+    endStrayConnections();
     transfer->_driver = this;
     if (!transfer->prepare(takeEasy()) ||
         curl_multi_add_handle(_multi.get(), transfer->_easy.get()) != CURLM_OK) {
@@ -111,8 +119,7 @@ void CurlDriver::actOnSocket(curl_socket_t socket, int what)
     if (watch.isWanted) {
         act(socket, what);
     } else {
-        // An idle connection that its peer has closed; libcurl finds out when it wants to use it.
-        watch.read->setEnabled(false);
+        watch.read->setEnabled(false); // an idle connection; endStrayConnections looks at it
     }
 }
 
@@ -242,9 +249,5 @@ int CurlDriver::onSocketClosing(void* driver, curl_socket_t socket)
         watch.isConnection = false;
         watch.isWanted = false;
     }
-#ifdef Q_OS_WIN
-    return ::closesocket(socket);
-#else
-    return ::close(socket);
-#endif
+    return closeSocket(socket);
 }

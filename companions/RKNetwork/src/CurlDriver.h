@@ -62,6 +62,7 @@ private:
     void actOnTime();
     void act(curl_socket_t socket, int what);
     void armTimer();
+    void endStrayConnections();
     void collectFinished();
     void deliver();
     void deliverSoon();

@@ -31,7 +31,7 @@ QNetworkAccessManager::Operation operationOf(const QByteArray& method)
     return QNetworkAccessManager::GetOperation;
 }
 
-/// "" for a text without characters, else the text cut to what a message can hold.
+/// The text cut to what a message can hold.
 QString shortened(const QString& text)
 {
     constexpr int most = 500;
@@ -44,26 +44,31 @@ HttpReply::HttpReply(HttpRequest request, NetworkObserver observer, const QByteA
     : _transfer(std::move(request), [this] { whenTransferFinished(); }), _observer(std::move(observer)),
       _secret(QString::fromLatin1(secret))
 {
-    const HttpRequest& sent = _transfer.request();
-    const QUrl url(withoutSecrets(sent.url));
-    setUrl(url);
-    setRequest(QNetworkRequest(url));
-    setOperation(operationOf(sent.method));
     open(QIODevice::ReadOnly);
     _watch.start();
+    // The request first: what the reply says of itself is filled in while the service works.
+    start();
+    const QUrl url(withoutSecrets(_transfer.request().url));
+    setUrl(url);
+    setRequest(QNetworkRequest(url));
+    setOperation(operationOf(_transfer.request().method));
+}
 
+void HttpReply::start()
+{
+    const QByteArray& url = _transfer.request().url;
     CurlDriver* driver = CurlDriver::ofThisThread();
     if (!driver) {
         fail(UnknownNetworkError, QStringLiteral("there is no QCoreApplication to wait in"));
         setFinished(true);
         report();
-    } else if (!isWebAddress(sent.url)) {
+    } else if (!isWebAddress(url)) {
         HttpAnswer& answer = _transfer.answer();
         answer.error = ProtocolUnknownError;
         answer.errorText =
             QStringLiteral(
                 "\"%1\" does not begin with http:// or https:// and a host; is the base address set?")
-                .arg(shortened(withoutSecrets(sent.url)));
+                .arg(shortened(withoutSecrets(url)));
         driver->startFailed(&_transfer);
     } else {
         driver->start(&_transfer);
@@ -185,6 +190,8 @@ void HttpReply::closeExchange()
 
 void HttpReply::report() const
 {
+    if (!_observer && !networkLog().isDebugEnabled())
+        return;
     NetworkExchange exchange;
     exchange.method = _transfer.request().method;
     exchange.url = withoutSecrets(_transfer.request().url);

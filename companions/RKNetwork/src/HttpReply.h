@@ -33,6 +33,7 @@ protected:
     qint64 readData(char* data, qint64 size) override;
 
 private:
+    void start();
     void whenTransferFinished();
     void readAnswer(const HttpAnswer& answer);
     void fail(NetworkError error, const QString& text);

@@ -103,10 +103,11 @@ void HttpTransfer::prepareBounds()
 
 bool HttpTransfer::prepareHeaders()
 {
+    QList<QByteArray> lines = {"Accept: application/json", "Accept-Encoding: gzip, deflate"};
     // "Expect:" takes away libcurl's "Expect: 100-continue", which delays large bodies.
-    QList<QByteArray> lines = {"Accept: application/json", "Accept-Encoding: gzip, deflate", "Expect:"};
     if (!_request.body.isEmpty())
-        lines.append("Content-Type: application/json");
+        lines << "Content-Type: application/json"
+              << "Expect:";
     lines += _request.headerLines;
     for (const QByteArray& line : qAsConst(lines)) {
         curl_slist* longer = curl_slist_append(_headerList.get(), line.constData());
