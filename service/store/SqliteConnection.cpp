@@ -125,6 +125,11 @@ std::int64_t SqliteStatement::integer(int column) const
     return m_statement->getColumn(column).getInt64();
 }
 
+double SqliteStatement::real(int column) const
+{
+    return m_statement->getColumn(column).getDouble();
+}
+
 std::string SqliteStatement::text(int column) const
 {
     return std::string(view(column));

@@ -51,6 +51,7 @@ public:
 
     bool isNull(int column) const;
     std::int64_t integer(int column) const;
+    double real(int column) const;
     std::string text(int column) const;
     /// Valid until the next step.
     std::string_view view(int column) const;

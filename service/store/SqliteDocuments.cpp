@@ -22,7 +22,11 @@ struct Selection
 
 Selection select(const DocumentQuery& query, const DocumentTable& table)
 {
-    Selection selection{" FROM " + table.name + " WHERE project = ?", {query.project}, true};
+    Selection selection{" FROM " + table.view + " WHERE project = ?", {query.project}, true};
+    if (query.parent) {
+        selection.sql += " AND " + table.parent + " = ?";
+        selection.values.emplace_back(*query.parent);
+    }
     if (query.categories) {
         std::string placeholders;
         for (const std::string& category : *query.categories) {
@@ -86,7 +90,7 @@ std::int64_t sqlNumber(std::uint64_t number)
 std::optional<StoredDocument> SqliteDocuments::find(const std::string& id) const
 {
     SqliteStatement statement =
-        m_connection.statement("SELECT project, category, document FROM " + m_table.name + " WHERE id = ?");
+        m_connection.statement("SELECT project, category, document FROM " + m_table.view + " WHERE id = ?");
     statement.bind(id);
     if (!statement.step()) {
         return std::nullopt;
@@ -103,7 +107,8 @@ std::uint64_t SqliteDocuments::count(const DocumentQuery& query) const
         statement.step();
         return static_cast<std::uint64_t>(statement.integer(0));
     }
-    SqliteStatement statement = bound(m_connection, "SELECT document" + selection.sql, selection.values);
+    SqliteStatement statement =
+        bound(m_connection, "SELECT " + m_table.searched + selection.sql, selection.values);
     RowMatcher matcher(*query.where);
     std::uint64_t matching = 0;
     while (statement.step()) {
@@ -127,21 +132,20 @@ void SqliteDocuments::visit(const DocumentQuery& query, const Visitor& visitor) 
         }
         return;
     }
-    SqliteStatement statement =
-        bound(m_connection, "SELECT document" + selection.sql + " " + order, selection.values);
+    SqliteStatement statement = bound(
+        m_connection, "SELECT document, " + m_table.searched + selection.sql + " " + order, selection.values);
     RowMatcher matcher(*query.where);
     std::uint64_t toSkip = query.skip;
     std::uint64_t toGive = query.limit;
     while (toGive > 0 && statement.step()) {
-        const std::string_view document = statement.view(0);
-        if (!matcher.matches(document)) {
+        if (!matcher.matches(statement.view(1))) {
             continue;
         }
         if (toSkip > 0) {
             --toSkip;
             continue;
         }
-        visitor(document);
+        visitor(statement.view(0));
         --toGive;
     }
 }
@@ -165,60 +169,6 @@ void SqliteDocuments::remove(const std::string& project, const std::string& id)
     m_connection.statement("DELETE FROM " + m_table.name + " WHERE project = ? AND id = ?")
         .bind(project, id)
         .run();
-}
-
-const DocumentTable& cellTable()
-{
-    static const DocumentTable table{
-        "cells",
-        {
-            {"_id", "id", FieldKind::Text, true},
-            {"projectId", "project", FieldKind::Text, true},
-            {"name", "name", FieldKind::Text, true},
-            {"category", "category", FieldKind::Text, true},
-            {"createdAt", "created_at", FieldKind::Time, true},
-            {"createdBy", "created_by", FieldKind::Text, true},
-            {"updatedAt", "updated_at", FieldKind::Time, true},
-            {"updatedBy", "updated_by", FieldKind::Text, true},
-            {"alarmTo", "EXISTS (SELECT 1 FROM json_each(document, '$.alarmTo') WHERE value IN ({}))",
-             FieldKind::TextSet, false},
-            {"links.rId",
-             "EXISTS (SELECT 1 FROM json_each(document, '$.links') AS link WHERE json_extract(link.value, "
-             "'$.rId') IN ({}))",
-             FieldKind::TextSet, false},
-        },
-        {
-            {"_id", "id"},
-            {"name", "name"},
-            {"category", "category"},
-            {"createdAt", "created_at"},
-            {"createdBy", "created_by"},
-            {"updatedAt", "updated_at"},
-            {"updatedBy", "updated_by"},
-        },
-    };
-    return table;
-}
-
-const DocumentTable& subCategoryTable()
-{
-    static const DocumentTable table{
-        "sub_categories",
-        {
-            {"_id", "id", FieldKind::Text, true},
-            {"projectId", "project", FieldKind::Text, true},
-            {"name", "name", FieldKind::Text, true},
-            {"category", "category", FieldKind::Text, true},
-            {"alias", "alias", FieldKind::Text, true},
-        },
-        {
-            {"_id", "id"},
-            {"name", "name"},
-            {"category", "category"},
-            {"alias", "alias"},
-        },
-    };
-    return table;
 }
 
 } // namespace monitorservice

@@ -16,10 +16,20 @@ struct DocumentTable
     std::string name;
     std::vector<NarrowableField> narrowable;
     std::vector<SortableField> sortable;
+    std::string view = name;           ///< what is read: the table, or a view that adds the category
+    std::string searched = "document"; ///< the column that conditions are tried against
+    std::string parent = {};           ///< the column with the identifier that DocumentQuery::parent names
 };
 
 const DocumentTable& cellTable();
 const DocumentTable& subCategoryTable();
+const DocumentTable& groupTable();
+const DocumentTable& pointLocationTable();
+const DocumentTable& dataManageTable();
+const DocumentTable& historyTable();
+const DocumentTable& alarmTable();
+const DocumentTable& alarmDetailTable();
+const DocumentTable& alarmDepthTable();
 
 class SqliteDocuments final : public Documents
 {

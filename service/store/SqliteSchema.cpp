@@ -61,6 +61,151 @@ CREATE TABLE cells (
 CREATE INDEX cells_by_name ON cells (project, name, id);
 CREATE INDEX cells_by_creation ON cells (project, created_at, id);
 
+CREATE TABLE groups (
+    project TEXT NOT NULL REFERENCES projects (id),
+    id TEXT NOT NULL UNIQUE,
+    document TEXT NOT NULL,
+    cell TEXT NOT NULL AS (json_extract(document, '$.cellId')) STORED REFERENCES cells (id),
+    sub_category TEXT NOT NULL AS (json_extract(document, '$.subCategoryId')) STORED REFERENCES sub_categories (id),
+    name TEXT NOT NULL AS (json_extract(document, '$.groupName')) STORED,
+    PRIMARY KEY (project, id)
+) STRICT;
+CREATE INDEX groups_by_cell ON groups (cell, sub_category, id);
+
+-- A point's own number, not its identifier, is what its samples refer to: it is short.
+CREATE TABLE point_locations (
+    point INTEGER PRIMARY KEY,
+    project TEXT NOT NULL REFERENCES projects (id),
+    id TEXT NOT NULL UNIQUE,
+    document TEXT NOT NULL,
+    cell TEXT NOT NULL AS (json_extract(document, '$.cellId')) STORED REFERENCES cells (id),
+    sub_category TEXT NOT NULL AS (json_extract(document, '$.subCategoryId')) STORED REFERENCES sub_categories (id),
+    name TEXT NOT NULL AS (json_extract(document, '$.name')) STORED,
+    depth TEXT NOT NULL AS (json_extract(document, '$.depth')) STORED,
+    last_time INTEGER AS (
+        CAST(strftime('%s', json_extract(document, '$.lastDate')) AS INTEGER) * 1000
+        + CAST(substr(json_extract(document, '$.lastDate'), 21, 3) AS INTEGER)) STORED,
+    UNIQUE (project, id),
+    UNIQUE (cell, sub_category, name, depth)
+) STRICT;
+CREATE INDEX point_locations_by_last_time ON point_locations (project, last_time, id);
+
+-- offset_minutes: how far the text of the time was ahead of UTC; NULL when it ended in "Z".
+CREATE TABLE samples (
+    point INTEGER NOT NULL REFERENCES point_locations (point),
+    time INTEGER NOT NULL,
+    count INTEGER NOT NULL,
+    offset_minutes INTEGER,
+    value REAL NOT NULL,
+    time_flag TEXT NOT NULL,
+    PRIMARY KEY (point, time, count)
+) STRICT, WITHOUT ROWID;
+
+-- The last sample of each day and how many samples it has; days are those of the project's time zone, counted from
+-- 1970-01-01. Written together with the samples.
+CREATE TABLE day_rollup (
+    point INTEGER NOT NULL REFERENCES point_locations (point),
+    day INTEGER NOT NULL,
+    time INTEGER NOT NULL,
+    count INTEGER NOT NULL,
+    offset_minutes INTEGER,
+    value REAL NOT NULL,
+    samples INTEGER NOT NULL,
+    PRIMARY KEY (point, day)
+) STRICT, WITHOUT ROWID;
+
+CREATE TABLE data_manages (
+    project TEXT NOT NULL REFERENCES projects (id),
+    id TEXT NOT NULL UNIQUE,
+    document TEXT NOT NULL,
+    cell TEXT NOT NULL AS (json_extract(document, '$.cellId')) STORED REFERENCES cells (id),
+    sub_category TEXT NOT NULL AS (json_extract(document, '$.subCategoryId')) STORED REFERENCES sub_categories (id),
+    created_at INTEGER NOT NULL AS (
+        CAST(strftime('%s', json_extract(document, '$.createdAt')) AS INTEGER) * 1000
+        + CAST(substr(json_extract(document, '$.createdAt'), 21, 3) AS INTEGER)) STORED,
+    updated_at INTEGER NOT NULL AS (
+        CAST(strftime('%s', json_extract(document, '$.updatedAt')) AS INTEGER) * 1000
+        + CAST(substr(json_extract(document, '$.updatedAt'), 21, 3) AS INTEGER)) STORED,
+    PRIMARY KEY (project, id),
+    UNIQUE (cell, sub_category)
+) STRICT;
+
+CREATE TABLE histories (
+    project TEXT NOT NULL REFERENCES projects (id),
+    id TEXT NOT NULL UNIQUE,
+    document TEXT NOT NULL,
+    data_manage TEXT NOT NULL AS (json_extract(document, '$.dataManageId')) STORED REFERENCES data_manages (id),
+    PRIMARY KEY (project, id)
+) STRICT;
+CREATE INDEX histories_by_data_manage ON histories (data_manage, id);
+
+CREATE TABLE alarms (
+    project TEXT NOT NULL REFERENCES projects (id),
+    id TEXT NOT NULL UNIQUE,
+    document TEXT NOT NULL,
+    cell TEXT NOT NULL AS (json_extract(document, '$.cellId')) STORED REFERENCES cells (id),
+    sub_category TEXT NOT NULL AS (json_extract(document, '$.subCategoryId')) STORED REFERENCES sub_categories (id),
+    created_at INTEGER NOT NULL AS (
+        CAST(strftime('%s', json_extract(document, '$.createdAt')) AS INTEGER) * 1000
+        + CAST(substr(json_extract(document, '$.createdAt'), 21, 3) AS INTEGER)) STORED,
+    PRIMARY KEY (project, id)
+) STRICT;
+CREATE INDEX alarms_by_cell ON alarms (cell, sub_category, id);
+
+CREATE TABLE alarm_details (
+    project TEXT NOT NULL REFERENCES projects (id),
+    id TEXT NOT NULL UNIQUE,
+    document TEXT NOT NULL,
+    alarm TEXT NOT NULL AS (json_extract(document, '$.alarmManId')) STORED REFERENCES alarms (id),
+    point_name TEXT NOT NULL AS (json_extract(document, '$.pointName')) STORED,
+    PRIMARY KEY (project, id)
+) STRICT;
+CREATE INDEX alarm_details_by_alarm ON alarm_details (alarm, point_name, id);
+
+CREATE TABLE alarm_depths (
+    project TEXT NOT NULL REFERENCES projects (id),
+    id TEXT NOT NULL UNIQUE,
+    document TEXT NOT NULL,
+    detail TEXT NOT NULL AS (json_extract(document, '$.detailId')) STORED REFERENCES alarm_details (id),
+    depth TEXT NOT NULL AS (json_extract(document, '$.depth')) STORED,
+    PRIMARY KEY (project, id)
+) STRICT;
+CREATE INDEX alarm_depths_by_detail ON alarm_depths (detail, id);
+
+-- What belongs to a monitoring has its category, which may change and is stored with the monitoring alone. The views
+-- add it, and as "searched" the document with the members that conditions may name besides those stored.
+CREATE VIEW groups_read AS
+    SELECT g.*, c.category AS category, json_set(g.document, '$.category', c.category) AS searched
+    FROM groups AS g JOIN cells AS c ON c.id = g.cell;
+
+CREATE VIEW point_locations_read AS
+    SELECT p.*, c.category AS category, json_set(p.document, '$.category', c.category) AS searched
+    FROM point_locations AS p JOIN cells AS c ON c.id = p.cell;
+
+CREATE VIEW data_manages_read AS
+    SELECT d.*, c.category AS category, s.category AS searched_category,
+        json_set(d.document, '$.category', s.category) AS searched
+    FROM data_manages AS d JOIN cells AS c ON c.id = d.cell JOIN sub_categories AS s ON s.id = d.sub_category;
+
+CREATE VIEW histories_read AS
+    SELECT h.*, c.category AS category, h.document AS searched
+    FROM histories AS h JOIN data_manages AS d ON d.id = h.data_manage JOIN cells AS c ON c.id = d.cell;
+
+CREATE VIEW alarms_read AS
+    SELECT a.*, c.category AS category, c.name AS name,
+        json_set(a.document, '$.name', c.name, '$.category', c.category,
+            '$.subCategory', json_array(s.id, s.name, s.alias)) AS searched
+    FROM alarms AS a JOIN cells AS c ON c.id = a.cell JOIN sub_categories AS s ON s.id = a.sub_category;
+
+CREATE VIEW alarm_details_read AS
+    SELECT e.*, c.category AS category, e.document AS searched
+    FROM alarm_details AS e JOIN alarms AS a ON a.id = e.alarm JOIN cells AS c ON c.id = a.cell;
+
+CREATE VIEW alarm_depths_read AS
+    SELECT t.*, c.category AS category, t.document AS searched
+    FROM alarm_depths AS t JOIN alarm_details AS e ON e.id = t.detail JOIN alarms AS a ON a.id = e.alarm
+    JOIN cells AS c ON c.id = a.cell;
+
 CREATE TABLE tokens (
     id TEXT PRIMARY KEY,
     owner TEXT NOT NULL,

@@ -3,6 +3,7 @@
 #include "store/Identifier.h"
 #include "store/SqliteAccess.h"
 #include "store/SqliteDocuments.h"
+#include "store/SqliteMeasurements.h"
 #include "store/SqliteProjects.h"
 #include "store/SqliteSchema.h"
 
@@ -66,8 +67,12 @@ class SqliteSession : public Session
 public:
     SqliteSession(SqliteConnection& connection, SQLite::TransactionBehavior behavior, Instant now)
         : m_connection(connection), m_now(now), m_cells(connection, cellTable()),
-          m_subCategories(connection, subCategoryTable()), m_projects(connection), m_categories(connection),
-          m_tokens(connection), m_grants(connection)
+          m_subCategories(connection, subCategoryTable()), m_groups(connection, groupTable()),
+          m_pointLocations(connection, pointLocationTable()), m_dataManages(connection, dataManageTable()),
+          m_histories(connection, historyTable()), m_alarms(connection, alarmTable()),
+          m_alarmDetails(connection, alarmDetailTable()), m_alarmDepths(connection, alarmDepthTable()),
+          m_measurements(connection), m_projects(connection), m_categories(connection), m_tokens(connection),
+          m_grants(connection)
     {
         try {
             m_transaction = std::make_unique<SQLite::Transaction>(connection.database(), behavior);
@@ -78,6 +83,14 @@ public:
 
     const Documents& cells() const override { return m_cells; }
     const Documents& subCategories() const override { return m_subCategories; }
+    const Documents& groups() const override { return m_groups; }
+    const Documents& pointLocations() const override { return m_pointLocations; }
+    const Documents& dataManages() const override { return m_dataManages; }
+    const Documents& histories() const override { return m_histories; }
+    const Documents& alarms() const override { return m_alarms; }
+    const Documents& alarmDetails() const override { return m_alarmDetails; }
+    const Documents& alarmDepths() const override { return m_alarmDepths; }
+    const Measurements& measurements() const override { return m_measurements; }
     const Projects& projects() const override { return m_projects; }
     const Categories& categories() const override { return m_categories; }
     const Tokens& tokens() const override { return m_tokens; }
@@ -85,6 +98,14 @@ public:
 
     Documents& cells() override { return m_cells; }
     Documents& subCategories() override { return m_subCategories; }
+    Documents& groups() override { return m_groups; }
+    Documents& pointLocations() override { return m_pointLocations; }
+    Documents& dataManages() override { return m_dataManages; }
+    Documents& histories() override { return m_histories; }
+    Documents& alarms() override { return m_alarms; }
+    Documents& alarmDetails() override { return m_alarmDetails; }
+    Documents& alarmDepths() override { return m_alarmDepths; }
+    Measurements& measurements() override { return m_measurements; }
     Projects& projects() override { return m_projects; }
     Categories& categories() override { return m_categories; }
     Tokens& tokens() override { return m_tokens; }
@@ -125,6 +146,14 @@ private:
     Instant m_now;
     SqliteDocuments m_cells;
     SqliteDocuments m_subCategories;
+    SqliteDocuments m_groups;
+    SqliteDocuments m_pointLocations;
+    SqliteDocuments m_dataManages;
+    SqliteDocuments m_histories;
+    SqliteDocuments m_alarms;
+    SqliteDocuments m_alarmDetails;
+    SqliteDocuments m_alarmDepths;
+    SqliteMeasurements m_measurements;
     SqliteProjects m_projects;
     SqliteCategories m_categories;
     SqliteTokens m_tokens;

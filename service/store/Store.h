@@ -19,7 +19,10 @@ struct DocumentQuery
 {
     std::string project;
     std::optional<std::vector<std::string>> categories; ///< only these; nothing: every category
-    const Where* where = nullptr;                       ///< null: no condition
+    /// Only those that belong to this document: to a monitoring, a data manage, an alarm or an alarm detail, as the
+    /// kind says. Not for cells and sub-categories.
+    std::optional<std::string> parent = std::nullopt;
+    const Where* where = nullptr; ///< null: no condition
     /// As parseOrder() reads it; ties, and no order at all, are settled by rising identifier.
     std::optional<std::string> order;
     std::uint64_t skip = 0;
@@ -114,6 +117,52 @@ public:
     virtual bool remove(const std::string& id) = 0;
 };
 
+/// The samples of the point locations, and what is kept of each day. Every member may throw StoreError.
+class Measurements
+{
+public:
+    using SampleVisitor = std::function<void(const Sample& sample)>;
+    using DayVisitor = std::function<void(const DaySummary& day)>;
+    using PointVisitor = std::function<void(const StoredPoint& point)>;
+
+    Measurements() = default;
+    Measurements(const Measurements&) = delete;
+    Measurements& operator=(const Measurements&) = delete;
+    virtual ~Measurements() = default;
+
+    virtual std::optional<StoredPoint> findPoint(const std::string& cell, const std::string& subCategory,
+                                                 const std::string& name, const std::string& depth) const = 0;
+    /// The points of this name, by rising depth as text.
+    virtual void visitPoints(const std::string& cell, const std::string& subCategory, const std::string& name,
+                             const PointVisitor& visitor) const = 0;
+    /// Gives the point's key. The document's "_id" and "projectId" are `id` and `project`.
+    virtual std::int64_t insertPoint(const std::string& project, const std::string& id,
+                                     const std::string& document) = 0;
+    virtual void replacePoint(std::int64_t point, const std::string& document) = 0;
+
+    virtual std::optional<Sample> findSample(std::int64_t point, Instant time, std::int32_t count) const = 0;
+    /// Samples from the first instant to before the second, in the order of time and count; a call ends before the
+    /// next one of this kind on the same session begins.
+    virtual void visitSamples(std::int64_t point, Instant from, Instant before,
+                              const SampleVisitor& visitor) const = 0;
+    /// False when the point has a sample of this time and count; nothing is changed then.
+    virtual bool insertSample(std::int64_t point, const Sample& sample) = 0;
+    /// Gives the sample of this time and count the value and the flag.
+    virtual void replaceSample(std::int64_t point, const Sample& sample) = 0;
+
+    /// Days from the first to the last one named, both included, rising.
+    virtual void visitDays(std::int64_t point, std::int64_t first, std::int64_t last,
+                           const DayVisitor& visitor) const = 0;
+    /// The latest days that have samples, newest first.
+    virtual std::vector<DaySummary> latestDays(std::int64_t point, std::int64_t most) const = 0;
+    /// Adds samples to a day: their number to its own; the last of them becomes the day's last one unless that is
+    /// later. One that is as late replaces it: it is the same sample with a corrected value.
+    virtual void addToDay(std::int64_t point, const DaySummary& added) = 0;
+
+    /// Removes the points of the monitoring and sub-category with all their samples.
+    virtual void removePoints(const std::string& cell, const std::string& subCategory) = 0;
+};
+
 /// One transaction: everything it reads is of one moment, everything it writes comes to be at once with commit(),
 /// or not at all. To be used and destroyed by the thread that began it.
 class Session
@@ -127,6 +176,14 @@ public:
 
     virtual const Documents& cells() const = 0;
     virtual const Documents& subCategories() const = 0;
+    virtual const Documents& groups() const = 0;
+    virtual const Documents& pointLocations() const = 0;
+    virtual const Documents& dataManages() const = 0;
+    virtual const Documents& histories() const = 0;
+    virtual const Documents& alarms() const = 0;
+    virtual const Documents& alarmDetails() const = 0;
+    virtual const Documents& alarmDepths() const = 0;
+    virtual const Measurements& measurements() const = 0;
     virtual const Projects& projects() const = 0;
     virtual const Categories& categories() const = 0;
     virtual const Tokens& tokens() const = 0;
@@ -134,6 +191,14 @@ public:
 
     virtual Documents& cells() = 0;
     virtual Documents& subCategories() = 0;
+    virtual Documents& groups() = 0;
+    virtual Documents& pointLocations() = 0;
+    virtual Documents& dataManages() = 0;
+    virtual Documents& histories() = 0;
+    virtual Documents& alarms() = 0;
+    virtual Documents& alarmDetails() = 0;
+    virtual Documents& alarmDepths() = 0;
+    virtual Measurements& measurements() = 0;
     virtual Projects& projects() = 0;
     virtual Categories& categories() = 0;
     virtual Tokens& tokens() = 0;

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "store/SqliteConnection.h"
+#include "store/Store.h"
+
+namespace monitorservice {
+
+class SqliteMeasurements final : public Measurements
+{
+public:
+    explicit SqliteMeasurements(SqliteConnection& connection) : m_connection(connection) {}
+
+    std::optional<StoredPoint> findPoint(const std::string& cell, const std::string& subCategory,
+                                         const std::string& name, const std::string& depth) const override;
+    void visitPoints(const std::string& cell, const std::string& subCategory, const std::string& name,
+                     const PointVisitor& visitor) const override;
+    std::int64_t insertPoint(const std::string& project, const std::string& id,
+                             const std::string& document) override;
+    void replacePoint(std::int64_t point, const std::string& document) override;
+
+    std::optional<Sample> findSample(std::int64_t point, Instant time, std::int32_t count) const override;
+    void visitSamples(std::int64_t point, Instant from, Instant before,
+                      const SampleVisitor& visitor) const override;
+    bool insertSample(std::int64_t point, const Sample& sample) override;
+    void replaceSample(std::int64_t point, const Sample& sample) override;
+
+    void visitDays(std::int64_t point, std::int64_t first, std::int64_t last,
+                   const DayVisitor& visitor) const override;
+    std::vector<DaySummary> latestDays(std::int64_t point, std::int64_t most) const override;
+    void addToDay(std::int64_t point, const DaySummary& added) override;
+
+    void removePoints(const std::string& cell, const std::string& subCategory) override;
+
+private:
+    SqliteConnection& m_connection;
+};
+
+} // namespace monitorservice
