@@ -1,6 +1,7 @@
 #include "json/JsonText.h"
 
 #include <array>
+#include <charconv>
 #include <cstdio>
 #include <utility>
 
@@ -60,6 +61,12 @@ void appendJsonString(std::string& out, std::string_view text)
     out += '"';
 }
 
+void appendJsonNumber(std::string& out, double value)
+{
+    std::array<char, 32> text{};
+    out.append(text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr);
+}
+
 void JsonObjectWriter::begin(std::string_view name)
 {
     if (m_text.size() > 1) {
@@ -79,6 +86,13 @@ JsonObjectWriter& JsonObjectWriter::text(std::string_view name, std::string_view
 JsonObjectWriter& JsonObjectWriter::integer(std::string_view name, std::int64_t value)
 {
     return json(name, std::to_string(value));
+}
+
+JsonObjectWriter& JsonObjectWriter::number(std::string_view name, double value)
+{
+    begin(name);
+    appendJsonNumber(m_text, value);
+    return *this;
 }
 
 JsonObjectWriter& JsonObjectWriter::boolean(std::string_view name, bool value)

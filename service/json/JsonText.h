@@ -10,12 +10,17 @@ namespace monitorservice {
 /// are; the text must be valid UTF-8.
 void appendJsonString(std::string& out, std::string_view text);
 
+/// Appends a finite number in the shortest form that reads back as the same.
+void appendJsonNumber(std::string& out, double value);
+
 /// Writes one JSON object member by member; the caller sees to it that names differ.
 class JsonObjectWriter
 {
 public:
     JsonObjectWriter& text(std::string_view name, std::string_view value);
     JsonObjectWriter& integer(std::string_view name, std::int64_t value);
+    /// A finite number, in the shortest form that reads back as the same.
+    JsonObjectWriter& number(std::string_view name, double value);
     JsonObjectWriter& boolean(std::string_view name, bool value);
     JsonObjectWriter& null(std::string_view name);
     /// A value that is JSON text already.

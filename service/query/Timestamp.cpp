@@ -117,7 +117,8 @@ std::optional<Timestamp> parseTimestamp(std::string_view text)
     fraction.remove_prefix(std::min<std::size_t>(3, fraction.size()));
     while (!fraction.empty() && fraction.back() == '0')
         fraction.remove_suffix(1);
-    return Timestamp{(*seconds - *offset * 60) * 1000 + milliseconds, fraction};
+    return Timestamp{(*seconds - *offset * 60) * 1000 + milliseconds, fraction,
+                     rest == "Z" ? std::nullopt : offset};
 }
 
 int compare(const Timestamp& left, const Timestamp& right)

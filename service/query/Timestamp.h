@@ -14,6 +14,9 @@ struct Timestamp
 
     /// The fractional digits after the third, without trailing zeros; a view into the parsed text.
     std::string_view finerDigits;
+
+    /// How far the text is ahead of UTC; nothing when it ends in "Z". The instant does not depend on it.
+    std::optional<int> offsetMinutes;
 };
 
 /// Reads `YYYY-MM-DDThh:mm:ss[.fraction](Z|±hh:mm|±hhmm)`, the ISO 8601 form that names one instant.

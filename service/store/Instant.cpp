@@ -5,14 +5,35 @@
 #include <array>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 
 namespace monitorservice {
+
+namespace {
+
+constexpr std::int64_t millisecondsPerMinute = 60'000;
+
+} // namespace
 
 Instant systemNow()
 {
     using std::chrono::milliseconds;
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     return std::chrono::duration_cast<milliseconds>(now).count();
+}
+
+std::string isoText(Instant instant, std::optional<int> offsetMinutes)
+{
+    if (!offsetMinutes) {
+        return isoText(instant);
+    }
+    std::string text = isoText(instant + *offsetMinutes * millisecondsPerMinute);
+    const int minutes = std::abs(*offsetMinutes);
+    std::array<char, 16> offset{};
+    std::snprintf(offset.data(), offset.size(), "%c%02d:%02d", *offsetMinutes < 0 ? '-' : '+', minutes / 60,
+                  minutes % 60);
+    text.replace(text.size() - 1, 1, offset.data());
+    return text;
 }
 
 std::string isoText(Instant instant)

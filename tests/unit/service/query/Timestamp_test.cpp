@@ -134,5 +134,13 @@ TEST(Timestamp, ComparesExactly)
     EXPECT_LT(position("1969-12-31T23:59:59.9991Z", "1969-12-31T23:59:59.9999Z"), 0);
 }
 
+TEST(Timestamp, OffsetIsKeptBesideTheInstant)
+{
+    EXPECT_EQ(parseTimestamp("2024-03-01T12:34:56Z")->offsetMinutes, std::nullopt);
+    EXPECT_EQ(parseTimestamp("2024-03-01T12:34:56.5+00:00")->offsetMinutes, 0);
+    EXPECT_EQ(parseTimestamp("2024-03-01T12:34:56-08:00")->offsetMinutes, -480);
+    EXPECT_EQ(parseTimestamp("2024-03-01T12:34:56+0545")->offsetMinutes, 345);
+}
+
 } // namespace
 } // namespace monitorservice
