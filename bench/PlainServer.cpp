@@ -65,31 +65,31 @@ struct PlainServer::Sockets
     std::thread accepting;
 };
 
-PlainServer::PlainServer(const QByteArray& body) : _sockets(std::make_unique<Sockets>(body))
+PlainServer::PlainServer(const QByteArray& body) : m_sockets(std::make_unique<Sockets>(body))
 {
-    _sockets->accepting = std::thread([this] { _sockets->accept(); });
+    m_sockets->accepting = std::thread([this] { m_sockets->accept(); });
 }
 
 PlainServer::~PlainServer()
 {
     {
-        const std::lock_guard<std::mutex> lock(_sockets->mutex);
-        _sockets->ending = true;
-        for (tcp::socket& socket : _sockets->connections) {
+        const std::lock_guard<std::mutex> lock(m_sockets->mutex);
+        m_sockets->ending = true;
+        for (tcp::socket& socket : m_sockets->connections) {
             boost::system::error_code ignored;
             socket.shutdown(tcp::socket::shutdown_both, ignored);
         }
     }
     // A blocking accept ends with a connection.
-    tcp::socket last(_sockets->context);
+    tcp::socket last(m_sockets->context);
     boost::system::error_code ignored;
-    last.connect(_sockets->acceptor.local_endpoint(), ignored);
-    _sockets->accepting.join();
-    for (std::thread& thread : _sockets->threads)
+    last.connect(m_sockets->acceptor.local_endpoint(), ignored);
+    m_sockets->accepting.join();
+    for (std::thread& thread : m_sockets->threads)
         thread.join();
 }
 
 QByteArray PlainServer::baseAddress() const
 {
-    return "http://127.0.0.1:" + QByteArray::number(_sockets->acceptor.local_endpoint().port()) + '/';
+    return "http://127.0.0.1:" + QByteArray::number(m_sockets->acceptor.local_endpoint().port()) + '/';
 }

@@ -22,5 +22,5 @@ public:
 
 private:
     struct Sockets;
-    std::unique_ptr<Sockets> _sockets;
+    std::unique_ptr<Sockets> m_sockets;
 };

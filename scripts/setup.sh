@@ -6,7 +6,7 @@ set -euo pipefail
 
 packages=(
   g++ cmake ninja-build pkg-config
-  qtbase5-dev libcurl4-openssl-dev                                  # library and companions
+  qtbase5-dev libcurl4-openssl-dev zlib1g-dev                       # library and companions
   libboost1.81-dev libsimdjson-dev libpcre2-dev libsqlitecpp-dev    # service
   libsqlite3-dev libssl-dev libhowardhinnant-date-dev nlohmann-json3-dev tzdata
   libcli11-dev                                                      # command lines

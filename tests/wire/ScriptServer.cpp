@@ -81,14 +81,14 @@ QByteArray ScriptServer::Request::header(const QByteArray& name) const
 
 ScriptServer::ScriptServer()
 {
-    connect(&_listener, &QTcpServer::newConnection, this, [this] { accept(); });
-    if (!_listener.listen(QHostAddress::LocalHost))
-        qFatal("the script server cannot listen: %s", qPrintable(_listener.errorString()));
+    connect(&m_listener, &QTcpServer::newConnection, this, [this] { accept(); });
+    if (!m_listener.listen(QHostAddress::LocalHost))
+        qFatal("the script server cannot listen: %s", qPrintable(m_listener.errorString()));
 }
 
 ScriptServer::~ScriptServer()
 {
-    const QList<QTcpSocket*> sockets = _connections.keys();
+    const QList<QTcpSocket*> sockets = m_connections.keys();
     for (QTcpSocket* socket : sockets)
         socket->disconnect(this);
 }
@@ -100,7 +100,7 @@ QString ScriptServer::baseAddress() const
 
 quint16 ScriptServer::port() const
 {
-    return _listener.serverPort();
+    return m_listener.serverPort();
 }
 
 void ScriptServer::answerJson(int status, const QByteArray& body)
@@ -112,7 +112,7 @@ void ScriptServer::answerRaw(const QList<Step>& steps)
 {
     QQueue<Step> answer;
     answer.append(steps);
-    _script.enqueue(answer);
+    m_script.enqueue(answer);
 }
 
 void ScriptServer::neverAnswer()
@@ -134,9 +134,9 @@ QByteArray ScriptServer::httpAnswer(int status, const QByteArray& body, const QL
 int ScriptServer::unansweredSteps() const
 {
     int count = 0;
-    for (const QList<Step>& answer : _script)
+    for (const QList<Step>& answer : m_script)
         count += answer.size();
-    for (const Connection& connection : _connections)
+    for (const Connection& connection : m_connections)
         count += connection.steps.size();
     return count;
 }
@@ -176,7 +176,7 @@ QList<QPair<QString, QString>> ScriptServer::decodedQuery(const QByteArray& targ
 
 void ScriptServer::accept()
 {
-    while (QTcpSocket* socket = _listener.nextPendingConnection()) {
+    while (QTcpSocket* socket = m_listener.nextPendingConnection()) {
         socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
         // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the socket owns it
         auto* pause = new QTimer(socket);
@@ -186,8 +186,8 @@ void ScriptServer::accept()
             play(socket);
             read(socket);
         });
-        _connections[socket].number = ++_connectionsAccepted;
-        _connections[socket].pause = pause;
+        m_connections[socket].number = ++m_connectionsAccepted;
+        m_connections[socket].pause = pause;
         connect(socket, &QTcpSocket::readyRead, this, [this, socket] { read(socket); });
         connect(socket, &QTcpSocket::disconnected, this, [this, socket] { drop(socket); });
         read(socket);
@@ -196,23 +196,23 @@ void ScriptServer::accept()
 
 void ScriptServer::read(QTcpSocket* socket)
 {
-    if (!_connections.contains(socket))
+    if (!m_connections.contains(socket))
         return;
-    _connections[socket].received += socket->readAll();
+    m_connections[socket].received += socket->readAll();
     // An answer is finished before the next request of the same connection is looked at.
-    while (_connections.contains(socket) && !_connections[socket].answering) {
-        std::optional<Request> request = takeRequest(_connections[socket].received);
+    while (m_connections.contains(socket) && !m_connections[socket].answering) {
+        std::optional<Request> request = takeRequest(m_connections[socket].received);
         if (!request)
             return;
-        request->connection = _connections[socket].number;
-        _requests.append(*request);
-        _connections[socket].answering = true;
+        request->connection = m_connections[socket].number;
+        m_requests.append(*request);
+        m_connections[socket].answering = true;
         // Taken before onRequest runs: what is requested meanwhile gets the answers that follow.
-        if (_script.isEmpty()) {
-            ++_unscriptedRequests;
+        if (m_script.isEmpty()) {
+            ++m_unscriptedRequests;
             answerJson(500, R"({"message":"no answer is scripted for this request"})");
         }
-        _connections[socket].steps.append(_script.dequeue());
+        m_connections[socket].steps.append(m_script.dequeue());
         if (const std::function<void()> call = onRequest) // a copy: it may replace itself
             call();
         play(socket);
@@ -221,15 +221,15 @@ void ScriptServer::read(QTcpSocket* socket)
 
 void ScriptServer::play(QTcpSocket* socket)
 {
-    while (_connections.contains(socket) && !_connections[socket].steps.isEmpty()) {
-        const Step step = _connections[socket].steps.dequeue();
+    while (m_connections.contains(socket) && !m_connections[socket].steps.isEmpty()) {
+        const Step step = m_connections[socket].steps.dequeue();
         switch (step.kind) {
         case Step::Kind::Bytes:
             socket->write(step.data);
             socket->flush();
             break;
         case Step::Kind::Pause:
-            _connections[socket].pause->start(step.milliseconds);
+            m_connections[socket].pause->start(step.milliseconds);
             return;
         case Step::Kind::Fin:
             socket->disconnectFromHost();
@@ -241,12 +241,12 @@ void ScriptServer::play(QTcpSocket* socket)
             return;
         }
     }
-    if (_connections.contains(socket))
-        _connections[socket].answering = false;
+    if (m_connections.contains(socket))
+        m_connections[socket].answering = false;
 }
 
 void ScriptServer::drop(QTcpSocket* socket)
 {
-    _connections.remove(socket);
+    m_connections.remove(socket);
     socket->deleteLater();
 }

@@ -77,13 +77,13 @@ public:
                                  const QList<QByteArray>& headerLines = {"Content-Type: application/json"});
 
     /// Every whole request so far, in order of arrival.
-    QList<Request> requests() const { return _requests; }
-    int requestCount() const { return _requests.size(); }
+    QList<Request> requests() const { return m_requests; }
+    int requestCount() const { return m_requests.size(); }
     /// How many connections were accepted so far.
-    int connectionCount() const { return _connectionsAccepted; }
+    int connectionCount() const { return m_connectionsAccepted; }
 
     /// True when every queued answer was asked for and given, and no request came that had none.
-    bool isUsedUp() const { return unansweredSteps() == 0 && _unscriptedRequests == 0; }
+    bool isUsedUp() const { return unansweredSteps() == 0 && m_unscriptedRequests == 0; }
     /// How many queued steps have not been done, those of answers nobody asked for included.
     int unansweredSteps() const;
 
@@ -113,10 +113,10 @@ private:
     void play(QTcpSocket* socket);
     void drop(QTcpSocket* socket);
 
-    QTcpServer _listener;
-    QQueue<QList<Step>> _script;
-    QList<Request> _requests;
-    QHash<QTcpSocket*, Connection> _connections;
-    int _connectionsAccepted = 0;
-    int _unscriptedRequests = 0;
+    QTcpServer m_listener;
+    QQueue<QList<Step>> m_script;
+    QList<Request> m_requests;
+    QHash<QTcpSocket*, Connection> m_connections;
+    int m_connectionsAccepted = 0;
+    int m_unscriptedRequests = 0;
 };

@@ -49,7 +49,7 @@ private:
     void runEvents(QEventLoop::ProcessEventsFlags flags);
     void readReply();
 
-    QPointer<QNetworkReply> _reply;
-    QNetworkReply::NetworkError _error = QNetworkReply::UnknownNetworkError;
-    QJsonDocument _body;
+    QPointer<QNetworkReply> m_reply;
+    QNetworkReply::NetworkError m_error = QNetworkReply::UnknownNetworkError;
+    QJsonDocument m_body;
 };

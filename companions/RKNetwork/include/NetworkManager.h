@@ -89,5 +89,5 @@ private:
     QNetworkReply* send(const QByteArray& method, const QString& url, const QByteArray& body);
 
     struct Settings;
-    std::unique_ptr<Settings> _settings;
+    std::unique_ptr<Settings> m_settings;
 };

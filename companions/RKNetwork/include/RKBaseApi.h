@@ -25,5 +25,5 @@ private:
     RKBaseApi() = default;
     ~RKBaseApi() = default;
 
-    QString _address;
+    QString m_address;
 };

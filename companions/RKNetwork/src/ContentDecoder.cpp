@@ -38,17 +38,17 @@ int deflateWindow(unsigned char first)
 
 } // namespace
 
-ContentDecoder::ContentDecoder(const QByteArray& encoding, qint64 limit) : _limit(limit)
+ContentDecoder::ContentDecoder(const QByteArray& encoding, qint64 limit) : m_limit(limit)
 {
     const QByteArray name = encoding.trimmed().toLower();
     if (name.isEmpty() || name == "identity")
-        _encoding = Encoding::Identity;
+        m_encoding = Encoding::Identity;
     else if (name == "gzip" || name == "x-gzip")
-        _encoding = Encoding::Gzip;
+        m_encoding = Encoding::Gzip;
     else if (name == "deflate")
-        _encoding = Encoding::Deflate;
+        m_encoding = Encoding::Deflate;
     else
-        _encoding = Encoding::Unknown;
+        m_encoding = Encoding::Unknown;
 }
 
 ContentDecoder::~ContentDecoder() = default;
@@ -57,11 +57,11 @@ ContentDecoder& ContentDecoder::operator=(ContentDecoder&& other) noexcept = def
 
 ContentDecoder::Result ContentDecoder::write(const char* data, qint64 size, QByteArray& body)
 {
-    switch (_encoding) {
+    switch (m_encoding) {
     case Encoding::Unknown:
         return Result::UnknownEncoding;
     case Encoding::Identity:
-        if (size > _limit - body.size())
+        if (size > m_limit - body.size())
             return Result::TooLarge;
         body.append(data, static_cast<int>(size));
         return Result::Good;
@@ -71,25 +71,25 @@ ContentDecoder::Result ContentDecoder::write(const char* data, qint64 size, QByt
     }
     if (size == 0)
         return Result::Good;
-    if (!_inflater) {
-        _inflater = std::make_unique<Inflater>(
-            _encoding == Encoding::Gzip ? gzipWindow : deflateWindow(static_cast<unsigned char>(*data)));
+    if (!m_inflater) {
+        m_inflater = std::make_unique<Inflater>(
+            m_encoding == Encoding::Gzip ? gzipWindow : deflateWindow(static_cast<unsigned char>(*data)));
     }
-    return _inflater->ready ? inflateInto(body, data, size) : Result::Damaged;
+    return m_inflater->ready ? inflateInto(body, data, size) : Result::Damaged;
 }
 
 ContentDecoder::Result ContentDecoder::inflateInto(QByteArray& body, const char* data, qint64 size)
 {
     std::array<char, 32 * 1024> buffer;
-    z_stream& stream = _inflater->stream;
+    z_stream& stream = m_inflater->stream;
     stream.next_in = reinterpret_cast<const Bytef*>(data);
     stream.avail_in = static_cast<uInt>(size);
     do {
-        if (_inflater->atEnd) {
+        if (m_inflater->atEnd) {
             // A gzip body may be several members in a row (RFC 1952, 2.2); a zlib stream is the only one.
-            if (_encoding != Encoding::Gzip || inflateReset(&stream) != Z_OK)
+            if (m_encoding != Encoding::Gzip || inflateReset(&stream) != Z_OK)
                 return Result::Damaged;
-            _inflater->atEnd = false;
+            m_inflater->atEnd = false;
         }
         stream.next_out = reinterpret_cast<Bytef*>(buffer.data());
         stream.avail_out = static_cast<uInt>(buffer.size());
@@ -97,19 +97,19 @@ ContentDecoder::Result ContentDecoder::inflateInto(QByteArray& body, const char*
         if (result != Z_OK && result != Z_STREAM_END && result != Z_BUF_ERROR)
             return Result::Damaged;
         const auto produced = static_cast<qint64>(buffer.size() - stream.avail_out);
-        if (produced > _limit - body.size())
+        if (produced > m_limit - body.size())
             return Result::TooLarge;
         body.append(buffer.data(), static_cast<int>(produced));
-        _inflater->atEnd = result == Z_STREAM_END;
+        m_inflater->atEnd = result == Z_STREAM_END;
         if (result == Z_BUF_ERROR && produced == 0)
             break;
-    } while (stream.avail_in > 0 || (stream.avail_out == 0 && !_inflater->atEnd));
+    } while (stream.avail_in > 0 || (stream.avail_out == 0 && !m_inflater->atEnd));
     return Result::Good;
 }
 
 ContentDecoder::Result ContentDecoder::finish() const
 {
-    switch (_encoding) {
+    switch (m_encoding) {
     case Encoding::Identity:
         return Result::Good;
     case Encoding::Unknown:
@@ -118,5 +118,5 @@ ContentDecoder::Result ContentDecoder::finish() const
     case Encoding::Deflate:
         break;
     }
-    return _inflater && _inflater->atEnd ? Result::Good : Result::Damaged;
+    return m_inflater && m_inflater->atEnd ? Result::Good : Result::Damaged;
 }

@@ -41,7 +41,7 @@ private:
 
     Result inflateInto(QByteArray& body, const char* data, qint64 size);
 
-    Encoding _encoding;
-    qint64 _limit;
-    std::unique_ptr<Inflater> _inflater;
+    Encoding m_encoding;
+    qint64 m_limit;
+    std::unique_ptr<Inflater> m_inflater;
 };

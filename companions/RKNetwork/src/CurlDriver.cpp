@@ -24,39 +24,39 @@ CurlDriver* CurlDriver::ofThisThread()
     return drivers.localData();
 }
 
-CurlDriver::CurlDriver() : _multi(curl_multi_init())
+CurlDriver::CurlDriver() : m_multi(curl_multi_init())
 {
-    _timer.setSingleShot(true);
-    _timer.setTimerType(Qt::PreciseTimer);
-    connect(&_timer, &QTimer::timeout, this, [this] { actOnTime(); });
-    _delivery.setSingleShot(true);
-    connect(&_delivery, &QTimer::timeout, this, [this] { deliver(); });
-    curl_multi_setopt(_multi.get(), CURLMOPT_SOCKETFUNCTION, &CurlDriver::onSocket);
-    curl_multi_setopt(_multi.get(), CURLMOPT_SOCKETDATA, this);
-    curl_multi_setopt(_multi.get(), CURLMOPT_TIMERFUNCTION, &CurlDriver::onTimer);
-    curl_multi_setopt(_multi.get(), CURLMOPT_TIMERDATA, this);
+    m_timer.setSingleShot(true);
+    m_timer.setTimerType(Qt::PreciseTimer);
+    connect(&m_timer, &QTimer::timeout, this, [this] { actOnTime(); });
+    m_delivery.setSingleShot(true);
+    connect(&m_delivery, &QTimer::timeout, this, [this] { deliver(); });
+    curl_multi_setopt(m_multi.get(), CURLMOPT_SOCKETFUNCTION, &CurlDriver::onSocket);
+    curl_multi_setopt(m_multi.get(), CURLMOPT_SOCKETDATA, this);
+    curl_multi_setopt(m_multi.get(), CURLMOPT_TIMERFUNCTION, &CurlDriver::onTimer);
+    curl_multi_setopt(m_multi.get(), CURLMOPT_TIMERDATA, this);
     // Nested waits use one connection each; more idle ones than this are closed.
-    curl_multi_setopt(_multi.get(), CURLMOPT_MAXCONNECTS, 8L);
+    curl_multi_setopt(m_multi.get(), CURLMOPT_MAXCONNECTS, 8L);
 }
 
 CurlDriver::~CurlDriver()
 {
-    const QList<HttpTransfer*> unfinished = _running + _finished;
+    const QList<HttpTransfer*> unfinished = m_running + m_finished;
     for (HttpTransfer* transfer : unfinished) {
         cancel(transfer);
         transfer->failWith(QNetworkReply::OperationCanceledError,
                            QStringLiteral("the application has ended"));
     }
     // The notifiers go before the sockets that closing the connections closes.
-    _watches.clear();
-    _multi.reset();
+    m_watches.clear();
+    m_multi.reset();
 }
 
 std::unique_ptr<CURL, CurlDriver::FreeEasy> CurlDriver::takeEasy()
 {
-    if (!_spareEasy)
-        _spareEasy.reset(curl_easy_init());
-    CURL* easy = _spareEasy.get();
+    if (!m_spareEasy)
+        m_spareEasy.reset(curl_easy_init());
+    CURL* easy = m_spareEasy.get();
     if (easy) {
         curl_easy_reset(easy);
         curl_easy_setopt(easy, CURLOPT_SOCKOPTFUNCTION, &CurlDriver::onSocketOpened);
@@ -64,14 +64,14 @@ std::unique_ptr<CURL, CurlDriver::FreeEasy> CurlDriver::takeEasy()
         curl_easy_setopt(easy, CURLOPT_CLOSESOCKETFUNCTION, &CurlDriver::onSocketClosing);
         curl_easy_setopt(easy, CURLOPT_CLOSESOCKETDATA, this);
     }
-    return std::move(_spareEasy);
+    return std::move(m_spareEasy);
 }
 
 /// Ends idle connections on which something has arrived: bytes that nobody asked for, which libcurl would take for the
 /// answer to the next request, or the peer's closing. libcurl drops an ended connection and opens another.
 void CurlDriver::endStrayConnections()
 {
-    for (const auto& [socket, watch] : _watches) {
+    for (const auto& [socket, watch] : m_watches) {
         if (watch.isConnection && !watch.isWanted && hasInput(socket))
             endConnection(socket);
     }
@@ -80,42 +80,42 @@ void CurlDriver::endStrayConnections()
 void CurlDriver::start(HttpTransfer* transfer)
 {
     endStrayConnections();
-    transfer->_driver = this;
+    transfer->m_driver = this;
     if (!transfer->prepare(takeEasy()) ||
-        curl_multi_add_handle(_multi.get(), transfer->_easy.get()) != CURLM_OK) {
+        curl_multi_add_handle(m_multi.get(), transfer->m_easy.get()) != CURLM_OK) {
         transfer->failWith(QNetworkReply::UnknownNetworkError,
                            QStringLiteral("the request cannot be prepared"));
         startFailed(transfer);
         return;
     }
-    _running.append(transfer);
+    m_running.append(transfer);
     // Sends at once what can be sent, instead of after another turn of the event loop.
     int running = 0;
-    curl_multi_socket_action(_multi.get(), CURL_SOCKET_TIMEOUT, 0, &running);
+    curl_multi_socket_action(m_multi.get(), CURL_SOCKET_TIMEOUT, 0, &running);
     armTimer();
     collectFinished();
-    if (!_finished.isEmpty())
+    if (!m_finished.isEmpty())
         deliverSoon();
 }
 
 void CurlDriver::startFailed(HttpTransfer* transfer)
 {
-    transfer->_driver = this;
-    _finished.append(transfer);
+    transfer->m_driver = this;
+    m_finished.append(transfer);
     deliverSoon();
 }
 
 void CurlDriver::cancel(HttpTransfer* transfer)
 {
-    if (_running.removeOne(transfer))
-        curl_multi_remove_handle(_multi.get(), transfer->_easy.get());
-    _finished.removeOne(transfer);
-    transfer->_driver = nullptr;
+    if (m_running.removeOne(transfer))
+        curl_multi_remove_handle(m_multi.get(), transfer->m_easy.get());
+    m_finished.removeOne(transfer);
+    transfer->m_driver = nullptr;
 }
 
 void CurlDriver::actOnSocket(curl_socket_t socket, int what)
 {
-    Watch& watch = _watches[socket];
+    Watch& watch = m_watches[socket];
     if (watch.isWanted) {
         act(socket, what);
     } else {
@@ -125,7 +125,7 @@ void CurlDriver::actOnSocket(curl_socket_t socket, int what)
 
 void CurlDriver::actOnTime()
 {
-    if (_due.hasExpired())
+    if (m_due.hasExpired())
         act(CURL_SOCKET_TIMEOUT, 0);
     else
         armTimer();
@@ -135,15 +135,15 @@ void CurlDriver::actOnTime()
 /// event loop's timers cost more than going off in vain now and then.
 void CurlDriver::armTimer()
 {
-    if (_due.isForever() || (_timer.isActive() && _timer.remainingTime() <= _due.remainingTime()))
+    if (m_due.isForever() || (m_timer.isActive() && m_timer.remainingTime() <= m_due.remainingTime()))
         return;
-    _timer.start(static_cast<int>(_due.remainingTime()));
+    m_timer.start(static_cast<int>(m_due.remainingTime()));
 }
 
 void CurlDriver::act(curl_socket_t socket, int what)
 {
     int running = 0;
-    curl_multi_socket_action(_multi.get(), socket, what, &running);
+    curl_multi_socket_action(m_multi.get(), socket, what, &running);
     armTimer();
     collectFinished();
     deliver();
@@ -152,7 +152,7 @@ void CurlDriver::act(curl_socket_t socket, int what)
 void CurlDriver::collectFinished()
 {
     int left = 0;
-    while (const CURLMsg* message = curl_multi_info_read(_multi.get(), &left)) {
+    while (const CURLMsg* message = curl_multi_info_read(m_multi.get(), &left)) {
         if (message->msg != CURLMSG_DONE)
             continue;
         const CURLcode code = message->data.result; // the message is gone once the handle is removed
@@ -161,38 +161,38 @@ void CurlDriver::collectFinished()
         curl_easy_getinfo(easy, CURLINFO_PRIVATE, &owner);
         auto* transfer = static_cast<HttpTransfer*>(static_cast<void*>(owner));
         transfer->settle(code);
-        curl_multi_remove_handle(_multi.get(), easy);
-        _spareEasy.reset(transfer->_easy.release());
-        _running.removeOne(transfer);
-        _finished.append(transfer);
+        curl_multi_remove_handle(m_multi.get(), easy);
+        m_spareEasy.reset(transfer->m_easy.release());
+        m_running.removeOne(transfer);
+        m_finished.append(transfer);
     }
 }
 
 void CurlDriver::deliver()
 {
     const QPointer<CurlDriver> self(this);
-    while (self && !_finished.isEmpty()) {
-        HttpTransfer* transfer = _finished.takeFirst();
+    while (self && !m_finished.isEmpty()) {
+        HttpTransfer* transfer = m_finished.takeFirst();
         // Its owner may wait for one of the others, which this loop cannot tell before the owner returns.
-        if (!_finished.isEmpty())
+        if (!m_finished.isEmpty())
             deliverSoon();
-        transfer->_driver = nullptr;
+        transfer->m_driver = nullptr;
         const std::function<void()> tell =
-            std::move(transfer->_whenFinished); // the transfer may go meanwhile
+            std::move(transfer->m_whenFinished); // the transfer may go meanwhile
         tell();
     }
 }
 
 void CurlDriver::deliverSoon()
 {
-    _delivery.start(0);
+    m_delivery.start(0);
 }
 
 void CurlDriver::watch(curl_socket_t socket, int what)
 {
     const bool reads = what == CURL_POLL_IN || what == CURL_POLL_INOUT;
     const bool writes = what == CURL_POLL_OUT || what == CURL_POLL_INOUT;
-    Watch& watch = _watches[socket];
+    Watch& watch = m_watches[socket];
     if (reads && !watch.read)
         watch.read = notifier(socket, true);
     if (writes && !watch.write)
@@ -223,21 +223,21 @@ int CurlDriver::onSocket(CURL* /*easy*/, curl_socket_t socket, int what, void* d
 
 int CurlDriver::onTimer(CURLM* /*multi*/, long milliseconds, void* driver)
 {
-    static_cast<CurlDriver*>(driver)->_due = milliseconds < 0
-                                                 ? QDeadlineTimer(QDeadlineTimer::Forever)
-                                                 : QDeadlineTimer(milliseconds, Qt::PreciseTimer);
+    static_cast<CurlDriver*>(driver)->m_due = milliseconds < 0
+                                                  ? QDeadlineTimer(QDeadlineTimer::Forever)
+                                                  : QDeadlineTimer(milliseconds, Qt::PreciseTimer);
     return 0;
 }
 
 int CurlDriver::onSocketOpened(void* driver, curl_socket_t socket, curlsocktype /*purpose*/)
 {
-    static_cast<CurlDriver*>(driver)->_watches[socket].isConnection = true;
+    static_cast<CurlDriver*>(driver)->m_watches[socket].isConnection = true;
     return CURL_SOCKOPT_OK;
 }
 
 int CurlDriver::onSocketClosing(void* driver, curl_socket_t socket)
 {
-    auto& watches = static_cast<CurlDriver*>(driver)->_watches;
+    auto& watches = static_cast<CurlDriver*>(driver)->m_watches;
     const auto found = watches.find(socket);
     if (found != watches.end()) {
         // Not deleted: this may be its own notification.

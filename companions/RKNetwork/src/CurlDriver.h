@@ -74,12 +74,12 @@ private:
     static int onSocketOpened(void* driver, curl_socket_t socket, curlsocktype purpose);
     static int onSocketClosing(void* driver, curl_socket_t socket);
 
-    std::unique_ptr<CURLM, FreeMulti> _multi;
-    std::unique_ptr<CURL, FreeEasy> _spareEasy;                    ///< of the last transfer, for the next
-    QDeadlineTimer _due = QDeadlineTimer(QDeadlineTimer::Forever); ///< when libcurl wants to be called
-    QTimer _timer;                                                 ///< goes off at _due or earlier
-    QTimer _delivery; ///< runs deliver() in the next turn of the event loop
-    std::unordered_map<curl_socket_t, Watch> _watches;
-    QList<HttpTransfer*> _running;
-    QList<HttpTransfer*> _finished; ///< over, their owners not told yet
+    std::unique_ptr<CURLM, FreeMulti> m_multi;
+    std::unique_ptr<CURL, FreeEasy> m_spareEasy;                    ///< of the last transfer, for the next
+    QDeadlineTimer m_due = QDeadlineTimer(QDeadlineTimer::Forever); ///< when libcurl wants to be called
+    QTimer m_timer;                                                 ///< goes off at m_due or earlier
+    QTimer m_delivery; ///< runs deliver() in the next turn of the event loop
+    std::unordered_map<curl_socket_t, Watch> m_watches;
+    QList<HttpTransfer*> m_running;
+    QList<HttpTransfer*> m_finished; ///< over, their owners not told yet
 };

@@ -41,37 +41,37 @@ QString shortened(const QString& text)
 } // namespace
 
 HttpReply::HttpReply(HttpRequest request, NetworkObserver observer, const QByteArray& secret)
-    : _transfer(std::move(request), [this] { whenTransferFinished(); }), _observer(std::move(observer)),
-      _secret(QString::fromLatin1(secret))
+    : m_transfer(std::move(request), [this] { whenTransferFinished(); }), m_observer(std::move(observer)),
+      m_secret(QString::fromLatin1(secret))
 {
     open(QIODevice::ReadOnly);
-    _watch.start();
+    m_watch.start();
     // The request first: what the reply says of itself is filled in while the service works.
     start();
-    const QUrl url(withoutSecrets(_transfer.request().url));
+    const QUrl url(withoutSecrets(m_transfer.request().url));
     setUrl(url);
     setRequest(QNetworkRequest(url));
-    setOperation(operationOf(_transfer.request().method));
+    setOperation(operationOf(m_transfer.request().method));
 }
 
 void HttpReply::start()
 {
-    const QByteArray& url = _transfer.request().url;
+    const QByteArray& url = m_transfer.request().url;
     CurlDriver* driver = CurlDriver::ofThisThread();
     if (!driver) {
         fail(UnknownNetworkError, QStringLiteral("there is no QCoreApplication to wait in"));
         setFinished(true);
         report();
     } else if (!isWebAddress(url)) {
-        HttpAnswer& answer = _transfer.answer();
+        HttpAnswer& answer = m_transfer.answer();
         answer.error = ProtocolUnknownError;
         answer.errorText =
             QStringLiteral(
                 "\"%1\" does not begin with http:// or https:// and a host; is the base address set?")
                 .arg(shortened(withoutSecrets(url)));
-        driver->startFailed(&_transfer);
+        driver->startFailed(&m_transfer);
     } else {
-        driver->start(&_transfer);
+        driver->start(&m_transfer);
     }
 }
 
@@ -79,7 +79,7 @@ HttpReply::~HttpReply()
 {
     if (isFinished())
         return;
-    _transfer.cancel(); // first: the observer may run events
+    m_transfer.cancel(); // first: the observer may run events
     fail(OperationCanceledError, QStringLiteral("the reply was deleted before it finished"));
     setFinished(true);
     // The application may be gone already, and whoever listened with it.
@@ -91,57 +91,62 @@ void HttpReply::abort()
 {
     if (isFinished())
         return;
-    _transfer.cancel();
+    m_transfer.cancel();
     fail(OperationCanceledError, QStringLiteral("the exchange was cancelled"));
     closeExchange();
 }
 
 qint64 HttpReply::bytesAvailable() const
 {
-    return QNetworkReply::bytesAvailable() + _body.size() - _readPosition;
+    return QNetworkReply::bytesAvailable() + m_body.size() - m_readPosition;
 }
 
 qint64 HttpReply::readData(char* data, qint64 size)
 {
-    const qint64 left = _body.size() - _readPosition;
+    const qint64 left = m_body.size() - m_readPosition;
     if (left == 0 && isFinished())
         return -1;
     const qint64 count = std::min(size, left);
-    std::memcpy(data, _body.constData() + _readPosition, static_cast<size_t>(count));
-    _readPosition += static_cast<int>(count);
+    std::memcpy(data, m_body.constData() + m_readPosition, static_cast<size_t>(count));
+    m_readPosition += static_cast<int>(count);
     return count;
 }
 
 void HttpReply::whenTransferFinished()
 {
-    readAnswer(_transfer.answer());
+    readAnswer(m_transfer.answer());
     closeExchange();
 }
 
 /// Judges the answer: whole, then its status, then its body.
 void HttpReply::readAnswer(const HttpAnswer& answer)
 {
-    _status = answer.status;
-    _bytesReceived = answer.bytesReceived;
+    m_status = answer.status;
+    m_bytesReceived = answer.bytesReceived;
     for (const RawHeaderPair& header : answer.headers)
         setRawHeader(header.first, header.second);
-    if (_status != 0) {
-        setAttribute(QNetworkRequest::HttpStatusCodeAttribute, _status);
+    if (m_status != 0) {
+        setAttribute(QNetworkRequest::HttpStatusCodeAttribute, m_status);
         setAttribute(QNetworkRequest::HttpReasonPhraseAttribute, QString::fromLatin1(answer.reason));
     }
     if (!answer.isWhole) {
         fail(answer.error, answer.errorText);
         return;
     }
+    if (m_status >= 300 && m_status < 400) {
+        // What comes with a redirect is not the service's answer, however much it looks like one.
+        fail(errorOfStatus(m_status), statusText(answer));
+        return;
+    }
 
-    _body = answer.body;
+    m_body = answer.body;
     QJsonParseError parsing = {};
-    if (!_body.isEmpty())
-        _document = QJsonDocument::fromJson(_body, &parsing);
-    const NetworkError error = errorOfStatus(_status);
+    if (!m_body.isEmpty())
+        m_document = QJsonDocument::fromJson(m_body, &parsing);
+    const NetworkError error = errorOfStatus(m_status);
     if (error != NoError) {
         fail(error, statusText(answer));
-    } else if (!_body.isEmpty() && _document.isNull()) {
+    } else if (!m_body.isEmpty() && m_document.isNull()) {
         fail(ProtocolFailure, QStringLiteral("the reply is not JSON: %1 at byte %2")
                                   .arg(parsing.errorString())
                                   .arg(parsing.offset));
@@ -150,7 +155,7 @@ void HttpReply::readAnswer(const HttpAnswer& answer)
 
 QString HttpReply::statusText(const HttpAnswer& answer) const
 {
-    const QString message = _document.object().value(QLatin1String("message")).toString();
+    const QString message = m_document.object().value(QLatin1String("message")).toString();
     if (!message.isEmpty())
         return message;
     const QString status = QStringLiteral("HTTP status %1 %2")
@@ -166,10 +171,10 @@ QString HttpReply::statusText(const HttpAnswer& answer) const
 
 void HttpReply::fail(NetworkError error, const QString& text)
 {
-    _errorText = text;
-    if (!_secret.isEmpty())
-        _errorText.replace(_secret, QStringLiteral("***"));
-    setError(error, _errorText);
+    m_errorText = text;
+    if (!m_secret.isEmpty())
+        m_errorText.replace(m_secret, QStringLiteral("***"));
+    setError(error, m_errorText);
 }
 
 /// The last act of an exchange. Each step may run code that deletes the reply.
@@ -178,9 +183,9 @@ void HttpReply::closeExchange()
     setFinished(true);
     const QPointer<HttpReply> self(this);
     report();
-    if (self && _status != 0)
+    if (self && m_status != 0)
         Q_EMIT metaDataChanged();
-    if (self && !_body.isEmpty())
+    if (self && !m_body.isEmpty())
         Q_EMIT readyRead();
     if (self && error() != NoError)
         Q_EMIT errorOccurred(error());
@@ -190,19 +195,19 @@ void HttpReply::closeExchange()
 
 void HttpReply::report() const
 {
-    if (!_observer && !networkLog().isDebugEnabled())
+    if (!m_observer && !networkLog().isDebugEnabled())
         return;
     NetworkExchange exchange;
-    exchange.method = _transfer.request().method;
-    exchange.url = withoutSecrets(_transfer.request().url);
-    exchange.httpStatus = _status;
+    exchange.method = m_transfer.request().method;
+    exchange.url = withoutSecrets(m_transfer.request().url);
+    exchange.httpStatus = m_status;
     exchange.error = error();
-    exchange.errorText = _errorText;
-    exchange.bytesReceived = _bytesReceived;
-    exchange.microseconds = _watch.nsecsElapsed() / 1000;
+    exchange.errorText = m_errorText;
+    exchange.bytesReceived = m_bytesReceived;
+    exchange.microseconds = m_watch.nsecsElapsed() / 1000;
     qCDebug(networkLog).noquote() << exchange.method << exchange.url << exchange.httpStatus << exchange.error
                                   << exchange.bytesReceived << "bytes" << exchange.microseconds << "us"
                                   << exchange.errorText;
-    if (const NetworkObserver observer = _observer) // a copy: the reply may go meanwhile
+    if (const NetworkObserver observer = m_observer) // a copy: the reply may go meanwhile
         observer(exchange);
 }

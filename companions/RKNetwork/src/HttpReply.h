@@ -23,7 +23,7 @@ public:
     ~HttpReply() override;
 
     /// The parsed body: an object or an array, or null when there is none that can be read.
-    const QJsonDocument& document() const { return _document; }
+    const QJsonDocument& document() const { return m_document; }
 
     void abort() override;
     bool isSequential() const override { return true; }
@@ -41,14 +41,14 @@ private:
     void report() const;
     QString statusText(const HttpAnswer& answer) const;
 
-    HttpTransfer _transfer;
-    NetworkObserver _observer;
-    QString _secret;
-    QElapsedTimer _watch;
-    QJsonDocument _document;
-    QByteArray _body;
-    int _readPosition = 0;
-    int _status = 0;
-    qint64 _bytesReceived = 0;
-    QString _errorText;
+    HttpTransfer m_transfer;
+    NetworkObserver m_observer;
+    QString m_secret;
+    QElapsedTimer m_watch;
+    QJsonDocument m_document;
+    QByteArray m_body;
+    int m_readPosition = 0;
+    int m_status = 0;
+    qint64 m_bytesReceived = 0;
+    QString m_errorText;
 };

@@ -27,8 +27,8 @@ QByteArray HttpAnswer::header(const QByteArray& name) const
 }
 
 HttpTransfer::HttpTransfer(HttpRequest request, std::function<void()> whenFinished)
-    : _request(std::move(request)), _whenFinished(std::move(whenFinished)),
-      _decoder(QByteArray(), _request.maximumReplySize)
+    : m_request(std::move(request)), m_whenFinished(std::move(whenFinished)),
+      m_decoder(QByteArray(), m_request.maximumReplySize)
 {
 }
 
@@ -39,18 +39,18 @@ HttpTransfer::~HttpTransfer()
 
 void HttpTransfer::cancel()
 {
-    if (_driver)
-        _driver->cancel(this);
+    if (m_driver)
+        m_driver->cancel(this);
 }
 
 bool HttpTransfer::prepare(std::unique_ptr<CURL, CurlDriver::FreeEasy> handle)
 {
-    _easy = std::move(handle);
-    CURL* easy = _easy.get();
+    m_easy = std::move(handle);
+    CURL* easy = m_easy.get();
     if (!easy || !prepareHeaders())
         return false;
     curl_easy_setopt(easy, CURLOPT_PRIVATE, this);
-    curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, _errorText);
+    curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, m_errorText);
     curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
     curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1);
@@ -70,79 +70,79 @@ bool HttpTransfer::prepare(std::unique_ptr<CURL, CurlDriver::FreeEasy> handle)
     curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
     prepareBody();
     prepareBounds();
-    return curl_easy_setopt(easy, CURLOPT_URL, _request.url.constData()) == CURLE_OK;
+    return curl_easy_setopt(easy, CURLOPT_URL, m_request.url.constData()) == CURLE_OK;
 }
 
 void HttpTransfer::prepareBody()
 {
-    CURL* easy = _easy.get();
-    if (!_request.body.isEmpty()) {
-        curl_easy_setopt(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(_request.body.size()));
-        curl_easy_setopt(easy, CURLOPT_POSTFIELDS, _request.body.constData()); // not copied
+    CURL* easy = m_easy.get();
+    if (!m_request.body.isEmpty()) {
+        curl_easy_setopt(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(m_request.body.size()));
+        curl_easy_setopt(easy, CURLOPT_POSTFIELDS, m_request.body.constData()); // not copied
     }
-    if (_request.method != "GET")
-        curl_easy_setopt(easy, CURLOPT_CUSTOMREQUEST, _request.method.constData());
+    if (m_request.method != "GET")
+        curl_easy_setopt(easy, CURLOPT_CUSTOMREQUEST, m_request.method.constData());
     // A DELETE has no body whose loss would show; on a connection of its own it cannot meet one that the peer
     // is just closing, and so never fails for that reason alone.
-    if (_request.method == "DELETE")
+    if (m_request.method == "DELETE")
         curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, 1L);
 }
 
 void HttpTransfer::prepareBounds()
 {
-    CURL* easy = _easy.get();
-    curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(_request.deadline.count()));
-    curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(_request.connectTimeout.count()));
-    if (!_request.caFile.isEmpty())
-        curl_easy_setopt(easy, CURLOPT_CAINFO, _request.caFile.constData());
-    if (_request.proxy == "direct")
+    CURL* easy = m_easy.get();
+    curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(m_request.deadline.count()));
+    curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(m_request.connectTimeout.count()));
+    if (!m_request.caFile.isEmpty())
+        curl_easy_setopt(easy, CURLOPT_CAINFO, m_request.caFile.constData());
+    if (m_request.proxy == "direct")
         curl_easy_setopt(easy, CURLOPT_NOPROXY, "*");
-    else if (!_request.proxy.isEmpty())
-        curl_easy_setopt(easy, CURLOPT_PROXY, _request.proxy.constData());
+    else if (!m_request.proxy.isEmpty())
+        curl_easy_setopt(easy, CURLOPT_PROXY, m_request.proxy.constData());
 }
 
 bool HttpTransfer::prepareHeaders()
 {
     QList<QByteArray> lines = {"Accept: application/json", "Accept-Encoding: gzip, deflate"};
     // "Expect:" takes away libcurl's "Expect: 100-continue", which delays large bodies.
-    if (!_request.body.isEmpty())
+    if (!m_request.body.isEmpty())
         lines << "Content-Type: application/json"
               << "Expect:";
-    lines += _request.headerLines;
+    lines += m_request.headerLines;
     for (const QByteArray& line : qAsConst(lines)) {
-        curl_slist* longer = curl_slist_append(_headerList.get(), line.constData());
+        curl_slist* longer = curl_slist_append(m_headerList.get(), line.constData());
         if (!longer)
             return false;
-        static_cast<void>(_headerList.release()); // part of the longer list
-        _headerList.reset(longer);
+        static_cast<void>(m_headerList.release()); // part of the longer list
+        m_headerList.reset(longer);
     }
-    curl_easy_setopt(_easy.get(), CURLOPT_HTTPHEADER, _headerList.get());
+    curl_easy_setopt(m_easy.get(), CURLOPT_HTTPHEADER, m_headerList.get());
     return true;
 }
 
 void HttpTransfer::settle(CURLcode code)
 {
     curl_off_t received = 0;
-    curl_easy_getinfo(_easy.get(), CURLINFO_SIZE_DOWNLOAD_T, &received);
-    _answer.bytesReceived = received;
+    curl_easy_getinfo(m_easy.get(), CURLINFO_SIZE_DOWNLOAD_T, &received);
+    m_answer.bytesReceived = received;
 
     const CURLcode last = lastCheck(code);
-    _answer.isWhole = last == CURLE_OK;
-    if (!_answer.isWhole) {
-        const auto error = _stop == Stop::Repeated      ? QNetworkReply::RemoteHostClosedError
-                           : _stop == Stop::OutOfMemory ? QNetworkReply::UnknownNetworkError
-                           : _stop != Stop::None        ? QNetworkReply::ProtocolFailure
-                                                        : errorOfTransport(last);
+    m_answer.isWhole = last == CURLE_OK;
+    if (!m_answer.isWhole) {
+        const auto error = m_stop == Stop::Repeated      ? QNetworkReply::RemoteHostClosedError
+                           : m_stop == Stop::OutOfMemory ? QNetworkReply::UnknownNetworkError
+                           : m_stop != Stop::None        ? QNetworkReply::ProtocolFailure
+                                                         : errorOfTransport(last);
         failWith(error, describe(last));
     }
 }
 
 void HttpTransfer::failWith(QNetworkReply::NetworkError error, const QString& text)
 {
-    _answer.isWhole = false;
-    _answer.body.clear();
-    _answer.error = error;
-    _answer.errorText = text;
+    m_answer.isWhole = false;
+    m_answer.body.clear();
+    m_answer.error = error;
+    m_answer.errorText = text;
 }
 
 /// The checks that libcurl leaves out: a head cut between two lines and compressed data that end too early
@@ -151,29 +151,29 @@ CURLcode HttpTransfer::lastCheck(CURLcode code)
 {
     if (code != CURLE_OK)
         return code;
-    if (!_headIsWhole)
+    if (!m_headIsWhole)
         return CURLE_PARTIAL_FILE;
-    const bool hasContent = _answer.status != 204 && _answer.status != 304;
-    if (hasContent && !stopUnlessGood(_decoder.finish()))
+    const bool hasContent = m_answer.status != 204 && m_answer.status != 304;
+    if (hasContent && !stopUnlessGood(m_decoder.finish()))
         return CURLE_BAD_CONTENT_ENCODING;
     return CURLE_OK;
 }
 
 QString HttpTransfer::describe(CURLcode code) const
 {
-    switch (_stop) {
+    switch (m_stop) {
     case Stop::None:
         break;
     case Stop::Repeated:
         return QStringLiteral("the connection closed without an answer; the request was not sent again");
     case Stop::TooLarge:
         return QStringLiteral("the reply is larger than the limit of %1")
-            .arg(megabytes(_request.maximumReplySize));
+            .arg(megabytes(m_request.maximumReplySize));
     case Stop::Damaged:
         return QStringLiteral("the compressed reply is damaged or incomplete");
     case Stop::UnknownEncoding:
         return QStringLiteral("the reply has an unknown Content-Encoding \"%1\"")
-            .arg(QString::fromLatin1(_answer.header("Content-Encoding")));
+            .arg(QString::fromLatin1(m_answer.header("Content-Encoding")));
     case Stop::ContradictoryLength:
         return QStringLiteral("the reply states two different lengths");
     case Stop::HeadTooLarge:
@@ -181,19 +181,19 @@ QString HttpTransfer::describe(CURLcode code) const
     case Stop::OutOfMemory:
         return QStringLiteral("not enough memory for the reply");
     }
-    if (!_headIsWhole && code == CURLE_PARTIAL_FILE)
+    if (!m_headIsWhole && code == CURLE_PARTIAL_FILE)
         return QStringLiteral("the connection closed within the reply's header");
-    return QString::fromUtf8(_errorText[0] != '\0' ? _errorText : curl_easy_strerror(code));
+    return QString::fromUtf8(m_errorText[0] != '\0' ? m_errorText : curl_easy_strerror(code));
 }
 
 int HttpTransfer::onSending(void* transfer, char* /*peer*/, char* /*self*/, int /*peerPort*/,
                             int /*selfPort*/)
 {
     auto* self = static_cast<HttpTransfer*>(transfer);
-    const int most = self->_request.method == "GET" ? 2 : 1;
-    if (++self->_timesSent <= most)
+    const int most = self->m_request.method == "GET" ? 2 : 1;
+    if (++self->m_timesSent <= most)
         return CURL_PREREQFUNC_OK;
-    self->_stop = Stop::Repeated;
+    self->m_stop = Stop::Repeated;
     return CURL_PREREQFUNC_ABORT;
 }
 
@@ -204,7 +204,7 @@ size_t HttpTransfer::onHeadLine(char* data, size_t size, size_t count, void* tra
     try {
         return self->takeHeadLine(data, static_cast<qint64>(bytes)) ? bytes : 0;
     } catch (const std::bad_alloc&) { // must not pass through libcurl
-        self->_stop = Stop::OutOfMemory;
+        self->m_stop = Stop::OutOfMemory;
         return 0;
     }
 }
@@ -216,16 +216,16 @@ size_t HttpTransfer::onBody(char* data, size_t size, size_t count, void* transfe
     try {
         return self->takeBody(data, static_cast<qint64>(bytes)) ? bytes : 0;
     } catch (const std::bad_alloc&) { // must not pass through libcurl
-        self->_stop = Stop::OutOfMemory;
+        self->m_stop = Stop::OutOfMemory;
         return 0;
     }
 }
 
 bool HttpTransfer::takeHeadLine(const char* data, qint64 size)
 {
-    _headSize += size;
-    if (_headSize > maximumHeadSize) {
-        _stop = Stop::HeadTooLarge;
+    m_headSize += size;
+    if (m_headSize > maximumHeadSize) {
+        m_stop = Stop::HeadTooLarge;
         return false;
     }
     const QByteArray line = QByteArray(data, static_cast<int>(size)).trimmed();
@@ -233,14 +233,14 @@ bool HttpTransfer::takeHeadLine(const char* data, qint64 size)
         takeStatusLine(line);
         return true;
     }
-    if (_headIsWhole) // a trailer of a chunked body
+    if (m_headIsWhole) // a trailer of a chunked body
         return true;
     if (!line.isEmpty())
         return takeHeader(line);
     // An interim answer (RFC 9110, 15.2) is followed by another head.
-    _headIsWhole = _answer.status >= 200;
-    if (_headIsWhole)
-        _decoder = ContentDecoder(_answer.header("Content-Encoding"), _request.maximumReplySize);
+    m_headIsWhole = m_answer.status >= 200;
+    if (m_headIsWhole)
+        m_decoder = ContentDecoder(m_answer.header("Content-Encoding"), m_request.maximumReplySize);
     return true;
 }
 
@@ -248,10 +248,10 @@ void HttpTransfer::takeStatusLine(const QByteArray& line)
 {
     const int first = line.indexOf(' ');
     const int second = line.indexOf(' ', first + 1);
-    _answer.status = line.mid(first + 1, second < 0 ? -1 : second - first - 1).toInt();
-    _answer.reason = second < 0 ? QByteArray() : line.mid(second + 1).trimmed();
-    _answer.headers.clear();
-    _headIsWhole = false;
+    m_answer.status = line.mid(first + 1, second < 0 ? -1 : second - first - 1).toInt();
+    m_answer.reason = second < 0 ? QByteArray() : line.mid(second + 1).trimmed();
+    m_answer.headers.clear();
+    m_headIsWhole = false;
 }
 
 bool HttpTransfer::takeHeader(const QByteArray& line)
@@ -263,19 +263,19 @@ bool HttpTransfer::takeHeader(const QByteArray& line)
     const QByteArray value = line.mid(colon + 1).trimmed();
     // RFC 9112, 6.3: a body whose length is stated twice, and differently, has no length that can be trusted.
     if (name.compare("Content-Length", Qt::CaseInsensitive) == 0) {
-        const QByteArray earlier = _answer.header(name);
+        const QByteArray earlier = m_answer.header(name);
         if (!earlier.isNull() && earlier != value) {
-            _stop = Stop::ContradictoryLength;
+            m_stop = Stop::ContradictoryLength;
             return false;
         }
     }
-    _answer.headers.append({name, value});
+    m_answer.headers.append({name, value});
     return true;
 }
 
 bool HttpTransfer::takeBody(const char* data, qint64 size)
 {
-    return stopUnlessGood(_decoder.write(data, size, _answer.body));
+    return stopUnlessGood(m_decoder.write(data, size, m_answer.body));
 }
 
 bool HttpTransfer::stopUnlessGood(ContentDecoder::Result result)
@@ -284,13 +284,13 @@ bool HttpTransfer::stopUnlessGood(ContentDecoder::Result result)
     case ContentDecoder::Result::Good:
         return true;
     case ContentDecoder::Result::UnknownEncoding:
-        _stop = Stop::UnknownEncoding;
+        m_stop = Stop::UnknownEncoding;
         return false;
     case ContentDecoder::Result::Damaged:
-        _stop = Stop::Damaged;
+        m_stop = Stop::Damaged;
         return false;
     case ContentDecoder::Result::TooLarge:
-        _stop = Stop::TooLarge;
+        m_stop = Stop::TooLarge;
         return false;
     }
     return false;

@@ -59,8 +59,8 @@ public:
     HttpTransfer(const HttpTransfer&) = delete;
     HttpTransfer& operator=(const HttpTransfer&) = delete;
 
-    const HttpRequest& request() const { return _request; }
-    HttpAnswer& answer() { return _answer; }
+    const HttpRequest& request() const { return m_request; }
+    HttpAnswer& answer() { return m_answer; }
     /// Stops it; whenFinished is not called any more.
     void cancel();
 
@@ -103,17 +103,17 @@ private:
     static size_t onHeadLine(char* data, size_t size, size_t count, void* transfer);
     static size_t onBody(char* data, size_t size, size_t count, void* transfer);
 
-    HttpRequest _request;
-    std::function<void()> _whenFinished;
-    HttpAnswer _answer;
-    std::unique_ptr<curl_slist, FreeList> _headerList;
-    std::unique_ptr<CURL, CurlDriver::FreeEasy> _easy; // freed before what it points to
-    QPointer<CurlDriver> _driver;
+    HttpRequest m_request;
+    std::function<void()> m_whenFinished;
+    HttpAnswer m_answer;
+    std::unique_ptr<curl_slist, FreeList> m_headerList;
+    std::unique_ptr<CURL, CurlDriver::FreeEasy> m_easy; // freed before what it points to
+    QPointer<CurlDriver> m_driver;
 
-    ContentDecoder _decoder;
-    qint64 _headSize = 0;
-    int _timesSent = 0;
-    bool _headIsWhole = false;
-    Stop _stop = Stop::None;
-    char _errorText[CURL_ERROR_SIZE] = {};
+    ContentDecoder m_decoder;
+    qint64 m_headSize = 0;
+    int m_timesSent = 0;
+    bool m_headIsWhole = false;
+    Stop m_stop = Stop::None;
+    char m_errorText[CURL_ERROR_SIZE] = {};
 };

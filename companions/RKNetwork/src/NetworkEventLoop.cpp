@@ -10,22 +10,22 @@
 
 #include <algorithm>
 
-NetworkEventLoop::NetworkEventLoop(QNetworkReply* reply, QObject* parent) : QObject(parent), _reply(reply) {}
+NetworkEventLoop::NetworkEventLoop(QNetworkReply* reply, QObject* parent) : QObject(parent), m_reply(reply) {}
 
 NetworkEventLoop::~NetworkEventLoop()
 {
     // Not deleteLater: many operations in one slot would hold all their replies until it returns.
-    delete _reply.data(); // NOLINT(cppcoreguidelines-owning-memory): handed over by the constructor
+    delete m_reply.data(); // NOLINT(cppcoreguidelines-owning-memory): handed over by the constructor
 }
 
 int NetworkEventLoop::exec(QEventLoop::ProcessEventsFlags flags)
 {
     const QPointer<NetworkEventLoop> self(this); // an event may delete the wait, too
-    if (_reply && !_reply->isFinished() && QCoreApplication::instance())
+    if (m_reply && !m_reply->isFinished() && QCoreApplication::instance())
         runEvents(flags & ~QEventLoop::ProcessEventsFlags(QEventLoop::ExcludeSocketNotifiers));
-    const bool finished = self && _reply && _reply->isFinished();
-    if (self && _reply && !finished)
-        _reply->abort();
+    const bool finished = self && m_reply && m_reply->isFinished();
+    if (self && m_reply && !finished)
+        m_reply->abort();
     if (self)
         readReply();
     return finished ? 0 : -1;
@@ -33,7 +33,7 @@ int NetworkEventLoop::exec(QEventLoop::ProcessEventsFlags flags)
 
 void NetworkEventLoop::runEvents(QEventLoop::ProcessEventsFlags flags)
 {
-    const QPointer<QNetworkReply> reply = _reply;
+    const QPointer<QNetworkReply> reply = m_reply;
     QEventLoop loop;
     QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
     QObject::connect(reply, &QObject::destroyed, &loop, &QEventLoop::quit);
@@ -64,39 +64,39 @@ void NetworkEventLoop::runEvents(QEventLoop::ProcessEventsFlags flags)
 
 void NetworkEventLoop::readReply()
 {
-    if (!_reply) {
-        _error = QNetworkReply::OperationCanceledError;
+    if (!m_reply) {
+        m_error = QNetworkReply::OperationCanceledError;
         return;
     }
-    _error = _reply->error();
-    if (const auto* own = dynamic_cast<HttpReply*>(_reply.data())) {
-        _body = own->document();
+    m_error = m_reply->error();
+    if (const auto* own = dynamic_cast<HttpReply*>(m_reply.data())) {
+        m_body = own->document();
         return;
     }
-    const QByteArray text = _reply->readAll();
-    _body = QJsonDocument::fromJson(text);
-    if (_error == QNetworkReply::NoError && !text.isEmpty() && _body.isNull())
-        _error = QNetworkReply::ProtocolFailure;
+    const QByteArray text = m_reply->readAll();
+    m_body = QJsonDocument::fromJson(text);
+    if (m_error == QNetworkReply::NoError && !text.isEmpty() && m_body.isNull())
+        m_error = QNetworkReply::ProtocolFailure;
 }
 
 bool NetworkEventLoop::isSuccessful() const
 {
-    return _error == QNetworkReply::NoError;
+    return m_error == QNetworkReply::NoError;
 }
 
 QNetworkReply::NetworkError NetworkEventLoop::error() const
 {
-    return _error;
+    return m_error;
 }
 
 QJsonObject NetworkEventLoop::object() const
 {
-    return _body.object();
+    return m_body.object();
 }
 
 QList<QJsonObject> NetworkEventLoop::objectList() const
 {
-    const QJsonArray elements = _body.array();
+    const QJsonArray elements = m_body.array();
     QList<QJsonObject> objects;
     objects.reserve(elements.size());
     for (const QJsonValue& element : elements) {
@@ -109,5 +109,5 @@ QList<QJsonObject> NetworkEventLoop::objectList() const
 
 QJsonArray NetworkEventLoop::array() const
 {
-    return _body.array();
+    return m_body.array();
 }

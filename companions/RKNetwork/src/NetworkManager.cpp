@@ -42,7 +42,7 @@ bool mayStandInAHeader(const QString& text)
 
 } // namespace
 
-NetworkManager::NetworkManager() : _settings(std::make_unique<Settings>()) {}
+NetworkManager::NetworkManager() : m_settings(std::make_unique<Settings>()) {}
 
 NetworkManager::~NetworkManager() = default;
 
@@ -84,57 +84,57 @@ QNetworkReply* NetworkManager::send(const QByteArray& method, const QString& url
     request.method = method;
     request.url = encodedUrl(url, base);
     request.body = body;
-    request.deadline = _settings->deadline;
-    request.connectTimeout = _settings->connectTimeout;
-    request.maximumReplySize = _settings->maximumReplySize;
-    request.caFile = _settings->caFile;
-    request.proxy = _settings->proxy;
-    const QByteArray& token = _settings->bearerToken;
+    request.deadline = m_settings->deadline;
+    request.connectTimeout = m_settings->connectTimeout;
+    request.maximumReplySize = m_settings->maximumReplySize;
+    request.caFile = m_settings->caFile;
+    request.proxy = m_settings->proxy;
+    const QByteArray& token = m_settings->bearerToken;
     if (!token.isEmpty() && haveSameOrigin(request.url, base.toUtf8()))
         request.headerLines.append("Authorization: Bearer " + token);
     // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the caller owns the reply, as with Qt's own manager
-    return new HttpReply(std::move(request), _settings->observer, token);
+    return new HttpReply(std::move(request), m_settings->observer, token);
 }
 
 bool NetworkManager::setBearerToken(const QString& token)
 {
     if (!mayStandInAHeader(token))
         return false;
-    _settings->bearerToken = token.toLatin1();
+    m_settings->bearerToken = token.toLatin1();
     return true;
 }
 
 void NetworkManager::setDeadline(std::chrono::milliseconds deadline)
 {
-    _settings->deadline = timeLimit(deadline);
+    m_settings->deadline = timeLimit(deadline);
 }
 
 std::chrono::milliseconds NetworkManager::deadline() const
 {
-    return _settings->deadline;
+    return m_settings->deadline;
 }
 
 void NetworkManager::setConnectTimeout(std::chrono::milliseconds timeout)
 {
-    _settings->connectTimeout = timeLimit(timeout);
+    m_settings->connectTimeout = timeLimit(timeout);
 }
 
 void NetworkManager::setMaximumReplySize(qint64 bytes)
 {
-    _settings->maximumReplySize = std::clamp<qint64>(bytes, 0, Q_INT64_C(1024) * 1024 * 1024);
+    m_settings->maximumReplySize = std::clamp<qint64>(bytes, 0, Q_INT64_C(1024) * 1024 * 1024);
 }
 
 void NetworkManager::setCaFile(const QString& path)
 {
-    _settings->caFile = QFile::encodeName(path);
+    m_settings->caFile = QFile::encodeName(path);
 }
 
 void NetworkManager::setProxy(const QString& proxy)
 {
-    _settings->proxy = proxy.toUtf8();
+    m_settings->proxy = proxy.toUtf8();
 }
 
 void NetworkManager::setObserver(std::function<void(const NetworkExchange&)> observer)
 {
-    _settings->observer = std::move(observer);
+    m_settings->observer = std::move(observer);
 }

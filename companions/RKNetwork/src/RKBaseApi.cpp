@@ -8,12 +8,12 @@ RKBaseApi& RKBaseApi::GetInstance()
 
 QString RKBaseApi::getBaseApi() const
 {
-    return _address;
+    return m_address;
 }
 
 void RKBaseApi::setBaseApi(const QString& address)
 {
-    _address = address;
-    if (!_address.isEmpty() && !_address.endsWith(QLatin1Char('/')))
-        _address += QLatin1Char('/');
+    m_address = address;
+    if (!m_address.isEmpty() && !m_address.endsWith(QLatin1Char('/')))
+        m_address += QLatin1Char('/');
 }

@@ -77,7 +77,8 @@ TEST_P(FailedExchanges, ErrorStatuses)
 
 TEST_P(FailedExchanges, Redirect)
 {
-    server.answerRaw({Step::bytes(ScriptServer::httpAnswer(302, "", {"Location: /elsewhere"}))});
+    server.answerRaw(
+        {Step::bytes(ScriptServer::httpAnswer(302, GetParam().answer, {"Location: /elsewhere"}))});
     expectFailure();
     expectNextSucceeds();
 }
