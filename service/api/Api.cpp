@@ -14,8 +14,6 @@ namespace monitorservice {
 
 namespace {
 
-constexpr const char* retryAfterSeconds = "1";
-
 HttpResponse withHeaders(HttpResponse response, const ApiError::Headers& headers)
 {
     response.headers.insert(response.headers.end(), headers.begin(), headers.end());
@@ -27,11 +25,10 @@ HttpResponse answerStoreError(const StoreError& error)
 {
     switch (error.failure()) {
     case StoreFailure::Busy:
-        return withHeaders(errorResponse(503, "the store is busy; try again"),
-                           {{"Retry-After", retryAfterSeconds}});
+        return errorResponse(503, "the store is busy; try again");
     case StoreFailure::Full:
         std::cerr << "monitor-service: " << error.what() << std::endl;
-        return withHeaders(errorResponse(503, "the store has no room left"), {{"Retry-After", "60"}});
+        return errorResponse(503, "the store has no room left");
     case StoreFailure::Conflict:
         return errorResponse(409, "this contradicts what is stored");
     default:
@@ -100,8 +97,7 @@ HttpResponse Api::answerOperator(const HttpRequest& request) const
     } else if (name == "openapi.json") {
         response.body = openApiText();
     } else if (name == "readyz" && !isReady()) {
-        response =
-            withHeaders(errorResponse(503, "the store cannot be read"), {{"Retry-After", retryAfterSeconds}});
+        response = errorResponse(503, "the store cannot be read");
     } else {
         response.body = JsonObjectWriter().text("status", "ok").finish();
     }
