@@ -9,7 +9,7 @@ packages=(
   qtbase5-dev libcurl4-openssl-dev zlib1g-dev                       # library and companions
   libboost1.81-dev libsimdjson-dev libpcre2-dev libsqlitecpp-dev    # service
   libsqlite3-dev libssl-dev libhowardhinnant-date-dev nlohmann-json3-dev tzdata
-  libcli11-dev                                                      # command lines
+  libcli11-dev libutf8proc-dev                                      # command lines
   libgtest-dev libgmock-dev                                         # tests
 )
 if [ "${1:-}" = --checks ]; then

@@ -1,0 +1,171 @@
+#include "CommandLine.h"
+
+#include "CommandOptions.h"
+#include "Commands.h"
+#include "Messages.h"
+#include "Suggestion.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+/// Cells that help gives the names of options and commands.
+constexpr std::size_t titleColumn = 28;
+
+/// The innermost command that was named.
+const CLI::App& namedCommand(const CLI::App& root)
+{
+    const CLI::App* app = &root;
+    while (!app->get_subcommands().empty())
+        app = app->get_subcommands().back();
+    return *app;
+}
+
+QString fullName(const CLI::App& app)
+{
+    const QString name = QString::fromStdString(app.get_name());
+    return app.get_parent() == nullptr ? name : fullName(*app.get_parent()) + QLatin1Char(' ') + name;
+}
+
+QStringList candidatesFor(const QString& word, const CLI::App& app)
+{
+    QStringList candidates;
+    if (!word.startsWith(QLatin1Char('-'))) {
+        for (const CLI::App* sub : app.get_subcommands({}))
+            candidates.append(QString::fromStdString(sub->get_name()));
+        return candidates;
+    }
+    for (const CLI::App* level = &app; level != nullptr; level = level->get_parent())
+        for (const CLI::Option* option : level->get_options())
+            for (const std::string& name : option->get_lnames())
+                candidates.append(QStringLiteral("--") + QString::fromStdString(name));
+    return candidates;
+}
+
+/// Words that no command or option took, at whatever level they were left.
+QStringList unknownWords(const CLI::App& app)
+{
+    QStringList words;
+    for (const CLI::App* level = &app; level != nullptr; level = level->get_parent())
+        for (const std::string& word : level->remaining())
+            words.append(QString::fromStdString(word));
+    return words;
+}
+
+QString describe(const CLI::ParseError& error, const CLI::App& app)
+{
+    const QStringList unknown = unknownWords(app);
+    if (unknown.isEmpty())
+        return QString::fromUtf8(error.what());
+    const QString& word = unknown.constFirst();
+    const bool isOption = word.startsWith(QLatin1Char('-'));
+    const bool isCommand = !isOption && !app.get_subcommands({}).empty();
+    const QString kind = isOption    ? QStringLiteral("unknown option")
+                         : isCommand ? QStringLiteral("unknown command")
+                                     : QStringLiteral("unexpected argument");
+    const QString suggestion = closest(word, candidatesFor(word, app));
+    const QString message = QStringLiteral("%1 \"%2\"").arg(kind, word);
+    return suggestion.isEmpty() ? message
+                                : message + QStringLiteral("; did you mean \"%1\"?").arg(suggestion);
+}
+
+/// Says of an option what its value is and whether it must be given, and nothing else.
+class HelpFormatter : public CLI::Formatter
+{
+public:
+    std::string make_option_opts(const CLI::Option* option) const override
+    {
+        std::string text;
+        if (option->get_type_size() != 0 && !option->get_positional())
+            text += " " + option->get_type_name();
+        if (option->get_required())
+            text += " (required)";
+        return text;
+    }
+};
+
+ExitCode writeUsageError(const QString& message, const CLI::App& app)
+{
+    writeMessage(QStringLiteral("%1 (see %2 --help)").arg(message, fullName(app)));
+    return ExitCode::Usage;
+}
+
+ExitCode writeHelp(const std::string& text)
+{
+    std::fputs(text.c_str(), stdout);
+    return ExitCode::Success;
+}
+
+} // namespace
+
+CommandLine::CommandLine()
+    : m_app("Reads and writes engineering-monitoring data held by a monitoring service.", "rkmon")
+{
+    m_app.set_version_flag("--version", std::string("rkmon ") + RKMON_VERSION);
+    // Names and patterns may begin with a slash.
+    m_app.allow_windows_style_options(false);
+    m_app.require_subcommand(1);
+    m_app.formatter(std::make_shared<HelpFormatter>());
+    m_app.get_formatter()->column_width(titleColumn);
+    addCommonOptions();
+    addMonitoringCommands(m_app, m_command);
+    addCategoryCommands(m_app, m_command);
+    addSubCategoryCommands(m_app, m_command);
+    addPermissionCommands(m_app, m_command);
+    options::setExamples(m_app, "  rkmon monitoring list\n"
+                                "  rkmon monitoring create --name VH --category Slope\n"
+                                "  rkmon monitoring list --name '^LS-' --json\n"
+                                "  rkmon can create Slope\n\n"
+                                "Exit status: 0 done, 1 refused or failed, 2 usage, 3 not permitted, 4 not "
+                                "found,\n5 no connection or no answer within the deadline, 130 interrupted.\n"
+                                "The options above go with every command.");
+}
+
+void CommandLine::addCommonOptions()
+{
+    options::addText(m_app, "--base-api", m_flags.baseApi, "Address of the service (RKMON_BASE_API)")
+        ->type_name("URL");
+    options::addText(m_app, "--project", m_flags.project, "Project to work in (RKMON_PROJECT)")
+        ->type_name("ID");
+    options::addText(m_app, "--token-file", m_flags.tokenFile, "File that holds the token (RKMON_TOKEN_FILE)")
+        ->type_name("FILE");
+    options::addText(m_app, "--config", m_flags.configFile,
+                     "Configuration file instead of the usual rkmon/config.ini")
+        ->type_name("FILE");
+    options::addText(m_app, "--deadline", m_flags.deadline, "Longest time for one request")
+        ->type_name("SECONDS");
+    options::addText(m_app, "--ca-file", m_flags.caFile, "Certificates to trust instead of the system's")
+        ->type_name("FILE");
+    CLI::Option* json = m_app.add_flag("--json", m_isJson, "Write JSON");
+    m_app.add_flag("--csv", m_isCsv, "Write comma-separated values (RFC 4180)")->excludes(json);
+}
+
+OutputForm CommandLine::form() const
+{
+    if (m_isJson)
+        return OutputForm::Json;
+    return m_isCsv ? OutputForm::Csv : OutputForm::Table;
+}
+
+std::optional<ExitCode> CommandLine::parse(const QStringList& words)
+{
+    std::vector<std::string> arguments; // last one first
+    for (const QString& word : words) {
+        if (word.contains(QChar::ReplacementCharacter))
+            return writeUsageError(QStringLiteral("argument \"%1\" is not UTF-8").arg(word), m_app);
+        arguments.insert(arguments.begin(), word.toStdString());
+    }
+    try {
+        m_app.parse(std::move(arguments));
+    } catch (const CLI::CallForHelp&) {
+        return writeHelp(m_app.help());
+    } catch (const CLI::CallForVersion& version) {
+        return writeHelp(std::string(version.what()) + "\n");
+    } catch (const CLI::ParseError& error) {
+        const CLI::App& app = namedCommand(m_app);
+        return writeUsageError(describe(error, app), app);
+    }
+    return std::nullopt;
+}

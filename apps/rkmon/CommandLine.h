@@ -1,0 +1,39 @@
+#pragma once
+
+#include "Configuration.h"
+#include "ExitCode.h"
+#include "Output.h"
+#include "Session.h"
+
+#include <CLI/CLI.hpp>
+
+#include <QStringList>
+
+#include <optional>
+
+/// The whole command line: the options of every command, and the commands.
+class CommandLine
+{
+public:
+    CommandLine();
+    CommandLine(const CommandLine&) = delete;
+    CommandLine& operator=(const CommandLine&) = delete;
+
+    /// Reads the words after the program's name. Returns the exit status when there is nothing more to do:
+    /// help and version have then been written to standard output, what is wrong to standard error.
+    std::optional<ExitCode> parse(const QStringList& words);
+
+    const ConfigurationFlags& flags() const { return m_flags; }
+    OutputForm form() const;
+    const Command& command() const { return m_command; }
+    const CLI::App& app() const { return m_app; }
+
+private:
+    void addCommonOptions();
+
+    CLI::App m_app;
+    ConfigurationFlags m_flags;
+    bool m_isJson = false;
+    bool m_isCsv = false;
+    Command m_command;
+};

@@ -1,0 +1,82 @@
+#include "CommandOptions.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace options {
+
+namespace {
+
+std::string refuseEmpty(const std::string& text)
+{
+    return text.empty() ? "must not be empty" : "";
+}
+
+std::string refuseOtherThanIdentifier(const std::string& text)
+{
+    const auto isAllowed = [](char character) {
+        return (character >= '0' && character <= '9') || (character >= 'a' && character <= 'z') ||
+               (character >= 'A' && character <= 'Z') || character == '-' || character == '_';
+    };
+    const bool isIdentifier = !text.empty() && std::all_of(text.cbegin(), text.cend(), isAllowed);
+    return isIdentifier ? "" : "\"" + text + "\" is not an identifier";
+}
+
+} // namespace
+
+CLI::Option* addText(CLI::App& app, const char* names, QString& target, const char* description)
+{
+    return app
+        .add_option_function<std::string>(
+            names, [&target](const std::string& text) { target = QString::fromStdString(text); }, description)
+        ->check(CLI::Validator(refuseEmpty, ""))
+        ->type_name("TEXT");
+}
+
+CLI::Option* addText(CLI::App& app, const char* names, std::optional<QString>& target,
+                     const char* description)
+{
+    return app
+        .add_option_function<std::string>(
+            names, [&target](const std::string& text) { target = QString::fromStdString(text); }, description)
+        ->check(CLI::Validator(refuseEmpty, ""))
+        ->type_name("TEXT");
+}
+
+CLI::Option* addIdentifier(CLI::App& app, const char* names, QString& target, const char* description)
+{
+    return addText(app, names, target, description)
+        ->check(CLI::Validator(refuseOtherThanIdentifier, ""))
+        ->type_name("ID");
+}
+
+CLI::Option* addIdentifiers(CLI::App& app, const char* names, QStringList& target, const char* description)
+{
+    return app
+        .add_option_function<std::vector<std::string>>(
+            names,
+            [&target](const std::vector<std::string>& texts) {
+                target.clear();
+                for (const std::string& text : texts)
+                    target.append(QString::fromStdString(text));
+            },
+            description)
+        ->check(CLI::Validator(refuseOtherThanIdentifier, ""))
+        ->type_name("ID");
+}
+
+CLI::App& addCommandGroup(CLI::App& root, const char* name, const char* description)
+{
+    CLI::App& group = *root.add_subcommand(name, description);
+    group.fallthrough();
+    group.require_subcommand(1);
+    return group;
+}
+
+void setExamples(CLI::App& app, const char* examples)
+{
+    app.footer(std::string("Examples:\n") + examples);
+}
+
+} // namespace options

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "Session.h"
+
+#include <CLI/CLI.hpp>
+
+#include <QString>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+/// The pieces that the subcommands' options are made of. Option values are UTF-8.
+namespace options {
+
+/// A text; an empty one is refused, since it would silently mean "not given".
+CLI::Option* addText(CLI::App& app, const char* names, QString& target, const char* description);
+CLI::Option* addText(CLI::App& app, const char* names, std::optional<QString>& target,
+                     const char* description);
+
+/// An identifier as the service gives it: letters, digits, "-" and "_". It becomes part of a request's path,
+/// where other characters could name another resource.
+CLI::Option* addIdentifier(CLI::App& app, const char* names, QString& target, const char* description);
+CLI::Option* addIdentifiers(CLI::App& app, const char* names, QStringList& target, const char* description);
+
+/// A subcommand that reads its options into a record of type `Options` and then runs `run`.
+template <typename Options>
+struct Subcommand
+{
+    CLI::App& app;
+    std::shared_ptr<Options> options;
+};
+
+template <typename Options>
+Subcommand<Options> addSubcommand(CLI::App& parent, const char* name, const char* description,
+                                  Command& chosen, ExitCode (*run)(Session&, const Options&))
+{
+    CLI::App& app = *parent.add_subcommand(name, description);
+    app.fallthrough();
+    auto values = std::make_shared<Options>();
+    app.callback([values, &chosen, run] {
+        chosen = [values, run](Session& session) {
+            return run(session, *values);
+        };
+    });
+    return {app, values};
+}
+
+/// A subcommand that only holds others.
+CLI::App& addCommandGroup(CLI::App& root, const char* name, const char* description);
+
+/// What "--help" shows below the options.
+void setExamples(CLI::App& app, const char* examples);
+
+} // namespace options

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Session.h"
+
+namespace CLI {
+class App;
+}
+
+// Each adds its commands to the command line; the one that the user names is put into `chosen`.
+
+void addMonitoringCommands(CLI::App& root, Command& chosen);
+void addCategoryCommands(CLI::App& root, Command& chosen);
+void addSubCategoryCommands(CLI::App& root, Command& chosen);
+void addPermissionCommands(CLI::App& root, Command& chosen);

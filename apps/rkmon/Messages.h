@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QString>
+
+/// Writes "rkmon: `message`" and a line end to standard error. What came from elsewhere (names, the service's
+/// words) is made safe to show.
+void writeMessage(const QString& message);

@@ -1,0 +1,401 @@
+#include "CommandOptions.h"
+#include "Commands.h"
+#include "Failure.h"
+#include "MonitoringFilter.h"
+#include "MonitoringSheet.h"
+#include "PagedReading.h"
+#include "Terminal.h"
+
+#include <limits>
+
+namespace {
+
+/// Rows of the largest page that the service gives.
+constexpr int largestPage = 1000;
+constexpr int readingAttempts = 3;
+
+struct ListOptions
+{
+    MonitoringFilter filter;
+    int skip = 0;
+    int limit = largestPage;
+    bool isAll = false;
+};
+
+struct CountOptions
+{
+    MonitoringFilter filter;
+};
+
+struct IdOptions
+{
+    QString id;
+};
+
+struct NameOptions
+{
+    QStringList ids;
+};
+
+struct NoOptions
+{
+};
+
+/// The members of a monitoring that the user may set.
+struct MemberOptions
+{
+    std::optional<QString> name;
+    std::optional<QString> category;
+    std::optional<QString> model;
+    std::optional<QString> alarmTo;
+    bool isNobodyAlarmed = false;
+};
+
+struct UpdateOptions
+{
+    QString id;
+    MemberOptions members;
+};
+
+struct DeleteOptions
+{
+    QString id;
+    bool isConfirmed = false;
+};
+
+QString readingOf(const QString& id)
+{
+    return QStringLiteral("read monitoring %1").arg(id);
+}
+
+/// A success whose record lacks its identifier was no monitoring at all.
+void requireIdentifier(const RKMonitoring& monitoring, const QString& purpose)
+{
+    if (monitoring.id.isEmpty())
+        throw Failure(ExitCode::Failed,
+                      QStringLiteral("cannot %1: the answer is not that of a monitoring").arg(purpose));
+}
+
+RKMonitoring readMonitoring(Session& session, const QString& id)
+{
+    const QString purpose = readingOf(id);
+    RKMonitoring monitoring;
+    session.ask(purpose, [&] { return session.data().getMonitoringById(id, monitoring, false); });
+    if (monitoring.id.compare(id, Qt::CaseInsensitive) != 0)
+        throw Failure(ExitCode::Failed,
+                      QStringLiteral("cannot %1: the answer is not that of this monitoring").arg(purpose));
+    return monitoring;
+}
+
+QList<RKMonitoring> readPage(Session& session, const RKMonitoringCondition& condition, int skip, int limit)
+{
+    const QString purpose = QStringLiteral("list monitorings");
+    QList<RKMonitoring> page;
+    session.ask(purpose,
+                [&] { return session.projectData().getMonitoringRangeData(condition, skip, limit, page); });
+    for (const RKMonitoring& monitoring : qAsConst(page))
+        requireIdentifier(monitoring, purpose);
+    return page;
+}
+
+int readCount(Session& session, const RKMonitoringCondition& condition)
+{
+    int count = 0;
+    session.ask(QStringLiteral("count monitorings"),
+                [&] { return session.projectData().getMonitoringRangeCount(condition, count); });
+    return count;
+}
+
+QList<RKMonitoring> readAll(Session& session, const RKMonitoringCondition& condition)
+{
+    const auto monitorings =
+        paging::readEverything([&](int skip, int limit) { return readPage(session, condition, skip, limit); },
+                               [&] { return readCount(session, condition); }, largestPage, readingAttempts);
+    if (!monitorings)
+        throw Failure(ExitCode::Failed,
+                      QStringLiteral("cannot list all monitorings: they kept changing while they were "
+                                     "read; try again"));
+    return *monitorings;
+}
+
+/// Says so when the page ends before the list does.
+void noteRemainder(Session& session, const RKMonitoringCondition& condition, const ListOptions& options,
+                   int shown)
+{
+    if (shown < options.limit)
+        return;
+    const int count = readCount(session, condition);
+    if (count > options.skip + shown)
+        session.noteAfterwards(
+            QStringLiteral("shown are %1 of %2; --skip %3 continues, --all shows everything")
+                .arg(shown)
+                .arg(count)
+                .arg(options.skip + shown));
+}
+
+ExitCode listMonitorings(Session& session, const ListOptions& options)
+{
+    const RKMonitoringCondition condition = conditionOf(options.filter);
+    const QList<RKMonitoring> monitorings = options.isAll
+                                                ? readAll(session, condition)
+                                                : readPage(session, condition, options.skip, options.limit);
+    session.output().addList(monitoringSheet(monitorings));
+    if (!options.isAll)
+        noteRemainder(session, condition, options, monitorings.size());
+    return ExitCode::Success;
+}
+
+ExitCode countMonitorings(Session& session, const CountOptions& options)
+{
+    const int count = readCount(session, conditionOf(options.filter));
+    session.output().addText({{{QStringLiteral("COUNT"), QStringLiteral("count")}}, {{count}}},
+                             QString::number(count));
+    return ExitCode::Success;
+}
+
+ExitCode showMonitoring(Session& session, const IdOptions& options)
+{
+    session.output().addRecord(monitoringSheet({readMonitoring(session, options.id)}));
+    return ExitCode::Success;
+}
+
+Sheet nameSheet(const QList<QPair<QString, QString>>& cells)
+{
+    constexpr bool listed = true;
+    constexpr bool fixed = true;
+    Sheet sheet{{{QStringLiteral("ID"), QStringLiteral("id"), listed, fixed},
+                 {QStringLiteral("NAME"), QStringLiteral("name"), listed, !fixed}},
+                {}};
+    for (const auto& [id, name] : cells)
+        sheet.rows.append({id, name});
+    return sheet;
+}
+
+ExitCode nameMonitorings(Session& session, const NameOptions& options)
+{
+    QList<QPair<QString, QString>> cells;
+    QStringList names;
+    QMap<QString, QString> known; // one that is named twice is asked for once
+    for (const QString& id : options.ids) {
+        if (!known.contains(id))
+            known[id] = session.ask(readingOf(id), [&] { return session.data().getMonitoringName(id); });
+        names.append(known[id]);
+        cells.append({id, known[id]});
+    }
+    session.output().addTexts(nameSheet(cells), names);
+    return ExitCode::Success;
+}
+
+ExitCode listIdentifiers(Session& session, const NoOptions&)
+{
+    QList<QPair<QString, QString>> cells;
+    session.ask(QStringLiteral("list monitorings"),
+                [&] { return session.projectData().getCellIdAndName(cells); });
+    // The service gives one page here, and nothing says that there are more.
+    if (cells.size() >= largestPage) {
+        cells.clear();
+        const QList<RKMonitoring> monitorings = readAll(session, RKMonitoringCondition());
+        for (const RKMonitoring& monitoring : monitorings)
+            cells.append({monitoring.id, monitoring.name});
+    }
+    session.output().addList(nameSheet(cells));
+    return ExitCode::Success;
+}
+
+QStringList recipientsOf(const QString& text)
+{
+    QStringList recipients;
+    const QStringList parts = text.split(QLatin1Char(','));
+    for (const QString& part : parts) {
+        recipients.append(part.trimmed());
+        if (recipients.constLast().isEmpty())
+            throw Failure(ExitCode::Usage,
+                          QStringLiteral("--alarm-to: \"%1\" names an empty recipient").arg(text));
+    }
+    return recipients;
+}
+
+void assignMembers(const MemberOptions& members, RKMonitoring& monitoring)
+{
+    monitoring.name = members.name.value_or(monitoring.name);
+    monitoring.category = members.category.value_or(monitoring.category);
+    monitoring.modelId = members.model.value_or(monitoring.modelId);
+    if (members.alarmTo)
+        monitoring.alarmTo = recipientsOf(*members.alarmTo);
+    if (members.isNobodyAlarmed)
+        monitoring.alarmTo.clear();
+}
+
+ExitCode createMonitoring(Session& session, const MemberOptions& members)
+{
+    RKMonitoring monitoring;
+    assignMembers(members, monitoring);
+    const QString purpose = QStringLiteral("create monitoring \"%1\"").arg(monitoring.name);
+    session.ask(purpose, [&] { return session.projectData().createMonitoring(monitoring); });
+    requireIdentifier(monitoring, purpose);
+    session.output().addText(monitoringSheet({monitoring}), monitoring.id);
+    return ExitCode::Success;
+}
+
+bool isSame(const RKMonitoring& left, const RKMonitoring& right)
+{
+    return left.name == right.name && left.category == right.category && left.modelId == right.modelId &&
+           left.alarmTo == right.alarmTo;
+}
+
+void requireMembers(const MemberOptions& members)
+{
+    if (!members.name && !members.category && !members.model && !members.alarmTo && !members.isNobodyAlarmed)
+        throw Failure(ExitCode::Usage,
+                      QStringLiteral("nothing to change is given: use --name, --category, --model, "
+                                     "--alarm-to or --no-alarm-to"));
+}
+
+ExitCode updateMonitoring(Session& session, const UpdateOptions& options)
+{
+    requireMembers(options.members);
+    if (options.members.alarmTo)
+        recipientsOf(*options.members.alarmTo); // refused before anything is sent
+    const RKMonitoring before = readMonitoring(session, options.id);
+    RKMonitoring monitoring = before;
+    assignMembers(options.members, monitoring);
+    if (isSame(before, monitoring)) {
+        session.note(QStringLiteral("nothing to change"));
+    } else {
+        const QString purpose = QStringLiteral("update monitoring %1").arg(options.id);
+        session.ask(purpose, [&] { return session.data().updateMonitoring(monitoring); });
+        requireIdentifier(monitoring, purpose);
+    }
+    session.output().addRecord(monitoringSheet({monitoring}));
+    return ExitCode::Success;
+}
+
+ExitCode deleteMonitoring(Session& session, const DeleteOptions& options)
+{
+    if (!options.isConfirmed) {
+        if (!terminal::canAsk())
+            throw Failure(ExitCode::Usage,
+                          QStringLiteral("refusing to delete without being able to ask; --yes confirms"));
+        const RKMonitoring monitoring = readMonitoring(session, options.id);
+        const QString question = QStringLiteral("Delete monitoring \"%1\" (%2, %3)?")
+                                     .arg(monitoring.name, monitoring.category, monitoring.id);
+        if (!terminal::confirm(question)) {
+            session.note(QStringLiteral("not deleted"));
+            return ExitCode::Failed;
+        }
+    }
+    session.ask(QStringLiteral("delete monitoring %1").arg(options.id),
+                [&] { return session.data().deleteMonitoring(options.id); });
+    session.note(QStringLiteral("deleted monitoring %1").arg(options.id));
+    return ExitCode::Success;
+}
+
+void addRecipientOptions(CLI::App& app, MemberOptions& members)
+{
+    options::addText(app, "--alarm-to", members.alarmTo, "Who receives its alarms, separated by commas")
+        ->type_name("A,B...");
+}
+
+void addListCommand(CLI::App& group, Command& chosen)
+{
+    const auto [app, values] =
+        options::addSubcommand(group, "list", "List monitorings, oldest first", chosen, listMonitorings);
+    addFilterOptions(app, values->filter);
+    CLI::Option* skip = app.add_option("--skip", values->skip, "Leave out the first N")
+                            ->type_name("N")
+                            ->check(CLI::Range(0, std::numeric_limits<int>::max()).description(""));
+    CLI::Option* limit = app.add_option("--limit", values->limit, "Show at most N (1 to 1000)")
+                             ->type_name("N")
+                             ->check(CLI::Range(1, largestPage).description(""));
+    app.add_flag("--all", values->isAll, "Show everything, however many pages it takes")
+        ->excludes(skip)
+        ->excludes(limit);
+    options::setExamples(app, "  rkmon monitoring list --name '^LS-'\n"
+                              "  rkmon monitoring list --since 2026-03-01 --until 2026-03-31\n"
+                              "  rkmon monitoring list --all --csv > monitorings.csv");
+}
+
+void addCountCommand(CLI::App& group, Command& chosen)
+{
+    const auto [app, values] =
+        options::addSubcommand(group, "count", "Count monitorings", chosen, countMonitorings);
+    addFilterOptions(app, values->filter);
+    options::setExamples(app, "  rkmon monitoring count\n"
+                              "  rkmon monitoring count --exact-name VH");
+}
+
+void addReadingCommands(CLI::App& group, Command& chosen)
+{
+    const auto [show, shown] =
+        options::addSubcommand(group, "show", "Show one monitoring", chosen, showMonitoring);
+    options::addIdentifier(show, "ID", shown->id, "Identifier of the monitoring")->required();
+    options::setExamples(show, "  rkmon monitoring show 6745d2f0a1b2c3d4e5f60718\n"
+                               "  rkmon monitoring show 6745d2f0a1b2c3d4e5f60718 --json");
+
+    const auto [name, named] =
+        options::addSubcommand(group, "name", "Tell the names of monitorings", chosen, nameMonitorings);
+    options::addIdentifiers(name, "ID", named->ids, "Identifiers of monitorings")->required();
+    options::setExamples(name, "  rkmon monitoring name 6745d2f0a1b2c3d4e5f60718");
+
+    const auto [ids, unused] = options::addSubcommand(
+        group, "ids", "List identifier and name of every monitoring", chosen, listIdentifiers);
+    Q_UNUSED(unused)
+    options::setExamples(ids, "  rkmon monitoring ids --csv");
+}
+
+void addCreateCommand(CLI::App& group, Command& chosen)
+{
+    const auto [app, values] = options::addSubcommand(
+        group, "create", "Create a monitoring and print its identifier", chosen, createMonitoring);
+    options::addText(app, "--name", values->name, "Its name")->required();
+    options::addText(app, "--category", values->category, "One of those of rkmon category list")
+        ->required()
+        ->type_name("CATEGORY");
+    options::addText(app, "--model", values->model, "Model that it is linked to")->type_name("MODEL");
+    addRecipientOptions(app, *values);
+    options::setExamples(app, "  rkmon monitoring create --name VH --category Slope\n"
+                              "  rkmon monitoring create --name M1 --category Slope --alarm-to ana,ben");
+}
+
+void addUpdateCommand(CLI::App& group, Command& chosen)
+{
+    const auto [app, values] = options::addSubcommand(
+        group, "update", "Change a monitoring; only what differs is sent", chosen, updateMonitoring);
+    options::addIdentifier(app, "ID", values->id, "Identifier of the monitoring")->required();
+    MemberOptions& members = values->members;
+    options::addText(app, "--name", members.name, "New name");
+    options::addText(app, "--category", members.category, "New category")->type_name("CATEGORY");
+    options::addText(app, "--model", members.model, "New model; a link cannot be removed")
+        ->type_name("MODEL");
+    addRecipientOptions(app, members);
+    app.add_flag("--no-alarm-to", members.isNobodyAlarmed, "Nobody receives its alarms")
+        ->excludes("--alarm-to");
+    options::setExamples(app, "  rkmon monitoring update 6745d2f0a1b2c3d4e5f60718 --name 'VH upper'\n"
+                              "  rkmon monitoring update 6745d2f0a1b2c3d4e5f60718 --alarm-to ana,ben");
+}
+
+void addDeleteCommand(CLI::App& group, Command& chosen)
+{
+    const auto [app, values] =
+        options::addSubcommand(group, "delete", "Delete a monitoring", chosen, deleteMonitoring);
+    options::addIdentifier(app, "ID", values->id, "Identifier of the monitoring")->required();
+    app.add_flag("-y,--yes", values->isConfirmed, "Do not ask");
+    options::setExamples(app, "  rkmon monitoring delete 6745d2f0a1b2c3d4e5f60718\n"
+                              "  rkmon monitoring delete --yes 6745d2f0a1b2c3d4e5f60718");
+}
+
+} // namespace
+
+void addMonitoringCommands(CLI::App& root, Command& chosen)
+{
+    CLI::App& group = options::addCommandGroup(root, "monitoring", "List, create and change monitorings");
+    addListCommand(group, chosen);
+    addReadingCommands(group, chosen);
+    addCreateCommand(group, chosen);
+    addUpdateCommand(group, chosen);
+    addDeleteCommand(group, chosen);
+    addCountCommand(group, chosen);
+    options::setExamples(group, "  rkmon monitoring list --name '^LS-'\n"
+                                "  rkmon monitoring create --name VH --category Slope\n"
+                                "  rkmon monitoring list --help");
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <RKMonitoringData.h>
+
+#include <QString>
+
+namespace CLI {
+class App;
+}
+
+/// Which monitorings a command is about, as the user says it; empty texts restrict nothing.
+struct MonitoringFilter
+{
+    QString name;
+    QString exactName;
+    QString model;
+    QString since;
+    QString until;
+};
+
+void addFilterOptions(CLI::App& app, MonitoringFilter& filter);
+
+/// The library's condition. Throws a usage Failure for a time that cannot be read.
+RKMonitoringCondition conditionOf(const MonitoringFilter& filter);

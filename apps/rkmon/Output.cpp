@@ -1,0 +1,228 @@
+#include "Output.h"
+
+#include "CommaSeparatedValues.h"
+#include "DisplayText.h"
+#include "Failure.h"
+#include "Table.h"
+#include "Terminal.h"
+
+#include <RKPub.h>
+
+#include <QDateTime>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QStringList>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+/// Date, time of day and offset of the local zone, without the fraction.
+QString localTimeText(const QDateTime& time)
+{
+    // YYYY-MM-DDThh:mm:ss.zzz and the offset
+    constexpr int dateLength = 10;
+    constexpr int timeBegin = 11;
+    constexpr int timeLength = 8;
+    constexpr int offsetBegin = 23;
+    const QString text = RKPub::getQStringByDateTime(time.toLocalTime());
+    if (text.isEmpty())
+        return QString();
+    return QStringLiteral("%1 %2 %3")
+        .arg(text.left(dateLength), text.mid(timeBegin, timeLength), text.mid(offsetBegin));
+}
+
+QString tableText(const QVariant& cell)
+{
+    switch (static_cast<QMetaType::Type>(cell.type())) {
+    case QMetaType::QDateTime:
+        return localTimeText(cell.toDateTime());
+    case QMetaType::QStringList:
+        return cell.toStringList().join(QLatin1String(", "));
+    case QMetaType::Bool:
+        return cell.toBool() ? QStringLiteral("yes") : QStringLiteral("no");
+    default:
+        return cell.toString();
+    }
+}
+
+QString csvText(const QVariant& cell)
+{
+    switch (static_cast<QMetaType::Type>(cell.type())) {
+    case QMetaType::QDateTime:
+        return RKPub::getQStringByDateTime(cell.toDateTime());
+    case QMetaType::QStringList:
+        return cell.toStringList().join(QLatin1Char(';'));
+    default:
+        return cell.toString();
+    }
+}
+
+QJsonValue jsonValue(const QVariant& cell)
+{
+    switch (static_cast<QMetaType::Type>(cell.type())) {
+    case QMetaType::QDateTime: {
+        const QString text = RKPub::getQStringByDateTime(cell.toDateTime());
+        return text.isEmpty() ? QJsonValue(QJsonValue::Null) : QJsonValue(text);
+    }
+    case QMetaType::QString: {
+        const QString text = cell.toString();
+        return text.isNull() ? QJsonValue(QJsonValue::Null) : QJsonValue(text);
+    }
+    default:
+        return QJsonValue::fromVariant(cell);
+    }
+}
+
+QJsonObject jsonObject(const Sheet& sheet, const QVariantList& row)
+{
+    QJsonObject object;
+    for (int column = 0; column < sheet.columns.size(); ++column)
+        object.insert(sheet.columns[column].key, jsonValue(row[column]));
+    return object;
+}
+
+QByteArray csvLines(const Sheet& sheet)
+{
+    QStringList heading;
+    for (const Column& column : sheet.columns)
+        heading.append(column.key);
+    QString lines = csv::record(heading);
+    for (const QVariantList& row : sheet.rows) {
+        QStringList fields;
+        for (const QVariant& cell : row)
+            fields.append(csvText(cell));
+        lines += csv::record(fields);
+    }
+    return lines.toUtf8();
+}
+
+table::Layout tableLayout()
+{
+    return {terminal::isTerminal(stdout) ? terminal::width() : 0, terminal::hasColour()};
+}
+
+QByteArray tableLines(const Sheet& sheet)
+{
+    QStringList titles;
+    QVector<int> fixedColumns;
+    for (const Column& column : sheet.columns) {
+        if (!column.isListed)
+            continue;
+        if (column.isFixed)
+            fixedColumns.append(titles.size());
+        titles.append(column.title);
+    }
+    QVector<QStringList> rows;
+    rows.reserve(sheet.rows.size());
+    for (const QVariantList& row : sheet.rows) {
+        QStringList texts;
+        for (int column = 0; column < sheet.columns.size(); ++column)
+            if (sheet.columns[column].isListed)
+                texts.append(tableText(row[column]));
+        rows.append(texts);
+    }
+    return table::listLines(titles, rows, fixedColumns, tableLayout()).toUtf8();
+}
+
+QByteArray recordLines(const Sheet& sheet)
+{
+    QStringList titles;
+    QStringList texts;
+    for (int column = 0; column < sheet.columns.size(); ++column) {
+        titles.append(sheet.columns[column].title);
+        texts.append(tableText(sheet.rows.constFirst()[column]));
+    }
+    return table::recordLines(titles, texts, tableLayout()).toUtf8();
+}
+
+} // namespace
+
+void Output::addList(const Sheet& sheet)
+{
+    switch (m_form) {
+    case OutputForm::Table:
+        m_content += tableLines(sheet);
+        return;
+    case OutputForm::Json: {
+        QJsonArray array;
+        for (const QVariantList& row : sheet.rows)
+            array.append(jsonObject(sheet, row));
+        m_content += QJsonDocument(array).toJson();
+        return;
+    }
+    case OutputForm::Csv:
+        m_content += csvLines(sheet);
+        return;
+    }
+}
+
+void Output::addRecord(const Sheet& sheet)
+{
+    switch (m_form) {
+    case OutputForm::Table:
+        m_content += recordLines(sheet);
+        return;
+    case OutputForm::Json:
+        m_content += QJsonDocument(jsonObject(sheet, sheet.rows.constFirst())).toJson();
+        return;
+    case OutputForm::Csv:
+        m_content += csvLines(sheet);
+        return;
+    }
+}
+
+void Output::addTexts(const Sheet& sheet, const QStringList& texts)
+{
+    if (m_form == OutputForm::Table)
+        addLines(texts);
+    else
+        addList(sheet);
+}
+
+void Output::addText(const Sheet& sheet, const QString& text)
+{
+    if (m_form == OutputForm::Table)
+        addLines({text});
+    else
+        addRecord(sheet);
+}
+
+void Output::addPlainTexts(const QString& key, const QStringList& texts)
+{
+    switch (m_form) {
+    case OutputForm::Table:
+        addLines(texts);
+        return;
+    case OutputForm::Json:
+        m_content += QJsonDocument(QJsonArray::fromStringList(texts)).toJson();
+        return;
+    case OutputForm::Csv:
+        m_content += csv::record({key}).toUtf8();
+        for (const QString& text : texts)
+            m_content += csv::record({text}).toUtf8();
+        return;
+    }
+}
+
+void Output::addLines(const QStringList& texts)
+{
+    for (const QString& text : texts)
+        m_content += display::escaped(text).toUtf8() + '\n';
+}
+
+void Output::flush()
+{
+    const QByteArray content = qExchange(m_content, QByteArray());
+    const auto length = static_cast<std::size_t>(content.size());
+    errno = 0;
+    const bool isWritten =
+        std::fwrite(content.constData(), 1, length, stdout) == length && std::fflush(stdout) == 0;
+    if (!isWritten && errno != EPIPE)
+        throw Failure(
+            ExitCode::Failed,
+            QStringLiteral("cannot write the result: %1").arg(QString::fromLocal8Bit(std::strerror(errno))));
+}

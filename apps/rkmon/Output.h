@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QVariant>
+#include <QVector>
+
+/// How results are written: tables for people, the others for programs.
+enum class OutputForm
+{
+    Table,
+    Json,
+    Csv
+};
+
+/// One member of a record.
+struct Column
+{
+    /// Title for people.
+    QString title;
+    /// Key in JSON and heading in CSV; scripts rely on it, so it never changes.
+    QString key;
+    /// Shown in the table of a list, where room is short.
+    bool isListed = true;
+    /// Never cut in that table: an identifier or a time.
+    bool isFixed = false;
+};
+
+/// Records of one kind, one row each. Cells are texts, lists of texts, times, numbers or booleans; a null text
+/// and an invalid time are "none": JSON null, otherwise empty.
+struct Sheet
+{
+    QVector<Column> columns;
+    QVector<QVariantList> rows;
+};
+
+/// Collects a command's result and writes it to standard output in one piece, so that a command that fails or
+/// is interrupted leaves nothing half-written.
+class Output
+{
+public:
+    explicit Output(OutputForm form) : m_form(form) {}
+
+    /// A list: a table, a JSON array of objects, or CSV with a heading.
+    void addList(const Sheet& sheet);
+
+    /// The sheet's only row: one line per member, a JSON object, or CSV with a heading.
+    void addRecord(const Sheet& sheet);
+
+    /// A list of which people see one text per line and programs what addList() gives.
+    void addTexts(const Sheet& sheet, const QStringList& texts);
+
+    /// A record of which people see one text and programs what addRecord() gives.
+    void addText(const Sheet& sheet, const QString& text);
+
+    /// A list of plain texts under one heading: one per line, a JSON array of strings, or CSV.
+    void addPlainTexts(const QString& key, const QStringList& texts);
+
+    /// Writes what was collected. A reader that has gone away (`| head`) is no error; any other failure to
+    /// write is a Failure.
+    void flush();
+
+private:
+    void addLines(const QStringList& texts);
+
+    OutputForm m_form;
+    QByteArray m_content;
+};

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "Failure.h"
+
+#include <QString>
+
+struct NetworkExchange;
+
+/// What the user is told of a request that failed.
+struct RequestContext
+{
+    /// What was attempted, as the object of "cannot": "read monitoring 64f0…".
+    QString purpose;
+    QString baseApi;
+    QString tokenFile;
+};
+
+/// Whether the exchange brought no usable answer. A reading request that was answered with success but without
+/// any content has failed too: an empty list would be mistaken for "there are none".
+bool hasFailed(const NetworkExchange& exchange);
+
+/// What happened and what to try, with the exit status that tells scripts. `exchange` must have failed.
+Failure requestFailure(const NetworkExchange& exchange, const RequestContext& context);

@@ -1,0 +1,228 @@
+#include "Configuration.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+/// A configuration folder and token of the test's own, and no settings from the caller's environment.
+class ConfigurationTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_folder.isValid());
+        for (const char* name : {"RKMON_BASE_API", "RKMON_PROJECT", "RKMON_TOKEN_FILE"})
+            qunsetenv(name);
+        qputenv("XDG_CONFIG_HOME", QFile::encodeName(m_folder.path()));
+        write("token", "rkm_secret\n");
+    }
+
+    void TearDown() override { qunsetenv("XDG_CONFIG_HOME"); }
+
+    QString path(const char* name) const { return m_folder.filePath(QString::fromUtf8(name)); }
+
+    void write(const char* name, const QByteArray& content)
+    {
+        ASSERT_TRUE(QDir().mkpath(QFileInfo(path(name)).path()));
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_EQ(file.write(content), content.size());
+        file.close();
+        ASSERT_TRUE(file.setPermissions(QFile::ReadOwner | QFile::WriteOwner));
+    }
+
+    /// Flags that are complete.
+    ConfigurationFlags flags() const
+    {
+        ConfigurationFlags flags;
+        flags.baseApi = QStringLiteral("http://127.0.0.1:8600/");
+        flags.tokenFile = path("token");
+        return flags;
+    }
+
+    static QString failureOf(const ConfigurationFlags& flags)
+    {
+        try {
+            readConfiguration(flags);
+        } catch (const Failure& failure) {
+            EXPECT_EQ(failure.code(), ExitCode::Usage);
+            return failure.message();
+        }
+        return QString();
+    }
+
+    QTemporaryDir m_folder;
+};
+
+} // namespace
+
+TEST_F(ConfigurationTest, FlagsWinOverEnvironmentAndFile)
+{
+    write("rkmon/config.ini", "base-api=http://file/\nproject=fromFile\ntoken-file=token\n");
+    write("rkmon/token", "fileToken");
+    const Configuration fromFile = readConfiguration({});
+    EXPECT_EQ(fromFile.baseApi, QStringLiteral("http://file/"));
+    EXPECT_EQ(fromFile.project, QStringLiteral("fromFile"));
+    EXPECT_EQ(fromFile.token, QStringLiteral("fileToken"));
+
+    write("variableToken", "variableToken");
+    qputenv("RKMON_BASE_API", "http://variable/");
+    qputenv("RKMON_PROJECT", "fromVariable");
+    qputenv("RKMON_TOKEN_FILE", QFile::encodeName(path("variableToken")));
+    const Configuration fromVariables = readConfiguration({});
+    EXPECT_EQ(fromVariables.baseApi, QStringLiteral("http://variable/"));
+    EXPECT_EQ(fromVariables.project, QStringLiteral("fromVariable"));
+    EXPECT_EQ(fromVariables.token, QStringLiteral("variableToken"));
+
+    ConfigurationFlags given = flags();
+    given.project = QStringLiteral("fromFlag");
+    const Configuration fromFlags = readConfiguration(given);
+    EXPECT_EQ(fromFlags.baseApi, QStringLiteral("http://127.0.0.1:8600/"));
+    EXPECT_EQ(fromFlags.project, QStringLiteral("fromFlag"));
+    EXPECT_EQ(fromFlags.token, QStringLiteral("rkm_secret"));
+}
+
+TEST_F(ConfigurationTest, EmptyVariableSaysNothing)
+{
+    write("rkmon/config.ini", "project=fromFile\n");
+    qputenv("RKMON_PROJECT", "");
+    EXPECT_EQ(readConfiguration(flags()).project, QStringLiteral("fromFile"));
+}
+
+TEST_F(ConfigurationTest, MissingSettingNamesTheThreeWays)
+{
+    ConfigurationFlags noAddress = flags();
+    noAddress.baseApi.clear();
+    const QString message = failureOf(noAddress);
+    for (const char* way : {"--base-api", "RKMON_BASE_API", "base-api = ...", "rkmon/config.ini"})
+        EXPECT_TRUE(message.contains(QString::fromUtf8(way))) << way << " in " << qPrintable(message);
+
+    ConfigurationFlags noToken = flags();
+    noToken.tokenFile.clear();
+    EXPECT_TRUE(failureOf(noToken).contains(QStringLiteral("RKMON_TOKEN_FILE")));
+}
+
+TEST_F(ConfigurationTest, AddressGetsItsSlash)
+{
+    ConfigurationFlags given = flags();
+    given.baseApi = QStringLiteral("https://monitoring.example:8443/site");
+    EXPECT_EQ(readConfiguration(given).baseApi, QStringLiteral("https://monitoring.example:8443/site/"));
+}
+
+TEST_F(ConfigurationTest, RefusesWhatIsNoAddress)
+{
+    for (const char* address : {"127.0.0.1:8600", "ftp://host/", "http://", "http:///path", "http://h/?q=1",
+                                "http://h/#part", "http://user:secret@h/", "http://h/%20", "http://h:x/"}) {
+        ConfigurationFlags given = flags();
+        given.baseApi = QString::fromUtf8(address);
+        EXPECT_FALSE(failureOf(given).isEmpty()) << address;
+    }
+}
+
+TEST_F(ConfigurationTest, RefusesAProjectThatWouldNameAnotherResource)
+{
+    for (const char* project : {"a/b", "..", "a?b", "a b", "%1"}) {
+        ConfigurationFlags given = flags();
+        given.project = QString::fromUtf8(project);
+        EXPECT_FALSE(failureOf(given).isEmpty()) << project;
+    }
+}
+
+TEST_F(ConfigurationTest, DeadlineIsInSeconds)
+{
+    ConfigurationFlags given = flags();
+    EXPECT_FALSE(readConfiguration(given).deadline);
+    given.deadline = QStringLiteral("2.5");
+    EXPECT_EQ(readConfiguration(given).deadline, std::chrono::milliseconds(2500));
+    for (const char* deadline : {"0", "-1", "soon", "nan", "inf", "86401", "2s"}) {
+        given.deadline = QString::fromUtf8(deadline);
+        EXPECT_FALSE(failureOf(given).isEmpty()) << deadline;
+    }
+}
+
+TEST_F(ConfigurationTest, TokenLosesItsLineEnd)
+{
+    for (const char* content : {"rkm_x", "rkm_x\n", "rkm_x\r\n"}) {
+        write("token", content);
+        EXPECT_EQ(readConfiguration(flags()).token, QStringLiteral("rkm_x"));
+    }
+}
+
+TEST_F(ConfigurationTest, RefusesATokenFileThatHoldsNoToken)
+{
+    const std::vector<QByteArray> contents{"",
+                                           "\n",
+                                           "a b",
+                                           "a\nb\n",
+                                           "a\n\n",
+                                           "t\xC3\xB6ken",
+                                           " a",
+                                           QByteArray("a\0b", 3),
+                                           QByteArray(5000, 'a')};
+    for (const QByteArray& content : contents) {
+        write("token", content);
+        EXPECT_TRUE(failureOf(flags()).contains(path("token"))) << content.toPercentEncoding().constData();
+    }
+    ConfigurationFlags missing = flags();
+    missing.tokenFile = path("missing");
+    EXPECT_TRUE(failureOf(missing).contains(path("missing")));
+    missing.tokenFile = m_folder.path();
+    EXPECT_TRUE(failureOf(missing).contains(m_folder.path()));
+}
+
+#ifndef Q_OS_WIN
+TEST_F(ConfigurationTest, WarnsOfATokenThatOthersCanRead)
+{
+    EXPECT_TRUE(readConfiguration(flags()).warnings.isEmpty());
+    QFile::setPermissions(path("token"), QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther);
+    const QStringList warnings = readConfiguration(flags()).warnings;
+    ASSERT_EQ(warnings.size(), 1);
+    EXPECT_TRUE(warnings.constFirst().contains(path("token")));
+}
+#endif
+
+TEST_F(ConfigurationTest, NamedFileMustExist)
+{
+    ConfigurationFlags given = flags();
+    given.configFile = path("missing.ini");
+    EXPECT_TRUE(failureOf(given).contains(given.configFile));
+    given.configFile = m_folder.path();
+    EXPECT_TRUE(failureOf(given).contains(given.configFile));
+}
+
+TEST_F(ConfigurationTest, RefusesUnknownSettings)
+{
+    write("rkmon/config.ini", "base_api=http://file/\n");
+    const QString message = failureOf(flags());
+    EXPECT_TRUE(message.contains(QStringLiteral("base_api"))) << qPrintable(message);
+    EXPECT_TRUE(message.contains(QStringLiteral("token-file"))) << qPrintable(message);
+}
+
+TEST_F(ConfigurationTest, RefusesAFileThatIsNoList)
+{
+    write("rkmon/config.ini", "[open\nnothing here\n");
+    EXPECT_FALSE(failureOf(flags()).isEmpty());
+}
+
+TEST_F(ConfigurationTest, FileMayHoldEverySetting)
+{
+    write("ca.pem", "certificates");
+    write("site.ini", "base-api = http://file/\ntoken-file = token\ndeadline = 4\nca-file = ca.pem\n");
+    ConfigurationFlags given;
+    given.configFile = path("site.ini");
+    const Configuration configuration = readConfiguration(given);
+    EXPECT_EQ(configuration.token, QStringLiteral("rkm_secret"));
+    EXPECT_EQ(configuration.deadline, std::chrono::seconds(4));
+    EXPECT_EQ(configuration.caFile, path("ca.pem"));
+}
+
+TEST_F(ConfigurationTest, CertificatesMustBeReadable)
+{
+    ConfigurationFlags given = flags();
+    given.caFile = path("missing.pem");
+    EXPECT_TRUE(failureOf(given).contains(given.caFile));
+}
