@@ -70,6 +70,7 @@ void serve(const ServeSettings& settings)
     };
     HttpServer server(address, HttpLimits(), settings.log ? logged(std::move(handler)) : std::move(handler),
                       counters);
+    server.stopOnSignal();
     const ListenAddress listening{address.host, server.port()};
     std::cout << "monitor-service listening on http://" << toText(listening) << "/" << std::endl;
     server.runUntilSignal();

@@ -255,6 +255,11 @@ void HttpServer::join()
     m_implementation->join();
 }
 
+void HttpServer::stopOnSignal()
+{
+    m_implementation->stopOnSignal();
+}
+
 void HttpServer::runUntilSignal()
 {
     m_implementation->stopOnSignal();

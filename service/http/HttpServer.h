@@ -58,6 +58,10 @@ public:
     /// Waits until the server has stopped and no handler runs any more. Not from a handler.
     void join();
 
+    /// From now on SIGTERM and SIGINT stop the server. Called before anybody is told of the server, so that
+    /// nobody's signal comes too early.
+    void stopOnSignal();
+
     /// Stops on SIGTERM or SIGINT, or when somebody calls stop(); returns when everything has stopped. A
     /// second signal while requests are being finished ends the process as the signal's default does.
     void runUntilSignal();

@@ -283,6 +283,15 @@ TEST_F(RkmonFailures, ServiceKilledWhileRkmonWaits)
     EXPECT_EQ(result.output, QString());
 }
 
+TEST(ServiceProcess, MayBeStoppedAsSoonAsItIsThere)
+{
+    MonitorService brief;
+    for (int i = 0; i < 10; ++i) {
+        ASSERT_TRUE(brief.start());
+        EXPECT_EQ(brief.stop(), 0);
+    }
+}
+
 TEST_F(RkmonFailures, ControlCEndsWith130)
 {
     ScriptServer server;
