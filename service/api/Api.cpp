@@ -7,6 +7,7 @@
 #include "query/QueryError.h"
 #include "json/JsonText.h"
 
+#include <algorithm>
 #include <iostream>
 #include <utility>
 
@@ -39,11 +40,26 @@ HttpResponse answerStoreError(const StoreError& error)
 
 } // namespace
 
+// The methods of one path may stand in several files.
+void add(std::vector<Route>& routes, const Route& route)
+{
+    const auto same = std::find_if(routes.begin(), routes.end(),
+                                   [&route](const Route& one) { return one.path == route.path; });
+    if (same == routes.end()) {
+        routes.push_back(route);
+    } else {
+        same->methods.insert(same->methods.end(), route.methods.begin(), route.methods.end());
+    }
+}
+
 std::vector<Route> allRoutes()
 {
     std::vector<Route> routes;
-    for (auto&& some : {authRoutes(), cellRoutes(), categoryRoutes(), subCategoryRoutes()}) {
-        routes.insert(routes.end(), some.begin(), some.end());
+    for (auto&& some : {authRoutes(), cellRoutes(), categoryRoutes(), dataManageDeletionRoutes(),
+                        deliveryRoutes(), subCategoryRoutes()}) {
+        for (const Route& route : some) {
+            add(routes, route);
+        }
     }
     return routes;
 }

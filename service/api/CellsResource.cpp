@@ -125,6 +125,28 @@ HttpResponse updateCell(ApiRequest& request)
     return answerDocument(std::move(document));
 }
 
+// What hangs on a monitoring would be lost with it: it has to be deleted first, each by its own request.
+void requireNothingMeasured(const Session& session, const StoredDocument& cell)
+{
+    DocumentQuery query;
+    query.project = cell.project;
+    query.parent = cell.id;
+    std::string names;
+    const auto add = [&](const Documents& documents, const char* name) {
+        const std::uint64_t number = documents.count(query);
+        if (number > 0) {
+            names += (names.empty() ? "" : ", ") + std::string(name) + ": " + std::to_string(number);
+        }
+    };
+    add(session.pointLocations(), "point locations");
+    add(session.groups(), "groups");
+    add(session.dataManages(), "data manages");
+    add(session.alarms(), "alarms");
+    if (!names.empty()) {
+        throw ApiError(409, "the monitoring cannot be deleted while it has " + names);
+    }
+}
+
 // DELETE cells/{id}: answers what was deleted.
 HttpResponse deleteCell(ApiRequest& request)
 {
@@ -132,6 +154,7 @@ HttpResponse deleteCell(ApiRequest& request)
     const auto [session, principal] = beginWriting(request);
     StoredDocument stored = readable(*session, principal, request.ids[0]);
     requireRight(principal, Right::Delete, stored.project, stored.category);
+    requireNothingMeasured(*session, stored);
     session->cells().remove(stored.project, stored.id);
     session->commit();
     return answerDocument(std::move(stored.text));

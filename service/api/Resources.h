@@ -8,6 +8,8 @@ namespace monitorservice {
 std::vector<Route> authRoutes();
 std::vector<Route> cellRoutes();
 std::vector<Route> categoryRoutes();
+std::vector<Route> dataManageDeletionRoutes();
+std::vector<Route> deliveryRoutes();
 std::vector<Route> subCategoryRoutes();
 
 /// All of them.

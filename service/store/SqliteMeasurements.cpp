@@ -169,9 +169,18 @@ void SqliteMeasurements::addToDay(std::int64_t point, const DaySummary& added)
         .run();
 }
 
-void SqliteMeasurements::removePoints(const std::string& cell, const std::string& subCategory)
+void SqliteMeasurements::removeDelivered(const std::string& cell, const std::string& subCategory)
 {
-    constexpr std::array<const char*, 3> statements{
+    // What refers comes before what is referred to.
+    constexpr std::array<const char*, 8> statements{
+        "DELETE FROM alarm_depths WHERE detail IN (SELECT e.id FROM alarm_details AS e JOIN alarms AS a ON "
+        "a.id = e.alarm WHERE a.cell = ? AND a.sub_category = ?)",
+        "DELETE FROM alarm_details WHERE alarm IN (SELECT id FROM alarms WHERE cell = ? AND sub_category = "
+        "?)",
+        "DELETE FROM alarms WHERE cell = ? AND sub_category = ?",
+        "DELETE FROM histories WHERE data_manage IN (SELECT id FROM data_manages WHERE cell = ? AND "
+        "sub_category = ?)",
+        "DELETE FROM data_manages WHERE cell = ? AND sub_category = ?",
         "DELETE FROM samples WHERE point IN (SELECT point FROM point_locations WHERE cell = ? AND "
         "sub_category = ?)",
         "DELETE FROM day_rollup WHERE point IN (SELECT point FROM point_locations WHERE cell = ? AND "

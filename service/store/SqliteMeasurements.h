@@ -29,7 +29,7 @@ public:
     std::vector<DaySummary> latestDays(std::int64_t point, std::int64_t most) const override;
     void addToDay(std::int64_t point, const DaySummary& added) override;
 
-    void removePoints(const std::string& cell, const std::string& subCategory) override;
+    void removeDelivered(const std::string& cell, const std::string& subCategory) override;
 
 private:
     SqliteConnection& m_connection;

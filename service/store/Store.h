@@ -159,8 +159,9 @@ public:
     /// later. One that is as late replaces it: it is the same sample with a corrected value.
     virtual void addToDay(std::int64_t point, const DaySummary& added) = 0;
 
-    /// Removes the points of the monitoring and sub-category with all their samples.
-    virtual void removePoints(const std::string& cell, const std::string& subCategory) = 0;
+    /// Removes all that was delivered for the monitoring and sub-category or followed from it: points, samples, days,
+    /// the data manage with its history, alarms with their details. Groups stay.
+    virtual void removeDelivered(const std::string& cell, const std::string& subCategory) = 0;
 };
 
 /// One transaction: everything it reads is of one moment, everything it writes comes to be at once with commit(),

@@ -178,7 +178,7 @@ TEST_F(SqliteMeasurementsTest, RemovedPointsTakeTheirSamplesAlong)
 {
     measurements().insertSample(point, {10, 1, 0, 1.0, ""});
     measurements().addToDay(point, {0, 10, 1, 0, 1.0, 1});
-    measurements().removePoints("c", "s");
+    measurements().removeDelivered("c", "s");
     EXPECT_FALSE(measurements().findPoint("c", "s", "W1", ""));
     EXPECT_TRUE(values(0, 100).empty());
     EXPECT_TRUE(measurements().latestDays(point, 1).empty());

@@ -1,0 +1,73 @@
+#include "analysis/DeliveryIntake.h"
+
+#include "analysis/Alarms.h"
+#include "analysis/DataManages.h"
+#include "analysis/PointMerge.h"
+#include "json/JsonText.h"
+
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace monitorservice {
+
+namespace {
+
+// What a delivery has brought into one target so far.
+struct TargetTally
+{
+    const DeliveryTarget* target = nullptr;
+    DeliveryShare share;
+    std::vector<EvaluatedPoint> evaluated;
+};
+
+void add(TargetTally& tally, const DeliveredPoint& point, const MergedPoint& merged)
+{
+    DeliveryShare& share = tally.share;
+    share.rows += point.rows;
+    share.inserted += merged.inserted;
+    share.changed = share.changed || merged.changed;
+    if (point.fileId) {
+        share.fileId = *point.fileId;
+    }
+    if (merged.lastTime && (!share.lastTime || *merged.lastTime > *share.lastTime)) {
+        share.lastTime = merged.lastTime;
+        share.lastDate = merged.location.lastDate;
+    }
+    if (merged.gainedLatest) {
+        const PointLocation& location = merged.location;
+        tally.evaluated.push_back({merged.key, location.name, location.depth, location.initialValue});
+    }
+}
+
+} // namespace
+
+IntakeResult takeIn(Session& session, const Delivery& delivery, const MayDo& mayDo, const std::string& owner)
+{
+    const Author author{owner, isoText(session.now())};
+    DeliveryTargets targets(session, mayDo);
+    std::vector<TargetTally> tallies;
+    std::unordered_map<const DeliveryTarget*, std::size_t> tallyOf;
+    JsonArrayWriter documents;
+    for (const DeliveredPoint& point : delivery.points) {
+        const DeliveryTarget& target = targets.of(delivery, point);
+        const auto [tally, isNew] = tallyOf.try_emplace(&target, tallies.size());
+        if (isNew) {
+            tallies.push_back({&target, {}, {}});
+        }
+        const MergedPoint merged = mergePoint(session, target, delivery, point, author);
+        documents.json(toDocument(merged.location));
+        add(tallies[tally->second], point, merged);
+    }
+    IntakeResult result{documents.finish(), false};
+    for (const TargetTally& tally : tallies) {
+        if (tally.share.changed) {
+            result.changed = true;
+            recordDelivery(session, *tally.target, tally.share, author);
+            raiseAlarm(session, *tally.target, tally.evaluated, author);
+        }
+    }
+    return result;
+}
+
+} // namespace monitorservice

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "analysis/Delivery.h"
+#include "analysis/DeliveryTargets.h"
+#include "store/Store.h"
+
+#include <string>
+
+namespace monitorservice {
+
+/// What came of a delivery.
+struct IntakeResult
+{
+    std::string
+        points; ///< JSON array: the documents of the points delivered, each once, in the order of the delivery
+    bool changed = false; ///< something was written; otherwise everything was there already
+};
+
+/// Takes a delivery into the store: points with their samples and days, the data manage and its history, and alarms.
+/// Throws DeliveryRefusal; the session must not be committed then. What was not changed has left no trace.
+IntakeResult takeIn(Session& session, const Delivery& delivery, const MayDo& mayDo, const std::string& owner);
+
+} // namespace monitorservice
