@@ -275,6 +275,7 @@ TEST_F(AdminCommand, ProcessesAtOnceNeverGiveTheSameIdentifier)
 {
     line({"category", "add", "Settlement"});
     std::vector<std::future<std::string>> commands;
+    commands.reserve(12);
     for (int i = 0; i < 12; ++i) {
         commands.push_back(std::async(std::launch::async, [this] { return newProject(); }));
     }

@@ -26,6 +26,7 @@ public:
         static_cast<void>(unset);
         arguments.insert(arguments.begin(), MONITOR_SERVICE_EXECUTABLE);
         std::vector<char*> pointers;
+        pointers.reserve(arguments.size() + 1);
         for (std::string& argument : arguments) {
             pointers.push_back(argument.data());
         }

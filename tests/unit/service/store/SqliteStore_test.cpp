@@ -133,6 +133,7 @@ TEST(SqliteStore, OpenedAtOnceByManyIsMadeOnce)
     const test::TemporaryFolder folder;
     const fs::path file = folder.file("data.db");
     std::vector<std::future<void>> openings;
+    openings.reserve(8);
     for (int i = 0; i < 8; ++i) {
         openings.push_back(std::async(std::launch::async, [&file] {
             SqliteStore store(file, creating());
@@ -252,10 +253,12 @@ TEST(SqliteStore, IdentifiersOfSeveralWritersDiffer)
     const fs::path file = folder.file("data.db");
     SqliteStore(file, creating());
     std::vector<std::future<std::vector<std::string>>> writers;
+    writers.reserve(3);
     for (int writer = 0; writer < 3; ++writer) {
         writers.push_back(std::async(std::launch::async, [&file] {
             SqliteStore store(file);
             std::vector<std::string> ids;
+            ids.reserve(30);
             for (int i = 0; i < 30; ++i) {
                 const auto session = store.write();
                 ids.push_back(session->newIdentifier());
@@ -278,6 +281,7 @@ TEST(SqliteStore, ReadersWorkBesideEachOther)
     const test::TemporaryFolder folder;
     SqliteStore store(folder.file("data.db"), creating());
     std::vector<std::unique_ptr<const Session>> sessions;
+    sessions.reserve(20);
     for (int i = 0; i < 20; ++i) {
         sessions.push_back(store.read());
         EXPECT_TRUE(sessions.back()->projects().list().empty());
