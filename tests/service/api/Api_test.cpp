@@ -81,7 +81,8 @@ TEST_F(ApiTest, DescriptionNamesEveryRouteAndNoOther)
     for (const Route& route : allRoutes()) {
         std::string pattern;
         for (const std::string_view segment : route.path) {
-            pattern += "/" + std::string(segment);
+            pattern += '/';
+            pattern += segment;
         }
         for (const auto& [method, handler] : route.methods) {
             std::string name(method);
