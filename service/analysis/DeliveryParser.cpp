@@ -79,7 +79,10 @@ std::optional<std::string> sentTextOf(Member& member)
 
 std::optional<std::string> sentTextOrNullOf(Member& member)
 {
-    const bool isNull = member.value.is_null();
+    bool isNull = false;
+    if (member.value.is_null().get(isNull) != simdjson::SUCCESS) {
+        member.refuse("must be a text or null");
+    }
     return isNull ? std::nullopt : sentTextOf(member);
 }
 
