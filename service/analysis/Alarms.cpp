@@ -24,7 +24,7 @@ struct Excess
 {
     Variation variation;
     std::string depth;
-    DaySummary latest;
+    DaySummary day;
 };
 
 // Digits without an exponent, as many as read back as the same number.
@@ -69,13 +69,32 @@ LimitsByName limitsOf(const Session& session, const DeliveryTarget& target)
     return limits;
 }
 
-PointReading readingOf(const EvaluatedPoint& point, const std::vector<DaySummary>& latestDays)
+PointReading readingOf(const EvaluatedPoint& point, const DaySummary& day,
+                       const std::optional<DaySummary>& before)
 {
-    PointReading reading{point.initialValue, latestDays.front().value, std::nullopt};
-    if (latestDays.size() > 1) {
-        reading.previous = {latestDays[1].value, latestDays[0].day - latestDays[1].day};
+    PointReading reading{point.initialValue, day.value, std::nullopt};
+    if (before) {
+        reading.previous = {before->value, day.day - before->day};
     }
     return reading;
+}
+
+// The worst of the point's new days, by any of the limits; nothing when no day is over one.
+std::optional<Excess> worstDay(const Measurements& measurements, const EvaluatedPoint& point,
+                               const std::vector<Limits>& limits)
+{
+    std::optional<Excess> worst;
+    std::optional<DaySummary> before = measurements.latestDayBefore(point.key, point.newDays.first);
+    measurements.visitDays(point.key, point.newDays.first, point.newDays.last, [&](const DaySummary& day) {
+        for (const Limits& one : limits) {
+            const Variation variation = variationOf(readingOf(point, day, before), one);
+            if (variation.isOver() && (!worst || variation.severity > worst->variation.severity)) {
+                worst = Excess{variation, point.depth, day};
+            }
+        }
+        before = day;
+    });
+    return worst;
 }
 
 std::map<std::string, Excess> excessesOf(const Session& session, const LimitsByName& limits,
@@ -87,17 +106,13 @@ std::map<std::string, Excess> excessesOf(const Session& session, const LimitsByN
         if (ofName == limits.end()) {
             continue;
         }
-        const std::vector<DaySummary> days = session.measurements().latestDays(point.key, 2);
-        for (const Limits& one : ofName->second) {
-            const Variation variation = variationOf(readingOf(point, days), one);
-            if (!variation.isOver()) {
-                continue;
-            }
-            const auto [worst, isFirst] =
-                excesses.try_emplace(point.name, Excess{variation, point.depth, days.front()});
-            if (!isFirst && variation.severity > worst->second.variation.severity) {
-                worst->second = {variation, point.depth, days.front()};
-            }
+        const std::optional<Excess> excess = worstDay(session.measurements(), point, ofName->second);
+        if (!excess) {
+            continue;
+        }
+        const auto [worst, isFirst] = excesses.try_emplace(point.name, *excess);
+        if (!isFirst && excess->variation.severity > worst->second.variation.severity) {
+            worst->second = *excess;
         }
     }
     return excesses;
@@ -111,17 +126,18 @@ struct DepthReading
     DaySummary latest;
 };
 
+// Each depth as it was last measured by that day.
 std::vector<DepthReading> depthsOf(const Session& session, const DeliveryTarget& target,
-                                   const std::string& name)
+                                   const std::string& name, std::int64_t day)
 {
     std::vector<DepthReading> depths;
     const Measurements& measurements = session.measurements();
     measurements.visitPoints(target.cell, target.subCategory, name, [&](const StoredPoint& stored) {
-        const std::vector<DaySummary> latest = measurements.latestDays(stored.key, 1);
-        if (!latest.empty()) {
+        const std::optional<DaySummary> latest = measurements.latestDayBefore(stored.key, day + 1);
+        if (latest) {
             const PointLocation point = pointLocationOf(stored.document);
-            const PointReading reading{point.initialValue, latest.front().value, std::nullopt};
-            depths.push_back({point.depth, variationOf(reading, {}).total, latest.front()});
+            const PointReading reading{point.initialValue, latest->value, std::nullopt};
+            depths.push_back({point.depth, variationOf(reading, {}).total, *latest});
         }
     });
     return depths;
@@ -147,7 +163,7 @@ void insertDepth(Session& session, const DeliveryTarget& target, const std::stri
 void insertDetail(Session& session, const DeliveryTarget& target, const std::string& alarm,
                   const std::string& name, const Excess& excess, const Author& author)
 {
-    const std::vector<DepthReading> depths = depthsOf(session, target, name);
+    const std::vector<DepthReading> depths = depthsOf(session, target, name, excess.day.day);
     const bool hasSeveralDepths = depths.size() > 1;
     const std::string id = session.newIdentifier();
     const Variation& variation = excess.variation;
@@ -163,8 +179,8 @@ void insertDetail(Session& session, const DeliveryTarget& target, const std::str
             .number("dayBeyound", variation.dayBeyond)
             .boolean("isThreeVar", hasSeveralDepths)
             .boolean("isInclinometer", hasSeveralDepths)
-            .integer("monitorCount", excess.latest.count)
-            .text("monitorTime", isoText(excess.latest.time, excess.latest.offsetMinutes))
+            .integer("monitorCount", excess.day.count)
+            .text("monitorTime", isoText(excess.day.time, excess.day.offsetMinutes))
             .text("depth", excess.depth)
             .text("alarmTime", author.time)
             .text("createdAt", author.time)

@@ -34,9 +34,10 @@ void add(TargetTally& tally, const DeliveredPoint& point, const MergedPoint& mer
         share.lastTime = merged.lastTime;
         share.lastDate = merged.location.lastDate;
     }
-    if (merged.gainedLatest) {
+    if (merged.newDays) {
         const PointLocation& location = merged.location;
-        tally.evaluated.push_back({merged.key, location.name, location.depth, location.initialValue});
+        tally.evaluated.push_back(
+            {merged.key, location.name, location.depth, location.initialValue, *merged.newDays});
     }
 }
 

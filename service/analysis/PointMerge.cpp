@@ -84,7 +84,7 @@ public:
         m_day =
             DaySummary{day, sample.time, sample.count, sample.offsetMinutes, sample.value, samples + more};
         m_merged.inserted += more;
-        noteLatest(sample);
+        noteLatest(sample, day);
     }
 
     void finish()
@@ -96,14 +96,18 @@ public:
     }
 
 private:
-    void noteLatest(const Sample& sample)
+    void noteLatest(const Sample& sample, std::int64_t day)
     {
         PointLocation& location = m_merged.location;
         if (m_merged.lastTime &&
             std::tie(sample.time, sample.count) < std::tie(*m_merged.lastTime, location.lastCount)) {
             return;
         }
-        m_merged.gainedLatest = true;
+        if (m_merged.newDays) {
+            m_merged.newDays->last = day;
+        } else {
+            m_merged.newDays = DayRange{day, day};
+        }
         m_merged.lastTime = sample.time;
         location.lastCount = sample.count;
         location.lastDate = isoText(sample.time, sample.offsetMinutes);

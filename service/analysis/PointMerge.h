@@ -18,6 +18,13 @@ struct Author
     std::string time; ///< as isoText() writes it
 };
 
+/// Days of a project's time zone, the first and the last one.
+struct DayRange
+{
+    std::int64_t first = 0;
+    std::int64_t last = 0;
+};
+
 /// What came of one delivered point.
 struct MergedPoint
 {
@@ -26,7 +33,9 @@ struct MergedPoint
     std::optional<Instant> lastTime; ///< of its latest sample; nothing when it has none
     std::int64_t inserted = 0;       ///< samples that it did not have
     bool changed = false;            ///< anything is different from before
-    bool gainedLatest = false;       ///< its latest sample was inserted or corrected
+    /// From the first to the last day on which samples were added behind those held before, or the day of the latest
+    /// sample when that was corrected; nothing when only older samples came.
+    std::optional<DayRange> newDays;
 };
 
 /// Brings a delivered point into the store: creates it when it is new, takes over its description, adds the samples that

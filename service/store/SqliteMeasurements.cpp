@@ -138,17 +138,16 @@ void SqliteMeasurements::visitDays(std::int64_t point, std::int64_t first, std::
     }
 }
 
-std::vector<DaySummary> SqliteMeasurements::latestDays(std::int64_t point, std::int64_t most) const
+std::optional<DaySummary> SqliteMeasurements::latestDayBefore(std::int64_t point, std::int64_t day) const
 {
     SqliteStatement statement =
         m_connection.statement("SELECT day, time, count, offset_minutes, value, samples FROM day_rollup "
-                               "WHERE point = ? ORDER BY day DESC LIMIT ?");
-    statement.bind(point, most);
-    std::vector<DaySummary> days;
-    while (statement.step()) {
-        days.push_back(dayOf(statement));
+                               "WHERE point = ? AND day < ? ORDER BY day DESC LIMIT 1");
+    statement.bind(point, day);
+    if (!statement.step()) {
+        return std::nullopt;
     }
-    return days;
+    return dayOf(statement);
 }
 
 void SqliteMeasurements::addToDay(std::int64_t point, const DaySummary& added)

@@ -26,7 +26,7 @@ public:
 
     void visitDays(std::int64_t point, std::int64_t first, std::int64_t last,
                    const DayVisitor& visitor) const override;
-    std::vector<DaySummary> latestDays(std::int64_t point, std::int64_t most) const override;
+    std::optional<DaySummary> latestDayBefore(std::int64_t point, std::int64_t day) const override;
     void addToDay(std::int64_t point, const DaySummary& added) override;
 
     void removeDelivered(const std::string& cell, const std::string& subCategory) override;

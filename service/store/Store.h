@@ -153,8 +153,8 @@ public:
     /// Days from the first to the last one named, both included, rising.
     virtual void visitDays(std::int64_t point, std::int64_t first, std::int64_t last,
                            const DayVisitor& visitor) const = 0;
-    /// The latest days that have samples, newest first.
-    virtual std::vector<DaySummary> latestDays(std::int64_t point, std::int64_t most) const = 0;
+    /// The latest day before the one named that has samples.
+    virtual std::optional<DaySummary> latestDayBefore(std::int64_t point, std::int64_t day) const = 0;
     /// Adds samples to a day: their number to its own; the last of them becomes the day's last one unless that is
     /// later. One that is as late replaces it: it is the same sample with a corrected value.
     virtual void addToDay(std::int64_t point, const DaySummary& added) = 0;

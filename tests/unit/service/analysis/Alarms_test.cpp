@@ -161,6 +161,42 @@ TEST_F(Alarms, OldDataRaiseNone)
     EXPECT_EQ(alarms(), "1");
 }
 
+TEST_F(Alarms, EveryNewDayOfADeliveryIsCompared)
+{
+    addGroup("g1", {"W1"}, 0, 5, 0);
+    take(delivery({point("W1", {sample(at(18), 1, "1")})}));
+    // The jump of the 21st has gone by the end of the delivery.
+    take(delivery({point("W1", {sample(at(19), 2, "1"), sample(at(20), 3, "2"), sample(at(21), 4, "9"),
+                                sample(at(22), 5, "5"), sample(at(24), 6, "1")})}));
+    EXPECT_EQ(alarms(), "1");
+    ASSERT_EQ(details().size(), 1U);
+    EXPECT_EQ(member(details()[0], "dayVar"), "7");
+    EXPECT_EQ(member(details()[0], "dayBeyound"), "2");
+    EXPECT_EQ(member(details()[0], "monitorCount"), "4");
+    EXPECT_EQ(member(details()[0], "monitorTime"), at(21));
+}
+
+TEST_F(Alarms, TheFirstNewDayIsComparedWithTheDayHeldBefore)
+{
+    addGroup("g1", {"W1"}, 0, 5, 0);
+    take(delivery({point("W1", {sample(at(20), 1, "1"), sample(at(21, 8), 2, "2")})}));
+    EXPECT_EQ(alarms(), "0");
+    take(delivery({point("W1", {sample(at(21, 18), 3, "9"), sample(at(22), 4, "9")})}));
+    ASSERT_EQ(details().size(), 1U);
+    EXPECT_EQ(member(details()[0], "dayVar"), "8");
+    EXPECT_EQ(member(details()[0], "monitorTime"), at(21, 18));
+}
+
+TEST_F(Alarms, DepthsAreThoseOfTheWorstDay)
+{
+    addGroup("g1", {"I1"}, 0, 0, 5);
+    take(delivery({point("I1", {sample(at(20), 1, "1"), sample(at(21), 2, "9"), sample(at(22), 3, "2")},
+                         R"(,"depth":"0.5")"),
+                   point("I1", {sample(at(20), 1, "3"), sample(at(22), 3, "4")}, R"(,"depth":"1.0")")}));
+    ASSERT_EQ(details().size(), 1U);
+    EXPECT_EQ(depths(), "0.5=9@" + at(21) + " 1.0=3@" + at(20));
+}
+
 TEST_F(Alarms, CorrectionOfTheLatestValueRaisesOne)
 {
     addGroup("g1", {"W1"}, 0, 0, 5);

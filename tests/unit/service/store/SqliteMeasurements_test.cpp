@@ -123,15 +123,15 @@ TEST_F(SqliteMeasurementsTest, CorrectedLastSampleOfADayIsTakenOver)
     EXPECT_EQ(day(7).samples, 3);
 }
 
-TEST_F(SqliteMeasurementsTest, LatestDaysComeNewestFirst)
+TEST_F(SqliteMeasurementsTest, LatestDayBeforeADayIsTheNearestThatHasSamples)
 {
     for (const std::int64_t number : {-3, 5, 2}) {
         measurements().addToDay(point, {number, number, 1, 0, 1.0, 1});
     }
-    const std::vector<DaySummary> days = measurements().latestDays(point, 2);
-    ASSERT_EQ(days.size(), 2U);
-    EXPECT_EQ(days[0].day, 5);
-    EXPECT_EQ(days[1].day, 2);
+    EXPECT_EQ(measurements().latestDayBefore(point, 6).value().day, 5);
+    EXPECT_EQ(measurements().latestDayBefore(point, 5).value().day, 2);
+    EXPECT_EQ(measurements().latestDayBefore(point, 2).value().day, -3);
+    EXPECT_FALSE(measurements().latestDayBefore(point, -3));
 }
 
 TEST_F(SqliteMeasurementsTest, PointIsFoundByMonitoringSubCategoryNameAndDepth)
@@ -181,7 +181,7 @@ TEST_F(SqliteMeasurementsTest, RemovedPointsTakeTheirSamplesAlong)
     measurements().removeDelivered("c", "s");
     EXPECT_FALSE(measurements().findPoint("c", "s", "W1", ""));
     EXPECT_TRUE(values(0, 100).empty());
-    EXPECT_TRUE(measurements().latestDays(point, 1).empty());
+    EXPECT_FALSE(measurements().latestDayBefore(point, 1));
 }
 
 TEST_F(SqliteMeasurementsTest, MonitoringWithPointsIsNotRemoved)
