@@ -13,6 +13,22 @@ namespace monitorservice {
 
 namespace {
 
+// What the sender cannot know of a point. Not its whole document: of that it may have been a small part, so that a
+// small delivery would have a huge answer.
+std::string answerOf(const PointLocation& point)
+{
+    return JsonObjectWriter()
+        .text("_id", point.id)
+        .text("cellId", point.cell)
+        .text("subCategoryId", point.subCategory)
+        .text("name", point.name)
+        .text("depth", point.depth)
+        .integer("insertCount", point.insertCount)
+        .integer("lastCount", point.lastCount)
+        .text("lastDate", point.lastDate)
+        .finish();
+}
+
 // What a delivery has brought into one target so far.
 struct TargetTally
 {
@@ -49,7 +65,7 @@ IntakeResult takeIn(Session& session, const Delivery& delivery, const MayDo& may
     DeliveryTargets targets(session, mayDo);
     std::vector<TargetTally> tallies;
     std::unordered_map<const DeliveryTarget*, std::size_t> tallyOf;
-    JsonArrayWriter documents;
+    JsonArrayWriter points;
     for (const DeliveredPoint& point : delivery.points) {
         const DeliveryTarget& target = targets.of(delivery, point);
         const auto [tally, isNew] = tallyOf.try_emplace(&target, tallies.size());
@@ -57,10 +73,10 @@ IntakeResult takeIn(Session& session, const Delivery& delivery, const MayDo& may
             tallies.push_back({&target, {}, {}});
         }
         const MergedPoint merged = mergePoint(session, target, delivery, point, author);
-        documents.json(toDocument(merged.location));
+        points.json(answerOf(merged.location));
         add(tallies[tally->second], point, merged);
     }
-    IntakeResult result{documents.finish(), false};
+    IntakeResult result{points.finish(), false};
     for (const TargetTally& tally : tallies) {
         if (tally.share.changed) {
             result.changed = true;

@@ -11,8 +11,8 @@ namespace monitorservice {
 /// What came of a delivery.
 struct IntakeResult
 {
-    std::string
-        points; ///< JSON array: the documents of the points delivered, each once, in the order of the delivery
+    /// JSON array: what names each point delivered and what the service counts of it, in the order of the delivery.
+    std::string points;
     bool changed = false; ///< something was written; otherwise everything was there already
 };
 

@@ -24,6 +24,8 @@ namespace ondemand = simdjson::ondemand;
 constexpr std::size_t pieceSize = 256 * 1024;
 constexpr std::size_t largestPiece = 1024 * 1024;
 constexpr std::size_t longestText = 4096;
+// All elements together, their samples not counted: what is kept of them, and answered, is bounded with it.
+constexpr std::size_t mostDescription = 16 * 1024 * 1024;
 constexpr std::size_t mostElements = 50'000;
 constexpr std::size_t mostLinks = 1000;
 constexpr std::size_t mostTimeFlags = 65'535;
@@ -177,6 +179,7 @@ private:
     std::unordered_map<std::string, std::size_t> m_pointIndex;
     std::unordered_map<std::string, std::uint16_t> m_timeFlagIndex;
     std::uint32_t m_rows = 0;
+    std::size_t m_described = 0; // bytes of the elements read so far, their samples not counted
     ondemand::parser m_parser;
     std::string m_piece;
 };
@@ -270,6 +273,11 @@ ondemand::document DeliveryReader::parsed(std::string_view before, std::string_v
 
 void DeliveryReader::readHead(std::string_view text, DeliveredPoint& point, const std::string& place)
 {
+    m_described += text.size();
+    if (m_described > mostDescription) {
+        throw DeliveryRefusal("the points of the delivery have more than " + std::to_string(mostDescription) +
+                              " bytes besides their samples");
+    }
     ondemand::document document = parsed({}, text, {}, place);
     ondemand::object object;
     if (document.get_object().get(object) != simdjson::SUCCESS) {

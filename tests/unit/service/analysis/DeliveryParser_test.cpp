@@ -234,6 +234,15 @@ TEST(DeliveryParser, WhatHasNoSamplesMayNotBeHuge)
                 HasSubstr(R"("[0].links" has more than 1000 elements)"));
 }
 
+TEST(DeliveryParser, DescriptionsTogetherAreBounded)
+{
+    std::string body = "[" + point("W1", {});
+    for (int i = 0; i < 5'000; ++i) {
+        body += "," + point("W1", {}, R"(,"alias":")" + std::string(4'000, 'x') + "\"");
+    }
+    EXPECT_THAT(refusal(body + "]"), HasSubstr("more than 16777216 bytes besides their samples"));
+}
+
 TEST(DeliveryParser, NumberOfElementsIsBounded)
 {
     std::string body = "[" + point("W1", {});

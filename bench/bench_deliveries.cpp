@@ -1,0 +1,265 @@
+// How many samples a second the service takes in through HTTP, and how much memory a delivery of 64 MB needs.
+//
+// The service runs in a process of its own on a file in the folder for temporary files; deliveries of 10 000 samples
+// are made beforehand and sent over connections that stay open. Linux: the memory is read from /proc.
+
+#include "admin/Secret.h"
+#include "api/Api.h"
+#include "http/HttpServer.h"
+#include "service/http/RawClient.h"
+#include "store/SqliteStore.h"
+#include "support/TemporaryFolder.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <charconv>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using namespace monitorservice;
+
+constexpr std::size_t samplesPerDelivery = 10'000;
+constexpr Instant firstTime = 1450425600000; // 2015-12-18T00:00:00-08:00
+
+void fill(Store& store)
+{
+    const auto session = store.write();
+    session->projects().insert({"p", "Pit", "Europe/Vienna", 1});
+    session->categories().add("Settlement");
+    const std::string audit = R"("createdAt":"2015-12-01T00:00:00.000Z","createdBy":"Ada",)"
+                              R"("updatedAt":"2015-12-01T00:00:00.000Z","updatedBy":"Ada"})";
+    for (int i = 0; i < 10; ++i) {
+        const std::string id = "c" + std::to_string(i);
+        session->cells().insert("p", id,
+                                R"({"_id":")" + id +
+                                    R"(","projectId":"p","name":"Cell","category":"Settlement","alarmTo":[],)"
+                                    R"("links":[],)" +
+                                    audit);
+    }
+    session->subCategories().insert(
+        "p", "s", R"({"_id":"s","projectId":"p","name":"Level","category":"Settlement","alias":""})");
+    session->groups().insert(
+        "p", "g",
+        R"({"_id":"g","projectId":"p","cellId":"c0","subCategoryId":"s","groupName":"G",)"
+        R"("groupPoint":["W0","W1"],"dayVarType":0,"dayVarValue":5,"totalVar":1000})");
+    session->tokens().insert({"t", "Ada", "", 1, std::nullopt, std::nullopt}, sha256("rkm_bench"));
+    session->grants().add({"g", "t", "p", std::nullopt, Rights::ofBits(15), 1});
+    session->commit();
+}
+
+/// The service in a process of its own.
+class ServiceProcess
+{
+public:
+    ServiceProcess()
+    {
+        std::array<int, 2> pipes{};
+        if (pipe(pipes.data()) != 0) {
+            throw std::runtime_error("no pipe");
+        }
+        m_process = fork();
+        if (m_process == 0) {
+            ::close(pipes[0]);
+            run(pipes[1]);
+            std::_Exit(0);
+        }
+        ::close(pipes[1]);
+        if (::read(pipes[0], &m_port, sizeof m_port) != sizeof m_port) {
+            throw std::runtime_error("the service does not start");
+        }
+        ::close(pipes[0]);
+    }
+    ~ServiceProcess()
+    {
+        ::kill(m_process, SIGTERM);
+        ::waitpid(m_process, nullptr, 0);
+    }
+    ServiceProcess(const ServiceProcess&) = delete;
+    ServiceProcess& operator=(const ServiceProcess&) = delete;
+
+    std::uint16_t port() const { return m_port; }
+
+    /// The most that has been resident so far, in MB.
+    double peakMegabytes() const
+    {
+        std::ifstream status("/proc/" + std::to_string(m_process) + "/status");
+        std::string line;
+        while (std::getline(status, line)) {
+            if (line.rfind("VmHWM:", 0) == 0) {
+                return std::strtod(line.c_str() + 6, nullptr) * 1024 / 1e6;
+            }
+        }
+        return 0;
+    }
+
+private:
+    static void run(int portPipe)
+    {
+        const test::TemporaryFolder folder;
+        SqliteStoreOptions options;
+        options.createIfMissing = true;
+        SqliteStore store(folder.file("data.db"), options);
+        fill(store);
+        const auto counters = std::make_shared<HttpCounters>();
+        const Api api(store, counters);
+        HttpServer server(
+            ListenAddress(), HttpLimits(), [&api](HttpRequest&& request) { return api.answer(request); },
+            counters);
+        const std::uint16_t port = server.port();
+        if (::write(portPipe, &port, sizeof port) != sizeof port) {
+            throw std::runtime_error("nobody waits for the service");
+        }
+        server.runUntilSignal();
+    }
+
+    pid_t m_process = 0;
+    std::uint16_t m_port = 0;
+};
+
+std::string sampleText(std::size_t number)
+{
+    const Instant time = firstTime + static_cast<Instant>(number) * 60'000;
+    std::array<char, 32> value{};
+    const double settlement = static_cast<double>(number % 10'007) / 128;
+    const auto end = std::to_chars(value.data(), value.data() + value.size(), settlement).ptr;
+    return R"({"count":)" + std::to_string(number) + R"(,"time":")" + isoText(time, 60) + R"(","value":)" +
+           std::string(value.data(), end) + R"(,"timeFlag":""})";
+}
+
+// Samples first … of each point.
+std::string deliveryText(std::size_t points, std::size_t samplesPerPoint, std::size_t first, std::size_t cell)
+{
+    std::string body = "[";
+    for (std::size_t point = 0; point < points; ++point) {
+        body += point == 0 ? "" : ",";
+        body += R"({"projectId":"p","cellId":"c)" + std::to_string(cell) +
+                R"(","subCategoryId":"s","name":"W)" + std::to_string(point) +
+                R"(","alias":"","dataType":1,"initialValue":0,"offsetDirection":"","depth":"",)"
+                R"("insertCount":0,"lastCount":0,"fileId":null,"lastDate":"","links":[],"data":[)";
+        for (std::size_t sample = 0; sample < samplesPerPoint; ++sample) {
+            body += sample == 0 ? "" : ",";
+            body += sampleText(first + sample);
+        }
+        body += "]}";
+    }
+    return body + "]";
+}
+
+std::string requestText(const std::string& body)
+{
+    return "POST /monitor-service/pointLocations HTTP/1.1\r\nHost: localhost\r\nAuthorization: Bearer "
+           "rkm_bench\r\nContent-Type: application/json\r\nContent-Length: " +
+           std::to_string(body.size()) + "\r\n\r\n" + body;
+}
+
+void send(test::RawClient& client, const std::string& request)
+{
+    client.send(request);
+    const test::RawAnswer answer = client.readAnswer();
+    if (answer.status != 200) {
+        throw std::runtime_error("refused: " + answer.body.substr(0, 500));
+    }
+}
+
+// Samples a second over so many connections, each of which delivers into a monitoring of its own.
+double samplesPerSecond(std::size_t points, std::size_t deliveries, std::size_t connections)
+{
+    const ServiceProcess service;
+    const std::size_t samplesPerPoint = samplesPerDelivery / points;
+    std::vector<std::vector<std::string>> requests(connections);
+    for (std::size_t i = 0; i < deliveries; ++i) {
+        const std::size_t connection = i % connections;
+        requests[connection].push_back(requestText(
+            deliveryText(points, samplesPerPoint, (i / connections) * samplesPerPoint, connection)));
+    }
+    const auto begin = std::chrono::steady_clock::now();
+    std::vector<std::thread> threads;
+    for (const auto& ofConnection : requests) {
+        threads.emplace_back([&service, &ofConnection] {
+            test::RawClient client(service.port());
+            for (const std::string& request : ofConnection) {
+                send(client, request);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
+    return static_cast<double>(deliveries * samplesPerDelivery) / taken.count();
+}
+
+void measureMemory(const ServiceProcess& service, const char* what, const std::string& body)
+{
+    const double before = service.peakMegabytes();
+    const auto begin = std::chrono::steady_clock::now();
+    test::RawClient client(service.port());
+    send(client, requestText(body));
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
+    std::printf("%-42s %6.1f MB sent  %6.1f MB at most (%.1f before)  %5.1f s\n", what,
+                static_cast<double>(body.size()) / 1e6, service.peakMegabytes(), before, taken.count());
+}
+
+// As many samples as fit into the largest body.
+std::string largestDelivery()
+{
+    constexpr std::size_t largest = 64 * 1024 * 1024;
+    const std::size_t sampleSize = sampleText(1'000'000).size() + 1;
+    std::string body;
+    for (std::size_t samples = largest / sampleSize + 20'000; body.empty() || body.size() > largest;
+         samples -= 2'000) {
+        body = deliveryText(1, samples, 0, 0);
+    }
+    return body;
+}
+
+// As many points with as long descriptions as one delivery may have, and samples for the rest of the body.
+std::string deliveryOfManyPoints()
+{
+    constexpr std::size_t largest = 64 * 1024 * 1024;
+    std::string body = "[";
+    for (int i = 0; i < 49'999; ++i) {
+        body += R"({"cellId":"c0","subCategoryId":"s","name":"W)" + std::to_string(i) + R"(","alias":")" +
+                std::string(270, 'x') + R"("},)";
+    }
+    body += R"({"cellId":"c1","subCategoryId":"s","name":"W","data":[)";
+    for (std::size_t sample = 0; body.size() < largest - 200; ++sample) {
+        body += (sample == 0 ? "" : ",") + sampleText(sample);
+    }
+    return body + "]}]";
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const std::size_t deliveries = argc > 1 ? std::strtoul(argv[1], nullptr, 10) : 100;
+    // First of all, and before any body is made: a process inherits the memory of the one it comes from.
+    {
+        const ServiceProcess one;
+        const ServiceProcess other;
+        measureMemory(one, "one point, as many samples as fit", largestDelivery());
+        measureMemory(other, "50 000 points, then as many samples as fit", deliveryOfManyPoints());
+    }
+    for (const std::size_t connections : {std::size_t{1}, std::size_t{2}}) {
+        for (const std::size_t points :
+             {std::size_t{1}, std::size_t{10}, std::size_t{100}, std::size_t{1000}}) {
+            std::printf("%4zu points a delivery, %zu connections  %9.0f samples/s\n", points, connections,
+                        samplesPerSecond(points, deliveries, connections));
+            std::fflush(stdout);
+        }
+    }
+    return 0;
+}
