@@ -113,6 +113,11 @@ CommandLine::CommandLine()
     addMonitoringCommands(m_app, m_command);
     addCategoryCommands(m_app, m_command);
     addSubCategoryCommands(m_app, m_command);
+    addPointCommands(m_app, m_command);
+    addStatisticsCommands(m_app, m_command);
+    addGroupCommands(m_app, m_command);
+    addDataCommands(m_app, m_command);
+    addAlarmCommands(m_app, m_command);
     addPermissionCommands(m_app, m_command);
     options::setExamples(m_app, "  rkmon monitoring list\n"
                                 "  rkmon monitoring create --name VH --category Slope\n"

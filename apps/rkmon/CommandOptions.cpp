@@ -23,6 +23,15 @@ std::string refuseOtherThanIdentifier(const std::string& text)
     return isIdentifier ? "" : "\"" + text + "\" is not an identifier";
 }
 
+std::function<void(const std::vector<std::string>&)> intoList(QStringList& target)
+{
+    return [&target](const std::vector<std::string>& texts) {
+        target.clear();
+        for (const std::string& text : texts)
+            target.append(QString::fromStdString(text));
+    };
+}
+
 } // namespace
 
 CLI::Option* addText(CLI::App& app, const char* names, QString& target, const char* description)
@@ -53,17 +62,33 @@ CLI::Option* addIdentifier(CLI::App& app, const char* names, QString& target, co
 
 CLI::Option* addIdentifiers(CLI::App& app, const char* names, QStringList& target, const char* description)
 {
-    return app
-        .add_option_function<std::vector<std::string>>(
-            names,
-            [&target](const std::vector<std::string>& texts) {
-                target.clear();
-                for (const std::string& text : texts)
-                    target.append(QString::fromStdString(text));
-            },
-            description)
+    return app.add_option_function<std::vector<std::string>>(names, intoList(target), description)
         ->check(CLI::Validator(refuseOtherThanIdentifier, ""))
         ->type_name("ID");
+}
+
+CLI::Option* addTexts(CLI::App& app, const char* names, QStringList& target, const char* description)
+{
+    return app.add_option_function<std::vector<std::string>>(names, intoList(target), description)
+        ->allow_extra_args(false)
+        ->check(CLI::Validator(refuseEmpty, ""))
+        ->type_name("TEXT");
+}
+
+CLI::Option* addFiles(CLI::App& app, const char* name, QStringList& target, const char* description)
+{
+    return app.add_option_function<std::vector<std::string>>(name, intoList(target), description)
+        ->check(CLI::Validator(refuseEmpty, ""))
+        ->type_name("FILE");
+}
+
+CLI::Option* addNumber(CLI::App& app, const char* names, std::optional<double>& target,
+                       const char* description)
+{
+    return app
+        .add_option_function<double>(
+            names, [&target](const double& number) { target = number; }, description)
+        ->type_name("NUMBER");
 }
 
 CLI::App& addCommandGroup(CLI::App& root, const char* name, const char* description)

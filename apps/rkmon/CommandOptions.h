@@ -23,6 +23,15 @@ CLI::Option* addText(CLI::App& app, const char* names, std::optional<QString>& t
 CLI::Option* addIdentifier(CLI::App& app, const char* names, QString& target, const char* description);
 CLI::Option* addIdentifiers(CLI::App& app, const char* names, QStringList& target, const char* description);
 
+/// Texts, one for each time that the option is given.
+CLI::Option* addTexts(CLI::App& app, const char* names, QStringList& target, const char* description);
+
+/// File names, all in one place of the command line.
+CLI::Option* addFiles(CLI::App& app, const char* name, QStringList& target, const char* description);
+
+CLI::Option* addNumber(CLI::App& app, const char* names, std::optional<double>& target,
+                       const char* description);
+
 /// A subcommand that reads its options into a record of type `Options` and then runs `run`.
 template <typename Options>
 struct Subcommand

@@ -52,7 +52,8 @@ Position follow(const CLI::App& root, const QStringList& words)
 QStringList kindOf(const CLI::Option& option)
 {
     static const QMap<QString, QString> kinds{{QStringLiteral("FILE"), QStringLiteral("@file")},
-                                              {QStringLiteral("CATEGORY"), QStringLiteral("@category")}};
+                                              {QStringLiteral("CATEGORY"), QStringLiteral("@category")},
+                                              {QStringLiteral("MONITORING"), QStringLiteral("@monitoring")}};
     const QString type = QString::fromStdString(option.get_type_name());
     if (kinds.contains(type))
         return {kinds[type]};

@@ -1,25 +1,17 @@
 #include "CommandOptions.h"
 #include "Commands.h"
+#include "Confirmation.h"
 #include "Failure.h"
 #include "MonitoringFilter.h"
 #include "MonitoringSheet.h"
-#include "PagedReading.h"
-#include "Terminal.h"
-
-#include <limits>
+#include "Pages.h"
 
 namespace {
-
-/// Rows of the largest page that the service gives.
-constexpr int largestPage = 1000;
-constexpr int readingAttempts = 3;
 
 struct ListOptions
 {
     MonitoringFilter filter;
-    int skip = 0;
-    int limit = largestPage;
-    bool isAll = false;
+    PageOptions page;
 };
 
 struct CountOptions
@@ -106,42 +98,13 @@ int readCount(Session& session, const RKMonitoringCondition& condition)
     return count;
 }
 
-QList<RKMonitoring> readAll(Session& session, const RKMonitoringCondition& condition)
-{
-    const auto monitorings =
-        paging::readEverything([&](int skip, int limit) { return readPage(session, condition, skip, limit); },
-                               [&] { return readCount(session, condition); }, largestPage, readingAttempts);
-    if (!monitorings)
-        throw Failure(ExitCode::Failed,
-                      QStringLiteral("cannot list all monitorings: they kept changing while they were "
-                                     "read; try again"));
-    return *monitorings;
-}
-
-/// Says so when the page ends before the list does.
-void noteRemainder(Session& session, const RKMonitoringCondition& condition, const ListOptions& options,
-                   int shown)
-{
-    if (shown < options.limit)
-        return;
-    const int count = readCount(session, condition);
-    if (count > options.skip + shown)
-        session.noteAfterwards(
-            QStringLiteral("shown are %1 of %2; --skip %3 continues, --all shows everything")
-                .arg(shown)
-                .arg(count)
-                .arg(options.skip + shown));
-}
-
 ExitCode listMonitorings(Session& session, const ListOptions& options)
 {
     const RKMonitoringCondition condition = conditionOf(options.filter);
-    const QList<RKMonitoring> monitorings = options.isAll
-                                                ? readAll(session, condition)
-                                                : readPage(session, condition, options.skip, options.limit);
-    session.output().addList(monitoringSheet(monitorings));
-    if (!options.isAll)
-        noteRemainder(session, condition, options, monitorings.size());
+    session.output().addList(monitoringSheet(pages::read(
+        session, options.page, QStringLiteral("monitorings"),
+        [&](int skip, int limit) { return readPage(session, condition, skip, limit); },
+        [&] { return readCount(session, condition); })));
     return ExitCode::Success;
 }
 
@@ -194,7 +157,11 @@ ExitCode listIdentifiers(Session& session, const NoOptions&)
     // The service gives one page here, and nothing says that there are more.
     if (cells.size() >= largestPage) {
         cells.clear();
-        const QList<RKMonitoring> monitorings = readAll(session, RKMonitoringCondition());
+        const RKMonitoringCondition all;
+        const QList<RKMonitoring> monitorings = pages::readAll(
+            QStringLiteral("monitorings"),
+            [&](int skip, int limit) { return readPage(session, all, skip, limit); },
+            [&] { return readCount(session, all); });
         for (const RKMonitoring& monitoring : monitorings)
             cells.append({monitoring.id, monitoring.name});
     }
@@ -272,18 +239,13 @@ ExitCode updateMonitoring(Session& session, const UpdateOptions& options)
 
 ExitCode deleteMonitoring(Session& session, const DeleteOptions& options)
 {
-    if (!options.isConfirmed) {
-        if (!terminal::canAsk())
-            throw Failure(ExitCode::Usage,
-                          QStringLiteral("refusing to delete without being able to ask; --yes confirms"));
+    const auto question = [&] {
         const RKMonitoring monitoring = readMonitoring(session, options.id);
-        const QString question = QStringLiteral("Delete monitoring \"%1\" (%2, %3)?")
-                                     .arg(monitoring.name, monitoring.category, monitoring.id);
-        if (!terminal::confirm(question)) {
-            session.note(QStringLiteral("not deleted"));
-            return ExitCode::Failed;
-        }
-    }
+        return QStringLiteral("Delete monitoring \"%1\" (%2, %3)?")
+            .arg(monitoring.name, monitoring.category, monitoring.id);
+    };
+    if (!confirmed(session, options.isConfirmed, question))
+        return ExitCode::Failed;
     session.ask(QStringLiteral("delete monitoring %1").arg(options.id),
                 [&] { return session.data().deleteMonitoring(options.id); });
     session.note(QStringLiteral("deleted monitoring %1").arg(options.id));
@@ -301,15 +263,7 @@ void addListCommand(CLI::App& group, Command& chosen)
     const auto [app, values] =
         options::addSubcommand(group, "list", "List monitorings, oldest first", chosen, listMonitorings);
     addFilterOptions(app, values->filter);
-    CLI::Option* skip = app.add_option("--skip", values->skip, "Leave out the first N")
-                            ->type_name("N")
-                            ->check(CLI::Range(0, std::numeric_limits<int>::max()).description(""));
-    CLI::Option* limit = app.add_option("--limit", values->limit, "Show at most N (1 to 1000)")
-                             ->type_name("N")
-                             ->check(CLI::Range(1, largestPage).description(""));
-    app.add_flag("--all", values->isAll, "Show everything, however many pages it takes")
-        ->excludes(skip)
-        ->excludes(limit);
+    addPageOptions(app, values->page);
     options::setExamples(app, "  rkmon monitoring list --name '^LS-'\n"
                               "  rkmon monitoring list --since 2026-03-01 --until 2026-03-31\n"
                               "  rkmon monitoring list --all --csv > monitorings.csv");
@@ -379,7 +333,7 @@ void addDeleteCommand(CLI::App& group, Command& chosen)
     const auto [app, values] =
         options::addSubcommand(group, "delete", "Delete a monitoring", chosen, deleteMonitoring);
     options::addIdentifier(app, "ID", values->id, "Identifier of the monitoring")->required();
-    app.add_flag("-y,--yes", values->isConfirmed, "Do not ask");
+    addConfirmationOption(app, values->isConfirmed);
     options::setExamples(app, "  rkmon monitoring delete 6745d2f0a1b2c3d4e5f60718\n"
                               "  rkmon monitoring delete --yes 6745d2f0a1b2c3d4e5f60718");
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Period.h"
+
 #include <RKMonitoringData.h>
 
 #include <QString>
@@ -14,8 +16,7 @@ struct MonitoringFilter
     QString name;
     QString exactName;
     QString model;
-    QString since;
-    QString until;
+    Period period;
 };
 
 void addFilterOptions(CLI::App& app, MonitoringFilter& filter);

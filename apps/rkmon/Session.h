@@ -31,6 +31,9 @@ public:
     /// The library, for operations in the project. Throws a usage Failure when none is configured.
     RKMonitoringData& projectData();
 
+    /// Identifier of the project; may be empty.
+    QString project() const { return m_configuration.project; }
+
     /// Runs one operation of the library, which must send a request, and returns its result; throws a Failure
     /// when the request failed. The operation's own flag does not decide: some report a failure as success,
     /// others an empty answer as a failure. `purpose` completes "cannot ...".

@@ -6,13 +6,17 @@
 #include "Session.h"
 #include "Terminal.h"
 
+#include <QApplication>
 #include <QCoreApplication>
+#include <QLoggingCategory>
 #include <QTextCodec>
 
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <memory>
+#include <string_view>
 
 namespace {
 
@@ -63,13 +67,37 @@ ExitCode runGuarded(const QStringList& words)
     }
 }
 
+bool drawsChart(int count, char** words)
+{
+    for (int i = 1; i < count; ++i) {
+        const std::string_view word(words[i]);
+        if (word == "--plot" || word.substr(0, 7) == "--plot=")
+            return true;
+    }
+    return false;
+}
+
+/// Only a chart needs what draws, and it needs no screen.
+std::unique_ptr<QCoreApplication> makeApplication(int& count, char** words)
+{
+    if (!drawsChart(count, words))
+        return std::make_unique<QCoreApplication>(count, words);
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Where there is no session, Qt warns of what a chart does not need.
+    QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false"));
+    auto application = std::make_unique<QApplication>(count, words);
+    QLoggingCategory::setFilterRules(QString());
+    return application;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     std::signal(SIGINT, endInterrupted);
     terminal::prepareStreams();
-    QCoreApplication application(argc, argv);
+    const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv);
 #ifndef Q_OS_WIN
     // Arguments and file names are UTF-8 whatever the locale: under LANG=C a name would reach the service
     // mangled.

@@ -30,8 +30,8 @@ MonitoringFilter named(const char* pattern)
 MonitoringFilter between(const char* since, const char* until)
 {
     MonitoringFilter filter;
-    filter.since = QString::fromUtf8(since);
-    filter.until = QString::fromUtf8(until);
+    filter.period.since = QString::fromUtf8(since);
+    filter.period.until = QString::fromUtf8(until);
     return filter;
 }
 

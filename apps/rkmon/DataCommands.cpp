@@ -1,0 +1,243 @@
+#include "CommandOptions.h"
+#include "Commands.h"
+#include "Confirmation.h"
+#include "Failure.h"
+#include "Lookup.h"
+#include "Pages.h"
+#include "Period.h"
+#include "PlaceMarkers.h"
+
+#include <RKPub.h>
+
+#include <algorithm>
+
+namespace {
+
+struct ListOptions
+{
+    QString cell;
+    QString category;
+    Period period;
+    PageOptions page;
+};
+
+struct HistoryOptions
+{
+    QString id;
+    Period period;
+    bool isByChange = false;
+    PageOptions page;
+};
+
+struct DeleteOptions
+{
+    QString id;
+    bool isConfirmed = false;
+};
+
+Sheet dataSheet(const QList<RKDataManage>& dataManages)
+{
+    constexpr bool listed = true;
+    constexpr bool fixed = true;
+    Sheet sheet{{{QStringLiteral("ID"), QStringLiteral("id"), listed, fixed},
+                 {QStringLiteral("MONITORING"), QStringLiteral("cellId"), listed, fixed},
+                 {QStringLiteral("CATEGORY"), QStringLiteral("category"), listed, !fixed},
+                 {QStringLiteral("ALIAS"), QStringLiteral("alias"), listed, !fixed},
+                 {QStringLiteral("SUB-CATEGORY"), QStringLiteral("subCategoryId"), !listed, fixed},
+                 {QStringLiteral("LATEST"), QStringLiteral("lastDate"), listed, fixed},
+                 {QStringLiteral("ROWS"), QStringLiteral("lastCount"), listed, fixed},
+                 {QStringLiteral("FILE"), QStringLiteral("fileId"), !listed, fixed},
+                 {QStringLiteral("UPDATED"), QStringLiteral("updatedAt"), !listed, fixed},
+                 {QStringLiteral("UPDATED BY"), QStringLiteral("updatedBy"), !listed, !fixed}},
+                {}};
+    for (const RKDataManage& data : dataManages) {
+        const QString file = data.fileId.isEmpty() ? QString() : data.fileId;
+        sheet.rows.append({data.id, data.cellId, data.category, data.alias, data.subCategoryId, data.lastDate,
+                           data.lastCount, file, data.updatedAt, data.updatedBy});
+    }
+    return sheet;
+}
+
+/// A delivery with an identifier made of its members: the library reads none.
+struct IdentifiedHistory
+{
+    QString id;
+    HistoryData entry;
+};
+
+Sheet historySheet(const QList<IdentifiedHistory>& history)
+{
+    constexpr bool listed = true;
+    constexpr bool fixed = true;
+    Sheet sheet{{{QStringLiteral("DELIVERED"), QStringLiteral("createdAt"), listed, fixed},
+                 {QStringLiteral("BY"), QStringLiteral("createdBy"), listed, !fixed},
+                 {QStringLiteral("LATEST"), QStringLiteral("lastDate"), listed, fixed},
+                 {QStringLiteral("INSERTED"), QStringLiteral("insertCount"), listed, fixed},
+                 {QStringLiteral("HELD"), QStringLiteral("lastCount"), listed, fixed},
+                 {QStringLiteral("FILE"), QStringLiteral("fileId"), !listed, fixed},
+                 {QStringLiteral("UPDATED"), QStringLiteral("updatedAt"), !listed, fixed},
+                 {QStringLiteral("UPDATED BY"), QStringLiteral("updatedBy"), !listed, !fixed}},
+                {}};
+    for (const IdentifiedHistory& identified : history) {
+        const HistoryData& entry = identified.entry;
+        const QString file = entry.fileId.isEmpty() ? QString() : entry.fileId;
+        sheet.rows.append({entry.createdAt, entry.createdBy, entry.lastDate, entry.insertCount,
+                           entry.lastCount, file, entry.updatedAt, entry.updatedBy});
+    }
+    return sheet;
+}
+
+QList<RKDataManage> readPage(Session& session, const RKDataManageCondition& condition, int skip, int limit)
+{
+    const QString purpose = QStringLiteral("list the data held");
+    QList<RKDataManage> page;
+    session.ask(purpose,
+                [&] { return session.projectData().getDataManageRangeData(condition, skip, limit, page); });
+    for (const RKDataManage& data : qAsConst(page))
+        if (data.id.isEmpty())
+            throw Failure(ExitCode::Failed,
+                          QStringLiteral("cannot %1: the answer is not that of data held").arg(purpose));
+    return page;
+}
+
+int readCount(Session& session, const RKDataManageCondition& condition)
+{
+    int count = 0;
+    session.ask(QStringLiteral("count the data held"),
+                [&] { return session.projectData().getDataManageRangeCount(condition, count); });
+    return count;
+}
+
+ExitCode listData(Session& session, const ListOptions& options)
+{
+    RKDataManageCondition condition;
+    restrictTo(options.period, condition);
+    condition.category = markers::keptOutOf(options.category);
+    if (!options.cell.isEmpty())
+        condition.cellId = lookup::monitoring(session, options.cell).id;
+    session.output().addList(dataSheet(pages::read(
+        session, options.page, QStringLiteral("data held"),
+        [&](int skip, int limit) { return readPage(session, condition, skip, limit); },
+        [&] { return readCount(session, condition); })));
+    return ExitCode::Success;
+}
+
+QList<IdentifiedHistory> readHistoryPage(Session& session, const RKHistoryDataCondition& condition, int skip,
+                                         int limit)
+{
+    QList<HistoryData> page;
+    session.ask(QStringLiteral("list the deliveries of %1").arg(condition.dataManageId),
+                [&] { return session.data().getHistoryRangeData(condition, skip, limit, page); });
+    QList<IdentifiedHistory> identified;
+    for (const HistoryData& entry : qAsConst(page)) {
+        const QString id = QStringLiteral("%1 %2 %3 %4")
+                               .arg(RKPub::getQStringByDateTime(entry.createdAt),
+                                    RKPub::getQStringByDateTime(entry.lastDate))
+                               .arg(entry.lastCount)
+                               .arg(entry.insertCount);
+        identified.append({id, entry});
+    }
+    return identified;
+}
+
+int readHistoryCount(Session& session, const RKHistoryDataCondition& condition)
+{
+    int count = 0;
+    session.ask(QStringLiteral("count the deliveries of %1").arg(condition.dataManageId),
+                [&] { return session.data().getHistoryRangeCount(condition, count); });
+    return count;
+}
+
+ExitCode listHistory(Session& session, const HistoryOptions& options)
+{
+    constexpr qint32 timeOfLatestData = 0;
+    constexpr qint32 timeOfLastChange = 2;
+    RKHistoryDataCondition condition;
+    restrictTo(options.period, condition);
+    condition.dataManageId = options.id;
+    condition.timeType = options.isByChange ? timeOfLastChange : timeOfLatestData;
+    session.output().addList(historySheet(pages::read(
+        session, options.page, QStringLiteral("deliveries"),
+        [&](int skip, int limit) { return readHistoryPage(session, condition, skip, limit); },
+        [&] { return readHistoryCount(session, condition); })));
+    return ExitCode::Success;
+}
+
+/// The service has no way to ask for one.
+RKDataManage findData(Session& session, const QString& id)
+{
+    const RKDataManageCondition all;
+    const QList<RKDataManage> everything = pages::readAll(
+        QStringLiteral("data held"), [&](int skip, int limit) { return readPage(session, all, skip, limit); },
+        [&] { return readCount(session, all); });
+    for (const RKDataManage& data : everything)
+        if (data.id.compare(id, Qt::CaseInsensitive) == 0)
+            return data;
+    throw Failure(ExitCode::NotFound,
+                  QStringLiteral("there is no data %1; rkmon data list shows it").arg(id));
+}
+
+ExitCode deleteData(Session& session, const DeleteOptions& options)
+{
+    const auto question = [&] {
+        const RKDataManage data = findData(session, options.id);
+        const QString monitoring = session.ask(QStringLiteral("read monitoring %1").arg(data.cellId),
+                                               [&] { return session.data().getMonitoringName(data.cellId); });
+        return QStringLiteral("Delete all points, samples, deliveries and alarms of %1 of \"%2\"?")
+            .arg(data.alias.isEmpty() ? data.subCategoryId : data.alias, monitoring);
+    };
+    if (!confirmed(session, options.isConfirmed, question))
+        return ExitCode::Failed;
+    session.ask(QStringLiteral("delete data %1").arg(options.id),
+                [&] { return session.data().deletePointData(options.id); });
+    session.note(
+        QStringLiteral("deleted data %1 with its points, samples, deliveries and alarms").arg(options.id));
+    return ExitCode::Success;
+}
+
+void addListCommand(CLI::App& group, Command& chosen)
+{
+    const auto [app, values] = options::addSubcommand(
+        group, "list", "List the data held, by monitoring and sub-category, newest first", chosen, listData);
+    lookup::addCellOption(app, values->cell);
+    options::addText(app, "--category", values->category,
+                     "Categories that contain this regular expression, case ignored")
+        ->type_name("PATTERN");
+    addPeriodOptions(app, values->period, "First delivered at this time or later",
+                     "First delivered on this day or earlier");
+    addPageOptions(app, values->page);
+    options::setExamples(app, "  rkmon data list\n"
+                              "  rkmon data list --cell VH --json");
+}
+
+void addHistoryCommand(CLI::App& group, Command& chosen)
+{
+    const auto [app, values] = options::addSubcommand(
+        group, "history", "List the deliveries of one of them, newest first", chosen, listHistory);
+    options::addIdentifier(app, "ID", values->id, "Identifier, as rkmon data list shows it")->required();
+    addPeriodOptions(app, values->period, "With data of this time or later",
+                     "With data of this day or earlier");
+    app.add_flag("--by-change", values->isByChange, "The period is that of the last change instead");
+    addPageOptions(app, values->page);
+    options::setExamples(app, "  rkmon data history 6745d2f0a1b2c3d4e5f60718");
+}
+
+void addDeleteCommand(CLI::App& group, Command& chosen)
+{
+    const auto [app, values] = options::addSubcommand(
+        group, "delete", "Delete data with its points, samples, deliveries and alarms", chosen, deleteData);
+    options::addIdentifier(app, "ID", values->id, "Identifier, as rkmon data list shows it")->required();
+    addConfirmationOption(app, values->isConfirmed);
+    options::setExamples(app, "  rkmon data delete 6745d2f0a1b2c3d4e5f60718");
+}
+
+} // namespace
+
+void addDataCommands(CLI::App& root, Command& chosen)
+{
+    CLI::App& group = options::addCommandGroup(root, "data", "List the data held and how it was delivered");
+    addListCommand(group, chosen);
+    addHistoryCommand(group, chosen);
+    addDeleteCommand(group, chosen);
+    options::setExamples(group, "  rkmon data list --cell VH");
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Session.h"
+
+#include <RKMonitoring.h>
+#include <RKMonitoringSubCategory.h>
+
+#include <QList>
+#include <QString>
+
+#include <optional>
+
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
+
+/// Finding what the user names.
+namespace lookup {
+
+/// Adds --cell.
+CLI::Option* addCellOption(CLI::App& app, QString& cell);
+
+/// Whether `text` is an identifier as the service gives it: 24 hexadecimal digits.
+bool isIdentifier(const QString& text);
+
+/// The monitoring of exactly this name; nothing when there is none, a Failure when there are several.
+std::optional<RKMonitoring> monitoringNamed(Session& session, const QString& name);
+
+/// The monitoring with this identifier or exactly this name. Throws a Failure when there is none or several.
+RKMonitoring monitoring(Session& session, const QString& text);
+
+QList<RKMonitoringSubCategory> subCategories(Session& session, const QString& category);
+
+/// The one of `known` with this identifier, name or alias; nothing when there is none, a Failure when several.
+std::optional<RKMonitoringSubCategory> subCategoryAmong(const QList<RKMonitoringSubCategory>& known,
+                                                        const QString& text);
+
+/// The sub-category of `category` with this identifier, name or alias. Throws a Failure when there is none.
+RKMonitoringSubCategory subCategory(Session& session, const QString& category, const QString& text);
+
+} // namespace lookup

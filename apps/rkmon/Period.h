@@ -1,0 +1,22 @@
+#pragma once
+
+#include <RKTimePeriod.h>
+
+#include <QString>
+
+namespace CLI {
+class App;
+}
+
+/// A period as the user says it; empty texts leave an end open.
+struct Period
+{
+    QString since;
+    QString until;
+};
+
+/// Adds --since and --until; `since` and `until` say what they mean.
+void addPeriodOptions(CLI::App& app, Period& period, const char* since, const char* until);
+
+/// Restricts `condition` to the period. Throws a usage Failure for a time that cannot be read.
+void restrictTo(const Period& period, RKTimePeriod& condition);

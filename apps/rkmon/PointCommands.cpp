@@ -1,0 +1,280 @@
+#include "CommandOptions.h"
+#include "Commands.h"
+#include "Failure.h"
+#include "Lookup.h"
+#include "Pages.h"
+#include "PointFilter.h"
+#include "import/PointImport.h"
+
+namespace {
+
+struct ListOptions
+{
+    PointFilter filter;
+    bool hasSamples = false;
+};
+
+struct ShowOptions
+{
+    QString id;
+    bool hasSamples = false;
+};
+
+struct FindOptions
+{
+    QString uuid;
+    bool hasSamples = false;
+};
+
+struct LatestOptions
+{
+    PointFilter filter;
+};
+
+struct LinkOptions
+{
+    QString cell;
+    QStringList names;
+    bool isEveryPoint = false;
+    QStringList links;
+    bool isUnlinked = false;
+};
+
+QStringList relationTexts(const QMap<QString, QStringList>& links)
+{
+    QStringList texts;
+    for (auto link = links.cbegin(); link != links.cend(); ++link)
+        for (const QString& id : *link)
+            texts.append(QStringLiteral("%1=%2").arg(link.key(), id));
+    return texts;
+}
+
+/// Points without their samples, but the latest one.
+Sheet pointSheet(const QList<RKPointLocation>& points)
+{
+    constexpr bool listed = true;
+    constexpr bool fixed = true;
+    Sheet sheet{{{QStringLiteral("ID"), QStringLiteral("id"), listed, fixed},
+                 {QStringLiteral("NAME"), QStringLiteral("name"), listed, !fixed},
+                 {QStringLiteral("DEPTH"), QStringLiteral("depth"), listed, fixed},
+                 {QStringLiteral("SAMPLES"), QStringLiteral("samples"), listed, fixed},
+                 {QStringLiteral("LATEST"), QStringLiteral("latestTime"), listed, fixed},
+                 {QStringLiteral("COUNT"), QStringLiteral("latestCount"), listed, fixed},
+                 {QStringLiteral("VALUE"), QStringLiteral("latestValue"), listed, fixed},
+                 {QStringLiteral("RELATIONS"), QStringLiteral("links"), listed, !fixed},
+                 {QStringLiteral("MONITORING"), QStringLiteral("cellId"), !listed, fixed},
+                 {QStringLiteral("CATEGORY"), QStringLiteral("category"), !listed, !fixed},
+                 {QStringLiteral("DATA TYPE"), QStringLiteral("dataType"), !listed, fixed},
+                 {QStringLiteral("OFFSET DIRECTION"), QStringLiteral("offsetDirection"), !listed, fixed},
+                 {QStringLiteral("SAMPLES HELD"), QStringLiteral("insertCount"), !listed, fixed},
+                 {QStringLiteral("LAST COUNT"), QStringLiteral("lastCount"), !listed, fixed},
+                 {QStringLiteral("LAST TIME"), QStringLiteral("lastDate"), !listed, fixed},
+                 {QStringLiteral("CREATED"), QStringLiteral("createdAt"), !listed, fixed},
+                 {QStringLiteral("CREATED BY"), QStringLiteral("createdBy"), !listed, !fixed},
+                 {QStringLiteral("UPDATED"), QStringLiteral("updatedAt"), !listed, fixed},
+                 {QStringLiteral("UPDATED BY"), QStringLiteral("updatedBy"), !listed, !fixed}},
+                {}};
+    for (const RKPointLocation& point : points) {
+        // Of the samples that the condition chose; the point's own members tell of all of them.
+        const bool hasSamples = !point.data.isEmpty();
+        const RKPointLocationData latest = hasSamples ? point.data.constLast() : RKPointLocationData();
+        const QString depth = point.depth.isEmpty() ? QString() : point.depth;
+        sheet.rows.append({point.id, point.name, depth, point.data.size(), latest.time,
+                           hasSamples ? QVariant(latest.count) : QVariant(QString()),
+                           hasSamples ? QVariant(latest.value) : QVariant(QString()),
+                           relationTexts(point.links), point.cellId, point.category, point.dataType,
+                           point.offsetDirection, point.insertCount, point.lastCount, point.lastDate,
+                           point.createdAt, point.createdBy, point.updatedAt, point.updatedBy});
+    }
+    return sheet;
+}
+
+/// One row per sample, with the columns of a file that `point import` reads.
+Sheet sampleSheet(const QList<RKPointLocation>& points)
+{
+    constexpr bool listed = true;
+    constexpr bool fixed = true;
+    Sheet sheet{{{QStringLiteral("NAME"), QStringLiteral("name"), listed, !fixed},
+                 {QStringLiteral("DEPTH"), QStringLiteral("depth"), listed, fixed},
+                 {QStringLiteral("TIME"), QStringLiteral("time"), listed, fixed},
+                 {QStringLiteral("COUNT"), QStringLiteral("count"), listed, fixed},
+                 {QStringLiteral("VALUE"), QStringLiteral("value"), listed, fixed},
+                 {QStringLiteral("FLAG"), QStringLiteral("timeFlag"), listed, fixed}},
+                {}};
+    for (const RKPointLocation& point : points) {
+        const QString depth = point.depth.isEmpty() ? QString() : point.depth;
+        for (const RKPointLocationData& sample : point.data)
+            sheet.rows.append({point.name, depth, sample.time, sample.count, sample.value, sample.timeFlag});
+    }
+    return sheet;
+}
+
+void requireIdentifiers(const QList<RKPointLocation>& points, const QString& purpose)
+{
+    for (const RKPointLocation& point : points)
+        if (point.id.isEmpty())
+            throw Failure(ExitCode::Failed,
+                          QStringLiteral("cannot %1: the answer is not that of points").arg(purpose));
+}
+
+/// The service gives one page and there is no way to ask for the next.
+void noteFullPage(Session& session, int count)
+{
+    if (count >= largestPage)
+        session.note(
+            QStringLiteral("warning: there may be more than the %1 points shown; --name chooses").arg(count));
+}
+
+void addPoints(Session& session, const QList<RKPointLocation>& points, bool hasSamples)
+{
+    session.output().addList(hasSamples ? sampleSheet(points) : pointSheet(points));
+    noteFullPage(session, points.size());
+}
+
+ExitCode listPoints(Session& session, const ListOptions& options)
+{
+    const RKMonitoring monitoring = lookup::monitoring(session, options.filter.cell);
+    RKPointLocationCondition condition = conditionOf(options.filter, monitoring);
+    const QString purpose = QStringLiteral("list the points of \"%1\"").arg(monitoring.name);
+    QList<RKPointLocation> points;
+    session.ask(purpose, [&] { return session.data().getPointLocation(condition, points, false); });
+    requireIdentifiers(points, purpose);
+    addPoints(session, points, options.hasSamples);
+    return ExitCode::Success;
+}
+
+ExitCode showPoint(Session& session, const ShowOptions& options)
+{
+    const QString purpose = QStringLiteral("read point %1").arg(options.id);
+    RKPointLocation point;
+    session.ask(purpose, [&] { return session.data().getPointLocationByPointId(options.id, point); });
+    requireIdentifiers({point}, purpose);
+    if (options.hasSamples)
+        session.output().addList(sampleSheet({point}));
+    else
+        session.output().addRecord(pointSheet({point}));
+    return ExitCode::Success;
+}
+
+ExitCode showLatest(Session& session, const LatestOptions& options)
+{
+    const RKMonitoring monitoring = lookup::monitoring(session, options.filter.cell);
+    RKPointLocationCondition condition = conditionOf(options.filter, monitoring);
+    const QString purpose = QStringLiteral("find the newest point of \"%1\"").arg(monitoring.name);
+    RKPointLocation point;
+    session.ask(purpose, [&] { return session.data().getPointLocationByTimeOrder(condition, point); });
+    if (point.id.isEmpty())
+        throw Failure(ExitCode::NotFound, QStringLiteral("no point of \"%1\" matches").arg(monitoring.name));
+    session.output().addRecord(pointSheet({point}));
+    return ExitCode::Success;
+}
+
+ExitCode findPoints(Session& session, const FindOptions& options)
+{
+    const QString purpose = QStringLiteral("find the points related to %1").arg(options.uuid);
+    QList<RKPointLocation> points;
+    session.ask(purpose, [&] { return session.projectData().getPointLocationByGuid(options.uuid, points); });
+    requireIdentifiers(points, purpose);
+    addPoints(session, points, options.hasSamples);
+    return ExitCode::Success;
+}
+
+QMap<QString, QStringList> linksOf(const QStringList& texts)
+{
+    QMap<QString, QStringList> links;
+    for (const QString& text : texts) {
+        const int equals = text.indexOf(QLatin1Char('='));
+        const QString relation = text.left(equals).trimmed();
+        const QString id = text.mid(equals + 1).trimmed();
+        if (equals <= 0 || relation.isEmpty() || id.isEmpty())
+            throw Failure(ExitCode::Usage,
+                          QStringLiteral("--link: \"%1\" is not RELATION=IDENTIFIER").arg(text));
+        links[relation].append(id);
+    }
+    return links;
+}
+
+ExitCode linkPoints(Session& session, const LinkOptions& options)
+{
+    const QMap<QString, QStringList> links = linksOf(options.links);
+    if (options.names.isEmpty() && !options.isEveryPoint)
+        throw Failure(ExitCode::Usage, QStringLiteral("which points? --name says it, or --every-point"));
+    if (links.isEmpty() && !options.isUnlinked)
+        throw Failure(ExitCode::Usage, QStringLiteral("which relations? --link says it, or --no-links"));
+    const RKMonitoring monitoring = lookup::monitoring(session, options.cell);
+    RKPointLocationCondition condition;
+    condition.cellId = monitoring.id;
+    condition.names = options.names;
+    session.ask(QStringLiteral("replace the relations of points of \"%1\"").arg(monitoring.name),
+                [&] { return session.data().updatePointLocation(condition, links); });
+    session.note(
+        QStringLiteral("replaced the relations of the points of \"%1\" that match").arg(monitoring.name));
+    return ExitCode::Success;
+}
+
+void addSamplesOption(CLI::App& app, bool& hasSamples)
+{
+    app.add_flag("--samples", hasSamples, "One row per sample; as CSV what rkmon point import reads");
+}
+
+void addListCommands(CLI::App& group, Command& chosen)
+{
+    const auto [list, listed] =
+        options::addSubcommand(group, "list", "List the points of a monitoring", chosen, listPoints);
+    addPointFilterOptions(list, listed->filter);
+    addSamplesOption(list, listed->hasSamples);
+    options::setExamples(list, "  rkmon point list --cell VH\n"
+                               "  rkmon point list --cell VH --name VH-W1 --samples --csv > VH-W1.csv\n"
+                               "  rkmon point list --cell VH --since 2015-12-21 --until 2015-12-21");
+
+    const auto [latest, newest] =
+        options::addSubcommand(group, "latest", "Show the point that was measured last", chosen, showLatest);
+    addPointFilterOptions(latest, newest->filter);
+    options::setExamples(latest, "  rkmon point latest --cell VH");
+}
+
+void addReadingCommands(CLI::App& group, Command& chosen)
+{
+    const auto [show, shown] = options::addSubcommand(group, "show", "Show one point", chosen, showPoint);
+    options::addIdentifier(show, "ID", shown->id, "Identifier of the point")->required();
+    addSamplesOption(show, shown->hasSamples);
+    options::setExamples(show, "  rkmon point show 6745d2f0a1b2c3d4e5f60718 --samples");
+
+    const auto [find, found] =
+        options::addSubcommand(group, "find", "List the points related to something", chosen, findPoints);
+    options::addText(find, "UUID", found->uuid,
+                     "Identifier of what they are related to, as of a model's element")
+        ->required()
+        ->type_name("UUID");
+    addSamplesOption(find, found->hasSamples);
+    options::setExamples(find, "  rkmon point find 7f1c2a9e-5b1d-4c0e-9f63-2d1f0c9b8a77");
+}
+
+void addLinkCommand(CLI::App& group, Command& chosen)
+{
+    const auto [app, values] = options::addSubcommand(
+        group, "link", "Replace the relations of points of a monitoring", chosen, linkPoints);
+    lookup::addCellOption(app, values->cell)->required();
+    CLI::Option* names =
+        options::addTexts(app, "--name", values->names, "The point of this name; once for each")
+            ->type_name("NAME");
+    app.add_flag("--every-point", values->isEveryPoint, "All points of the monitoring")->excludes(names);
+    CLI::Option* links = options::addTexts(app, "--link", values->links, "A relation; once for each")
+                             ->type_name("RELATION=ID");
+    app.add_flag("--no-links", values->isUnlinked, "No relations from now on")->excludes(links);
+    options::setExamples(app, "  rkmon point link --cell VH --name VH-W1 --link model=7f1c2a9e");
+}
+
+} // namespace
+
+void addPointCommands(CLI::App& root, Command& chosen)
+{
+    CLI::App& group =
+        options::addCommandGroup(root, "point", "List points with their samples, and import readings");
+    addListCommands(group, chosen);
+    addReadingCommands(group, chosen);
+    addLinkCommand(group, chosen);
+    addPointImportCommand(group, chosen);
+    options::setExamples(group, "  rkmon point list --cell VH\n"
+                                "  rkmon point import --cell VH --sub-category SM VH-moisture-week1.csv");
+}

@@ -1,0 +1,132 @@
+#include "import/CsvRecords.h"
+
+#include <QTextCodec>
+
+namespace csv {
+
+namespace {
+
+constexpr char quote = '"';
+
+/// False when `bytes` are not UTF-8.
+bool decode(const QByteArray& bytes, QString& text)
+{
+    text = QString::fromUtf8(bytes);
+    if (!text.contains(QChar::ReplacementCharacter))
+        return true;
+    // The character may stand in the text itself.
+    static QTextCodec* const codec = QTextCodec::codecForName("UTF-8");
+    QTextCodec::ConverterState state;
+    codec->toUnicode(bytes.constData(), bytes.size(), &state);
+    return state.invalidChars == 0 && state.remainingChars == 0;
+}
+
+} // namespace
+
+RecordReader::RecordReader(const QByteArray& content, char delimiter)
+    : m_next(content.constData()), m_end(content.constData() + content.size()), m_delimiter(delimiter)
+{
+}
+
+bool RecordReader::next(Record& record)
+{
+    while (m_next != m_end && atLineEnd())
+        skipLineEnd();
+    if (m_next == m_end)
+        return false;
+    record.line = m_line;
+    record.fields.clear();
+    record.problem.clear();
+    readRecord(record);
+    return true;
+}
+
+void RecordReader::readRecord(Record& record)
+{
+    while (true) {
+        QByteArray field;
+        const bool isQuoted = m_next != m_end && *m_next == quote;
+        const bool isRead = isQuoted ? readQuotedField(field, record) : readBareField(field, record);
+        if (!isRead) {
+            skipLine();
+            return;
+        }
+        appendField(field, record);
+        if (m_next == m_end)
+            return;
+        if (*m_next != m_delimiter) {
+            skipLineEnd();
+            return;
+        }
+        ++m_next;
+    }
+}
+
+bool RecordReader::readQuotedField(QByteArray& field, Record& record)
+{
+    const int firstLine = m_line;
+    bool isClosed = false;
+    ++m_next;
+    while (m_next != m_end && !isClosed) {
+        if (*m_next == quote) {
+            ++m_next;
+            isClosed = m_next == m_end || *m_next != quote;
+            if (!isClosed)
+                field += *m_next++;
+        } else if (atLineEnd()) {
+            field += '\n';
+            skipLineEnd();
+        } else {
+            field += *m_next++;
+        }
+    }
+    if (!isClosed)
+        record.problem = QStringLiteral("a quote that opens on line %1 is never closed").arg(firstLine);
+    else if (m_next != m_end && *m_next != m_delimiter && !atLineEnd())
+        record.problem = QStringLiteral("text follows a closing quote");
+    return record.problem.isEmpty();
+}
+
+bool RecordReader::readBareField(QByteArray& field, Record& record)
+{
+    const char* const begin = m_next;
+    while (m_next != m_end && *m_next != m_delimiter && !atLineEnd()) {
+        if (*m_next == quote) {
+            record.problem = QStringLiteral("a quote within a field that does not begin with one");
+            return false;
+        }
+        ++m_next;
+    }
+    field = QByteArray(begin, static_cast<int>(m_next - begin));
+    return true;
+}
+
+void RecordReader::appendField(const QByteArray& field, Record& record) const
+{
+    QString text;
+    if (!decode(field, text) && record.problem.isEmpty())
+        record.problem = QStringLiteral("the text is not UTF-8");
+    record.fields.append(text.trimmed());
+}
+
+bool RecordReader::atLineEnd() const
+{
+    return *m_next == '\n' || *m_next == '\r';
+}
+
+void RecordReader::skipLine()
+{
+    while (m_next != m_end && !atLineEnd())
+        ++m_next;
+    if (m_next != m_end)
+        skipLineEnd();
+}
+
+void RecordReader::skipLineEnd()
+{
+    if (*m_next++ == '\r' && m_next != m_end && *m_next == '\n')
+        ++m_next;
+    ++m_line;
+}
+
+} // namespace csv

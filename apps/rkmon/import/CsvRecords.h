@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+/// Reading delimited text after RFC 4180, with any delimiter and any line end.
+namespace csv {
+
+struct Record
+{
+    /// Line of the file that the record begins on, from 1.
+    int line = 0;
+    QStringList fields;
+    /// What is wrong with the record's form, in words; `fields` is then incomplete. Empty: nothing.
+    QString problem;
+};
+
+/// Takes UTF-8 text apart, record by record. Empty lines are passed over. After a record with a problem it goes
+/// on with the next line.
+class RecordReader
+{
+public:
+    /// `content` without a byte-order mark. Keeps a reference to it.
+    RecordReader(const QByteArray& content, char delimiter);
+
+    /// The next record; false at the end.
+    bool next(Record& record);
+
+private:
+    void readRecord(Record& record);
+    bool readQuotedField(QByteArray& field, Record& record);
+    bool readBareField(QByteArray& field, Record& record);
+    void appendField(const QByteArray& field, Record& record) const;
+    bool atLineEnd() const;
+    void skipLine();
+    void skipLineEnd();
+
+    const char* m_next;
+    const char* m_end;
+    char m_delimiter;
+    int m_line = 1;
+};
+
+} // namespace csv

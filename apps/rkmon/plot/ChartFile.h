@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+struct Chart;
+
+/// Throws a usage Failure unless `path` ends in .svg or .png.
+void requireChartPath(const QString& path);
+
+/// Draws `chart` into the file at `path`, replacing it. Needs a QApplication. Throws a Failure when it cannot be
+/// written.
+void writeChart(const Chart& chart, const QString& path);
