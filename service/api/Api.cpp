@@ -38,8 +38,6 @@ HttpResponse answerStoreError(const StoreError& error)
     }
 }
 
-} // namespace
-
 // The methods of one path may stand in several files.
 void add(std::vector<Route>& routes, const Route& route)
 {
@@ -52,11 +50,15 @@ void add(std::vector<Route>& routes, const Route& route)
     }
 }
 
+} // namespace
+
 std::vector<Route> allRoutes()
 {
     std::vector<Route> routes;
-    for (auto&& some : {authRoutes(), cellRoutes(), categoryRoutes(), dataManageDeletionRoutes(),
-                        deliveryRoutes(), subCategoryRoutes()}) {
+    for (auto&& some :
+         {alarmRoutes(), authRoutes(), cellRoutes(), categoryRoutes(), dataManageDeletionRoutes(),
+          dataManageRoutes(), deliveryRoutes(), groupRoutes(), pointLocationLinkRoutes(),
+          pointLocationReadRoutes(), statisticsRoutes(), subCategoryRoutes()}) {
         for (const Route& route : some) {
             add(routes, route);
         }

@@ -22,40 +22,6 @@ std::vector<std::string> parseTexts(simdjson::dom::element value, const std::str
     return texts;
 }
 
-void parseLink(simdjson::dom::element value, const std::string& name, CellBody::Links& links)
-{
-    std::optional<std::string> type;
-    std::optional<std::string> identifier;
-    forEachMember(objectOf(value, name), name + ".",
-                  [&](std::string_view member, simdjson::dom::element content) {
-                      const std::string path = name + "." + std::string(member);
-                      if (member == "type") {
-                          type = nonEmptyTextOf(content, path);
-                      } else if (member == "rId") {
-                          identifier = nonEmptyTextOf(content, path);
-                      } else {
-                          throw ApiError(400, "\"" + path + "\" is not a member of a link");
-                      }
-                  });
-    if (!type) {
-        throw ApiError(400, "\"" + name + ".type\" is missing");
-    }
-    links.types.push_back(*type);
-    if (identifier) {
-        links.links.push_back({*type, *identifier});
-    }
-}
-
-CellBody::Links parseLinks(simdjson::dom::element value)
-{
-    CellBody::Links links;
-    std::size_t index = 0;
-    for (const simdjson::dom::element element : arrayOf(value, "links")) {
-        parseLink(element, "links[" + std::to_string(index++) + "]", links);
-    }
-    return links;
-}
-
 template <typename Member>
 bool assign(Member& member, const std::optional<Member>& sent)
 {
@@ -66,7 +32,7 @@ bool assign(Member& member, const std::optional<Member>& sent)
     return true;
 }
 
-std::vector<Link> merged(const std::vector<Link>& present, const CellBody::Links& sent)
+std::vector<Link> merged(const std::vector<Link>& present, const SentLinks& sent)
 {
     std::vector<Link> links;
     const auto stays = [&sent](const Link& link) {
@@ -100,7 +66,7 @@ CellBody parseCellBody(std::string_view json)
         } else if (name == "alarmTo") {
             body.alarmTo = parseTexts(value, "alarmTo");
         } else if (name == "links") {
-            body.links = parseLinks(value);
+            body.links = parseLinks(value, "links");
         } else {
             throw ApiError(400, "\"" + std::string(name) + "\" is not a member that can be set");
         }
@@ -125,17 +91,13 @@ std::string toDocument(const Cell& cell)
     for (const std::string& recipient : cell.alarmTo) {
         alarmTo.text(recipient);
     }
-    JsonArrayWriter links;
-    for (const Link& link : cell.links) {
-        links.json(JsonObjectWriter().text("type", link.type).text("rId", link.identifier).finish());
-    }
     return JsonObjectWriter()
         .text("_id", cell.id)
         .text("projectId", cell.project)
         .text("name", cell.name)
         .text("category", cell.category)
         .json("alarmTo", alarmTo.finish())
-        .json("links", links.finish())
+        .json("links", toJson(cell.links))
         .text("createdAt", cell.createdAt)
         .text("createdBy", cell.createdBy)
         .text("updatedAt", cell.updatedAt)

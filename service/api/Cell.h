@@ -1,23 +1,13 @@
 #pragma once
 
+#include "api/Links.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace monitorservice {
-
-/// A relation of a monitoring to something outside the service.
-struct Link
-{
-    std::string type;       ///< the relation, such as "model"
-    std::string identifier; ///< member "rId"
-
-    friend bool operator==(const Link& left, const Link& right)
-    {
-        return left.type == right.type && left.identifier == right.identifier;
-    }
-};
 
 /// A monitoring as it is stored.
 struct Cell
@@ -37,19 +27,11 @@ struct Cell
 /// What a client sends of a monitoring; a member that it did not send is absent.
 struct CellBody
 {
-    /// What is sent of links: the types that are named, and the links of these types. A type may be named without
-    /// a link: there shall be none of it.
-    struct Links
-    {
-        std::vector<std::string> types;
-        std::vector<Link> links;
-    };
-
     std::optional<std::string> project;
     std::optional<std::string> name;
     std::optional<std::string> category;
     std::optional<std::vector<std::string>> alarmTo;
-    std::optional<Links> links;
+    std::optional<SentLinks> links;
 };
 
 /// Reads the body of a POST or PUT. Throws ApiError 400 that names the member.

@@ -1,7 +1,10 @@
+#include "api/Answers.h"
 #include "api/ApiError.h"
 #include "api/Cell.h"
+#include "api/JsonBody.h"
 #include "api/Listing.h"
 #include "api/Parameters.h"
+#include "api/Permission.h"
 #include "api/Resources.h"
 
 #include <algorithm>
@@ -10,44 +13,13 @@ namespace monitorservice {
 
 namespace {
 
-HttpResponse answerDocument(std::string document, unsigned status = 200)
-{
-    HttpResponse response;
-    response.status = status;
-    response.body = std::move(document);
-    return response;
-}
-
-void requireMember(bool present, const char* name)
-{
-    if (!present) {
-        throw ApiError(400, std::string("\"") + name + "\" is missing");
-    }
-}
+constexpr const char* kind = "monitoring";
+constexpr const char* kinds = "monitorings";
 
 void requireCategory(const Session& session, const std::string& category)
 {
     if (!session.categories().contains(category)) {
         throw ApiError(400, "\"category\": there is no category \"" + category + "\"");
-    }
-}
-
-// The stored monitoring, if the caller may read it.
-StoredDocument readable(const Session& session, const Principal& principal, const std::string& id)
-{
-    std::optional<StoredDocument> document = session.cells().find(id);
-    if (!document || !principal.may(Right::Read, document->project, document->category)) {
-        throw notFound("monitoring", id);
-    }
-    return std::move(*document);
-}
-
-void requireRight(const Principal& principal, Right right, const std::string& project,
-                  const std::string& category)
-{
-    if (!principal.may(right, project, category)) {
-        throw ApiError(403, "the token may not " + Rights(right).names() + " monitorings of category \"" +
-                                category + "\" in this project");
     }
 }
 
@@ -59,7 +31,7 @@ void requireMayCreate(const Session& session, const Principal& principal, const 
         throw notFound("project", *body.project);
     }
     requireCategory(session, *body.category);
-    requireRight(principal, Right::Create, *body.project, *body.category);
+    requireRight(principal, Right::Create, kinds, *body.project, *body.category);
 }
 
 // POST cells: answers 201 and the whole monitoring.
@@ -83,16 +55,14 @@ HttpResponse createCell(ApiRequest& request)
     session->cells().insert(cell.project, cell.id, document);
     session->commit();
 
-    HttpResponse response = answerDocument(std::move(document), 201);
-    response.headers.emplace_back("Location", "/monitor-service/cells/" + cell.id);
-    return response;
+    return answerCreated(std::move(document), "cells/" + cell.id);
 }
 
 // GET cells/{id}
 HttpResponse getCell(ApiRequest& request)
 {
     const Parameters parameters(request.http, {});
-    return answerDocument(readable(*request.session, request.principal, request.ids[0]).text);
+    return answerJson(readable(request.session->cells(), request.principal, kind, request.ids[0]).text);
 }
 
 // PUT cells/{id}: changes the members that are sent and answers the whole monitoring. Its times change with its
@@ -103,18 +73,18 @@ HttpResponse updateCell(ApiRequest& request)
     const CellBody body = parseCellBody(request.http.body);
 
     const auto [session, principal] = beginWriting(request);
-    StoredDocument stored = readable(*session, principal, request.ids[0]);
-    requireRight(principal, Right::Edit, stored.project, stored.category);
+    StoredDocument stored = readable(session->cells(), principal, kind, request.ids[0]);
+    requireRight(principal, Right::Edit, kinds, stored.project, stored.category);
     if (body.project && *body.project != stored.project) {
         throw ApiError(400, "\"projectId\": a monitoring stays in its project");
     }
     if (body.category && *body.category != stored.category) {
         requireCategory(*session, *body.category);
-        requireRight(principal, Right::Edit, stored.project, *body.category);
+        requireRight(principal, Right::Edit, kinds, stored.project, *body.category);
     }
     Cell cell = cellOf(stored.text);
     if (!applyTo(cell, body)) {
-        return answerDocument(std::move(stored.text));
+        return answerJson(std::move(stored.text));
     }
     // A clock that was set back does not make a change older than the one before.
     cell.updatedAt = std::max(isoText(session->now()), cell.updatedAt);
@@ -122,7 +92,7 @@ HttpResponse updateCell(ApiRequest& request)
     std::string document = toDocument(cell);
     session->cells().replace(cell.project, cell.id, document);
     session->commit();
-    return answerDocument(std::move(document));
+    return answerJson(std::move(document));
 }
 
 // What hangs on a monitoring would be lost with it: it has to be deleted first, each by its own request.
@@ -152,12 +122,12 @@ HttpResponse deleteCell(ApiRequest& request)
 {
     const Parameters parameters(request.http, {});
     const auto [session, principal] = beginWriting(request);
-    StoredDocument stored = readable(*session, principal, request.ids[0]);
-    requireRight(principal, Right::Delete, stored.project, stored.category);
+    StoredDocument stored = readable(session->cells(), principal, kind, request.ids[0]);
+    requireRight(principal, Right::Delete, kinds, stored.project, stored.category);
     requireNothingMeasured(*session, stored);
     session->cells().remove(stored.project, stored.id);
     session->commit();
-    return answerDocument(std::move(stored.text));
+    return answerJson(std::move(stored.text));
 }
 
 // GET projects/{project}/cells: see answerListing().

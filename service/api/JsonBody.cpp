@@ -2,6 +2,7 @@
 
 #include "api/ApiError.h"
 
+#include <limits>
 #include <unordered_set>
 
 namespace monitorservice {
@@ -74,6 +75,32 @@ simdjson::dom::array arrayOf(simdjson::dom::element value, const std::string& na
         throw ApiError(400, "\"" + name + "\" has more than " + std::to_string(mostElements) + " elements");
     }
     return array;
+}
+
+std::int32_t integerOf(simdjson::dom::element value, const std::string& name)
+{
+    std::int64_t number = 0;
+    using Limits = std::numeric_limits<std::int32_t>;
+    if (value.get(number) != simdjson::SUCCESS || number < Limits::min() || number > Limits::max()) {
+        throw ApiError(400, "\"" + name + "\" must be a whole number of 32 bits");
+    }
+    return static_cast<std::int32_t>(number);
+}
+
+double numberOf(simdjson::dom::element value, const std::string& name)
+{
+    double number = 0;
+    if (!value.is_number() || value.get(number) != simdjson::SUCCESS) {
+        throw ApiError(400, "\"" + name + "\" must be a number");
+    }
+    return number;
+}
+
+void requireMember(bool present, const std::string& name)
+{
+    if (!present) {
+        throw ApiError(400, "\"" + name + "\" is missing");
+    }
 }
 
 simdjson::dom::object objectOf(simdjson::dom::element value, const std::string& name)

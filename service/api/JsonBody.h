@@ -2,6 +2,7 @@
 
 #include <simdjson.h>
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -35,6 +36,15 @@ std::string nonEmptyTextOf(simdjson::dom::element value, const std::string& name
 
 /// The value as an array of at most 1000 elements.
 simdjson::dom::array arrayOf(simdjson::dom::element value, const std::string& name);
+
+/// The value as a whole number of 32 bits.
+std::int32_t integerOf(simdjson::dom::element value, const std::string& name);
+
+/// The value as a number, be it written with a fraction or without.
+double numberOf(simdjson::dom::element value, const std::string& name);
+
+/// Throws when a member that a new document needs was not sent.
+void requireMember(bool present, const std::string& name);
 
 /// The value as an object.
 simdjson::dom::object objectOf(simdjson::dom::element value, const std::string& name);

@@ -1,5 +1,6 @@
 #include "api/Listing.h"
 
+#include "api/Answers.h"
 #include "api/ApiError.h"
 #include "api/Parameters.h"
 #include "json/JsonText.h"
@@ -14,20 +15,18 @@ constexpr std::uint64_t largestPage = 1000;
 
 } // namespace
 
-HttpResponse answerListing(const ApiRequest& request, const std::string& project, const Documents& documents)
+ListParameters::ListParameters(const ApiRequest& request, const std::string& project)
 {
     const Parameters parameters(request.http, {"where", "skip", "limit", "only_count", "expand", "order"});
-    parameters.flag("expand"); // read for its check alone: these documents have nothing to expand
-    DocumentQuery query;
     query.project = project;
     query.categories = request.principal.categoriesWith(Right::Read, project);
     query.skip = parameters.number("skip").value_or(0);
     query.limit = std::min(parameters.number("limit").value_or(largestPage), largestPage);
-    const bool onlyCount = parameters.flag("only_count");
+    onlyCount = parameters.flag("only_count");
+    expand = parameters.flag("expand");
     if (const std::string* const order = parameters.text("order")) {
         query.order = *order;
     }
-    Where where;
     if (const std::string* const condition = parameters.text("where")) {
         where = Where::parse(*condition);
         query.where = &where;
@@ -35,17 +34,26 @@ HttpResponse answerListing(const ApiRequest& request, const std::string& project
     if (query.categories && query.categories->empty()) {
         throw notFound("project", project);
     }
+}
 
-    HttpResponse response;
-    if (onlyCount) {
-        response.body =
-            JsonObjectWriter().integer("count", static_cast<std::int64_t>(documents.count(query))).finish();
-        return response;
+HttpResponse answerListing(const ApiRequest& request, const std::string& project, const Documents& documents,
+                           const ListKind& kind)
+{
+    ListParameters parameters(request, project);
+    DocumentQuery& query = parameters.query;
+    query.parent = kind.parent;
+    if (!query.order && kind.order != nullptr) {
+        query.order = kind.order;
     }
+    if (parameters.onlyCount) {
+        return answerCount(documents.count(query));
+    }
+    const bool expanding = parameters.expand && kind.expanded != nullptr;
     JsonArrayWriter array;
-    documents.visit(query, [&array](std::string_view document) { array.json(document); });
-    response.body = array.finish();
-    return response;
+    documents.visit(query, [&](std::string_view document) {
+        expanding ? array.json(kind.expanded(document)) : array.json(document);
+    });
+    return answerJson(array.finish());
 }
 
 } // namespace monitorservice

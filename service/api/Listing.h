@@ -2,13 +2,41 @@
 
 #include "api/ApiRequest.h"
 
+#include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace monitorservice {
 
-/// Answers a list of a project's documents with the parameters where, skip, limit, only_count, expand and order: an
-/// array of those in categories that the caller may read, or their number as {"count": N}. Throws ApiError 404 when
-/// the caller may read nothing in the project.
-HttpResponse answerListing(const ApiRequest& request, const std::string& project, const Documents& documents);
+/// What a request for a list asks for, by the parameters where, skip, limit, only_count, expand and order.
+struct ListParameters
+{
+    /// Throws ApiError 400 or QueryError for a parameter that is wrong, and ApiError 404 when the caller may read
+    /// nothing in the project.
+    ListParameters(const ApiRequest& request, const std::string& project);
+    ListParameters(const ListParameters&) = delete;
+    ListParameters& operator=(const ListParameters&) = delete;
+    ~ListParameters() = default;
+
+    Where where;
+    DocumentQuery query; ///< refers to `where`
+    bool onlyCount = false;
+    bool expand = false;
+};
+
+/// What is particular about a list.
+struct ListKind
+{
+    std::optional<std::string> parent = std::nullopt; ///< see DocumentQuery
+    const char* order = nullptr; ///< when the request names none; null: by rising identifier
+    /// Gives the document with what `expand` adds; null: there is nothing to add.
+    std::function<std::string(std::string_view document)> expanded = nullptr;
+};
+
+/// Answers a list of a project's documents, as ListParameters says: an array of those in categories that the caller
+/// may read, or their number as {"count": N}.
+HttpResponse answerListing(const ApiRequest& request, const std::string& project, const Documents& documents,
+                           const ListKind& kind = {});
 
 } // namespace monitorservice

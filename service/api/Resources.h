@@ -4,15 +4,21 @@
 
 namespace monitorservice {
 
-/// The routes of each resource, one file for each.
+/// The routes of each resource, one file for each. Those of one path stand together in allRoutes().
+std::vector<Route> alarmRoutes();
 std::vector<Route> authRoutes();
 std::vector<Route> cellRoutes();
 std::vector<Route> categoryRoutes();
 std::vector<Route> dataManageDeletionRoutes();
+std::vector<Route> dataManageRoutes();
 std::vector<Route> deliveryRoutes();
+std::vector<Route> groupRoutes();
+std::vector<Route> pointLocationLinkRoutes();
+std::vector<Route> pointLocationReadRoutes();
+std::vector<Route> statisticsRoutes();
 std::vector<Route> subCategoryRoutes();
 
-/// All of them.
+/// All of them, each path once.
 std::vector<Route> allRoutes();
 
 } // namespace monitorservice

@@ -1,6 +1,7 @@
-#include "api/ApiError.h"
+#include "api/Answers.h"
 #include "api/Listing.h"
 #include "api/Parameters.h"
+#include "api/Permission.h"
 #include "api/Resources.h"
 
 namespace monitorservice {
@@ -17,14 +18,8 @@ HttpResponse listSubCategories(ApiRequest& request)
 HttpResponse getSubCategory(ApiRequest& request)
 {
     const Parameters parameters(request.http, {});
-    const std::string& id = request.ids[0];
-    const std::optional<StoredDocument> document = request.session->subCategories().find(id);
-    if (!document || !request.principal.may(Right::Read, document->project, document->category)) {
-        throw notFound("sub-category", id);
-    }
-    HttpResponse response;
-    response.body = document->text;
-    return response;
+    return answerJson(
+        readable(request.session->subCategories(), request.principal, "sub-category", request.ids[0]).text);
 }
 
 } // namespace

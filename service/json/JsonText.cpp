@@ -67,6 +67,12 @@ void appendJsonNumber(std::string& out, double value)
     out.append(text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr);
 }
 
+void appendJsonInteger(std::string& out, std::int64_t value)
+{
+    std::array<char, 24> text{};
+    out.append(text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr);
+}
+
 void JsonObjectWriter::begin(std::string_view name)
 {
     if (m_text.size() > 1) {

@@ -13,6 +13,9 @@ void appendJsonString(std::string& out, std::string_view text);
 /// Appends a finite number in the shortest form that reads back as the same.
 void appendJsonNumber(std::string& out, double value);
 
+/// Appends a whole number.
+void appendJsonInteger(std::string& out, std::int64_t value);
+
 /// Writes one JSON object member by member; the caller sees to it that names differ.
 class JsonObjectWriter
 {

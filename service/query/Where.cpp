@@ -29,4 +29,19 @@ std::pair<Where, Where> Where::split(const std::vector<std::string_view>& paths)
     return parts;
 }
 
+Where Where::readAs(std::string_view member, const std::vector<std::string>& instead) const
+{
+    Where result = *this;
+    for (Condition& condition : result.m_conditions) {
+        if (condition.names.front() != member)
+            continue;
+        condition.names.erase(condition.names.begin());
+        condition.names.insert(condition.names.begin(), instead.begin(), instead.end());
+        condition.path.clear();
+        for (const std::string& name : condition.names)
+            condition.path += (condition.path.empty() ? "" : ".") + name;
+    }
+    return result;
+}
+
 } // namespace monitorservice

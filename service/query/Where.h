@@ -48,6 +48,10 @@ public:
     /// asked of its point.
     std::pair<Where, Where> split(const std::vector<std::string_view>& paths) const;
 
+    /// The same conditions, with the names \a instead put for the first name of every path that begins with
+    /// \a member: for documents that hold under another name what they are asked for.
+    Where readAs(std::string_view member, const std::vector<std::string>& instead) const;
+
 private:
     /// Owns the JSON values that the conditions' operands refer to.
     std::shared_ptr<const simdjson::dom::document> m_values;

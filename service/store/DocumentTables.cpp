@@ -92,7 +92,7 @@ const DocumentTable& pointLocationTable()
             {"_id", "id"},
             {"cellId", "cell"},
             {"name", "name"},
-            {"depth", "depth"},
+            {"depth", "CAST(depth AS REAL)"}, // as a number: 2.5 stands before 10
             {"lastDate", "last_time"},
             {"data.time", "last_time"},
         },
@@ -195,8 +195,7 @@ const DocumentTable& alarmDepthTable()
             {"depth", "depth", FieldKind::Text, true},
         },
         {
-            {"_id", "id"},
-            {"depth", "depth"},
+            {"_id", "id"}, {"depth", "CAST(depth AS REAL)"}, // as a number: 2.5 stands before 10
         },
         "alarm_depths_read",
         "searched",

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
 
 namespace monitorservice {
@@ -12,6 +11,26 @@ namespace monitorservice {
 namespace {
 
 constexpr std::int64_t millisecondsPerMinute = 60'000;
+
+// Exactly so many digits. Written by hand: a page holds a hundred thousand times.
+void appendDigits(std::string& out, unsigned number, std::size_t digits)
+{
+    std::array<char, 4> text{};
+    for (std::size_t i = digits; i > 0; --i) {
+        text.at(i - 1) = static_cast<char>('0' + number % 10);
+        number /= 10;
+    }
+    out.append(text.data(), digits);
+}
+
+void appendYear(std::string& out, int year)
+{
+    if (year >= 0 && year <= 9999) {
+        appendDigits(out, static_cast<unsigned>(year), 4);
+    } else {
+        out += std::to_string(year); // no calendar that this service reads
+    }
+}
 
 } // namespace
 
@@ -22,34 +41,40 @@ Instant systemNow()
     return std::chrono::duration_cast<milliseconds>(now).count();
 }
 
+std::string isoText(Instant instant)
+{
+    return isoText(instant, std::nullopt);
+}
+
 std::string isoText(Instant instant, std::optional<int> offsetMinutes)
 {
-    if (!offsetMinutes) {
-        return isoText(instant);
-    }
-    std::string text = isoText(instant + *offsetMinutes * millisecondsPerMinute);
-    const int minutes = std::abs(*offsetMinutes);
-    std::array<char, 16> offset{};
-    std::snprintf(offset.data(), offset.size(), "%c%02d:%02d", *offsetMinutes < 0 ? '-' : '+', minutes / 60,
-                  minutes % 60);
-    text.replace(text.size() - 1, 1, offset.data());
+    std::string text;
+    appendIsoText(text, instant, offsetMinutes);
     return text;
 }
 
-std::string isoText(Instant instant)
+void appendIsoText(std::string& out, Instant instant, std::optional<int> offsetMinutes)
 {
     using std::chrono::milliseconds;
-    const date::sys_time<milliseconds> time{milliseconds(instant)};
+    const date::sys_time<milliseconds> time{
+        milliseconds(instant + offsetMinutes.value_or(0) * millisecondsPerMinute)};
     const auto days = date::floor<date::days>(time);
     const date::year_month_day day(days);
     const date::hh_mm_ss<milliseconds> clock(time - days);
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ",
-                  static_cast<int>(day.year()), static_cast<unsigned>(day.month()),
-                  static_cast<unsigned>(day.day()), static_cast<int>(clock.hours().count()),
-                  static_cast<int>(clock.minutes().count()), static_cast<int>(clock.seconds().count()),
-                  static_cast<int>(clock.subseconds().count()));
-    return text.data();
+    appendYear(out, static_cast<int>(day.year()));
+    appendDigits(out += '-', static_cast<unsigned>(day.month()), 2);
+    appendDigits(out += '-', static_cast<unsigned>(day.day()), 2);
+    appendDigits(out += 'T', static_cast<unsigned>(clock.hours().count()), 2);
+    appendDigits(out += ':', static_cast<unsigned>(clock.minutes().count()), 2);
+    appendDigits(out += ':', static_cast<unsigned>(clock.seconds().count()), 2);
+    appendDigits(out += '.', static_cast<unsigned>(clock.subseconds().count()), 3);
+    if (!offsetMinutes) {
+        out += 'Z';
+        return;
+    }
+    const auto minutes = static_cast<unsigned>(std::abs(*offsetMinutes));
+    appendDigits(out += *offsetMinutes < 0 ? '-' : '+', minutes / 60, 2);
+    appendDigits(out += ':', minutes % 60, 2);
 }
 
 } // namespace monitorservice

@@ -23,4 +23,7 @@ std::string isoText(Instant instant);
 /// offset, as above.
 std::string isoText(Instant instant, std::optional<int> offsetMinutes);
 
+/// Appends that text.
+void appendIsoText(std::string& out, Instant instant, std::optional<int> offsetMinutes);
+
 } // namespace monitorservice

@@ -1,5 +1,7 @@
 #include "store/SqliteMeasurements.h"
 
+#include "store/SqlitePointSelection.h"
+
 #include <array>
 #include <tuple>
 
@@ -77,6 +79,22 @@ void SqliteMeasurements::replacePoint(std::int64_t point, const std::string& doc
     m_connection.statement("UPDATE point_locations SET document = ? WHERE point = ?")
         .bind(document, point)
         .run();
+}
+
+bool SqliteMeasurements::replaceLinks(std::int64_t point, const std::string& links, Instant when,
+                                      const std::string& who)
+{
+    SqliteStatement statement = m_connection.statement(
+        "UPDATE point_locations SET document = json_set(document, '$.links', json(?), '$.updatedAt', "
+        "max(json_extract(document, '$.updatedAt'), ?), '$.updatedBy', ?) WHERE point = ? AND "
+        "json_extract(document, '$.links') <> json(?)");
+    statement.bind(links, isoText(when), who, point, links);
+    return statement.run() > 0;
+}
+
+std::unique_ptr<PointSelection> SqliteMeasurements::select(const DocumentQuery& query) const
+{
+    return std::make_unique<SqlitePointSelection>(m_connection, query);
 }
 
 std::optional<Sample> SqliteMeasurements::findSample(std::int64_t point, Instant time,

@@ -17,6 +17,9 @@ public:
     std::int64_t insertPoint(const std::string& project, const std::string& id,
                              const std::string& document) override;
     void replacePoint(std::int64_t point, const std::string& document) override;
+    bool replaceLinks(std::int64_t point, const std::string& links, Instant when,
+                      const std::string& who) override;
+    std::unique_ptr<PointSelection> select(const DocumentQuery& query) const override;
 
     std::optional<Sample> findSample(std::int64_t point, Instant time, std::int32_t count) const override;
     void visitSamples(std::int64_t point, Instant from, Instant before,

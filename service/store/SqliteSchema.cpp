@@ -179,7 +179,8 @@ CREATE VIEW groups_read AS
     FROM groups AS g JOIN cells AS c ON c.id = g.cell;
 
 CREATE VIEW point_locations_read AS
-    SELECT p.*, c.category AS category, json_set(p.document, '$.category', c.category) AS searched
+    SELECT p.*, c.category AS category, json_extract(p.document, '$.links') AS links,
+        json_set(p.document, '$.category', c.category) AS searched
     FROM point_locations AS p JOIN cells AS c ON c.id = p.cell;
 
 CREATE VIEW data_manages_read AS

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "query/Where.h"
+#include "store/PointSelection.h"
 #include "store/Records.h"
 #include "store/StoreError.h"
 
@@ -139,6 +140,12 @@ public:
     virtual std::int64_t insertPoint(const std::string& project, const std::string& id,
                                      const std::string& document) = 0;
     virtual void replacePoint(std::int64_t point, const std::string& document) = 0;
+    /// Gives the point these relations, a JSON array as it is stored, and writes the change down; false when it has
+    /// them already and nothing is changed. A clock that was set back does not make a change older than the one before.
+    virtual bool replaceLinks(std::int64_t point, const std::string& links, Instant when,
+                              const std::string& who) = 0;
+    /// Points and samples by a condition. The session must outlive the selection, and has one at a time.
+    virtual std::unique_ptr<PointSelection> select(const DocumentQuery& query) const = 0;
 
     virtual std::optional<Sample> findSample(std::int64_t point, Instant time, std::int32_t count) const = 0;
     /// Samples from the first instant to before the second, in the order of time and count; a call ends before the

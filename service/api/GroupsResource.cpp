@@ -1,0 +1,144 @@
+#include "api/Answers.h"
+#include "api/ApiError.h"
+#include "api/Group.h"
+#include "api/JsonBody.h"
+#include "api/Listing.h"
+#include "api/Parameters.h"
+#include "api/Permission.h"
+#include "api/Resources.h"
+
+#include <algorithm>
+
+namespace monitorservice {
+
+namespace {
+
+constexpr const char* kind = "group";
+constexpr const char* kinds = "groups";
+
+// The monitoring that a body names. Who may neither read nor change it is told that there is none.
+StoredDocument namedCell(const Session& session, const Principal& principal, Right right,
+                         const std::string& project, const std::string& id)
+{
+    std::optional<StoredDocument> cell = session.cells().find(id);
+    const bool known = cell && cell->project == project &&
+                       (principal.may(Right::Read, project, cell->category) ||
+                        principal.may(right, project, cell->category));
+    if (!known) {
+        throw ApiError(400, "\"cellId\": there is no monitoring \"" + id + "\" in this project");
+    }
+    requireRight(principal, right, kinds, project, cell->category);
+    return std::move(*cell);
+}
+
+// Checks that the group's monitoring and sub-category exist, belong together, and may be worked on.
+void requirePlace(const Session& session, const Principal& principal, Right right, const Group& group)
+{
+    const StoredDocument cell = namedCell(session, principal, right, group.project, group.cell);
+    const std::optional<StoredDocument> subCategory = session.subCategories().find(group.subCategory);
+    if (!subCategory || subCategory->project != group.project || subCategory->category != cell.category) {
+        throw ApiError(400, "\"subCategoryId\": category \"" + cell.category +
+                                "\" of the monitoring has no sub-category \"" + group.subCategory +
+                                "\" in this project");
+    }
+}
+
+// POST groupSettings: answers 201 and the whole group.
+HttpResponse createGroup(ApiRequest& request)
+{
+    const Parameters parameters(request.http, {});
+    const GroupBody body = parseGroupBody(request.http.body);
+    requireMember(body.project.has_value(), "projectId");
+    requireMember(body.cell.has_value(), "cellId");
+    requireMember(body.subCategory.has_value(), "subCategoryId");
+    requireMember(body.name.has_value(), "groupName");
+
+    const auto [session, principal] = beginWriting(request);
+    Group group;
+    group.project = *body.project;
+    applyTo(group, body);
+    requirePlace(*session, principal, Right::Create, group);
+    group.id = session->newIdentifier();
+    group.createdAt = group.updatedAt = isoText(session->now());
+    group.createdBy = group.updatedBy = principal.owner();
+    std::string document = toDocument(group);
+    session->groups().insert(group.project, group.id, document);
+    session->commit();
+    return answerCreated(std::move(document), "groupSettings/" + group.id);
+}
+
+// GET groupSettings/{id}
+HttpResponse getGroup(ApiRequest& request)
+{
+    const Parameters parameters(request.http, {});
+    return answerJson(readable(request.session->groups(), request.principal, kind, request.ids[0]).text);
+}
+
+// PUT groupSettings/{id}: changes the members that are sent and answers the whole group. Its times change with its
+// content only.
+HttpResponse updateGroup(ApiRequest& request)
+{
+    const Parameters parameters(request.http, {});
+    const GroupBody body = parseGroupBody(request.http.body);
+
+    const auto [session, principal] = beginWriting(request);
+    StoredDocument stored = readable(session->groups(), principal, kind, request.ids[0]);
+    requireRight(principal, Right::Edit, kinds, stored.project, stored.category);
+    if (body.project && *body.project != stored.project) {
+        throw ApiError(400, "\"projectId\": a group stays in its project");
+    }
+    Group group = groupOf(stored.text);
+    if (!applyTo(group, body)) {
+        return answerJson(std::move(stored.text));
+    }
+    if (body.cell || body.subCategory) {
+        requirePlace(*session, principal, Right::Edit, group);
+    }
+    // A clock that was set back does not make a change older than the one before.
+    group.updatedAt = std::max(isoText(session->now()), group.updatedAt);
+    group.updatedBy = principal.owner();
+    std::string document = toDocument(group);
+    session->groups().replace(group.project, group.id, document);
+    session->commit();
+    return answerJson(std::move(document));
+}
+
+// DELETE groupSettings/{id}: answers what was deleted.
+HttpResponse deleteGroup(ApiRequest& request)
+{
+    const Parameters parameters(request.http, {});
+    const auto [session, principal] = beginWriting(request);
+    StoredDocument stored = readable(session->groups(), principal, kind, request.ids[0]);
+    requireRight(principal, Right::Delete, kinds, stored.project, stored.category);
+    session->groups().remove(stored.project, stored.id);
+    session->commit();
+    return answerJson(std::move(stored.text));
+}
+
+// GET projects/{project}/groupSettings: see answerListing().
+HttpResponse listGroups(ApiRequest& request)
+{
+    return answerListing(request, request.ids[0], request.session->groups());
+}
+
+// GET cells/{id}/groupSettings: see answerListing().
+HttpResponse listGroupsOfCell(ApiRequest& request)
+{
+    const StoredDocument cell =
+        readable(request.session->cells(), request.principal, "monitoring", request.ids[0]);
+    ListKind list;
+    list.parent = cell.id;
+    return answerListing(request, cell.project, request.session->groups(), list);
+}
+
+} // namespace
+
+std::vector<Route> groupRoutes()
+{
+    return {{{"groupSettings"}, {{"POST", createGroup}}},
+            {{"groupSettings", "*"}, {{"GET", getGroup}, {"PUT", updateGroup}, {"DELETE", deleteGroup}}},
+            {{"projects", "*", "groupSettings"}, {{"GET", listGroups}}},
+            {{"cells", "*", "groupSettings"}, {{"GET", listGroupsOfCell}}}};
+}
+
+} // namespace monitorservice

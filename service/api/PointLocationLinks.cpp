@@ -1,0 +1,95 @@
+#include "api/Answers.h"
+#include "api/ApiError.h"
+#include "api/JsonBody.h"
+#include "api/Links.h"
+#include "api/Parameters.h"
+#include "api/Resources.h"
+
+#include <limits>
+
+namespace monitorservice {
+
+namespace {
+
+constexpr std::size_t largestBody = 1024 * 1024;
+
+// The links of the body as they are stored.
+std::string linksIn(std::string_view json)
+{
+    const JsonBody body(json, largestBody);
+    std::optional<std::string> links;
+    forEachMember(body.object(), "", [&links](std::string_view name, simdjson::dom::element value) {
+        if (name != "links") {
+            throw ApiError(400, "\"" + std::string(name) + "\" is not a member that can be set");
+        }
+        links = toJson(parseLinks(value, "links").links);
+    });
+    requireMember(links.has_value(), "links");
+    return *links;
+}
+
+Where requiredWhere(const Parameters& parameters)
+{
+    Where where = Where::parse(parameters.requiredText("where"));
+    if (where.isEmpty()) {
+        throw ApiError(400, "parameter \"where\" must have a condition: without one the relations of every "
+                            "point would be replaced");
+    }
+    return where;
+}
+
+// What the bearer may do the right to of the points that match.
+DocumentQuery everyPoint(const Principal& principal, Right right, const std::string& project,
+                         const Where& where)
+{
+    DocumentQuery query;
+    query.project = project;
+    query.categories = principal.categoriesWith(right, project);
+    query.where = &where;
+    query.limit = std::numeric_limits<std::uint64_t>::max();
+    return query;
+}
+
+// The points' keys; they are read before the first of them is changed.
+std::vector<std::int64_t> keysOf(PointSelection& selection)
+{
+    std::vector<std::int64_t> keys;
+    selection.visit([&keys](const FoundPoint& point) { keys.push_back(point.key); });
+    return keys;
+}
+
+// PUT pointLocations?where: replaces all relations of every point that matches and that the bearer may edit, in every
+// project; answers the number of these points. 403 when points match that the bearer may read, but none to edit.
+HttpResponse replaceLinks(ApiRequest& request)
+{
+    const Parameters parameters(request.http, {"where"});
+    const Where where = requiredWhere(parameters);
+    const std::string links = linksIn(request.http.body);
+
+    const auto [session, principal] = beginWriting(request);
+    std::uint64_t edited = 0;
+    std::uint64_t readable = 0;
+    for (const Project& project : session->projects().list()) {
+        const DocumentQuery editable = everyPoint(principal, Right::Edit, project.id, where);
+        for (const std::int64_t point : keysOf(*session->measurements().select(editable))) {
+            session->measurements().replaceLinks(point, links, session->now(), principal.owner());
+            ++edited;
+        }
+        const DocumentQuery seen = everyPoint(principal, Right::Read, project.id, where);
+        readable += edited > 0 ? 0 : session->measurements().select(seen)->count();
+    }
+    if (edited == 0 && readable > 0) {
+        throw ApiError(403, "the token may not edit the points that match");
+    }
+    session->commit();
+    return answerCount(edited);
+}
+
+} // namespace
+
+std::vector<Route> pointLocationLinkRoutes()
+{
+    return {{{"pointLocations"}, {{"PUT", replaceLinks}}}};
+}
+
+} // namespace monitorservice

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "store/Records.h"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string_view>
+
+namespace monitorservice {
+
+/// A point that was found. The views end with the visit.
+struct FoundPoint
+{
+    std::int64_t key = 0; ///< what its samples are found by; never leaves the service
+    std::string_view id;
+    std::string_view category; ///< of its monitoring
+    std::string_view name;
+    std::string_view depth;
+    std::string_view links;    ///< its relations, a JSON array
+    std::string_view document; ///< one JSON object, without category and samples
+};
+
+/// The last chosen sample of a day.
+struct DayValue
+{
+    std::int64_t day = 0; ///< days since 1970-01-01 in the project's time zone
+    Instant time = 0;
+    std::int32_t count = 0;
+    std::optional<int> offsetMinutes;
+    double value = 0;
+};
+
+/// The points that a query chooses, and the samples that it chooses of each.
+///
+/// The conditions of the query on "time" and "data.timeFlag" are asked of every sample: of a point those are chosen that
+/// meet all of these conditions. When there are such conditions, a point without a chosen sample is not chosen. All
+/// other conditions are asked of the point's document with its "category", its relations as "entity", their identifiers
+/// as "uuid", and, where a condition asks for that, its samples as "data".
+///
+/// Every member may throw StoreError and QueryError; the patterns of the query have one budget for all of them.
+class PointSelection
+{
+public:
+    using PointVisitor = std::function<void(const FoundPoint& point)>;
+    using SampleVisitor = std::function<void(const Sample& sample)>;
+    using DayVisitor = std::function<void(const DayValue& day)>;
+
+    PointSelection() = default;
+    PointSelection(const PointSelection&) = delete;
+    PointSelection& operator=(const PointSelection&) = delete;
+    virtual ~PointSelection() = default;
+
+    /// Reads neither the query's skip nor its limit.
+    virtual std::uint64_t count() = 0;
+    /// The page in the query's order; "data.time" stands for the time of a point's newest chosen sample.
+    virtual void visit(const PointVisitor& visitor) = 0;
+    /// The point's chosen samples in the order of time and count.
+    virtual void visitSamples(std::int64_t point, const SampleVisitor& visitor) = 0;
+    /// The last chosen sample of each day, days rising. Whole days are read from what is kept of each day, not from
+    /// the samples, unless a sample's flag or an unusual condition on its time matters.
+    virtual void visitDays(std::int64_t point, const DayVisitor& visitor) = 0;
+};
+
+} // namespace monitorservice
