@@ -398,6 +398,20 @@ TEST(WhereMatching, SplitsByPath)
     EXPECT_TRUE(where.split({"depth"}).first.isEmpty());
 }
 
+TEST(WhereMatching, ReadsAMemberUnderAnotherName)
+{
+    const Where where = Where::parse(R"({"uuid":"m1","uuid.0":{"$exists":false},"name":"uuid"})");
+    const Where stored = where.readAs("uuid", {"links", "rId"});
+    EXPECT_TRUE(stored.names("links.rId"));
+    EXPECT_TRUE(stored.names("links.rId.0"));
+    EXPECT_TRUE(stored.names("name"));
+    EXPECT_FALSE(stored.names("uuid"));
+    EXPECT_TRUE(where.names("uuid"));
+    const Document document(R"({"name":"uuid","links":[{"rId":"m2"},{"rId":"m1"}]})");
+    EXPECT_TRUE(stored.matches(document.root()));
+    EXPECT_FALSE(where.matches(document.root()));
+}
+
 TEST(WhereMatching, OutlivesTheTextItWasParsedFrom)
 {
     Where where;
