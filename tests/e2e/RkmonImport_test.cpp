@@ -1,0 +1,519 @@
+#include "RkmonTest.h"
+#include "ScriptServer.h"
+#include "Text.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QMap>
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+
+// Readings go in by files and come out as points, statistics, data, groups and alarms.
+
+namespace {
+
+const QByteArray header = "name,depth,time,count,value\n";
+const QString samples = QStringLiteral(RK_SAMPLES);
+
+class RkmonImport : public RkmonTest
+{
+protected:
+    RkmonImport()
+    {
+        moisture = createSubCategory("Slope"_q, "Soil moisture"_q, "SM"_q);
+        rkmon.setVariable("TZ"_q, "America/Los_Angeles"_q);
+    }
+
+    QString createSubCategory(const QString& category, const QString& name, const QString& alias) const
+    {
+        return service().admin({"subcategory"_q, "create"_q, "--project"_q, project, "--category"_q, category,
+                                "--name"_q, name, "--alias"_q, alias});
+    }
+
+    QString write(const char* name, const QByteArray& content) const
+    {
+        QFile file(QDir(rkmon.folder()).filePath(QString::fromUtf8(name)));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        EXPECT_EQ(file.write(content), content.size());
+        return file.fileName();
+    }
+
+    Result import(const QStringList& more, const QString& cell = "VH"_q) const
+    {
+        return rkmon.run(
+            QStringList{"point"_q, "import"_q, "--cell"_q, cell, "--sub-category"_q, "SM"_q, "--json"_q} +
+            more);
+    }
+
+    /// The result of a command that must succeed.
+    Result done(const QStringList& arguments) const
+    {
+        const Result result = rkmon.run(arguments);
+        EXPECT_EQ(result.code, 0) << arguments.join(QLatin1Char(' ')).toStdString() << ": "
+                                  << result.messages.toStdString();
+        return result;
+    }
+
+    QJsonArray listed(const QStringList& arguments) const
+    {
+        return done(arguments + QStringList{"--json"_q}).array();
+    }
+
+    int samplesHeld(const QString& cell) const
+    {
+        return listed({"point"_q, "list"_q, "--cell"_q, cell, "--samples"_q}).size();
+    }
+
+    QString moisture;
+};
+
+QString text(const QJsonValue& object, const char* key)
+{
+    return object.toObject().value(QLatin1String(key)).toString();
+}
+
+double number(const QJsonValue& object, const char* key)
+{
+    return object.toObject().value(QLatin1String(key)).toDouble(std::nan(""));
+}
+
+/// Readings of a file of the sample, taken apart by the simplest means: name, depth, time, count, value.
+QList<QStringList> rowsOf(const QString& path)
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    lines.removeFirst();
+    QList<QStringList> rows;
+    for (const QString& line : lines)
+        rows.append(line.split(QLatin1Char(',')));
+    return rows;
+}
+
+/// The day of an alarm's reading on the clock of the bluff, as text.
+QString siteDay(const QJsonValue& detail)
+{
+    constexpr int offset = -8 * 3600; // seconds
+    return QDateTime::fromString(text(detail, "monitorTime"), Qt::ISODateWithMs)
+        .toOffsetFromUtc(offset)
+        .date()
+        .toString(Qt::ISODate);
+}
+
+} // namespace
+
+TEST_F(RkmonImport, DeliversAndCanBeRepeated)
+{
+    created("VH"_q);
+    const QString file = write("a.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n"
+                                                 "W1,20,2015-12-18T00:15:00-08:00,2,0.26\n"
+                                                 "T1,,2015-12-18T00:15:00-08:00,2,-3.5\n");
+    const Result first = import({file});
+    ASSERT_EQ(first.code, 0) << first.messages.toStdString();
+    EXPECT_EQ(first.object(), (QJsonObject{{"files"_q, 1},
+                                           {"points"_q, 2},
+                                           {"newPoints"_q, 2},
+                                           {"samples"_q, 3},
+                                           {"deliveries"_q, 1},
+                                           {"sent"_q, true}}));
+    EXPECT_EQ(first.messages, QString());
+    const Result again = import({file});
+    EXPECT_EQ(again.code, 0) << again.messages.toStdString();
+    EXPECT_EQ(again.object().value("newPoints"_q).toInt(-1), 0);
+    EXPECT_EQ(samplesHeld("VH"_q), 3);
+    const QJsonArray data = listed({"data"_q, "list"_q});
+    ASSERT_EQ(data.size(), 1);
+    EXPECT_EQ(listed({"data"_q, "history"_q, text(data[0], "id")}).size(), 1);
+}
+
+TEST_F(RkmonImport, SamplesComeBackAsTheFileThatWentIn)
+{
+    created("VH"_q);
+    const QByteArray rows =
+        "W1,20,2015-12-18T00:00:00-08:00,1,0.25\nW1,20,2015-12-18T00:15:00-08:00,2,0.26\n";
+    ASSERT_EQ(import({write("a.csv", header + rows)}).code, 0);
+    const Result out = done({"point"_q, "list"_q, "--cell"_q, "VH"_q, "--samples"_q, "--csv"_q});
+    EXPECT_EQ(out.output, "name,depth,time,count,value,timeFlag\r\n"
+                          "W1,20,2015-12-18T00:00:00.000-08:00,1,0.25,\r\n"
+                          "W1,20,2015-12-18T00:15:00.000-08:00,2,0.26,\r\n"_q);
+    const Result again = import({write("b.csv", out.output.toUtf8())});
+    EXPECT_EQ(again.code, 0) << again.messages.toStdString();
+    EXPECT_EQ(samplesHeld("VH"_q), 2);
+}
+
+TEST_F(RkmonImport, SendsNothingWhenARowIsBad)
+{
+    created("VH"_q);
+    const QString good = write("good.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n");
+    const QString bad = write("bad.csv", header + "W1,20,2015-12-19T00:00:00-08:00,2,0.25\n"
+                                                  "W1,20,2015-13-19T00:00:00-08:00,3,0.25\n"
+                                                  "W1,20,2015-12-20T00:00:00-08:00,4,NaN\n");
+    const Result result = import({good, bad});
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.output, QString());
+    EXPECT_EQ(result.messages, "%1:3: time \"2015-13-19T00:00:00-08:00\" does not exist\n"
+                               "%1:4: value \"NaN\" is not a number\n"
+                               "rkmon: nothing was sent: see the bad rows above\n"_q.arg(bad));
+    EXPECT_EQ(listed({"data"_q, "list"_q}).size(), 0);
+}
+
+TEST_F(RkmonImport, DryRunSendsNothing)
+{
+    created("VH"_q);
+    const QString file = write("a.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n");
+    const Result result = import({file, "--dry-run"_q});
+    EXPECT_EQ(result.code, 0) << result.messages.toStdString();
+    EXPECT_FALSE(result.object().value("sent"_q).toBool(true));
+    EXPECT_EQ(result.object().value("samples"_q).toInt(), 1);
+    EXPECT_EQ(result.messages, "rkmon: all rows are good; nothing was sent\n"_q);
+    EXPECT_EQ(listed({"data"_q, "list"_q}).size(), 0);
+}
+
+TEST_F(RkmonImport, TellsUsageAndWhatIsMissing)
+{
+    const QString file = write("a.csv", header);
+    EXPECT_EQ(rkmon.run({"point"_q, "import"_q}).code, 2);
+    EXPECT_EQ(rkmon.run({"point"_q, "import"_q, file}).code, 2);
+    EXPECT_EQ(rkmon.run({"point"_q, "import"_q, file, "--delimiter"_q, "dot"_q}).code, 2);
+    EXPECT_EQ(import({file, "--utc-offset"_q, "1"_q}).code, 2);
+    EXPECT_EQ(import({"no-such-file.csv"_q}).code, 2);
+    EXPECT_EQ(import({file, file}).code, 2);
+    EXPECT_EQ(import({file}).code, 4); // no monitoring VH
+    created("VH"_q);
+    EXPECT_EQ(rkmon.run({"point"_q, "import"_q, "--cell"_q, "VH"_q, "--sub-category"_q, "RF"_q, file}).code,
+              4);
+    const Result empty = import({file});
+    EXPECT_EQ(empty.code, 0) << empty.messages.toStdString();
+    EXPECT_EQ(empty.messages, "rkmon: %1: no readings\n"_q.arg(file));
+    created("VH"_q);
+    const Result several = import({file});
+    EXPECT_EQ(several.code, 2);
+    EXPECT_TRUE(several.messages.contains("several monitorings are called \"VH\""_q));
+}
+
+TEST_F(RkmonImport, ReaderMayNotDeliver)
+{
+    created("VH"_q);
+    const QString file = write("a.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n");
+    actAs(reader);
+    const Result result = import({file});
+    EXPECT_NE(result.code, 0);
+    EXPECT_EQ(result.output, QString());
+    EXPECT_EQ(listed({"data"_q, "list"_q}).size(), 0);
+}
+
+TEST_F(RkmonImport, LaterFilesLeaveTheInitialValueAlone)
+{
+    const QString cell = created("VH"_q);
+    done({"group"_q, "create"_q, "--cell"_q, "VH"_q, "--sub-category"_q, "SM"_q, "--name"_q, "Probes"_q,
+          "--point"_q, "W1"_q, "--total-limit"_q, "1"_q});
+    const auto deliver = [&](const char* name, const QByteArray& row) {
+        const Result result = import({write(name, header + row)});
+        EXPECT_EQ(result.code, 0) << result.messages.toStdString();
+    };
+    deliver("a.csv", "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n");
+    deliver("b.csv", "W1,20,2015-12-19T00:00:00-08:00,2,1\n");
+    EXPECT_EQ(listed({"alarm"_q, "list"_q}).size(), 0);
+    deliver("c.csv", "W1,20,2015-12-20T00:00:00-08:00,3,1.5\n");
+    const QJsonArray alarms = listed({"alarm"_q, "list"_q, "--cell"_q, cell, "--sub-category"_q, "SM"_q});
+    ASSERT_EQ(alarms.size(), 1);
+    EXPECT_EQ(number(alarms[0], "pointCounts"), 1);
+    const QJsonArray details = listed({"alarm"_q, "detail"_q, text(alarms[0], "id")});
+    ASSERT_EQ(details.size(), 1);
+    EXPECT_EQ(text(details[0], "pointName"), "W1"_q);
+    EXPECT_EQ(text(details[0], "totalVar"), "1.25"_q);
+    EXPECT_EQ(number(details[0], "totalBeyound"), 0.25);
+    EXPECT_EQ(listed({"alarm"_q, "list"_q, "--name"_q, "nothing"_q}).size(), 0);
+}
+
+TEST_F(RkmonImport, PointsAreListedShownFoundAndLinked)
+{
+    created("VH"_q);
+    ASSERT_EQ(import({write("a.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n"
+                                              "W1,20,2015-12-19T00:00:00-08:00,2,0.26\n"
+                                              "W2,30,2015-12-20T00:00:00-08:00,3,0.3\n")})
+                  .code,
+              0);
+    const QJsonArray points = listed({"point"_q, "list"_q, "--cell"_q, "VH"_q});
+    ASSERT_EQ(points.size(), 2);
+    const QJsonArray named = listed({"point"_q, "list"_q, "--cell"_q, "VH"_q, "--name"_q, "W1"_q});
+    ASSERT_EQ(named.size(), 1);
+    EXPECT_EQ(number(named[0], "samples"), 2);
+    EXPECT_EQ(number(named[0], "latestValue"), 0.26);
+    const QJsonArray ofDay = listed(
+        {"point"_q, "list"_q, "--cell"_q, "VH"_q, "--since"_q, "2015-12-18"_q, "--until"_q, "2015-12-18"_q});
+    ASSERT_EQ(ofDay.size(), 1);
+    EXPECT_EQ(number(ofDay[0], "samples"), 1);
+
+    const QJsonObject shown = done({"point"_q, "show"_q, text(named[0], "id"), "--json"_q}).object();
+    EXPECT_EQ(shown.value("name"_q).toString(), "W1"_q);
+    EXPECT_EQ(rkmon.run({"point"_q, "show"_q, "000000000000000000000000"_q}).code, 4);
+    const QJsonObject latest = done({"point"_q, "latest"_q, "--cell"_q, "VH"_q, "--json"_q}).object();
+    EXPECT_EQ(latest.value("name"_q).toString(), "W2"_q);
+    EXPECT_EQ(rkmon.run({"point"_q, "latest"_q, "--cell"_q, "VH"_q, "--name"_q, "none"_q}).code, 4);
+
+    EXPECT_EQ(rkmon.run({"point"_q, "link"_q, "--cell"_q, "VH"_q, "--link"_q, "model=u1"_q}).code, 2);
+    EXPECT_EQ(
+        rkmon.run({"point"_q, "link"_q, "--cell"_q, "VH"_q, "--name"_q, "W1"_q, "--link"_q, "u1"_q}).code, 2);
+    done({"point"_q, "link"_q, "--cell"_q, "VH"_q, "--name"_q, "W1"_q, "--link"_q, "model=u1"_q});
+    const QJsonArray found = listed({"point"_q, "find"_q, "u1"_q});
+    ASSERT_EQ(found.size(), 1);
+    EXPECT_EQ(text(found[0], "name"), "W1"_q);
+    EXPECT_EQ(found[0].toObject().value("links"_q).toArray(), QJsonArray{"model=u1"_q});
+    done({"point"_q, "link"_q, "--cell"_q, "VH"_q, "--every-point"_q, "--no-links"_q});
+    EXPECT_EQ(listed({"point"_q, "find"_q, "u1"_q}).size(), 0);
+}
+
+TEST_F(RkmonImport, GroupsAreCreatedChangedAndDeleted)
+{
+    const QString cell = created("VH"_q);
+    const QString id =
+        done({"group"_q, "create"_q, "--cell"_q, "VH"_q, "--sub-category"_q, moisture, "--name"_q, "Probes"_q,
+              "--point"_q, "W1"_q, "--point"_q, "W, 2"_q, "--total-limit"_q, "0.5"_q, "--daily-in"_q,
+              "percent"_q, "--daily-limit"_q, "4"_q})
+            .output.trimmed();
+    const QJsonArray groups = listed({"group"_q, "list"_q, "--cell"_q, cell});
+    ASSERT_EQ(groups.size(), 1);
+    EXPECT_EQ(text(groups[0], "id"), id);
+    EXPECT_EQ(text(groups[0], "dailyIn"), "percent"_q);
+    EXPECT_EQ(number(groups[0], "dailyLimit"), 4);
+    EXPECT_EQ(number(groups[0], "totalLimit"), 0.5);
+    EXPECT_EQ(groups[0].toObject().value("points"_q).toArray(), (QJsonArray{"W1"_q, "W, 2"_q}));
+    EXPECT_EQ(listed({"group"_q, "list"_q, "--category"_q, "Slope"_q}), groups);
+    EXPECT_EQ(listed({"group"_q, "list"_q, "--category"_q, "Pit"_q}).size(), 0);
+
+    const QJsonObject updated =
+        done({"group"_q, "update"_q, id, "--total-limit"_q, "0.75"_q, "--json"_q}).object();
+    EXPECT_EQ(updated.value("totalLimit"_q).toDouble(), 0.75);
+    EXPECT_EQ(updated.value("dailyLimit"_q).toDouble(), 4.0);
+    const Result same = done({"group"_q, "update"_q, id, "--total-limit"_q, "0.75"_q});
+    EXPECT_EQ(same.messages, "rkmon: nothing to change\n"_q);
+    EXPECT_EQ(rkmon.run({"group"_q, "update"_q, id}).code, 2);
+    EXPECT_EQ(rkmon.run({"group"_q, "update"_q, id, "--total-limit"_q, "-1"_q}).code, 2);
+    EXPECT_EQ(rkmon.run({"group"_q, "update"_q, "000000000000000000000000"_q, "--name"_q, "x"_q}).code, 4);
+
+    EXPECT_EQ(rkmon.run({"group"_q, "delete"_q, id}).code, 2);
+    done({"group"_q, "delete"_q, "--yes"_q, id});
+    EXPECT_EQ(listed({"group"_q, "list"_q}).size(), 0);
+}
+
+TEST_F(RkmonImport, StatisticsAreShownAndDrawn)
+{
+    created("VH"_q);
+    ASSERT_EQ(import({write("a.csv", header + "I1,2.5,2015-12-18T08:00:00-08:00,1,1\n"
+                                              "I1,2.5,2015-12-18T23:00:00-08:00,2,2\n"
+                                              "I1,10,2015-12-18T08:00:00-08:00,1,3\n"
+                                              "I1,2.5,2015-12-19T08:00:00-08:00,3,4\n"
+                                              "I1,10,2015-12-19T08:00:00-08:00,3,5\n"
+                                              "S1,,2015-12-19T08:00:00-08:00,3,6\n")})
+                  .code,
+              0);
+    EXPECT_EQ(done({"stats"_q, "normal"_q, "--cell"_q, "VH"_q, "--name"_q, "S1"_q, "--csv"_q})
+                  .output.count("\r\n"_q),
+              2);
+    const QJsonArray depths = listed({"stats"_q, "depth"_q, "--cell"_q, "VH"_q});
+    ASSERT_EQ(depths.size(), 4);
+    EXPECT_EQ(text(depths[0], "day"), "2015-12-18"_q);
+    EXPECT_EQ(text(depths[0], "depth"), "2.5"_q);
+    EXPECT_EQ(number(depths[0], "value"), 2);
+    EXPECT_EQ(text(depths[1], "depth"), "10"_q);
+    EXPECT_EQ(listed({"stats"_q, "depth"_q, "--cell"_q, "VH"_q, "--since"_q, "2015-12-19"_q}).size(), 2);
+
+    const Result drawn = done({"stats"_q, "depth"_q, "--cell"_q, "VH"_q, "--draw"_q});
+    EXPECT_TRUE(drawn.output.contains(QString::fromUtf8("○ 2015-12-18   ● 2015-12-19")));
+    const QString svg = QDir(rkmon.folder()).filePath("a.svg"_q);
+    const Result plotted =
+        done({"stats"_q, "normal"_q, "--cell"_q, "VH"_q, "--plot"_q, svg, "--unit"_q, "mm"_q});
+    EXPECT_EQ(plotted.output, QString());
+    QFile file(svg);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray content = file.readAll();
+    for (const char* label : {"Value (mm)", "Date (UTC-08:00)", "I1, 2.5", "S1"})
+        EXPECT_TRUE(content.contains(label)) << label;
+    EXPECT_EQ(rkmon.run({"stats"_q, "normal"_q, "--cell"_q, "VH"_q, "--plot"_q, "a.pdf"_q}).code, 2);
+    EXPECT_EQ(rkmon.run({"stats"_q, "normal"_q, "--cell"_q, "VH"_q, "--name"_q, "none"_q, "--draw"_q}).code,
+              4);
+}
+
+TEST_F(RkmonImport, DataIsDeletedWithWhatCameWithIt)
+{
+    created("VH"_q);
+    ASSERT_EQ(import({write("a.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n")}).code, 0);
+    const QJsonArray data = listed({"data"_q, "list"_q, "--cell"_q, "VH"_q});
+    ASSERT_EQ(data.size(), 1);
+    EXPECT_EQ(text(data[0], "alias"), "SM"_q);
+    const QString id = text(data[0], "id");
+    EXPECT_EQ(rkmon.run({"data"_q, "delete"_q, id}).code, 2);
+    done({"data"_q, "delete"_q, "--yes"_q, id});
+    EXPECT_EQ(listed({"data"_q, "list"_q}).size(), 0);
+    EXPECT_EQ(listed({"point"_q, "list"_q, "--cell"_q, "VH"_q}).size(), 0);
+    EXPECT_EQ(rkmon.run({"data"_q, "history"_q, id}).code, 4);
+}
+
+TEST_F(RkmonImport, ProjectFileNamesWhatTheAdministratorMustMake)
+{
+    const QString plan = write("project.json", R"({"categories": ["Slope", "Dam"],
+        "subCategories": [{"category": "Slope", "name": "Rain", "alias": "RF"}],
+        "monitorings": [{"name": "VH", "category": "Slope"}]})");
+    const Result result = rkmon.run({"point"_q, "import"_q, "--project-file"_q, plan});
+    EXPECT_EQ(result.code, 1);
+    EXPECT_TRUE(result.messages.contains("monitor-service admin --data FILE category add 'Dam'"_q));
+    EXPECT_TRUE(result.messages.contains(
+        "subcategory create --project %1 --category 'Slope' --name 'Rain' --alias 'RF'"_q.arg(project)))
+        << result.messages.toStdString();
+    EXPECT_EQ(listed({"monitoring"_q, "list"_q}).size(), 0);
+}
+
+TEST_F(RkmonImport, TheSampleOfARealSite)
+{
+    service().admin({"category"_q, "add"_q, "Landslide slope"_q});
+    createSubCategory("Landslide slope"_q, "Soil moisture"_q, "SM"_q);
+    createSubCategory("Landslide slope"_q, "Rainfall"_q, "RF"_q);
+    createSubCategory("Landslide slope"_q, "Air temperature"_q, "AT"_q);
+    const QStringList command{"point"_q, "import"_q, "--json"_q, "--project-file"_q,
+                              samples + "/coastal-bluff/project.json"_q};
+    for (int run = 0; run < 2; ++run) {
+        const Result result = done(command);
+        EXPECT_EQ(result.object().value("samples"_q).toInt(), 30912);
+        EXPECT_EQ(result.object().value("deliveries"_q).toInt(), 22);
+        EXPECT_EQ(result.object().value("points"_q).toInt(), 23);
+        EXPECT_EQ(result.object().value("newPoints"_q).toInt(-1), run == 0 ? 23 : 0);
+        int held = 0;
+        for (const char* station : {"VH", "LS-a", "LS-b", "M1", "M2"})
+            held += samplesHeld(QString::fromUtf8(station));
+        EXPECT_EQ(held, 30912);
+
+        // The rain of 21 December, and what it brought and left; worked out from the files.
+        QStringList found;
+        for (const QJsonValue& alarm : listed({"alarm"_q, "list"_q}))
+            for (const QJsonValue& detail : listed({"alarm"_q, "detail"_q, text(alarm, "id")}))
+                found.append("%1 %2"_q.arg(siteDay(detail), text(detail, "pointName")));
+        found.sort();
+        EXPECT_EQ(found, (QStringList{"2015-12-21 LS-a-W1"_q, "2015-12-21 VH-W5"_q, "2015-12-26 LS-b-W1"_q,
+                                      "2015-12-31 LS-a-W1"_q}));
+    }
+}
+
+TEST_F(RkmonImport, SumsAndDaysOfTheSampleAreThoseOfItsFiles)
+{
+    created("LS-a"_q);
+    QStringList files;
+    QMap<QString, double> sums;                     // by point
+    QMap<QString, QMap<QString, double>> lastOfDay; // by day and point
+    for (const char* name : {"LS-a-moisture-week1.csv", "LS-a-moisture-week2.csv"}) {
+        files.append(samples + "/coastal-bluff/"_q + QString::fromUtf8(name));
+        for (const QStringList& row : rowsOf(files.last())) {
+            const QString point = row[0] + QLatin1Char('@') + row[1];
+            sums[point] += row[4].toDouble();
+            lastOfDay[row[2].left(10)][point] = row[4].toDouble(); // rows of a point stand in time order
+        }
+    }
+    ASSERT_EQ(import(files, "LS-a"_q).code, 0);
+
+    QMap<QString, double> held;
+    for (const QJsonValue& sample : listed({"point"_q, "list"_q, "--cell"_q, "LS-a"_q, "--samples"_q}))
+        held[text(sample, "name") + QLatin1Char('@') + text(sample, "depth")] += number(sample, "value");
+    ASSERT_EQ(held.keys(), sums.keys());
+    for (const QString& point : sums.keys())
+        EXPECT_NEAR(held[point], sums[point], 1e-9) << point.toStdString();
+
+    for (const char* statistic : {"normal", "depth"}) {
+        QMap<QString, QMap<QString, double>> shown;
+        for (const QJsonValue& entry :
+             listed({"stats"_q, QString::fromUtf8(statistic), "--cell"_q, "LS-a"_q}))
+            shown[text(entry, "day")][text(entry, "name") + QLatin1Char('@') + text(entry, "depth")] =
+                number(entry, "value");
+        EXPECT_EQ(shown, lastOfDay) << statistic;
+    }
+}
+
+TEST_F(RkmonImport, AGeneratedExcavationRaisesTwoPoints)
+{
+    service().admin({"category"_q, "add"_q, "Foundation pit"_q});
+    createSubCategory("Foundation pit"_q, "Settlement"_q, "ST"_q);
+    createSubCategory("Foundation pit"_q, "Horizontal displacement"_q, "IN"_q);
+    const QString folder = QDir(rkmon.folder()).filePath("pit"_q);
+    const Result made = rkmon.runShell(
+        "'%1/generate' --points 6 --inclinometers 2 --days 10 --out '%2'"_q.arg(samples, folder));
+    ASSERT_EQ(made.code, 0) << made.messages.toStdString();
+    const Result result =
+        done({"point"_q, "import"_q, "--json"_q, "--project-file"_q, folder + "/project.json"_q});
+    EXPECT_EQ(result.object().value("points"_q).toInt(), 6 + 2 * 40);
+    EXPECT_EQ(result.object().value("samples"_q).toInt(), 10 * (6 + 2 * 40));
+    EXPECT_EQ(result.object().value("deliveries"_q).toInt(), 4);
+
+    QStringList over;
+    QString inclinometer;
+    for (const QJsonValue& alarm : listed({"alarm"_q, "list"_q}))
+        for (const QJsonValue& detail : listed({"alarm"_q, "detail"_q, text(alarm, "id")})) {
+            over.append(text(detail, "pointName"));
+            if (detail.toObject().value("isInclinometer"_q).toBool())
+                inclinometer = text(detail, "id");
+        }
+    over.removeDuplicates();
+    over.sort();
+    EXPECT_EQ(over, (QStringList{"IN001"_q, "SP0002"_q}));
+    EXPECT_EQ(listed({"alarm"_q, "depths"_q, inclinometer}).size(), 40);
+    EXPECT_EQ(listed({"alarm"_q, "depths"_q, inclinometer, "--depth"_q, "2.5"_q}).size(), 1);
+
+    const QString png = folder + "/a.png"_q;
+    done({"stats"_q, "depth"_q, "--cell"_q, "Excavation"_q, "--name"_q, "IN001"_q, "--plot"_q, png});
+    EXPECT_GT(QFileInfo(png).size(), 20'000);
+    EXPECT_EQ(rkmon.run({"stats"_q, "depth"_q, "--cell"_q, "Excavation"_q, "--draw"_q}).code,
+              2); // two inclinometers
+}
+
+TEST_F(RkmonImport, ARefusedDeliveryTellsTheServicesWordsAndTheFile)
+{
+    const QByteArray cell = R"([{"_id":"0123456789abcdef01234567","name":"VH","category":"Slope"}])";
+    const QByteArray subCategory =
+        R"([{"_id":"0123456789abcdef01234568","name":"Soil moisture","alias":"SM"}])";
+    ScriptServer server;
+    rkmon.configure(server.baseAddress(), project, editor.text);
+    server.answerJson(200, cell);
+    server.answerJson(200, subCategory);
+    server.answerJson(200, "[]"); // no data yet
+    server.answerJson(200, R"({"count":0})");
+    server.answerJson(500, R"({"message":"[0][0].data[0].time is in the future","status":500})");
+    const QString file = write("a.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n");
+    const Result result = import({file});
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.output, QString());
+    EXPECT_EQ(
+        result.messages,
+        "rkmon: the service refused %1: [0][0].data[0].time is in the future ([0] is %1)\n"_q.arg(file));
+    EXPECT_TRUE(server.isUsedUp());
+    const QJsonArray body = QJsonDocument::fromJson(server.requests().last().body).array();
+    ASSERT_EQ(body.size(), 1);
+    EXPECT_EQ(body[0].toArray().size(), 1);
+    EXPECT_EQ(body[0].toArray()[0].toObject().value("initialValue"_q).toDouble(), 0.25);
+}
+
+TEST_F(RkmonImport, ABreakTellsWhatWasDeliveredBefore)
+{
+    const QByteArray cell = R"([{"_id":"0123456789abcdef01234567","name":"VH","category":"Slope"}])";
+    const QByteArray subCategory =
+        R"([{"_id":"0123456789abcdef01234568","name":"Soil moisture","alias":"SM"}])";
+    ScriptServer server;
+    rkmon.configure(server.baseAddress(), project, editor.text);
+    server.answerJson(200, cell);
+    server.answerJson(200, subCategory);
+    server.answerJson(200, "[]");
+    server.answerJson(200, R"({"count":0})");
+    server.answerJson(200, "[]");
+    server.answerRaw({ScriptServer::Step::reset()});
+    // Two files of one target go in two requests.
+    const Result result = import({write("a.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n"),
+                                  write("b.csv", header + "W1,20,2015-12-19T00:00:00-08:00,2,0.25\n")});
+    EXPECT_EQ(result.code, 5);
+    EXPECT_EQ(result.output, QString());
+    EXPECT_TRUE(result.messages.contains(
+        "; 1 of 2 samples had been delivered before, and the import can be repeated safely\n"_q))
+        << result.messages.toStdString();
+    EXPECT_TRUE(server.isUsedUp());
+}
