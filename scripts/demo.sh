@@ -83,6 +83,9 @@ keep_output() {
   printf '%s\n' "$kept"
 }
 
+# id_of COMMAND...: the identifier in the first row of a list.
+id_of() { "$@" --csv | sed -n '2s/,.*//p'; }
+
 admin=(monitor-service admin --data site.db)
 
 # make_token OWNER FILE ROLE: the token goes into the file, and may then do what the role says.
@@ -101,9 +104,9 @@ make_token() {
 
 heading "The operator makes a project, categories and tokens"
 keep_output project "${admin[@]}" project create --name 'Coastal bluff' --time-zone America/Los_Angeles
-show 0 "${admin[@]}" category add Slope 'Retaining wall' 'Building pit'
-for quantity in 'Soil moisture/W' 'Rain/R' 'Air temperature/T'; do
-  show 0 "${admin[@]}" subcategory create --project "$project" --category Slope \
+show 0 "${admin[@]}" category add 'Landslide slope' 'Retaining wall' 'Building pit'
+for quantity in 'Soil moisture/SM' Rainfall/RF 'Air temperature/AT'; do
+  show 0 "${admin[@]}" subcategory create --project "$project" --category 'Landslide slope' \
     --name "${quantity%/*}" --alias "${quantity#*/}"
 done
 make_token Ana editor.token editor
@@ -122,7 +125,7 @@ echo "$line"
 
 heading "An engineer says once where the service is"
 address=${line##* }
-for setting in "RKMON_BASE_API=$address" "RKMON_PROJECT=$project" RKMON_TOKEN_FILE=editor.token; do
+for setting in TZ=America/Los_Angeles "RKMON_BASE_API=$address" "RKMON_PROJECT=$project" RKMON_TOKEN_FILE=editor.token; do
   as_typed export "$setting"
   printf '\n'
   export "${setting?}"
@@ -130,19 +133,19 @@ done
 
 heading "What can be monitored"
 show 0 rkmon category list
-show 0 rkmon subcategory list Slope
+show 0 rkmon subcategory list 'Landslide slope'
 
 heading "The five stations become monitorings"
 declare -A station
 for name in VH LS-a LS-b M1 M2; do
-  keep_output created rkmon monitoring create --name "$name" --category Slope
+  keep_output created rkmon monitoring create --name "$name" --category 'Landslide slope'
   station[$name]=$created
 done
 show 0 rkmon monitoring list
 
 heading "One is changed; only what differs is sent"
-show 0 rkmon monitoring update "${station[LS-b]}" --name 'LS-b (lower)' --alarm-to ana,ben
-show 0 rkmon monitoring update "${station[LS-b]}" --name 'LS-b (lower)'
+show 0 rkmon monitoring update "${station[LS-b]}" --alarm-to ana,ben
+show 0 rkmon monitoring update "${station[LS-b]}" --alarm-to ana,ben
 
 heading "Names, pages and counts"
 show 0 rkmon monitoring name "${station[VH]}" "${station[LS-b]}"
@@ -155,15 +158,46 @@ show 0 rkmon monitoring count --until 2015-12-31
 show 0 rkmon monitoring show "${station[M1]}" --json
 
 heading "What the editor's and the reader's token permit"
-show 0 rkmon can create Slope
-show 0 rkmon can delete Slope
-show 3 rkmon can create Slope --token-file reader.token
+show 0 rkmon can create 'Landslide slope'
+show 0 rkmon can delete 'Landslide slope'
+show 3 rkmon can create 'Landslide slope' --token-file reader.token
 
 heading "A refusal, and something that is not there"
-show 3 rkmon monitoring create --name VH2 --category Slope --token-file reader.token
+show 3 rkmon monitoring create --name VH2 --category 'Landslide slope' --token-file reader.token
 show 4 rkmon monitoring show 000000000000000000000000
 
 [ "$(rkmon monitoring count)" = 5 ] || { echo "demo: five monitorings were expected" >&2; exit 1; }
+
+heading "Two weeks of readings come in: 22 deliveries, and the limits of three groups of probes"
+samples=(rkmon point import --project-file ../../samples/coastal-bluff/project.json)
+show 0 "${samples[@]}"
+show 0 rkmon group list
+show 0 rkmon data list
+
+heading "The same again: nothing doubles"
+show 0 "${samples[@]}"
+show 0 rkmon data history "$(id_of rkmon data list --cell LS-a)"
+
+heading "Points, and the statistics of each day"
+show 0 rkmon point list --cell LS-a
+show 0 rkmon stats normal --cell LS-a --name LS-a-W1
+show 0 rkmon stats normal --cell LS-a --name LS-a-W1 --draw
+show 0 rkmon stats depth --cell VH --since 2015-12-21 --until 2015-12-21
+
+heading "The rain of 21 December raised alarms"
+show 0 rkmon alarm list
+for alarm in $(rkmon alarm list --csv | sed '1d; s/,.*//'); do
+  show 0 rkmon alarm detail "$alarm"
+done
+
+heading "Charts for the report"
+show 0 rkmon stats normal --cell LS-a --name LS-a-W1 --plot moisture.svg --unit V
+show 0 rkmon stats depth --cell LS-a --name LS-a-W1 --name LS-a-W3 --name LS-a-W5 --plot depth.png --unit V --depth-unit cm
+[ -z "${DEMO_CHARTS-}" ] || cp moisture.svg depth.png "$DEMO_CHARTS"
+
+heading "One delivery is deleted with everything that came with it"
+show 0 rkmon data delete "$(id_of rkmon data list --cell M2)" --yes
+show 0 rkmon point list --cell M2
 
 if $keep; then
   trap - EXIT
