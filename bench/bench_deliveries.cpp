@@ -19,6 +19,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <fstream>
 #include <memory>
 #include <stdexcept>
@@ -42,11 +43,11 @@ void fill(Store& store)
                               R"("updatedAt":"2015-12-01T00:00:00.000Z","updatedBy":"Ada"})";
     for (int i = 0; i < 10; ++i) {
         const std::string id = "c" + std::to_string(i);
-        session->cells().insert("p", id,
-                                R"({"_id":")" + id +
-                                    R"(","projectId":"p","name":"Cell","category":"Settlement","alarmTo":[],)"
-                                    R"("links":[],)" +
-                                    audit);
+        std::string document = R"({"_id":")";
+        document += id;
+        document += R"(","projectId":"p","name":"Cell","category":"Settlement","alarmTo":[],"links":[],)";
+        document += audit;
+        session->cells().insert("p", id, document);
     }
     session->subCategories().insert(
         "p", "s", R"({"_id":"s","projectId":"p","name":"Level","category":"Settlement","alias":""})");
@@ -186,6 +187,7 @@ double samplesPerSecond(std::size_t points, std::size_t deliveries, std::size_t 
     }
     const auto begin = std::chrono::steady_clock::now();
     std::vector<std::thread> threads;
+    threads.reserve(connections);
     for (const auto& ofConnection : requests) {
         threads.emplace_back([&service, &ofConnection] {
             test::RawClient client(service.port());
@@ -241,11 +243,9 @@ std::string deliveryOfManyPoints()
     return body + "]}]";
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+// Each shape of delivery, so many times.
+void measure(std::size_t deliveries)
 {
-    const std::size_t deliveries = argc > 1 ? std::strtoul(argv[1], nullptr, 10) : 100;
     // First of all, and before any body is made: a process inherits the memory of the one it comes from.
     {
         const ServiceProcess one;
@@ -253,13 +253,24 @@ int main(int argc, char** argv)
         measureMemory(one, "one point, as many samples as fit", largestDelivery());
         measureMemory(other, "50 000 points, then as many samples as fit", deliveryOfManyPoints());
     }
-    for (const std::size_t connections : {std::size_t{1}, std::size_t{2}}) {
-        for (const std::size_t points :
-             {std::size_t{1}, std::size_t{10}, std::size_t{100}, std::size_t{1000}}) {
-            std::printf("%4zu points a delivery, %zu connections  %9.0f samples/s\n", points, connections,
+    for (const std::size_t connections : {1, 2}) {
+        for (const std::size_t points : {1, 10, 100, 1'000, 10'000}) {
+            std::printf("%5zu points a delivery, %zu connections  %9.0f samples/s\n", points, connections,
                         samplesPerSecond(points, deliveries, connections));
             std::fflush(stdout);
         }
     }
-    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        measure(argc > 1 ? std::strtoul(argv[1], nullptr, 10) : 100);
+        return 0;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "bench_deliveries: %s\n", error.what());
+        return 1;
+    }
 }

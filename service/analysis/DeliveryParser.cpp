@@ -463,10 +463,10 @@ std::uint16_t DeliveryReader::timeFlagIndex(std::string_view flag)
 }
 
 template <typename Value>
-void takeOver(std::optional<Value>& present, std::optional<Value>&& later)
+void takeOver(std::optional<Value>& present, const std::optional<Value>& later)
 {
     if (later) {
-        present = std::move(later);
+        present = later;
     }
 }
 
@@ -480,13 +480,13 @@ DeliveredPoint& DeliveryReader::pointLike(DeliveredPoint&& described)
         return m_delivery.points.emplace_back(std::move(described));
     }
     DeliveredPoint& point = m_delivery.points[found->second];
-    takeOver(point.project, std::move(described.project));
-    takeOver(point.alias, std::move(described.alias));
-    takeOver(point.dataType, std::move(described.dataType));
-    takeOver(point.initialValue, std::move(described.initialValue));
-    takeOver(point.offsetDirection, std::move(described.offsetDirection));
-    takeOver(point.fileId, std::move(described.fileId));
-    takeOver(point.links, std::move(described.links));
+    takeOver(point.project, described.project);
+    takeOver(point.alias, described.alias);
+    takeOver(point.dataType, described.dataType);
+    takeOver(point.initialValue, described.initialValue);
+    takeOver(point.offsetDirection, described.offsetDirection);
+    takeOver(point.fileId, described.fileId);
+    takeOver(point.links, described.links);
     point.samples.insert(point.samples.end(), described.samples.begin(), described.samples.end());
     point.rows += described.rows;
     return point;

@@ -11,12 +11,11 @@ constexpr std::string_view blanks = " \t\n\r";
 // The length of the string that begins the text, quotes included; the text's length when it does not end.
 std::size_t stringLength(std::string_view text)
 {
-    for (std::size_t i = text.find_first_of("\"\\", 1); i != std::string_view::npos;
-         i = text.find_first_of("\"\\", i)) {
+    for (std::size_t i = 1; i < text.size(); ++i) {
         if (text[i] == '"') {
             return i + 1;
         }
-        i += 2;
+        i += text[i] == '\\' ? 1 : 0;
     }
     return text.size();
 }
