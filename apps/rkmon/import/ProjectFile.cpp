@@ -62,7 +62,8 @@ public:
     QStringList texts(const char* member) const
     {
         QStringList result;
-        for (const QJsonValue& element : array(member)) {
+        const QJsonArray elements = array(member);
+        for (const QJsonValue& element : elements) {
             if (!element.isString() || element.toString().trimmed().isEmpty())
                 failAt(member, QStringLiteral("must be a list of texts that are not empty"));
             result.append(element.toString());
@@ -73,7 +74,8 @@ public:
     QList<Node> nodes(const char* member) const
     {
         QList<Node> result;
-        for (const QJsonValue& element : array(member))
+        const QJsonArray elements = array(member);
+        for (const QJsonValue& element : elements)
             result.append(
                 Node(m_file, QStringLiteral("%1[%2]").arg(placeOf(member)).arg(result.size()), element));
         return result;
