@@ -1,4 +1,5 @@
-// A GET of 2 KB of JSON on a kept loopback connection: a blocking libcurl call against the manager and its wait.
+// A GET of 2 KB of JSON on a kept loopback connection: a blocking libcurl call against the manager and its wait, and
+// against an operation of the library.
 
 #include "Contest.h"
 #include "PlainServer.h"
@@ -6,6 +7,7 @@
 #include <NetworkEventLoop.h>
 #include <NetworkManager.h>
 #include <RKBaseApi.h>
+#include <RKMonitoringData.h>
 
 #include <QCoreApplication>
 #include <QJsonDocument>
@@ -27,7 +29,7 @@ struct FreeEasy
 
 QByteArray twoKilobytes()
 {
-    QByteArray body = R"({"message":")";
+    QByteArray body = R"({"name":")";
     body += QByteArray(2048 - body.size() - 2, 'x');
     return body + R"("})";
 }
@@ -76,9 +78,18 @@ int main(int argc, char** argv)
         if (!wait.isSuccessful() || wait.object().isEmpty())
             giveUp("the manager");
     };
+    const QString id = QStringLiteral("1");
+    const auto operation = [&] {
+        RKMonitoring monitoring;
+        if (!RKMonitoringData::instance()->getMonitoringById(id, monitoring, false) ||
+            monitoring.name.isEmpty())
+            giveUp("the operation");
+    };
 
     runContest("GET of " + std::to_string(body.size()) + " bytes of JSON, parsed",
-               {{"blocking libcurl", blocking}, {"NetworkManager and NetworkEventLoop", waiting}}, rounds,
-               operations);
+               {{"blocking libcurl", blocking},
+                {"NetworkManager and NetworkEventLoop", waiting},
+                {"getMonitoringById", operation}},
+               rounds, operations);
     return EXIT_SUCCESS;
 }

@@ -3,6 +3,7 @@
 #include "HttpTransfer.h"
 #include "Sockets.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QPointer>
@@ -31,6 +32,9 @@ CurlDriver::CurlDriver() : m_multi(curl_multi_init())
     connect(&m_timer, &QTimer::timeout, this, [this] { actOnTime(); });
     m_delivery.setSingleShot(true);
     connect(&m_delivery, &QTimer::timeout, this, [this] { deliver(); });
+    const QAbstractEventDispatcher* dispatcher = QAbstractEventDispatcher::instance();
+    connect(dispatcher, &QAbstractEventDispatcher::awake, this, [this] { ++m_turns; });
+    connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, [this] { ++m_turns; });
     curl_multi_setopt(m_multi.get(), CURLMOPT_SOCKETFUNCTION, &CurlDriver::onSocket);
     curl_multi_setopt(m_multi.get(), CURLMOPT_SOCKETDATA, this);
     curl_multi_setopt(m_multi.get(), CURLMOPT_TIMERFUNCTION, &CurlDriver::onTimer);

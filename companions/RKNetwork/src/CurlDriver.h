@@ -40,6 +40,9 @@ public:
     /// Drops a transfer; its owner is not told.
     void cancel(HttpTransfer* transfer);
 
+    /// Rises whenever the thread's event dispatcher runs.
+    quint64 turns() const { return m_turns; }
+
 private:
     struct FreeMulti
     {
@@ -78,6 +81,7 @@ private:
     std::unique_ptr<CURL, FreeEasy> m_spareEasy;                    ///< of the last transfer, for the next
     QDeadlineTimer m_due = QDeadlineTimer(QDeadlineTimer::Forever); ///< when libcurl wants to be called
     QTimer m_timer;                                                 ///< goes off at m_due or earlier
+    quint64 m_turns = 0;
     QTimer m_delivery; ///< runs deliver() in the next turn of the event loop
     std::unordered_map<curl_socket_t, Watch> m_watches;
     QList<HttpTransfer*> m_running;

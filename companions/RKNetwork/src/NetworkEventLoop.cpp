@@ -1,14 +1,15 @@
 #include "NetworkEventLoop.h"
 
+#include "CurlDriver.h"
 #include "HttpReply.h"
 #include "NetworkManager.h"
 
-#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QJsonValue>
 #include <QTimer>
 
 #include <algorithm>
+#include <optional>
 
 NetworkEventLoop::NetworkEventLoop(QNetworkReply* reply, QObject* parent) : QObject(parent), m_reply(reply) {}
 
@@ -39,24 +40,20 @@ void NetworkEventLoop::runEvents(QEventLoop::ProcessEventsFlags flags)
     QObject::connect(reply, &QObject::destroyed, &loop, &QEventLoop::quit);
 
     // Replies of our own keep their deadline themselves.
-    QTimer deadline;
+    std::optional<QTimer> deadline;
     if (!dynamic_cast<HttpReply*>(reply.data()) && NetworkManager::instance().deadline().count() > 0) {
-        QObject::connect(&deadline, &QTimer::timeout, reply.data(), &QNetworkReply::abort);
-        deadline.setSingleShot(true);
-        deadline.start(NetworkManager::instance().deadline());
+        deadline.emplace();
+        QObject::connect(&*deadline, &QTimer::timeout, reply.data(), &QNetworkReply::abort);
+        deadline->setSingleShot(true);
+        deadline->start(NetworkManager::instance().deadline());
     }
 
     // QEventLoop::exec returns at once, without running a single event, when the thread was told to quit
-    // earlier; nothing public says so, but an event dispatcher that runs emits one of these.
-    bool hasRun = false;
-    const auto noteThatItRuns = [&hasRun] {
-        hasRun = true;
-    };
-    const QAbstractEventDispatcher* dispatcher = QAbstractEventDispatcher::instance();
-    QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, &loop, noteThatItRuns);
-    QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, &loop, noteThatItRuns);
+    // earlier; nothing public says so, but the dispatcher turns when it does run.
+    const CurlDriver* driver = CurlDriver::ofThisThread();
+    const quint64 turns = driver ? driver->turns() : 0;
     loop.exec(flags);
-    if (hasRun)
+    if (!driver || CurlDriver::ofThisThread() != driver || driver->turns() != turns)
         return;
     while (reply && !reply->isFinished())
         loop.processEvents(flags | QEventLoop::WaitForMoreEvents);
