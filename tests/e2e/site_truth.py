@@ -1,0 +1,366 @@
+#!/usr/bin/env python3
+"""Works out from a site's files alone what a monitoring service must answer, and compares.
+
+    site_truth.py --service monitor-service --rkmon rkmon --site samples/coastal-bluff --time-zone America/Los_Angeles
+    site_truth.py --service monitor-service --rkmon rkmon --generate samples/generate --time-zone Europe/Vienna
+
+Starts a service of its own, imports the site with rkmon, and checks every sample, every day's statistics and every
+alarm with its details and depths; then imports it again and checks the same. It shares no code with the product: the
+rules are those of docs/service.md, numbers are exact fractions, days are those of zoneinfo. --generate makes an
+excavation with inclinometers first. Ends with 0 when all agrees, with 1 and the differences when not."""
+import argparse
+import collections
+import csv
+import datetime
+import json
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+import zoneinfo
+from decimal import Decimal
+from fractions import Fraction
+
+Sample = collections.namedtuple("Sample", "time count value")  # time aware, with its offset; value Decimal
+Candidate = collections.namedtuple("Candidate", "ratio depth sample total daily total_over daily_over tolerance")
+
+differences = []
+
+
+def expect(actual, expected, what):
+    if actual != expected:
+        differences.append(f"{what}: {actual!r} instead of {expected!r}")
+
+
+# ---- What the files say -------------------------------------------------------------------------------------------
+
+def depth_text(text):
+    """A depth is a number: "10.0" in a file is the depth "10"."""
+    return f"{Decimal(text).normalize():f}" if text else ""
+
+
+def read_site(folder):
+    """project.json, and for each of its files (monitoring, alias) with the samples of (name, depth)."""
+    project = json.loads((folder / "project.json").read_text(), parse_float=Decimal)
+    deliveries = []
+    for planned in project["files"]:
+        points = collections.defaultdict(list)
+        with open(folder / planned["file"], newline="") as lines:
+            for row in csv.DictReader(lines):
+                points[row["name"], depth_text(row["depth"])].append(
+                    Sample(datetime.datetime.fromisoformat(row["time"]), int(row["count"]), Decimal(row["value"])))
+        deliveries.append(((planned["monitoring"], planned["subCategory"]), points))
+    deliveries.sort(key=lambda delivery: min(sample.time for point in delivery[1].values() for sample in point))
+    return project, deliveries
+
+
+def by_time(samples):
+    return sorted(samples, key=lambda sample: (sample.time, sample.count))
+
+
+def by_depth(key):
+    return key[0], Fraction(key[1] or 0)
+
+
+class Measured:
+    """The samples of one monitoring and sub-category, as they grow by deliveries."""
+
+    def __init__(self, zone):
+        self.zone = zone
+        self.points = collections.defaultdict(list)  # by (name, depth)
+
+    def add(self, points):
+        """Takes a delivery in; returns the days of each point that lie behind, or end behind, what was held."""
+        new_days = {}
+        for key, samples in points.items():
+            held = max((sample.time for sample in self.points[key]), default=None)
+            new_days[key] = sorted({self.day(sample) for sample in samples if held is None or sample.time > held})
+            self.points[key] = by_time(self.points[key] + samples)
+        return new_days
+
+    def day(self, sample):
+        return sample.time.astimezone(self.zone).date()
+
+    def last_of_days(self, key):
+        return {self.day(sample): sample for sample in self.points[key]}  # the later sample replaces the earlier
+
+    def initial(self, key):
+        """What rkmon gives a new point: its first reading."""
+        return self.points[key][0].value
+
+
+# ---- Alarms -------------------------------------------------------------------------------------------------------
+
+def over(variation, limit):
+    return max(abs(variation) - limit, Fraction(0)) if limit and variation is not None else Fraction(0)
+
+
+def candidate(group, depth, initial, sample, before):
+    """The variations of one day by one group. `before`: last sample of the measured day before, and days between."""
+    initial, latest = Fraction(initial), Fraction(sample.value)
+    is_percent = group.get("dailyIn") == "percent"
+    largest = max(abs(initial), abs(latest))
+    total, daily, scale = latest - initial, None, Fraction(1)
+    if before is not None and not (is_percent and initial == 0):
+        scale = 100 / abs(initial) if is_percent else scale
+        largest = max(largest, abs(Fraction(before[0].value)))
+        daily = (latest - Fraction(before[0].value)) / before[1] * scale
+    total_limit, daily_limit = Fraction(group.get("totalLimit", 0)), Fraction(group.get("dailyLimit", 0))
+    ratio = max(abs(total) / total_limit if total_limit else 0,
+                abs(daily) / daily_limit if daily_limit and daily is not None else 0)
+    # The service counts in binary floating point: it may be off by a few units in the last place of what it subtracts.
+    tolerance = 8 * Fraction(sys.float_info.epsilon) * largest * max(scale, 1)
+    return Candidate(ratio, depth, sample, total, daily, over(total, total_limit), over(daily, daily_limit), tolerance)
+
+
+def candidates_of(measured, key, days, groups):
+    last = measured.last_of_days(key)
+    measured_days = sorted(last)
+    for day in days:
+        place = measured_days.index(day)
+        before = (last[measured_days[place - 1]], (day - measured_days[place - 1]).days) if place else None
+        for group in groups:
+            if key[0] in group["points"]:
+                yield candidate(group, key[1], measured.initial(key), last[day], before)
+
+
+def alarm_of(measured, new_days, groups):
+    """For each point name over a limit the worst candidates; several when equally bad. Empty: no alarm."""
+    worst = {}
+    for key, days in new_days.items():
+        for one in candidates_of(measured, key, days, groups):
+            if not (one.total_over or one.daily_over):
+                continue
+            known = worst.setdefault(key[0], [one])
+            if one.ratio > known[0].ratio:
+                worst[key[0]] = [one]
+            elif one.ratio == known[0].ratio and one is not known[0]:
+                known.append(one)
+    return worst
+
+
+def depths_at(measured, name, day):
+    """(depth, sample, total) of each depth as last measured by that day, rising; empty for a point of one depth."""
+    found = []
+    for key in sorted((key for key in measured.points if key[0] == name), key=by_depth):
+        last = [sample for of_day, sample in sorted(measured.last_of_days(key).items()) if of_day <= day]
+        if last:
+            found.append((key[1], last[-1], Fraction(last[-1].value) - Fraction(measured.initial(key))))
+    return found if len(found) > 1 else []
+
+
+# ---- The service and rkmon ----------------------------------------------------------------------------------------
+
+class Service:
+    def __init__(self, arguments, folder):
+        self.program, self.rkmon_program, self.folder = arguments.service, arguments.rkmon, folder
+        self.data = str(folder / "data.db")
+        self.process = None
+        self.environment = {name: text for name, text in os.environ.items() if not name.startswith("RKMON_")}
+        # Far from every site: days must be those of the project, not of whoever asks.
+        self.environment.update(TZ="Pacific/Auckland", XDG_CONFIG_HOME=str(folder))
+
+    def admin(self, *command):
+        return subprocess.run([self.program, "admin", "--data", self.data, *command], check=True,
+                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True).stdout.rstrip("\n")
+
+    def set_up(self, site, time_zone):
+        project = self.admin("project", "create", "--name", "Site", "--time-zone", time_zone)
+        self.admin("category", "add", *site["categories"])
+        for known in site["subCategories"]:
+            self.admin("subcategory", "create", "--project", project, "--category", known["category"],
+                       "--name", known["name"], "--alias", known["alias"])
+        token = json.loads(self.admin("token", "create", "--owner", "Surveyor", "--json"))
+        self.admin("grant", "--token", token["_id"], "--project", project, "--role", "editor")
+        token_file = self.folder / "token"
+        token_file.touch(mode=0o600)
+        token_file.write_text(token["token"])
+        self.environment.update(RKMON_PROJECT=project, RKMON_TOKEN_FILE=str(token_file))
+
+    def __enter__(self):
+        self.process = subprocess.Popen(
+            [self.program, "serve", "--data", self.data, "--listen", "127.0.0.1:0"],
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True)
+        self.environment["RKMON_BASE_API"] = self.process.stdout.readline().split()[-1]
+        return self
+
+    def __exit__(self, *_):
+        self.process.terminate()
+        expect(self.process.wait(), 0, "exit status of the service")
+        self.process.stdout.close()
+
+    def rkmon(self, *command):
+        """What a command prints as JSON; numbers are kept as they are written."""
+        result = subprocess.run([self.rkmon_program, *command, "--json"], env=self.environment, check=True,
+                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True)
+        return json.loads(result.stdout, parse_float=Decimal, parse_int=Decimal)
+
+
+def told(time):
+    """A time's instant and offset."""
+    time = datetime.datetime.fromisoformat(time) if isinstance(time, str) else time
+    return time.timestamp(), time.utcoffset()
+
+
+# ---- Comparing ----------------------------------------------------------------------------------------------------
+
+def compare_samples(service, monitoring, expected):
+    held = collections.defaultdict(list)
+    for row in service.rkmon("point", "list", "--cell", monitoring, "--samples"):
+        held[row["name"], row["depth"] or ""].append(Sample(row["time"], row["count"], row["value"]))
+    expect(sorted(held), sorted(expected), f"points of {monitoring}")
+    for key, samples in expected.items():
+        what = f"{monitoring}, {key[0]} at depth \"{key[1]}\""
+        expect(len(held[key]), len(samples), f"number of samples of {what}")
+        expect(sum(sample.value for sample in held[key]), sum(sample.value for sample in samples),
+               f"sum of the values of {what}")
+        for actual, wanted in zip(held[key], samples):
+            expect((told(actual.time), *actual[1:]), (told(wanted.time), *wanted[1:]), f"sample of {what}")
+    return sum(len(samples) for samples in held.values())
+
+
+def compare_statistics(service, monitoring, statistic, lasts):
+    """`lasts`: the last sample by (name, depth) and day."""
+    expected = sorted((day, *by_depth(key), told(sample.time), sample.count, sample.value)
+                      for key, days in lasts.items() for day, sample in days.items()
+                      if key[1] or statistic == "normal")
+    answered = [(datetime.date.fromisoformat(row["day"]), row["name"], Fraction(row["depth"] or 0),
+                 told(row["time"]), row["count"], row["value"])
+                for row in service.rkmon("stats", statistic, "--cell", monitoring)]
+    expect(len(answered), len(expected), f"number of values in stats {statistic} of {monitoring}")
+    for row, wanted in zip(answered, expected):
+        expect(row, wanted, f"stats {statistic} of {monitoring}")
+    return len(answered)
+
+
+def is_near(actual, expected, tolerance):
+    if expected is None or actual in (None, ""):
+        return expected is None and actual in (None, "")
+    return abs(Fraction(actual) - expected) <= tolerance
+
+
+def is_detail(detail, one):
+    return ((detail["depth"] or "") == one.depth and told(detail["monitorTime"]) == told(one.sample.time)
+            and detail["monitorCount"] == one.sample.count
+            and is_near(detail["totalVar"], one.total, one.tolerance)
+            and is_near(detail["dayVar"], one.daily, one.tolerance)
+            and is_near(detail["totalBeyound"], one.total_over, one.tolerance)
+            and is_near(detail["dayBeyound"], one.daily_over, one.tolerance)
+            and bool(detail["totalBeyound"]) == bool(one.total_over)
+            and bool(detail["dayBeyound"]) == bool(one.daily_over))
+
+
+def compare_depths(service, detail, expected, what):
+    expect((detail["isThreeVar"], detail["isInclinometer"]), (bool(expected),) * 2, f"depth marks of {what}")
+    answered = service.rkmon("alarm", "depths", detail["id"])
+    expect([(row["pointName"], row["depth"], told(row["monitorTime"]), row["monitorCount"]) for row in answered],
+           [(detail["pointName"], depth, told(sample.time), sample.count) for depth, sample, _ in expected],
+           f"depths of {what}")
+    for row, (depth, sample, total) in zip(answered, expected):
+        tolerance = 8 * Fraction(sys.float_info.epsilon) * (abs(Fraction(sample.value)) + abs(total))
+        if not is_near(row["totalValue"], total, tolerance):
+            expect(row["totalValue"], float(total), f"total variation at depth {depth} of {what}")
+    return len(answered)
+
+
+def compare_alarms(service, target, expected):
+    """`expected`, oldest first: the worst candidates by point name, and the depths of a name on a day."""
+    answered = list(reversed(service.rkmon("alarm", "list", "--cell", target[0], "--sub-category", target[1])))
+    expect(len(answered), len(expected), f"number of alarms of {target}")
+    detail_count = depth_count = 0
+    for alarm, (worst, depths) in zip(answered, expected):
+        expect((alarm["cellName"], alarm["pointCounts"]), (target[0], len(worst)), f"alarm of {target}")
+        details = service.rkmon("alarm", "detail", alarm["id"])
+        expect([detail["pointName"] for detail in details], sorted(worst), f"points in alarm of {target}")
+        for detail in details:
+            what = f"{detail['pointName']} in an alarm of {target}"
+            matching = [one for one in worst.get(detail["pointName"], []) if is_detail(detail, one)]
+            if not matching:
+                differences.append(f"{what}: {detail} is none of {worst.get(detail['pointName'])}")
+                continue
+            depth_count += compare_depths(service, detail, depths(detail["pointName"], matching[0].sample), what)
+            detail_count += 1
+    return len(answered), detail_count, depth_count
+
+
+class Expectation:
+    """Everything the service must answer once the site is in."""
+
+    def __init__(self, site, deliveries, zone):
+        self.measured = collections.defaultdict(lambda: Measured(zone))  # by (monitoring, alias)
+        self.alarms = collections.defaultdict(list)
+        for target, points in deliveries:
+            measured = self.measured[target]
+            groups = [group for group in site["groups"] if (group["monitoring"], group["subCategory"]) == target]
+            worst = alarm_of(measured, measured.add(points), groups)
+            if worst:
+                depths = {(name, one.sample): depths_at(measured, name, measured.day(one.sample))
+                          for name, ones in worst.items() for one in ones}
+                self.alarms[target].append((worst, lambda name, sample, depths=depths: depths[name, sample]))
+
+    def compare(self, service):
+        counts = collections.Counter()
+        monitorings = sorted({target[0] for target in self.measured})
+        for monitoring in monitorings:
+            own = [measured for target, measured in self.measured.items() if target[0] == monitoring]
+            counts["samples"] += compare_samples(
+                service, monitoring, {key: samples for one in own for key, samples in one.points.items()})
+            lasts = {key: one.last_of_days(key) for one in own for key in one.points}
+            for statistic in "normal", "depth":
+                counts["daily values"] += compare_statistics(service, monitoring, statistic, lasts)
+        for target in self.measured:
+            alarms, details, depths = compare_alarms(service, target, self.alarms[target])
+            counts.update({"alarms": alarms, "details": details, "depths": depths})
+        return counts
+
+
+# ---- The whole ----------------------------------------------------------------------------------------------------
+
+def generate(generator, folder):
+    """An excavation, with a second and a third group over the inclinometers, so that the worst of several counts."""
+    subprocess.run([generator, "--points", "6", "--inclinometers", "2", "--days", "24", "--out", str(folder)], check=True)
+    path = folder / "project.json"
+    site = json.loads(path.read_text())
+    common = {"monitoring": "Excavation", "subCategory": "IN", "points": ["IN001", "IN002"]}
+    site["groups"] += [{**common, "name": "Speed", "dailyLimit": 2.5},
+                       {**common, "name": "Relative speed", "dailyLimit": 30000, "dailyIn": "percent"}]
+    path.write_text(json.dumps(site))
+    return folder
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--service", required=True, help="the program monitor-service")
+    parser.add_argument("--rkmon", required=True, help="the program rkmon")
+    parser.add_argument("--time-zone", required=True, help="where the project's days begin")
+    which = parser.add_mutually_exclusive_group(required=True)
+    which.add_argument("--site", type=pathlib.Path, help="folder with project.json and its files")
+    which.add_argument("--generate", metavar="GENERATOR", help="the program samples/generate")
+    arguments = parser.parse_args()
+
+    with tempfile.TemporaryDirectory() as temporary:
+        folder = pathlib.Path(temporary)
+        site_folder = arguments.site or generate(arguments.generate, folder / "site")
+        site, deliveries = read_site(site_folder)
+        rows = sum(len(samples) for _, points in deliveries for samples in points.values())
+        expectation = Expectation(site, deliveries, zoneinfo.ZoneInfo(arguments.time_zone))
+        service = Service(arguments, folder)
+        service.set_up(site, arguments.time_zone)
+        with service:
+            for repetition in range(2):
+                summary = service.rkmon("point", "import", "--project-file", str(site_folder / "project.json"))
+                expect((summary["samples"], summary["deliveries"]), (rows, len(deliveries)), "what the import sent")
+                counts = expectation.compare(service)
+                expect(counts["samples"], rows, f"samples held after import {repetition + 1}")
+                print(f"import {repetition + 1}: {rows} rows in {len(deliveries)} files; compared "
+                      + ", ".join(f"{count} {what}" for what, count in counts.items()))
+    for difference in differences[:20]:
+        print(difference, file=sys.stderr)
+    if differences:
+        print(f"{len(differences)} differences", file=sys.stderr)
+    return 1 if differences else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
