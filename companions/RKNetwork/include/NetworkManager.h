@@ -58,6 +58,11 @@ public:
     /// Starts DELETE url, without a body, on a connection of its own.
     QNetworkReply* deleteResource(const QString& url);
 
+    /// Cancels every exchange that the calling thread has under way, for a "Cancel" button: each fails with
+    /// OperationCanceledError as soon as its wait runs events again, and the operation that waits for it fails.
+    /// The service may have carried out a write that was cancelled.
+    void abortAll();
+
     /// Sets the token that is sent as "Authorization: Bearer TOKEN" (RFC 6750) to the scheme, host and port
     /// of RKBaseApi's address and to nothing else. Empty text sends none. Returns false, and keeps the token
     /// it had, when the text holds a control character or one outside ASCII.

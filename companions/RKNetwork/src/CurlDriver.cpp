@@ -117,6 +117,19 @@ void CurlDriver::cancel(HttpTransfer* transfer)
     transfer->m_driver = nullptr;
 }
 
+void CurlDriver::abortAll()
+{
+    const QList<HttpTransfer*> running = std::exchange(m_running, {});
+    for (HttpTransfer* transfer : running) {
+        curl_multi_remove_handle(m_multi.get(), transfer->m_easy.get());
+        transfer->failWith(QNetworkReply::OperationCanceledError,
+                           QStringLiteral("the exchange was cancelled"));
+        m_finished.append(transfer);
+    }
+    if (!m_finished.isEmpty())
+        deliverSoon();
+}
+
 void CurlDriver::actOnSocket(curl_socket_t socket, int what)
 {
     Watch& watch = m_watches[socket];

@@ -39,6 +39,8 @@ public:
     void startFailed(HttpTransfer* transfer);
     /// Drops a transfer; its owner is not told.
     void cancel(HttpTransfer* transfer);
+    /// Has every transfer under way fail as cancelled; their owners are told later.
+    void abortAll();
 
     /// Rises whenever the thread's event dispatcher runs.
     quint64 turns() const { return m_turns; }

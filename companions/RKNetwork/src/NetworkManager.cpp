@@ -1,6 +1,7 @@
 #include "NetworkManager.h"
 
 #include "Address.h"
+#include "CurlDriver.h"
 #include "HttpReply.h"
 #include "RKBaseApi.h"
 #include "UrlEncoding.h"
@@ -75,6 +76,12 @@ QNetworkReply* NetworkManager::putJson(const QString& url, const QJsonObject& bo
 QNetworkReply* NetworkManager::deleteResource(const QString& url)
 {
     return send("DELETE", url, {});
+}
+
+void NetworkManager::abortAll()
+{
+    if (CurlDriver* driver = CurlDriver::ofThisThread())
+        driver->abortAll();
 }
 
 QNetworkReply* NetworkManager::send(const QByteArray& method, const QString& url, const QByteArray& body)

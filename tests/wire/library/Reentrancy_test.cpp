@@ -3,6 +3,8 @@
 #include "../../support/LibraryTest.h"
 #include "../../support/Operations.h"
 
+#include <NetworkManager.h>
+
 #include <QCoreApplication>
 #include <QTimer>
 
@@ -86,6 +88,52 @@ TEST_P(Reentrancy, AFillingPageDuringTheWait)
     });
     EXPECT_TRUE(GetParam().succeeds(data));
     EXPECT_EQ(page.size(), 3);
+}
+
+TEST_P(Reentrancy, EveryOtherOperationDuringTheWait)
+{
+    for (const Operation& inner : allOperations()) {
+        SCOPED_TRACE(inner.name);
+        data.clear();
+        answer(1);
+        // Answered by a server of its own, as the script of the first one is taken in order.
+        ScriptServer other;
+        other.answerJson(200, inner.answer);
+        bool succeeded = false;
+        server.onRequest = [&] {
+            RKBaseApi::GetInstance().setBaseApi(other.baseAddress());
+            succeeded = inner.succeeds(data);
+            RKBaseApi::GetInstance().setBaseApi(server.baseAddress());
+        };
+        EXPECT_TRUE(GetParam().succeeds(data));
+        EXPECT_TRUE(succeeded);
+        EXPECT_TRUE(other.isUsedUp());
+    }
+}
+
+TEST_P(Reentrancy, AbortDuringTheWaitIsAFailure)
+{
+    server.neverAnswer();
+    duringTheWait([] { NetworkManager::instance().abortAll(); });
+    EXPECT_TRUE(GetParam().fails(data));
+
+    server.answerJson(200, GetParam().answer);
+    EXPECT_TRUE(GetParam().succeeds(data));
+}
+
+TEST_P(Reentrancy, AbortOfTwoNestedWaitsIsTwoFailures)
+{
+    server.neverAnswer();
+    server.neverAnswer();
+    bool innerFailed = false;
+    server.onRequest = [&] {
+        if (server.requestCount() == 1)
+            innerFailed = GetParam().fails(data);
+        else
+            NetworkManager::instance().abortAll();
+    };
+    EXPECT_TRUE(GetParam().fails(data));
+    EXPECT_TRUE(innerFailed);
 }
 
 TEST_P(Reentrancy, QuitDuringTheWaitIsAFailure)

@@ -17,8 +17,13 @@ public:
     PlainServer(const PlainServer&) = delete;
     PlainServer& operator=(const PlainServer&) = delete;
 
+    /// What every request is answered from now on.
+    void setBody(const QByteArray& body);
+
     /// "http://127.0.0.1:PORT/".
     QByteArray baseAddress() const;
+    /// Whole requests so far.
+    std::int64_t requestCount() const;
 
 private:
     struct Sockets;
