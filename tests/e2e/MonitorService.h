@@ -28,6 +28,7 @@ public:
     int stop();
     /// Ends it without warning and waits.
     void kill();
+    qint64 processId() const { return m_process.processId(); }
     bool isRunning() const { return m_process.state() == QProcess::Running; }
 
     /// The running process stops working, connections stay open; resume() lets it go on. Unix only.
