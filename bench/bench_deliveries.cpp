@@ -243,18 +243,19 @@ std::string deliveryOfManyPoints()
     return body + "]}]";
 }
 
-// Each shape of delivery, so many times.
-void measure(std::size_t deliveries)
+void measureMemory()
 {
-    // First of all, and before any body is made: a process inherits the memory of the one it comes from.
-    {
-        const ServiceProcess one;
-        const ServiceProcess other;
-        measureMemory(one, "one point, as many samples as fit", largestDelivery());
-        measureMemory(other, "50 000 points, then as many samples as fit", deliveryOfManyPoints());
-    }
+    const ServiceProcess one;
+    const ServiceProcess other;
+    measureMemory(one, "one point, as many samples as fit", largestDelivery());
+    measureMemory(other, "50 000 points, then as many samples as fit", deliveryOfManyPoints());
+}
+
+// Deliveries of each of these numbers of points, so many times.
+void measureSpeed(std::size_t deliveries, const std::vector<std::size_t>& pointsOfDelivery)
+{
     for (const std::size_t connections : {1, 2}) {
-        for (const std::size_t points : {1, 10, 100, 1'000, 10'000}) {
+        for (const std::size_t points : pointsOfDelivery) {
             std::printf("%5zu points a delivery, %zu connections  %9.0f samples/s\n", points, connections,
                         samplesPerSecond(points, deliveries, connections));
             std::fflush(stdout);
@@ -262,12 +263,29 @@ void measure(std::size_t deliveries)
     }
 }
 
+// Without arguments everything; otherwise the number of deliveries, and of the points in each of them.
+void measure(const std::vector<std::size_t>& numbers)
+{
+    const std::size_t deliveries = numbers.empty() ? 100 : numbers.front();
+    if (numbers.size() > 1) {
+        measureSpeed(deliveries, {numbers.begin() + 1, numbers.end()});
+        return;
+    }
+    // First of all, and before any body is made: a process inherits the memory of the one it comes from.
+    measureMemory();
+    measureSpeed(deliveries, {1, 10, 100, 1'000, 10'000});
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     try {
-        measure(argc > 1 ? std::strtoul(argv[1], nullptr, 10) : 100);
+        std::vector<std::size_t> numbers;
+        for (int i = 1; i < argc; ++i) {
+            numbers.push_back(std::strtoul(argv[i], nullptr, 10));
+        }
+        measure(numbers);
         return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "bench_deliveries: %s\n", error.what());

@@ -38,9 +38,8 @@ std::optional<RKMonitoring> monitoringNamed(Session& session, const QString& nam
     filter.exactName = name;
     const RKMonitoringCondition condition = conditionOf(filter);
     QList<RKMonitoring> found;
-    session.ask(QStringLiteral("find the monitoring \"%1\"").arg(name), [&] {
-        return session.projectData().getMonitoringRangeData(condition, 0, largestPage, found);
-    });
+    session.ask(QStringLiteral("find the monitoring \"%1\"").arg(name),
+                [&] { return session.projectData().getMonitoringRangeData(condition, 0, pageRows, found); });
     QStringList ids;
     for (const RKMonitoring& monitoring : qAsConst(found))
         ids.append(monitoring.id);

@@ -154,17 +154,6 @@ ExitCode listIdentifiers(Session& session, const NoOptions&)
     QList<QPair<QString, QString>> cells;
     session.ask(QStringLiteral("list monitorings"),
                 [&] { return session.projectData().getCellIdAndName(cells); });
-    // The service gives one page here, and nothing says that there are more.
-    if (cells.size() >= largestPage) {
-        cells.clear();
-        const RKMonitoringCondition all;
-        const QList<RKMonitoring> monitorings = pages::readAll(
-            QStringLiteral("monitorings"),
-            [&](int skip, int limit) { return readPage(session, all, skip, limit); },
-            [&] { return readCount(session, all); });
-        for (const RKMonitoring& monitoring : monitorings)
-            cells.append({monitoring.id, monitoring.name});
-    }
     session.output().addList(nameSheet(cells));
     return ExitCode::Success;
 }

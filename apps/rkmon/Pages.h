@@ -10,14 +10,14 @@ namespace CLI {
 class App;
 }
 
-/// Rows of the largest page that the service gives.
-constexpr int largestPage = 1000;
+/// Rows that are asked for at a time, and shown when the user names no number.
+constexpr int pageRows = 1000;
 
 /// Which part of a list the user wants.
 struct PageOptions
 {
     int skip = 0;
-    int limit = largestPage;
+    int limit = pageRows;
     bool isAll = false;
 };
 
@@ -32,7 +32,7 @@ constexpr int readingAttempts = 3;
 template <typename ReadPage, typename ReadCount>
 auto readAll(const QString& what, ReadPage readPage, ReadCount readCount)
 {
-    const auto rows = paging::readEverything(readPage, readCount, largestPage, readingAttempts);
+    const auto rows = paging::readEverything(readPage, readCount, pageRows, readingAttempts);
     if (!rows)
         throw Failure(ExitCode::Failed,
                       QStringLiteral("cannot list all %1: they kept changing while they were "

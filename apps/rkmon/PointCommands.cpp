@@ -117,18 +117,9 @@ void requireIdentifiers(const QList<RKPointLocation>& points, const QString& pur
                           QStringLiteral("cannot %1: the answer is not that of points").arg(purpose));
 }
 
-/// The service gives one page and there is no way to ask for the next.
-void noteFullPage(Session& session, int count)
-{
-    if (count >= largestPage)
-        session.note(
-            QStringLiteral("warning: there may be more than the %1 points shown; --name chooses").arg(count));
-}
-
 void addPoints(Session& session, const QList<RKPointLocation>& points, bool hasSamples)
 {
     session.output().addList(hasSamples ? sampleSheet(points) : pointSheet(points));
-    noteFullPage(session, points.size());
 }
 
 ExitCode listPoints(Session& session, const ListOptions& options)

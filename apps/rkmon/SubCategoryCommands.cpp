@@ -38,15 +38,9 @@ QStringList readCategories(Session& session)
 
 QList<RKMonitoringSubCategory> readSubCategories(Session& session, const QString& category)
 {
-    // The service gives one page and there is no way to ask for the next.
-    constexpr int largestPage = 1000;
     QList<RKMonitoringSubCategory> subCategories;
     session.ask(QStringLiteral("list the sub-categories of \"%1\"").arg(category),
                 [&] { return session.projectData().getMonitoringSubCategory(category, subCategories); });
-    if (subCategories.size() >= largestPage)
-        session.note(QStringLiteral("warning: \"%1\" may have more than the %2 sub-categories shown")
-                         .arg(category)
-                         .arg(subCategories.size()));
     return subCategories;
 }
 

@@ -5,7 +5,6 @@
 #include <simdjson.h>
 
 #include <iostream>
-#include <limits>
 
 namespace monitorservice {
 
@@ -44,7 +43,6 @@ std::vector<std::string> documentsOf(const Session& session, const std::string& 
         }
         DocumentQuery query;
         query.project = project.id;
-        query.limit = std::numeric_limits<std::uint64_t>::max();
         session.subCategories().visit(query,
                                       [&](std::string_view document) { documents.emplace_back(document); });
     }

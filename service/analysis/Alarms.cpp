@@ -63,7 +63,6 @@ LimitsByName limitsOf(const Session& session, const DeliveryTarget& target)
     query.project = target.project;
     query.parent = target.cell;
     query.where = &where;
-    query.limit = std::numeric_limits<std::uint64_t>::max();
     LimitsByName limits;
     session.groups().visit(query, [&limits](std::string_view document) { addGroup(limits, document); });
     return limits;

@@ -1,19 +1,12 @@
 #include "api/Listing.h"
 
+#include "api/AnswerSize.h"
 #include "api/Answers.h"
 #include "api/ApiError.h"
 #include "api/Parameters.h"
 #include "json/JsonText.h"
 
-#include <algorithm>
-
 namespace monitorservice {
-
-namespace {
-
-constexpr std::uint64_t largestPage = 1000;
-
-} // namespace
 
 ListParameters::ListParameters(const ApiRequest& request, const std::string& project)
 {
@@ -21,7 +14,7 @@ ListParameters::ListParameters(const ApiRequest& request, const std::string& pro
     query.project = project;
     query.categories = request.principal.categoriesWith(Right::Read, project);
     query.skip = parameters.number("skip").value_or(0);
-    query.limit = std::min(parameters.number("limit").value_or(largestPage), largestPage);
+    query.limit = parameters.number("limit").value_or(query.limit);
     onlyCount = parameters.flag("only_count");
     expand = parameters.flag("expand");
     if (const std::string* const order = parameters.text("order")) {
@@ -52,6 +45,7 @@ HttpResponse answerListing(const ApiRequest& request, const std::string& project
     JsonArrayWriter array;
     documents.visit(query, [&](std::string_view document) {
         expanding ? array.json(kind.expanded(document)) : array.json(document);
+        requireRoom(array.size());
     });
     return answerJson(array.finish());
 }

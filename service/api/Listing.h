@@ -35,7 +35,7 @@ struct ListKind
 };
 
 /// Answers a list of a project's documents, as ListParameters says: an array of those in categories that the caller
-/// may read, or their number as {"count": N}.
+/// may read, or their number as {"count": N}. Throws ApiError 413 when the array is longer than an answer may be.
 HttpResponse answerListing(const ApiRequest& request, const std::string& project, const Documents& documents,
                            const ListKind& kind = {});
 

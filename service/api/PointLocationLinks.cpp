@@ -5,8 +5,6 @@
 #include "api/Parameters.h"
 #include "api/Resources.h"
 
-#include <limits>
-
 namespace monitorservice {
 
 namespace {
@@ -46,7 +44,6 @@ DocumentQuery everyPoint(const Principal& principal, Right right, const std::str
     query.project = project;
     query.categories = principal.categoriesWith(right, project);
     query.where = &where;
-    query.limit = std::numeric_limits<std::uint64_t>::max();
     return query;
 }
 

@@ -5,8 +5,6 @@
 #include "api/Parameters.h"
 #include "api/Resources.h"
 
-#include <limits>
-
 namespace monitorservice {
 
 namespace {
@@ -23,7 +21,7 @@ enum class Points
 void requireRoom(const DailyStatistics& statistics)
 {
     if (statistics.size() > mostValues) {
-        throw ApiError(400,
+        throw ApiError(413,
                        "the answer would have more than " + std::to_string(mostValues) +
                            " values; ask for a shorter period with a condition on \"time\", or for fewer "
                            "points");
@@ -37,7 +35,6 @@ HttpResponse answerStatistics(const ApiRequest& request, const Where& where, Poi
     query.project = projectId;
     query.categories = request.principal.categoriesWith(Right::Read, projectId);
     query.where = &where;
-    query.limit = std::numeric_limits<std::uint64_t>::max();
     const std::optional<Project> project = request.session->projects().find(projectId);
     if (!project || (query.categories && query.categories->empty())) {
         throw notFound("project", projectId);

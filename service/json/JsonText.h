@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -45,6 +46,8 @@ public:
     JsonArrayWriter& json(std::string_view value);
     JsonArrayWriter& text(std::string_view value);
 
+    /// The length of what has been written so far.
+    std::size_t size() const { return m_text.size(); }
     /// The array; the writer is spent.
     std::string finish();
 

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -27,7 +28,8 @@ struct DocumentQuery
     /// As parseOrder() reads it; ties, and no order at all, are settled by rising identifier.
     std::optional<std::string> order;
     std::uint64_t skip = 0;
-    std::uint64_t limit = 0; ///< 0 gives no document; count() reads neither skip nor limit
+    /// The most documents given; all of them unless it is set. count() reads neither skip nor limit.
+    std::uint64_t limit = std::numeric_limits<std::uint64_t>::max();
 };
 
 /// The documents of one kind. Every member may throw StoreError; those with a condition also QueryError.

@@ -343,7 +343,7 @@ TEST_F(RkmonFailures, UsageErrorsSendNothing)
         {"monitoring"_q, "lst"_q},
         {"monitoring"_q, "list"_q, "--nam"_q, "x"_q},
         {"monitoring"_q, "list"_q, "--limit"_q, "0"_q},
-        {"monitoring"_q, "list"_q, "--limit"_q, "1001"_q},
+        {"monitoring"_q, "list"_q, "--limit"_q, "2147483648"_q},
         {"monitoring"_q, "list"_q, "--limit"_q, "ten"_q},
         {"monitoring"_q, "list"_q, "--skip"_q, "-1"_q},
         {"monitoring"_q, "list"_q, "--all"_q, "--limit"_q, "5"_q},

@@ -21,6 +21,17 @@ protected:
         return list("?where=" + test::percentEncoded(json) + more);
     }
 
+    static void insertCell(Session& session, const std::string& alarmTo)
+    {
+        const std::string id = session.newIdentifier();
+        std::string document = R"({"_id":")" + id;
+        document += R"(","projectId":"p1","name":"n","category":"Settlement","alarmTo":)";
+        document += alarmTo;
+        document += R"(,"links":[],"createdAt":"2015-12-21T06:30:00.123Z","createdBy":"a",)"
+                    R"("updatedAt":"2015-12-21T06:30:00.123Z","updatedBy":"a"})";
+        session.cells().insert("p1", id, document);
+    }
+
     std::vector<std::string> names(const test::RawAnswer& answer) const
     {
         EXPECT_EQ(answer.status, 200U) << answer.body;
@@ -83,24 +94,35 @@ TEST_F(CellsListing, LimitOfNothingGivesNothing)
     EXPECT_THAT(names(list("?skip=18446744073709551615&limit=18446744073709551615")), IsEmpty());
 }
 
-TEST_F(CellsListing, HoldsAThousandAtMost)
+TEST_F(CellsListing, HoldsEverythingUnlessALimitIsGiven)
 {
     write([](Session& session) {
-        for (int i = 0; i < 1001; ++i) {
-            const std::string id = session.newIdentifier();
-            session.cells().insert(
-                "p1", id,
-                R"({"_id":")" + id +
-                    R"(","projectId":"p1","name":"n","category":"Settlement","alarmTo":[],)"
-                    R"("links":[],"createdAt":"2015-12-21T06:30:00.123Z","createdBy":"a",)"
-                    R"("updatedAt":"2015-12-21T06:30:00.123Z","updatedBy":"a"})");
+        for (int i = 0; i < 1501; ++i) {
+            insertCell(session, "[]");
         }
     });
-    EXPECT_EQ(names(list("")).size(), 1000U);
-    EXPECT_EQ(names(list("?limit=1001")).size(), 1000U);
-    EXPECT_EQ(names(list("?limit=999")).size(), 999U);
-    EXPECT_EQ(names(list("?skip=1000")).size(), 1U);
-    EXPECT_EQ(list("?only_count=true").body, R"({"count":1001})");
+    EXPECT_EQ(names(list("")).size(), 1501U);
+    EXPECT_EQ(names(where(R"({"links":{"$ne":1}})")).size(), 1501U) << "asked of every document";
+    EXPECT_EQ(names(list("?limit=1500")).size(), 1500U);
+    EXPECT_EQ(names(list("?limit=5000")).size(), 1501U);
+    EXPECT_EQ(names(list("?skip=1000")).size(), 501U);
+    EXPECT_EQ(list("?only_count=true").body, R"({"count":1501})");
+}
+
+TEST_F(CellsListing, MoreThanAnAnswerHoldsIsRefusedNotCut)
+{
+    const std::string recipients = R"([")" + std::string(16 * 1024 * 1024, 'x') + R"("])";
+    write([&recipients](Session& session) {
+        for (int i = 0; i < 16; ++i) {
+            insertCell(session, recipients);
+        }
+    });
+    const test::RawAnswer refused = list("");
+    EXPECT_EQ(refused.status, 413U);
+    EXPECT_THAT(refused.body, HasSubstr("268435456 bytes; ask for pages"));
+    EXPECT_EQ(list("?limit=16").status, 413U);
+    EXPECT_EQ(names(list("?limit=15")).size(), 15U);
+    EXPECT_EQ(list("?only_count=true").body, R"({"count":16})");
 }
 
 TEST_F(CellsListing, ConditionsOfTheClientSelect)
