@@ -33,9 +33,10 @@ QString reason(const NetworkExchange& exchange, const QString& usual)
 }
 
 /// Nobody can tell whether a change whose answer was lost was carried out.
-QString withUncertainty(const NetworkExchange& exchange, const QString& message)
+QString withUncertainty(const NetworkExchange& exchange, const RequestContext& context,
+                        const QString& message)
 {
-    return isWrite(exchange)
+    return isWrite(exchange) && context.repetition == Repetition::MayDouble
                ? message +
                      QStringLiteral("; it may have been carried out all the same: look before you repeat it")
                : message;
@@ -59,17 +60,19 @@ Failure connectionFailure(const NetworkExchange& exchange, const RequestContext&
                            QStringLiteral("is its certificate signed by one in --ca-file?"));
     case QNetworkReply::TimeoutError:
         return {ExitCode::NoConnection,
-                withUncertainty(exchange, QStringLiteral("cannot %1: %2 did not answer within the deadline; "
-                                                         "--deadline SECONDS waits longer")
-                                              .arg(context.purpose, address))};
+                withUncertainty(exchange, context,
+                                QStringLiteral("cannot %1: %2 did not answer within the deadline; "
+                                               "--deadline SECONDS waits longer")
+                                    .arg(context.purpose, address))};
     case QNetworkReply::RemoteHostClosedError:
         return {ExitCode::NoConnection,
-                withUncertainty(exchange, QStringLiteral("cannot %1: the connection to %2 broke before the "
-                                                         "answer was complete")
-                                              .arg(context.purpose, address))};
+                withUncertainty(exchange, context,
+                                QStringLiteral("cannot %1: the connection to %2 broke before the "
+                                               "answer was complete")
+                                    .arg(context.purpose, address))};
     default:
         return {ExitCode::NoConnection,
-                withUncertainty(exchange,
+                withUncertainty(exchange, context,
                                 QStringLiteral("cannot %1: no answer from %2 (%3)")
                                     .arg(context.purpose, address,
                                          lowerFirst(reason(exchange, QStringLiteral("network error")))))};
@@ -117,10 +120,10 @@ Failure requestFailure(const NetworkExchange& exchange, const RequestContext& co
     if (exchange.httpStatus >= firstFailingStatus)
         return refusal(exchange, context);
     // A success that cannot be read, or no HTTP at all.
-    return {
-        ExitCode::Failed,
-        withUncertainty(exchange, QStringLiteral("cannot %1: the answer of %2 makes no sense (%3); is that "
-                                                 "the address of monitor-service?")
-                                      .arg(context.purpose, context.baseApi,
-                                           reason(exchange, QStringLiteral("not understood"))))};
+    return {ExitCode::Failed,
+            withUncertainty(exchange, context,
+                            QStringLiteral("cannot %1: the answer of %2 makes no sense (%3); is that "
+                                           "the address of monitor-service?")
+                                .arg(context.purpose, context.baseApi,
+                                     reason(exchange, QStringLiteral("not understood"))))};
 }

@@ -6,6 +6,13 @@
 
 struct NetworkExchange;
 
+/// What it means to do a change again when nobody can tell whether it was carried out.
+enum class Repetition
+{
+    MayDouble, ///< the user must look first
+    IsHarmless ///< it then changes nothing; what repeats it says so
+};
+
 /// What the user is told of a request that failed.
 struct RequestContext
 {
@@ -13,6 +20,7 @@ struct RequestContext
     QString purpose;
     QString baseApi;
     QString tokenFile;
+    Repetition repetition = Repetition::MayDouble;
 };
 
 /// Whether the exchange brought no usable answer. A reading request that was answered with success but without

@@ -1,7 +1,6 @@
 #include "Session.h"
 
 #include "Messages.h"
-#include "RequestFailure.h"
 
 Session::Session(const Configuration& configuration, OutputForm form)
     : m_configuration(configuration), m_output(form)
@@ -38,10 +37,11 @@ void Session::finish()
         note(message);
 }
 
-void Session::requireAnswer(const QString& purpose) const
+void Session::requireAnswer(const QString& purpose, Repetition repetition) const
 {
     if (!m_lastExchange)
         throw Failure(ExitCode::Failed, QStringLiteral("cannot %1: no request was sent").arg(purpose));
     if (hasFailed(*m_lastExchange))
-        throw requestFailure(*m_lastExchange, {purpose, m_configuration.baseApi, m_configuration.tokenFile});
+        throw requestFailure(*m_lastExchange,
+                             {purpose, m_configuration.baseApi, m_configuration.tokenFile, repetition});
 }

@@ -3,6 +3,7 @@
 #include "Configuration.h"
 #include "ExitCode.h"
 #include "Output.h"
+#include "RequestFailure.h"
 
 #include <NetworkManager.h>
 #include <RKMonitoringData.h>
@@ -38,11 +39,11 @@ public:
     /// when the request failed. The operation's own flag does not decide: some report a failure as success,
     /// others an empty answer as a failure. `purpose` completes "cannot ...".
     template <typename Operation>
-    auto ask(const QString& purpose, Operation operation)
+    auto ask(const QString& purpose, Operation operation, Repetition repetition = Repetition::MayDouble)
     {
         m_lastExchange.reset();
         auto result = operation();
-        requireAnswer(purpose);
+        requireAnswer(purpose, repetition);
         return result;
     }
 
@@ -56,7 +57,7 @@ public:
     void finish();
 
 private:
-    void requireAnswer(const QString& purpose) const;
+    void requireAnswer(const QString& purpose, Repetition repetition) const;
 
     Configuration m_configuration;
     Output m_output;

@@ -162,6 +162,30 @@ TEST_F(RkmonImport, SendsNothingWhenARowIsBad)
     EXPECT_EQ(listed({"data"_q, "list"_q}).size(), 0);
 }
 
+TEST_F(RkmonImport, TakesTheFileOfASpreadsheetAndNamesItsBadLine)
+{
+    created("VH"_q);
+    QByteArray content = "\xef\xbb\xbfname;depth;time;count;value\r\n";
+    for (int line = 2; line <= 800; ++line)
+        content += "W1;20;2015-12-18T00:00:00-08:00;" + QByteArray::number(line) + ";0,25\r\n";
+    QByteArray broken = content;
+    broken.replace("W1;20;2015-12-18T00:00:00-08:00;700;", "W1;20;2015-12-32T00:00:00-08:00;700;");
+    const QString bad = write("bad.csv", broken);
+    const Result refused = import({bad});
+    EXPECT_EQ(refused.code, 1);
+    EXPECT_EQ(refused.messages, "%1:700: time \"2015-12-32T00:00:00-08:00\" does not exist\n"
+                                "rkmon: nothing was sent: see the bad rows above\n"_q.arg(bad));
+    const QString headless = write("headless.csv", QByteArray(content).replace(";count", QByteArray()));
+    EXPECT_TRUE(
+        import({headless}).messages.startsWith(headless + ":1: the header names no column \"count\""_q));
+    EXPECT_EQ(listed({"data"_q, "list"_q}).size(), 0);
+
+    ASSERT_EQ(import({write("good.csv", content)}).code, 0);
+    const QJsonArray held = listed({"point"_q, "list"_q, "--cell"_q, "VH"_q, "--samples"_q});
+    ASSERT_EQ(held.size(), 799);
+    EXPECT_EQ(number(held[0], "value"), 0.25);
+}
+
 TEST_F(RkmonImport, DryRunSendsNothing)
 {
     created("VH"_q);
@@ -229,6 +253,58 @@ TEST_F(RkmonImport, LaterFilesLeaveTheInitialValueAlone)
     EXPECT_EQ(text(details[0], "totalVar"), "1.25"_q);
     EXPECT_EQ(number(details[0], "totalBeyound"), 0.25);
     EXPECT_EQ(listed({"alarm"_q, "list"_q, "--name"_q, "nothing"_q}).size(), 0);
+}
+
+TEST_F(RkmonImport, APointOfAnotherSubCategoryIsAnotherPoint)
+{
+    created("VH"_q);
+    createSubCategory("Slope"_q, "Tilt"_q, "TI"_q);
+    done({"group"_q, "create"_q, "--cell"_q, "VH"_q, "--sub-category"_q, "TI"_q, "--name"_q, "Tilt"_q,
+          "--point"_q, "P1"_q, "--total-limit"_q, "1"_q});
+    const auto deliver = [&](const char* subCategory, const char* name, const QByteArray& rows) {
+        const Result result = done({"point"_q, "import"_q, "--cell"_q, "VH"_q, "--sub-category"_q,
+                                    QString::fromUtf8(subCategory), "--json"_q, write(name, header + rows)});
+        EXPECT_EQ(result.messages, QString());
+        return result.object().value("newPoints"_q).toInt(-1);
+    };
+    EXPECT_EQ(deliver("SM", "a.csv", "P1,20,2015-12-18T00:00:00-08:00,1,0.25\n"), 1);
+    EXPECT_EQ(deliver("TI", "b.csv", "P2,20,2015-12-18T00:00:00-08:00,1,7\n"), 1);
+    // Both sub-categories hold data, and of P1 there is one.
+    EXPECT_EQ(deliver("SM", "c.csv", "P1,20,2015-12-19T00:00:00-08:00,2,0.26\n"), 0);
+    EXPECT_EQ(deliver("TI", "d.csv", "P1,20,2015-12-19T00:00:00-08:00,2,5\n"), 1);
+    EXPECT_EQ(deliver("TI", "e.csv", "P1,20,2015-12-20T00:00:00-08:00,3,5.75\n"), 0);
+    EXPECT_EQ(listed({"alarm"_q, "list"_q}).size(), 0);
+    EXPECT_EQ(deliver("TI", "f.csv", "P1,20,2015-12-21T00:00:00-08:00,4,6.5\n"), 0);
+    const QJsonArray alarms = listed({"alarm"_q, "list"_q});
+    ASSERT_EQ(alarms.size(), 1);
+    EXPECT_EQ(text(listed({"alarm"_q, "detail"_q, text(alarms[0], "id")})[0], "totalVar"), "1.5"_q);
+}
+
+TEST_F(RkmonImport, WhenTheSubCategoryOfAPointCannotBeToldItsInitialValueStays)
+{
+    const QByteArray time = R"("createdAt":"2015-12-18T09:00:00.000Z")";
+    ScriptServer server;
+    rkmon.configure(server.baseAddress(), project, editor.text);
+    server.answerJson(200, R"([{"_id":"0123456789abcdef01234567","name":"VH","category":"Slope"}])");
+    server.answerJson(200, R"([{"_id":"0123456789abcdef01234568","name":"Soil moisture","alias":"SM"}])");
+    server.answerJson(
+        200, R"([{"_id":"d1","subCategoryId":"0123456789abcdef01234568"},{"_id":"d2","subCategoryId":"x"}])");
+    server.answerJson(200, R"({"count":2})");
+    server.answerJson(
+        200, R"([{"time":"2015-12-18T00:00:00.000-08:00","data":[{"_id":"p","name":"W1","depth":"20",)"
+             R"("time":"2015-12-18T08:00:00Z","value":1,"count":1}]}])");
+    server.answerJson(200, R"([{"_id":"p","name":"W1","depth":"20",)" + time + "}]");
+    server.answerJson(200, "[{" + time + "}]"); // both were delivered to when the point was made
+    server.answerJson(200, "[{" + time + "}]");
+    server.answerJson(200, "[]");
+    const Result result = import({write("a.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n")});
+    EXPECT_EQ(result.code, 0);
+    EXPECT_EQ(result.messages,
+              "rkmon: warning: W1 at depth 20 is taken for a point that is there already, so it gets "
+              "no initial value\n"_q);
+    EXPECT_TRUE(server.isUsedUp());
+    const QJsonArray body = QJsonDocument::fromJson(server.requests().last().body).array();
+    EXPECT_EQ(body[0].toArray()[0].toObject().value("initialValue"_q).toDouble(-1), 0);
 }
 
 TEST_F(RkmonImport, PointsAreListedShownFoundAndLinked)
@@ -508,12 +584,35 @@ TEST_F(RkmonImport, ABreakTellsWhatWasDeliveredBefore)
     server.answerJson(200, "[]");
     server.answerRaw({ScriptServer::Step::reset()});
     // Two files of one target go in two requests.
-    const Result result = import({write("a.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n"),
-                                  write("b.csv", header + "W1,20,2015-12-19T00:00:00-08:00,2,0.25\n")});
+    const QString second = write("b.csv", header + "W1,20,2015-12-19T00:00:00-08:00,2,0.25\n");
+    const Result result =
+        import({write("a.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n"), second});
     EXPECT_EQ(result.code, 5);
     EXPECT_EQ(result.output, QString());
-    EXPECT_TRUE(result.messages.contains(
-        "; 1 of 2 samples had been delivered before, and the import can be repeated safely\n"_q))
-        << result.messages.toStdString();
+    EXPECT_EQ(result.messages, "rkmon: cannot deliver %1: the connection to %2 broke before the answer was "
+                               "complete; 1 of 2 samples had "
+                               "been delivered before; the import can be repeated safely\n"_q.arg(
+                                   second, server.baseAddress()));
+    EXPECT_TRUE(server.isUsedUp());
+}
+
+TEST_F(RkmonImport, ALostCreationCanBeRepeatedToo)
+{
+    ScriptServer server;
+    rkmon.configure(server.baseAddress(), project, editor.text);
+    server.answerJson(200, R"(["Slope"])");
+    server.answerJson(200, R"([{"_id":"0123456789abcdef01234568","name":"Soil moisture","alias":"SM"}])");
+    server.answerJson(200, "[]"); // no monitoring yet
+    server.answerRaw({ScriptServer::Step::reset()});
+    write("a.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n");
+    const QString plan = write("project.json", R"({"categories": ["Slope"],
+        "subCategories": [{"category": "Slope", "name": "Soil moisture", "alias": "SM"}],
+        "monitorings": [{"name": "VH", "category": "Slope"}], "groups": [],
+        "files": [{"file": "a.csv", "monitoring": "VH", "subCategory": "SM"}]})");
+    const Result result = rkmon.run({"point"_q, "import"_q, "--project-file"_q, plan});
+    EXPECT_EQ(result.code, 5);
+    EXPECT_EQ(result.messages,
+              "rkmon: cannot create monitoring \"VH\": the connection to %1 broke before the answer was "
+              "complete; the import can be repeated safely\n"_q.arg(server.baseAddress()));
     EXPECT_TRUE(server.isUsedUp());
 }

@@ -192,11 +192,12 @@ QList<QList<Delivery>> requestsOf(const QList<Delivery>& deliveries, int largest
     QList<QList<Delivery>> requests;
     int sampleCount = 0;
     for (const Delivery& delivery : deliveries) {
-        const auto hasTarget = [&](const Delivery& other) {
-            return other.target == delivery.target;
+        const auto hasMonitoring = [&](const Delivery& other) {
+            return other.target.cellId == delivery.target.cellId;
         };
-        const bool fits = !requests.isEmpty() && sampleCount + delivery.sampleCount <= largest &&
-                          std::none_of(requests.constLast().cbegin(), requests.constLast().cend(), hasTarget);
+        const bool fits =
+            !requests.isEmpty() && sampleCount + delivery.sampleCount <= largest &&
+            std::none_of(requests.constLast().cbegin(), requests.constLast().cend(), hasMonitoring);
         if (!fits) {
             requests.append(QList<Delivery>());
             sampleCount = 0;

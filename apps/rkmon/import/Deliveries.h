@@ -65,8 +65,9 @@ constexpr int largestRequest = 50'000;
 QList<Delivery> deliveriesOf(const QList<PlacedFile>& files, const QSet<PointKey>& known,
                              int largest = largestRequest);
 
-/// The same deliveries by request: in order, at most `largest` samples each, and never two of one target, since
-/// the service takes a request as one delivery per target.
+/// The same deliveries by request: in order, at most `largest` samples each, and never two of one monitoring: the
+/// service takes a request as one delivery per target, and the time of a point's creation tells its sub-category only if
+/// it was made alone (PointOrigins).
 QList<QList<Delivery>> requestsOf(const QList<Delivery>& deliveries, int largest = largestRequest);
 
 /// A reading that another file of the same target contradicts: "FILE:LINE: reason"; as many as are kept.

@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "Pages.h"
+#include "import/PointOrigins.h"
 
 #include <algorithm>
 
@@ -10,8 +11,11 @@ namespace {
 /// Names of one request; the service takes a condition of 8 KB.
 constexpr int largestNames = 4000;
 
-/// Sub-categories that the service holds data of for a monitoring.
-QSet<QString> subCategoriesHeld(Session& session, const QString& cellId)
+/// Name and depth.
+using Place = QPair<QString, QString>;
+
+/// The data that the service holds of a monitoring: one for each sub-category.
+QList<RKDataManage> dataHeld(Session& session, const QString& cellId)
 {
     RKDataManageCondition condition;
     condition.cellId = cellId;
@@ -28,37 +32,15 @@ QSet<QString> subCategoriesHeld(Session& session, const QString& cellId)
                     [&] { return session.projectData().getDataManageRangeCount(condition, count); });
         return count;
     };
-    QSet<QString> held;
-    for (const RKDataManage& data : pages::readAll(QStringLiteral("data held"), readPage, readCount))
-        held.insert(data.subCategoryId);
-    return held;
+    return pages::readAll(QStringLiteral("data held"), readPage, readCount);
 }
 
-/// Name and depth of the points of a monitoring that are called one of `names`. The statistic tells them with one
-/// entry per day, where reading the points would bring every sample.
-QSet<QPair<QString, QString>> pointsMeasured(Session& session, const QString& cellId,
-                                             const QStringList& names)
-{
-    RKPointLocationCondition condition;
-    condition.cellId = cellId;
-    condition.names = names;
-    QMap<QDate, QList<RKPointLocationChartData>> days;
-    session.ask(QStringLiteral("find the points that are there already"),
-                [&] { return session.projectData().getNormalPointLocation(condition, days); });
-    QSet<QPair<QString, QString>> points;
-    for (const QList<RKPointLocationChartData>& day : qAsConst(days))
-        for (const RKPointLocationChartData& entry : day)
-            points.insert({entry.name, entry.depth});
-    return points;
-}
-
-/// Names of the points of a monitoring, in portions that a request can hold.
-QList<QStringList> namePortions(const QSet<PointKey>& points, const QString& cellId)
+/// Names of the points, in portions that a request can hold.
+QList<QStringList> namePortions(const QList<PointKey>& points)
 {
     QStringList names;
     for (const PointKey& point : points)
-        if (point.target.cellId == cellId)
-            names.append(point.name);
+        names.append(point.name);
     names.removeDuplicates();
     names.sort();
     QList<QStringList> portions;
@@ -75,36 +57,85 @@ QList<QStringList> namePortions(const QSet<PointKey>& points, const QString& cel
     return portions;
 }
 
-QSet<QPair<QString, QString>> pointsOfCell(Session& session, const QSet<PointKey>& points,
-                                           const QString& cellId)
+/// Identifiers of a monitoring's points with these names. The statistic tells them with one entry per day, where
+/// reading the points would bring every sample.
+QHash<Place, QSet<QString>> pointsMeasured(Session& session, const QString& cellId,
+                                           const QList<QStringList>& portions)
 {
-    QSet<QPair<QString, QString>> measured;
-    for (const QStringList& names : namePortions(points, cellId))
-        measured.unite(pointsMeasured(session, cellId, names));
+    QHash<Place, QSet<QString>> measured;
+    for (const QStringList& names : portions) {
+        RKPointLocationCondition condition;
+        condition.cellId = cellId;
+        condition.names = names;
+        QMap<QDate, QList<RKPointLocationChartData>> days;
+        session.ask(QStringLiteral("find the points that are there already"),
+                    [&] { return session.projectData().getNormalPointLocation(condition, days); });
+        for (const QList<RKPointLocationChartData>& day : qAsConst(days))
+            for (const RKPointLocationChartData& entry : day)
+                measured[{entry.name, entry.depth}].insert(entry.id);
+    }
     return measured;
+}
+
+/// Whether one of the points `ids`, all called alike, is that of `point`. When that cannot be told it is taken to be: an
+/// initial value that is replaced by mistake would hide how far the point has moved.
+bool isAmong(Session& session, const PointKey& point, const QSet<QString>& ids, const PointOrigins& origins)
+{
+    bool isPossible = false;
+    for (const QString& id : ids) {
+        const QSet<QString> subCategories = origins.subCategoriesOf(id);
+        if (!subCategories.contains(point.target.subCategoryId))
+            continue;
+        if (subCategories.size() == 1)
+            return true;
+        isPossible = true;
+    }
+    if (isPossible)
+        session.note(QStringLiteral("warning: %1 is taken for a point that is there already, so it gets no "
+                                    "initial value")
+                         .arg(pointText(point.name, point.depth)));
+    return isPossible;
+}
+
+/// Those of `points` that are known; all are of `cellId`.
+QSet<PointKey> knownOfCell(Session& session, const QString& cellId, const QList<PointKey>& points)
+{
+    const QList<RKDataManage> held = dataHeld(session, cellId);
+    QList<PointKey> concerned;
+    for (const PointKey& point : points)
+        if (std::any_of(held.cbegin(), held.cend(), [&](const RKDataManage& data) {
+                return data.subCategoryId == point.target.subCategoryId;
+            }))
+            concerned.append(point);
+    const QHash<Place, QSet<QString>> measured = pointsMeasured(session, cellId, namePortions(concerned));
+
+    QSet<PointKey> known;
+    QList<PointKey> unclear;
+    for (const PointKey& point : qAsConst(concerned)) {
+        const int count = measured.value({point.name, point.depth}).size();
+        if (count == held.size()) // one in each sub-category
+            known.insert(point);
+        else if (count > 0)
+            unclear.append(point);
+    }
+    if (unclear.isEmpty())
+        return known;
+    const PointOrigins origins(session, cellId, namePortions(unclear), held);
+    for (const PointKey& point : qAsConst(unclear))
+        if (isAmong(session, point, measured.value({point.name, point.depth}), origins))
+            known.insert(point);
+    return known;
 }
 
 } // namespace
 
 QSet<PointKey> knownPoints(Session& session, const QSet<PointKey>& points)
 {
-    QSet<QString> cells;
+    QMap<QString, QList<PointKey>> cells;
     for (const PointKey& point : points)
-        cells.insert(point.target.cellId);
-
+        cells[point.target.cellId].append(point);
     QSet<PointKey> known;
-    for (const QString& cell : qAsConst(cells)) {
-        const QSet<QString> held = subCategoriesHeld(session, cell);
-        const bool isConcerned = std::any_of(points.cbegin(), points.cend(), [&](const PointKey& point) {
-            return point.target.cellId == cell && held.contains(point.target.subCategoryId);
-        });
-        if (!isConcerned)
-            continue;
-        const QSet<QPair<QString, QString>> measured = pointsOfCell(session, points, cell);
-        for (const PointKey& point : points)
-            if (point.target.cellId == cell && held.contains(point.target.subCategoryId) &&
-                measured.contains({point.name, point.depth}))
-                known.insert(point);
-    }
+    for (auto cell = cells.cbegin(); cell != cells.cend(); ++cell)
+        known.unite(knownOfCell(session, cell.key(), *cell));
     return known;
 }

@@ -173,8 +173,10 @@ void send(Session& session, const QList<Delivery>& request)
         batches.append(delivery.points);
     QString message;
     try {
-        session.ask(QStringLiteral("deliver %1").arg(pathsOf(request)),
-                    [&] { return session.projectData().createPointLocation(batches, message); });
+        session.ask(
+            QStringLiteral("deliver %1").arg(pathsOf(request)),
+            [&] { return session.projectData().createPointLocation(batches, message); },
+            Repetition::IsHarmless);
     } catch (const Failure& failure) {
         // A refused delivery is the one internal server error whose words are meant for the sender.
         if (failure.code() != ExitCode::Failed || message.isEmpty())
@@ -197,16 +199,29 @@ void sendAll(Session& session, const QList<Delivery>& deliveries, int sampleCoun
         } catch (const Failure& failure) {
             if (sent == 0)
                 throw;
-            throw Failure(failure.code(),
-                          QStringLiteral("%1; %2 of %3 samples had been delivered before, and the "
-                                         "import can be repeated safely")
-                              .arg(failure.message())
-                              .arg(sent)
-                              .arg(sampleCount));
+            throw Failure(failure.code(), QStringLiteral("%1; %2 of %3 samples had been delivered before")
+                                              .arg(failure.message())
+                                              .arg(sent)
+                                              .arg(sampleCount));
         }
         for (const Delivery& delivery : request)
             sent += delivery.sampleCount;
         progress.show(sent);
+    }
+}
+
+/// Runs what changes the service. After a break it says what is true of everything in an import: whether or not the
+/// change was carried out, going on with the same import is safe.
+template <typename Work>
+void changeRepeatably(Work work)
+{
+    try {
+        work();
+    } catch (const Failure& failure) {
+        if (failure.code() != ExitCode::NoConnection)
+            throw;
+        throw Failure(failure.code(),
+                      failure.message() + QStringLiteral("; the import can be repeated safely"));
     }
 }
 
@@ -227,7 +242,7 @@ ExitCode deliver(Session& session, const QList<PlacedFile>& files, bool isDryRun
     if (isDryRun)
         session.note(QStringLiteral("all rows are good; nothing was sent"));
     else
-        sendAll(session, deliveries, summary.samples);
+        changeRepeatably([&] { sendAll(session, deliveries, summary.samples); });
     summary.isSent = !isDryRun;
     session.output().addRecord(summarySheet(summary));
     return ExitCode::Success;
@@ -258,7 +273,7 @@ ExitCode importProject(Session& session, const ImportOptions& options)
         for (const QString& name : setUp.missingMonitorings())
             session.note(QStringLiteral("would create monitoring \"%1\"").arg(name));
     } else {
-        setUp.createMissing();
+        changeRepeatably([&] { setUp.createMissing(); });
         place();
     }
     return deliver(session, files, options.isDryRun);

@@ -84,14 +84,17 @@ void ProjectSetUp::createMissing()
         createGroups(monitoring);
 }
 
+// Creating again is harmless: what a repeated import finds it does not create.
+
 void ProjectSetUp::createMonitorings()
 {
     for (const RKMonitoring& planned : m_plan.monitorings) {
         if (m_monitorings.contains(planned.name))
             continue;
         RKMonitoring monitoring = planned;
-        m_session.ask(QStringLiteral("create monitoring \"%1\"").arg(planned.name),
-                      [&] { return m_session.projectData().createMonitoring(monitoring); });
+        m_session.ask(
+            QStringLiteral("create monitoring \"%1\"").arg(planned.name),
+            [&] { return m_session.projectData().createMonitoring(monitoring); }, Repetition::IsHarmless);
         m_session.note(QStringLiteral("created monitoring \"%1\" (%2)").arg(monitoring.name, monitoring.id));
         m_monitorings.insert(monitoring.name, monitoring);
     }
@@ -113,8 +116,9 @@ void ProjectSetUp::createGroups(const RKMonitoring& monitoring)
         });
         if (found == known.cend()) {
             const QString name = group.groupName;
-            m_session.ask(QStringLiteral("create group \"%1\"").arg(name),
-                          [&] { return m_session.projectData().createGroup(group); });
+            m_session.ask(
+                QStringLiteral("create group \"%1\"").arg(name),
+                [&] { return m_session.projectData().createGroup(group); }, Repetition::IsHarmless);
             m_session.note(QStringLiteral("created group \"%1\" of \"%2\"").arg(name, monitoring.name));
         } else if (!hasSameLimits(*found, group)) {
             m_session.note(

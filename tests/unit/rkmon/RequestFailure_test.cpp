@@ -105,6 +105,17 @@ TEST(RequestFailure, LostAnswerOfAChangeLeavesItsOutcomeOpen)
     EXPECT_FALSE(requestFailure(read, context).message().contains(open));
 }
 
+TEST(RequestFailure, LostAnswerOfAHarmlessRepetitionAsksForNoLook)
+{
+    RequestContext harmless = context;
+    harmless.repetition = Repetition::IsHarmless;
+    for (const auto error : {QNetworkReply::RemoteHostClosedError, QNetworkReply::TimeoutError,
+                             QNetworkReply::ProtocolFailure}) {
+        const Failure failure = requestFailure(exchangeOf(error, 0, "", "POST"), harmless);
+        EXPECT_FALSE(failure.message().contains(QStringLiteral("look before"))) << failure.what();
+    }
+}
+
 TEST(RequestFailure, ReadWithoutContentHasFailed)
 {
     NetworkExchange exchange = exchangeOf(QNetworkReply::NoError, 200);

@@ -73,20 +73,21 @@ TEST(Deliveries, NoneForAFileWithoutRows)
     EXPECT_TRUE(deliveriesOf({placed("a", "c", "s", "")}, {}).isEmpty());
 }
 
-TEST(Deliveries, RequestsAreBoundedAndNeverHoldATargetTwice)
+TEST(Deliveries, RequestsAreBoundedAndNeverHoldAMonitoringTwice)
 {
-    const auto delivery = [](const char* cell, int samples) {
+    const auto delivery = [](const char* cell, int samples, const char* subCategory = "s") {
         Delivery made;
-        made.target = {QString::fromUtf8(cell), "s"_q};
+        made.target = {QString::fromUtf8(cell), QString::fromUtf8(subCategory)};
         made.sampleCount = samples;
         return made;
     };
     const QList<QList<Delivery>> requests = requestsOf(
-        {delivery("a", 40), delivery("b", 60), delivery("c", 1), delivery("c", 1), delivery("d", 150)}, 100);
+        {delivery("a", 40), delivery("b", 60), delivery("c", 1), delivery("c", 1, "t"), delivery("d", 150)},
+        100);
     ASSERT_EQ(requests.size(), 4);
     EXPECT_EQ(requests[0].size(), 2); // a and b fill it
     EXPECT_EQ(requests[1].size(), 1); // c
-    EXPECT_EQ(requests[2].size(), 1); // c again
+    EXPECT_EQ(requests[2].size(), 1); // c again, though another sub-category
     EXPECT_EQ(requests[3].size(), 1); // one that is larger goes alone
 }
 
