@@ -30,14 +30,14 @@ void PointOrigins::readDeliveries(Session& session, const RKDataManage& data)
     RKHistoryDataCondition condition;
     condition.dataManageId = data.id;
     // Newest first and never fewer: what is added meanwhile makes pages overlap, but none is missed.
-    for (int skip = 0;; skip += largestPage) {
+    for (int skip = 0;; skip += pageRows) {
         QList<HistoryData> page;
         session.ask(QStringLiteral("list the deliveries of %1").arg(data.id), [&] {
-            return session.projectData().getHistoryRangeData(condition, skip, largestPage, page);
+            return session.projectData().getHistoryRangeData(condition, skip, pageRows, page);
         });
         for (const HistoryData& entry : qAsConst(page))
             m_subCategoriesByTime[entry.createdAt.toMSecsSinceEpoch()].insert(data.subCategoryId);
-        if (page.size() < largestPage)
+        if (page.size() < pageRows)
             return;
     }
 }
