@@ -2,6 +2,7 @@
 # Installs the Debian packages that building, testing and running need; what is there already stays as it is.
 #   scripts/setup.sh            what the build, the tests and the demonstration need
 #   scripts/setup.sh --checks   and the tools of the source checks
+#   scripts/setup.sh --oracles  and what runs the other implementations of the query language
 set -euo pipefail
 
 packages=(
@@ -15,6 +16,10 @@ packages=(
 )
 if [ "${1:-}" = --checks ]; then
   packages+=(clang-format-14 clang-tidy-14)
+fi
+# A Node.js of another maker brings npm along and does not go together with Debian's npm.
+if [ "${1:-}" = --oracles ] && ! { command -v node && command -v npm; } >/dev/null; then
+  packages+=(nodejs npm)
 fi
 
 if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
