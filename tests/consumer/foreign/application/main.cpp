@@ -5,6 +5,7 @@
 #include <RKMonitoringData.h>
 
 #include <QCoreApplication>
+#include <QJsonArray>
 
 #include <gtest/gtest.h>
 
@@ -22,6 +23,7 @@ protected:
     {
         data.clear();
         wire.requests.clear();
+        wire.answer = "{}";
         wire.error = QNetworkReply::NoError;
     }
 
@@ -66,6 +68,54 @@ TEST_F(ForeignCompanions, WhereTextStandsRawAndWithTheirDates)
     ASSERT_EQ(monitorings.size(), 1);
     EXPECT_EQ(monitorings.first().createdAt, QDateTime(QDate(2024, 3, 2), QTime(10, 20, 30), Qt::UTC));
     EXPECT_EQ(monitorings.first().alarmTo, QStringList{q("ANN")});
+}
+
+/// Two relations, and the text that the companions here make of them.
+QMap<QString, QStringList> links()
+{
+    return {{q("model"), {q("m1"), q("m2")}}, {q("photo"), {q("p1")}}};
+}
+
+QJsonArray linksText()
+{
+    return {QJsonObject{{q("relation"), q("model")}, {q("identifiers"), QJsonArray{q("m1"), q("m2")}}},
+            QJsonObject{{q("relation"), q("photo")}, {q("identifiers"), QJsonArray{q("p1")}}}};
+}
+
+TEST_F(ForeignCompanions, DeliveredPointsHaveTheirLinksArray)
+{
+    RKPointLocation point;
+    point.cellId = q("c1");
+    point.name = q("S1");
+    point.links = links();
+    EXPECT_TRUE(data.createPointLocation(QList<RKPointLocation>{point}));
+    QString message;
+    EXPECT_TRUE(data.createPointLocation(QList<QList<RKPointLocation>>{{point}}, message));
+    ASSERT_EQ(wire.requests.size(), 2);
+    EXPECT_EQ(wire.requests[0].url, q("foreign://service/monitor-service/pointLocations"));
+    EXPECT_EQ(wire.requests[0].body[0][q("links")], QJsonValue(linksText()));
+    EXPECT_EQ(wire.requests[1].body[0][0][q("links")], QJsonValue(linksText()));
+}
+
+TEST_F(ForeignCompanions, RelinkedPointsHaveTheirLinksArray)
+{
+    RKPointLocationCondition condition;
+    condition.cellId = q("c1");
+    EXPECT_TRUE(data.updatePointLocation(condition, links()));
+    ASSERT_EQ(wire.requests.size(), 1);
+    EXPECT_EQ(wire.requests.first().method, "PUT");
+    EXPECT_EQ(wire.requests.first().url,
+              q("foreign://service/monitor-service/pointLocations?where={\"cellId\":\"c1\"}"));
+    EXPECT_EQ(wire.requests.first().body[q("links")], QJsonValue(linksText()));
+}
+
+TEST_F(ForeignCompanions, RelationsAreReadFromTheirLinksArray)
+{
+    wire.answer = R"({"_id":"x1","entity":[{"relation":"model","identifiers":["m1","m2"]},
+                                           {"relation":"photo","identifiers":["p1"]}]})";
+    RKPointLocation point;
+    EXPECT_TRUE(data.getPointLocationByPointId(q("x1"), point));
+    EXPECT_EQ(point.links, links());
 }
 
 TEST_F(ForeignCompanions, TheirErrorIsAFailure)
