@@ -42,4 +42,5 @@ void runContest(const std::string& title, const std::vector<Contestant>& contest
         std::printf("  %-40s %8.1f us  (%.1f to %.1f)  ratio %.3f\n", contestants[i].name.c_str(),
                     median(times[i]), *least, *most, median(times[i]) / first);
     }
+    std::fflush(stdout);
 }

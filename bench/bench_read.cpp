@@ -1,0 +1,249 @@
+// A large read: the bytes of a reply of 5 000 points with 100 samples each become records. What a program would use
+// instead does the same work on the same bytes over the same loopback; parsing alone is the measure.
+
+#include "Contest.h"
+#include "PlainServer.h"
+#include "peers/BlockingCurl.h"
+#include "peers/QtWay.h"
+#include "peers/StandardRecords.h"
+#include "pointlocation/PointLocationJson.h"
+
+#include <NetworkManager.h>
+#include <RKBaseApi.h>
+#include <RKMonitoringData.h>
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+
+namespace {
+
+/// The reply as the service writes it.
+QByteArray replyOf(int points, int samplesPerPoint)
+{
+    QByteArray body = "[";
+    for (int i = 0; i < points; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        body +=
+            (i == 0 ? R"({"_id":"0151c3)" : R"(,{"_id":"0151c3)") + number.rightJustified(18, '0') +
+            R"(","projectId":"01a1fa47d838000000000000","cellId":"01a1fa47dd90000000000000",)"
+            R"("subCategoryId":"01a1fa47dd90000000000001","category":"Settlement","name":"SP-)" +
+            number +
+            R"(","alias":"","dataType":1,"initialValue":12,"offsetDirection":"","depth":"",)"
+            R"("insertCount":100,"lastCount":99,"lastDate":"2015-12-21T08:00:00.000-08:00","fileId":null,)"
+            R"("entity":[{"type":"model","rId":"m)" +
+            number +
+            R"("}],"createdAt":"2015-12-21T16:00:00.000Z","createdBy":"A. Engineer",)"
+            R"("updatedAt":"2015-12-21T16:00:00.000Z","updatedBy":"A. Engineer","data":[)";
+        for (int j = 0; j < samplesPerPoint; ++j) {
+            const QByteArray hour = QByteArray::number(j % 24).rightJustified(2, '0');
+            const QByteArray day = QByteArray::number(1 + j / 24 % 28).rightJustified(2, '0');
+            body += (j == 0 ? R"({"count":)" : R"(,{"count":)") + QByteArray::number(j) +
+                    R"(,"time":"2015-12-)" + day + "T" + hour + R"(:30:00.000-08:00","value":)" +
+                    QByteArray::number(12.0 + (i * 37 + j * 11) % 1000 / 128.0, 'g', 17) +
+                    R"(,"timeFlag":""})";
+        }
+        body += "]}";
+    }
+    return body + "]";
+}
+
+void check(bool isRight, const char* who)
+{
+    if (!isRight)
+        throw std::runtime_error(std::string(who) + " read something else");
+}
+
+class Reads
+{
+public:
+    Reads(int points, int samplesPerPoint)
+        : m_points(points), m_samples(samplesPerPoint), m_body(replyOf(points, samplesPerPoint)),
+          m_server(m_body), m_standardUrl((m_server.baseAddress() + "monitor-service/x").toStdString()),
+          m_url(QString::fromStdString(m_standardUrl))
+    {
+        RKBaseApi::GetInstance().setBaseApi(QString::fromLatin1(m_server.baseAddress()));
+        NetworkManager::instance().setProxy(QStringLiteral("direct"));
+        NetworkManager::instance().setMaximumReplySize(Q_INT64_C(1) << 30);
+    }
+
+    int bytes() const { return m_body.size(); }
+
+    std::vector<Contestant> wholeReads()
+    {
+        return {{"QJsonDocument::fromJson alone, without HTTP",
+                 [this] {
+                     parse();
+                 }},
+                {"getPointLocation",
+                 [this] {
+                     byLibrary();
+                 }},
+                {"QNetworkAccessManager and QJsonDocument",
+                 [this] {
+                     byQt();
+                 }},
+                {"libcurl and nlohmann/json",
+                 [this] {
+                     byNlohmann();
+                 }},
+                {"libcurl and simdjson",
+                 [this] {
+                     bySimdjson();
+                 }},
+                {"libcurl, nothing read", [this] {
+                     byCurl();
+                 }}};
+    }
+
+    /// Objects to records alone.
+    std::vector<Contestant> mappings()
+    {
+        m_array = QJsonDocument::fromJson(m_body).array();
+        return {{"the way of QNetworkAccessManager's users",
+                 [this] {
+                     check(QtWay::points(m_array).last().data.size() == m_samples, "Qt's way");
+                 }},
+                {"the library", [this] {
+                     QList<RKPointLocation> points;
+                     points.reserve(m_array.size());
+                     for (const QJsonValue& value : m_array) {
+                         points.append(RKPointLocation());
+                         rk::pointLocationFromJson(value.toObject(), points.last());
+                     }
+                     check(points.last().data.size() == m_samples, "the library");
+                 }}};
+    }
+
+    void parse() { check(QJsonDocument::fromJson(m_body).array().size() == m_points, "QJsonDocument"); }
+    void byLibrary()
+    {
+        QList<RKPointLocation> points;
+        RKPointLocationCondition condition;
+        const bool isRead = m_data.getPointLocation(condition, points, false);
+        check(isRead && points.size() == m_points && points.last().data.size() == m_samples, "the library");
+        m_data.clear();
+    }
+    void byQt()
+    {
+        const auto points = QtWay::points(QJsonDocument::fromJson(m_qt.get(m_url)).array());
+        check(points.size() == m_points && points.last().data.size() == m_samples, "Qt");
+    }
+    void byNlohmann()
+    {
+        const StandardPoints points = pointsByNlohmann(m_curl.get(m_standardUrl));
+        check(points.size() == std::size_t(m_points) && points.back().data.size() == std::size_t(m_samples),
+              "nlohmann/json");
+    }
+    void bySimdjson()
+    {
+        const StandardPoints points = pointsBySimdjson(m_curl.get(m_standardUrl));
+        check(points.size() == std::size_t(m_points) && points.back().data.size() == std::size_t(m_samples),
+              "simdjson");
+    }
+    void byCurl() { check(m_curl.get(m_standardUrl).size() == std::size_t(m_body.size()), "libcurl"); }
+
+private:
+    int m_points;
+    int m_samples;
+    QByteArray m_body;
+    PlainServer m_server;
+    std::string m_standardUrl;
+    QString m_url;
+    BlockingCurl m_curl;
+    QtWay m_qt;
+    QJsonArray m_array;
+    RKMonitoringData& m_data = *RKMonitoringData::instance();
+};
+
+/// The most memory that this process held, in MB (proc(5)); 0 where the system does not say.
+double peakMegabytes()
+{
+    QFile file(QStringLiteral("/proc/self/status"));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    const QList<QByteArray> lines = file.readAll().split('\n');
+    for (const QByteArray& line : lines) {
+        if (line.startsWith("VmHWM:"))
+            return line.mid(6).trimmed().split(' ').first().toDouble() * 1024 / 1e6;
+    }
+    return 0;
+}
+
+/// Runs one read in a process of its own and prints what it held at most beyond the reply that is served.
+void printPeak(const char* what, const char* name, int points, int samples)
+{
+    const auto peak = [&](const char* reader) {
+        QProcess process;
+        process.start(QCoreApplication::applicationFilePath(),
+                      {QStringLiteral("--peak"), QString::fromLatin1(reader), QString::number(points),
+                       QString::number(samples)});
+        process.waitForFinished(-1);
+        return process.readAllStandardOutput().trimmed().toDouble();
+    };
+    std::printf("  %-44s %8.1f MB\n", what, peak(name) - peak("nothing"));
+}
+
+int measurePeak(const QStringList& arguments)
+{
+    Reads reads(arguments[3].toInt(), arguments[4].toInt());
+    const QString reader = arguments[2];
+    if (reader == QLatin1String("parse"))
+        reads.parse();
+    else if (reader == QLatin1String("library"))
+        reads.byLibrary();
+    else if (reader == QLatin1String("qt"))
+        reads.byQt();
+    else if (reader == QLatin1String("nlohmann"))
+        reads.byNlohmann();
+    else if (reader == QLatin1String("simdjson"))
+        reads.bySimdjson();
+    std::printf("%f\n", peakMegabytes());
+    return EXIT_SUCCESS;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() == 5 && arguments[1] == QLatin1String("--peak"))
+        return measurePeak(arguments);
+    const int rounds = arguments.size() > 1 ? arguments[1].toInt() : 7;
+    constexpr int points = 5000;
+    constexpr int samples = 100;
+    {
+        Reads reads(points, samples);
+        const std::string size = std::to_string(points) + " points with " + std::to_string(samples) +
+                                 " samples, " + std::to_string(reads.bytes() / 1'000'000) + " MB";
+        runContest("Reply to records: " + size, reads.wholeReads(), rounds, 1);
+        runContest("Objects to records: " + size, reads.mappings(), rounds, 1);
+    }
+    std::printf("Memory at most beyond the served reply\n");
+    printPeak("QJsonDocument::fromJson alone, without HTTP", "parse", points, samples);
+    printPeak("getPointLocation", "library", points, samples);
+    printPeak("QNetworkAccessManager and QJsonDocument", "qt", points, samples);
+    printPeak("libcurl and nlohmann/json", "nlohmann", points, samples);
+    printPeak("libcurl and simdjson", "simdjson", points, samples);
+
+    std::printf("Growth: getPointLocation of points with one sample\n");
+    for (const int count : {100, 1000, 10'000, 100'000, 500'000}) {
+        Reads reads(count, 1);
+        runContest(std::to_string(count) + " points",
+                   {{"getPointLocation",
+                     [&reads] {
+                         reads.byLibrary();
+                     }}},
+                   5, count >= 100'000 ? 1 : 100'000 / count);
+        printPeak("memory", "library", count, 1);
+    }
+    return EXIT_SUCCESS;
+}
