@@ -2,6 +2,7 @@
 
 #include "analysis/DeliveryRefusal.h"
 #include "analysis/JsonPieces.h"
+#include "query/InQuotes.h"
 #include "query/Timestamp.h"
 #include "json/JsonText.h"
 
@@ -133,7 +134,7 @@ void forEachMember(ondemand::object object, const std::string& place,
         const std::string_view name = field.unescaped_key();
         const auto found = std::find(known.begin(), known.end(), name);
         if (found == known.end()) {
-            refuse(place + "." + std::string(name.substr(0, 100)), "is not a member that can be delivered");
+            refuse(place + "." + shortened(name), "is not a member that can be delivered");
         }
         const std::uint32_t bit = 1U << static_cast<unsigned>(found - known.begin());
         Member member{field.value(), place, *found};

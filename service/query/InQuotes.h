@@ -5,6 +5,9 @@
 
 namespace monitorservice {
 
+/// Valid UTF-8 \a text for a message: cut between two characters, with an ellipsis, when it is long.
+std::string shortened(std::string_view text);
+
 /// Valid UTF-8 \a text between quotation marks for a message, shortened when it is long.
 std::string inQuotes(std::string_view text);
 

@@ -140,6 +140,10 @@ RKMonitoringSubCategory subCategoryOf(const Node& node, const ProjectFile& proje
     subCategory.alias = node.textOr("alias", QString());
     if (project.subCategory(subCategory.category, subCategory.name) != nullptr)
         node.failAt("name", QStringLiteral("\"%1\" stands there twice").arg(subCategory.name));
+    // Files and groups may name it by either, and must not mean two.
+    if (!subCategory.alias.isEmpty() &&
+        project.subCategory(subCategory.category, subCategory.alias) != nullptr)
+        node.failAt("alias", QStringLiteral("\"%1\" stands there twice").arg(subCategory.alias));
     return subCategory;
 }
 

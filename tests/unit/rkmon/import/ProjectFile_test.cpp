@@ -77,6 +77,12 @@ TEST(ProjectFile, NamesWhatIsWrong)
         {R"({"categories": ["Slope"], "monitorings": [{"name": "VH", "category": "Slope"},
             {"name": "VH", "category": "Slope"}]})",
          "in/project.json: monitorings[1].name \"VH\" stands there twice"},
+        {R"({"categories": ["Slope"], "subCategories": [{"category": "Slope", "name": "Rain", "alias": "R"},
+            {"category": "Slope", "name": "Radon", "alias": "R"}]})",
+         "in/project.json: subCategories[1].alias \"R\" stands there twice"},
+        {R"({"categories": ["Slope"], "subCategories": [{"category": "Slope", "name": "Rain"},
+            {"category": "Slope", "name": "Rainfall", "alias": "Rain"}]})",
+         "in/project.json: subCategories[1].alias \"Rain\" stands there twice"},
     };
     for (const auto& [content, refusal] : cases)
         EXPECT_EQ(refusalOf(content), refusal) << content.toStdString();

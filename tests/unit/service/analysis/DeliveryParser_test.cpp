@@ -158,6 +158,8 @@ TEST(DeliveryParser, RefusalNamesElementMemberAndReason)
         {begin + R"(,"n\u0061me":"W2"}])", R"("[0].name" comes twice)"},
         {begin + R"(,"data":[],"data":[]}])", R"("[0].data" comes twice)"},
         {begin + R"(,"_id":"x"}])", R"("[0]._id" is not a member that can be delivered)"},
+        {begin + ",\"" + std::string(99, 'x') + "ä\":1}]",
+         "\"[0]." + std::string(99, 'x') + "…\" is not a member that can be delivered"},
         {begin + R"(,"depth":2.5}])", R"("[0].depth" must be a text)"},
         {begin + R"(,"depth":null}])", R"("[0].depth" must be a text)"},
         {begin + R"(,"projectId":7}])", R"("[0].projectId" must be a text)"},
