@@ -23,5 +23,8 @@ function(rk_target_defaults target)
     target_compile_options(${target} PRIVATE
       -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
       -Wold-style-cast -Wcast-qual -Werror)
+    # Qt's qCDebug leaves its variadic argument out, as C++20 allows.
+    target_compile_options(${target} PRIVATE
+      $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wno-gnu-zero-variadic-macro-arguments>)
   endif()
 endfunction()
