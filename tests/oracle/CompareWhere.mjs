@@ -1,12 +1,11 @@
 // Compares the matcher's verdicts on random pairs of document and where document with those of the oracles.
 //
-//   node CompareWhere.mjs MATCHER [--pairs N] [--seed N]
+//   node CompareWhere.mjs MATCHER
 //
-// MATCHER is the program where_verdicts. The same seed gives the same pairs. RK_TEST_LONG=1 in the environment: twenty
-// times as many. The exit status is 1 when a verdict differs, a where document is refused or too little was compared.
+// MATCHER is the program where_verdicts. In the environment, RK_TEST_SEED: the same seed gives the same pairs; RK_TEST_LONG:
+// twenty times as many. The exit status is 1 when a verdict differs, a where document is refused or too little was compared.
 
 import { spawnSync } from 'node:child_process';
-import { parseArgs } from 'node:util';
 
 import { Chance } from './Chance.mjs';
 import { operatorsIn, rules, rulesFor } from './Deviations.mjs';
@@ -16,20 +15,17 @@ import { randomPair } from './RandomPairs.mjs';
 const batchSize = 10_000;
 const longestList = 10;
 
-const { values: given, positionals } = parseArgs({
-  allowPositionals: true,
-  options: { pairs: { type: 'string', default: '50000' }, seed: { type: 'string', default: '20240301' } },
-});
-const wantedPairs = Number(given.pairs) * (process.env.RK_TEST_LONG === '1' ? 20 : 1);
-const seed = Number(given.seed);
-if (positionals.length !== 1 || !Number.isInteger(wantedPairs) || wantedPairs < 1 || !Number.isInteger(seed)) {
-  console.error('usage: node CompareWhere.mjs MATCHER [--pairs N] [--seed N]');
+const [matcher] = process.argv.slice(2);
+const wantedPairs = process.env.RK_TEST_LONG === undefined ? 50_000 : 1_000_000;
+const seed = Number(process.env.RK_TEST_SEED ?? 20240301);
+if (matcher === undefined || !Number.isInteger(seed)) {
+  console.error('usage: [RK_TEST_SEED=INTEGER] [RK_TEST_LONG=1] node CompareWhere.mjs MATCHER');
   process.exit(2);
 }
 
 function matcherVerdicts(pairs) {
   const lines = pairs.map((pair) => `${JSON.stringify(pair)}\n`).join('');
-  const run = spawnSync(positionals[0], { input: lines, encoding: 'utf8', maxBuffer: 1 << 28 });
+  const run = spawnSync(matcher, { input: lines, encoding: 'utf8', maxBuffer: 1 << 28 });
   const verdicts = (run.stdout ?? '').split('\n').slice(0, -1);
   if (run.status !== 0 || verdicts.length !== pairs.length)
     throw new Error(`the matcher ended with ${run.status ?? run.signal ?? run.error} after ${verdicts.length} verdicts: ${run.stderr}`);

@@ -23,7 +23,7 @@ const texts = [
   '\u212a1', 'x\ny', 'x\nY', 'x\n', 'x\r\ny', 'x\u2028y', 'a\u0000b', '\u0000', "o'clock", 'a.b', 'a*b', '$in', '\u00a0', '\ufeffa',
   '2024-03-01', '2024-03-01T11', '2024-03', '2024-03-01T00:00:00', '2024-02-30T00:00:00Z', '2024-03-01 00:00:00Z',
   '2024-03-01T24:00:00Z', '2024-03-01T00:00:60Z', '2024-03-01T00:00:00+14:01', '2024-03-01T00:00:00.Z', '2024-13-01T00:00:00Z'];
-const commonTexts = ['a', 'b', 'ab', 'A', 'K1', 'k1', 'Wall K1 north', 'é', '基坑', '10'];
+const commonTexts = ['a', 'b', 'ab', 'A', 'K1', 'k1', 'Wall K1 north', 'é', '基坑', '10', 'x\ny', 'K1\nk2'];
 
 const numbers = [
   '0', '-0', '-0.0', '0.0', '1', '1.0', '-1', '2', '5', '5.0', '5e0', '9', '10', '1e1', '1.5', '0.1', '0.3', '0.30000000000000004',
@@ -86,16 +86,19 @@ const maybe = (usual) => (chance) => {
   return kind === 2 ? anyValue(chance) : usual(chance);
 };
 
+/** As maybe, and missing more often, as members of samples and relations are. */
+const rarer = (usual) => (chance) => (chance.oneIn(5) ? undefined : maybe(usual)(chance));
+
 /** An object whose members are made in order; those that make undefined are left out. */
 const objectOf = (makers) => (chance) =>
   Object.fromEntries(Object.entries(makers).map(([name, make]) => [name, make(chance)]).filter(([, value]) => value !== undefined));
 
-const relation = objectOf({ type: maybe((chance) => chance.of(['model', 'drawing'])), rId: maybe((chance) => chance.of(['m1', 'm2', 'm3'])) });
+const relation = objectOf({ type: rarer((chance) => chance.of(['model', 'drawing'])), rId: rarer((chance) => chance.of(['m1', 'm2', 'm3'])) });
 const sample = objectOf({
   time: maybe(anyTime),
-  value: maybe(anyNumber),
-  timeFlag: maybe((chance) => chance.of(['A', 'B'])),
-  tags: maybe((chance) => list(chance, 2, anyText)),
+  value: rarer(anyNumber),
+  timeFlag: rarer((chance) => chance.of(['A', 'B'])),
+  tags: rarer((chance) => list(chance, 2, anyText)),
 });
 
 const members = {
@@ -135,7 +138,7 @@ function respelt(chance, value) {
   if (isTime(value)) return timeText(chance, Date.parse(value));
   if (value instanceof NumberText && largeNumbers.includes(value.text)) return new NumberText(chance.of(largeNumbers));
   if (value instanceof NumberText && /^-?\d{1,9}$/.test(value.text)) return new NumberText(`${value.text}.0`);
-  if (isPlainObject(value)) return Object.fromEntries(chance.shuffled(Object.entries(value)));
+  if (isPlainObject(value)) return Object.fromEntries(chance.shuffled(Object.entries(value)).slice(chance.oneIn(3) ? 1 : 0));
   if (Array.isArray(value)) return chance.oneIn(3) ? [...value].reverse() : value.map((member) => respelt(chance, member));
   return value;
 }
@@ -147,6 +150,7 @@ const anyOfType = (chance, path) => {
 };
 
 function operand(chance, document, path) {
+  if (chance.oneIn(15)) return null;
   const candidates = found(document, path.split('.'));
   if (candidates.length > 0 && !chance.oneIn(5)) {
     const value = chance.of(candidates);
@@ -169,14 +173,22 @@ const patterns = [
   '^É', 'σας', 'плотина', '基', '\\.', 'a\\*b', '(?=.*k)(?=.*1)', '^(?!K)', '(.)\\1', '[\u{1f600}-\u{1f64f}]', '\u{1f600}', 'k1', 'ss', 'ß',
   '\\d', '^\\w+$', '\\s', '\\bK', '\\x41', '\\n', '2024', 'T00:00', 'Z$', '(?<n>a)b', 'a+?b', '[[:alpha:]]', '\\Aa', '\\p{L}', '\\X', '\\h', '(?i)k', 'a++b', '(?>a)b', ' K 1 # name'];
 
+/** A pattern for a part of the text, with some of it open or in the other case. */
+function patternWithin(chance, text) {
+  const characters = [...text];
+  const begin = chance.below(characters.length);
+  const end = begin + 1 + chance.below(4);
+  const part = characters.slice(begin, end).map((character) => {
+    const kind = chance.below(12);
+    if (kind < 2) return '.';
+    return escaped(kind === 2 ? character.toLowerCase() : kind === 3 ? character.toUpperCase() : character);
+  });
+  return (chance.oneIn(4) ? '^' : '') + part.join('') + (chance.oneIn(4) ? '$' : '');
+}
+
 function regexOperators(chance, document, path) {
   const held = found(document, path.split('.')).flat().filter((value) => typeof value === 'string' && value.length > 0);
-  let pattern = chance.of(patterns);
-  if (held.length > 0 && chance.oneIn(3)) {
-    const characters = [...chance.of(held)];
-    const begin = chance.below(characters.length);
-    pattern = escaped(characters.slice(begin, begin + 1 + chance.below(4)).join(''));
-  }
+  const pattern = held.length > 0 && chance.oneIn(2) ? patternWithin(chance, chance.of(held)) : chance.of(patterns);
   const operators = { $regex: pattern };
   if (chance.oneIn(2)) operators.$options = chance.shuffled(['i', 'i', 'm', 's', ...(chance.oneIn(8) ? ['x'] : [])]).slice(0, chance.below(4)).join('');
   return chance.oneIn(2) ? operators : Object.fromEntries(Object.entries(operators).reverse());
