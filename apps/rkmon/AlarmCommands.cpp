@@ -32,7 +32,7 @@ struct DepthOptions
     QString depth;
 };
 
-Sheet alarmSheet(const QList<RKAlarm>& alarms)
+Sheet alarmSheet(Session& session, const QList<RKAlarm>& alarms)
 {
     constexpr bool listed = true;
     constexpr bool fixed = true;
@@ -40,11 +40,13 @@ Sheet alarmSheet(const QList<RKAlarm>& alarms)
                  {QStringLiteral("RAISED"), QStringLiteral("alarmTime"), listed, fixed},
                  {QStringLiteral("MONITORING"), QStringLiteral("cellName"), listed, !fixed},
                  {QStringLiteral("MONITORING ID"), QStringLiteral("cellId"), !listed, fixed},
-                 {QStringLiteral("SUB-CATEGORY"), QStringLiteral("subCategoryId"), listed, fixed},
+                 {QStringLiteral("SUB-CATEGORY"), QStringLiteral("subCategoryName"), listed, !fixed},
+                 {QStringLiteral("SUB-CATEGORY ID"), QStringLiteral("subCategoryId"), !listed, fixed},
                  {QStringLiteral("POINTS"), QStringLiteral("pointCounts"), listed, fixed}},
                 {}};
     for (const RKAlarm& alarm : alarms)
-        sheet.rows.append({alarm.id, alarm.alarmTime, alarm.cellName, alarm.cellId, alarm.subCategoryId,
+        sheet.rows.append({alarm.id, alarm.alarmTime, alarm.cellName, alarm.cellId,
+                           lookup::subCategoryName(session, alarm.subCategoryId), alarm.subCategoryId,
                            alarm.pointCounts});
     return sheet;
 }
@@ -53,15 +55,16 @@ Sheet detailSheet(const QList<RKAlarmDetail>& details)
 {
     constexpr bool listed = true;
     constexpr bool fixed = true;
+    constexpr bool computed = true;
     Sheet sheet{{{QStringLiteral("ID"), QStringLiteral("id"), listed, fixed},
                  {QStringLiteral("POINT"), QStringLiteral("pointName"), listed, !fixed},
                  {QStringLiteral("DEPTH"), QStringLiteral("depth"), listed, fixed},
                  {QStringLiteral("MEASURED"), QStringLiteral("monitorTime"), listed, fixed},
                  {QStringLiteral("COUNT"), QStringLiteral("monitorCount"), !listed, fixed},
-                 {QStringLiteral("TOTAL"), QStringLiteral("totalVar"), listed, fixed},
-                 {QStringLiteral("OVER BY"), QStringLiteral("totalBeyound"), listed, fixed},
-                 {QStringLiteral("DAILY"), QStringLiteral("dayVar"), listed, fixed},
-                 {QStringLiteral("OVER BY"), QStringLiteral("dayBeyound"), listed, fixed},
+                 {QStringLiteral("TOTAL"), QStringLiteral("totalVar"), listed, fixed, computed},
+                 {QStringLiteral("OVER BY"), QStringLiteral("totalBeyound"), listed, fixed, computed},
+                 {QStringLiteral("DAILY"), QStringLiteral("dayVar"), listed, fixed, computed},
+                 {QStringLiteral("OVER BY"), QStringLiteral("dayBeyound"), listed, fixed, computed},
                  {QStringLiteral("PER DEPTH"), QStringLiteral("isThreeVar"), !listed, fixed},
                  {QStringLiteral("INCLINOMETER"), QStringLiteral("isInclinometer"), !listed, fixed},
                  {QStringLiteral("RAISED"), QStringLiteral("alarmTime"), !listed, fixed}},
@@ -79,10 +82,11 @@ Sheet depthSheet(const QList<AlarmThree>& depths)
 {
     constexpr bool listed = true;
     constexpr bool fixed = true;
+    constexpr bool computed = true;
     Sheet sheet{{{QStringLiteral("ID"), QStringLiteral("id"), !listed, fixed},
                  {QStringLiteral("POINT"), QStringLiteral("pointName"), listed, !fixed},
                  {QStringLiteral("DEPTH"), QStringLiteral("depth"), listed, fixed},
-                 {QStringLiteral("TOTAL"), QStringLiteral("totalValue"), listed, fixed},
+                 {QStringLiteral("TOTAL"), QStringLiteral("totalValue"), listed, fixed, computed},
                  {QStringLiteral("MEASURED"), QStringLiteral("monitorTime"), listed, fixed},
                  {QStringLiteral("COUNT"), QStringLiteral("monitorCount"), listed, fixed}},
                 {}};
@@ -135,8 +139,9 @@ ExitCode listAlarms(Session& session, const ListOptions& options)
                     [&] { return session.projectData().getAlarmRangeCount(condition, count); });
         return count;
     };
-    session.output().addList(
-        alarmSheet(pages::read(session, options.page, QStringLiteral("alarms"), readPage, readCount)));
+    const QList<RKAlarm> alarms =
+        pages::read(session, options.page, QStringLiteral("alarms"), readPage, readCount);
+    session.output().addList(alarmSheet(session, alarms));
     return ExitCode::Success;
 }
 

@@ -35,25 +35,33 @@ struct DeleteOptions
     bool isConfirmed = false;
 };
 
-Sheet dataSheet(const QList<RKDataManage>& dataManages)
+Sheet dataSheet(Session& session, const QList<RKDataManage>& dataManages)
 {
     constexpr bool listed = true;
     constexpr bool fixed = true;
     Sheet sheet{{{QStringLiteral("ID"), QStringLiteral("id"), listed, fixed},
-                 {QStringLiteral("MONITORING"), QStringLiteral("cellId"), listed, fixed},
+                 {QStringLiteral("MONITORING"), QStringLiteral("cellName"), listed, !fixed},
+                 {QStringLiteral("MONITORING ID"), QStringLiteral("cellId"), !listed, fixed},
                  {QStringLiteral("CATEGORY"), QStringLiteral("category"), listed, !fixed},
-                 {QStringLiteral("ALIAS"), QStringLiteral("alias"), listed, !fixed},
-                 {QStringLiteral("SUB-CATEGORY"), QStringLiteral("subCategoryId"), !listed, fixed},
+                 {QStringLiteral("SUB-CATEGORY"), QStringLiteral("subCategoryName"), listed, !fixed},
+                 {QStringLiteral("ALIAS"), QStringLiteral("alias"), !listed, !fixed},
+                 {QStringLiteral("SUB-CATEGORY ID"), QStringLiteral("subCategoryId"), !listed, fixed},
                  {QStringLiteral("LATEST"), QStringLiteral("lastDate"), listed, fixed},
                  {QStringLiteral("ROWS"), QStringLiteral("lastCount"), listed, fixed},
                  {QStringLiteral("FILE"), QStringLiteral("fileId"), !listed, fixed},
                  {QStringLiteral("UPDATED"), QStringLiteral("updatedAt"), !listed, fixed},
                  {QStringLiteral("UPDATED BY"), QStringLiteral("updatedBy"), !listed, !fixed}},
                 {}};
+    QSet<QString> cells;
+    for (const RKDataManage& data : dataManages)
+        cells.insert(data.cellId);
+    lookup::readMonitoringNames(session, cells);
     for (const RKDataManage& data : dataManages) {
         const QString file = data.fileId.isEmpty() ? QString() : data.fileId;
-        sheet.rows.append({data.id, data.cellId, data.category, data.alias, data.subCategoryId, data.lastDate,
-                           data.lastCount, file, data.updatedAt, data.updatedBy});
+        sheet.rows.append({data.id, lookup::monitoringName(session, data.cellId), data.cellId, data.category,
+                           lookup::subCategoryName(session, data.subCategoryId), data.alias,
+                           data.subCategoryId, data.lastDate, data.lastCount, file, data.updatedAt,
+                           data.updatedBy});
     }
     return sheet;
 }
@@ -115,10 +123,11 @@ ExitCode listData(Session& session, const ListOptions& options)
     condition.category = markers::keptOutOf(options.category);
     if (!options.cell.isEmpty())
         condition.cellId = lookup::monitoring(session, options.cell).id;
-    session.output().addList(dataSheet(pages::read(
+    const QList<RKDataManage> dataManages = pages::read(
         session, options.page, QStringLiteral("data held"),
         [&](int skip, int limit) { return readPage(session, condition, skip, limit); },
-        [&] { return readCount(session, condition); })));
+        [&] { return readCount(session, condition); });
+    session.output().addList(dataSheet(session, dataManages));
     return ExitCode::Success;
 }
 

@@ -50,13 +50,15 @@ struct DeleteOptions
     bool isConfirmed = false;
 };
 
-Sheet groupSheet(const QList<PointLocSetting>& groups)
+Sheet groupSheet(Session& session, const QList<PointLocSetting>& groups)
 {
     constexpr bool listed = true;
     constexpr bool fixed = true;
     Sheet sheet{{{QStringLiteral("ID"), QStringLiteral("id"), listed, fixed},
-                 {QStringLiteral("MONITORING"), QStringLiteral("cellId"), listed, fixed},
-                 {QStringLiteral("SUB-CATEGORY"), QStringLiteral("subCategoryId"), listed, fixed},
+                 {QStringLiteral("MONITORING"), QStringLiteral("cellName"), listed, !fixed},
+                 {QStringLiteral("MONITORING ID"), QStringLiteral("cellId"), !listed, fixed},
+                 {QStringLiteral("SUB-CATEGORY"), QStringLiteral("subCategoryName"), listed, !fixed},
+                 {QStringLiteral("SUB-CATEGORY ID"), QStringLiteral("subCategoryId"), !listed, fixed},
                  {QStringLiteral("NAME"), QStringLiteral("name"), listed, !fixed},
                  {QStringLiteral("POINTS"), QStringLiteral("points"), listed, !fixed},
                  {QStringLiteral("TOTAL LIMIT"), QStringLiteral("totalLimit"), listed, fixed},
@@ -68,15 +70,20 @@ Sheet groupSheet(const QList<PointLocSetting>& groups)
                  {QStringLiteral("UPDATED"), QStringLiteral("updatedAt"), !listed, fixed},
                  {QStringLiteral("UPDATED BY"), QStringLiteral("updatedBy"), !listed, !fixed}},
                 {}};
+    QSet<QString> cells;
+    for (const PointLocSetting& group : groups)
+        cells.insert(group.cellId);
+    lookup::readMonitoringNames(session, cells);
     for (const PointLocSetting& group : groups) {
         const QString viewPort = group.viewPortId.isEmpty() ? QString() : group.viewPortId;
         // A rule that this program does not know is shown as the service words it.
         const QVariant dailyIn = group.dayVarType == inUnits     ? QVariant(unitText)
                                  : group.dayVarType == inPercent ? QVariant(percentText)
                                                                  : QVariant(group.dayVarType);
-        sheet.rows.append({group.id, group.cellId, group.subCategoryId, group.groupName, group.groupPoint,
-                           group.totalVar, group.dayVarValue, dailyIn, viewPort, group.createdAt,
-                           group.createdBy, group.updatedAt, group.updatedBy});
+        sheet.rows.append({group.id, lookup::monitoringName(session, group.cellId), group.cellId,
+                           lookup::subCategoryName(session, group.subCategoryId), group.subCategoryId,
+                           group.groupName, group.groupPoint, group.totalVar, group.dayVarValue, dailyIn,
+                           viewPort, group.createdAt, group.createdBy, group.updatedAt, group.updatedBy});
     }
     return sheet;
 }
@@ -126,7 +133,7 @@ ExitCode listGroups(Session& session, const ListOptions& options)
         for (const QString& category :
              options.category.isEmpty() ? categories(session) : QStringList{options.category})
             groups.append(groupsOfCategory(session, category));
-    session.output().addList(groupSheet(groups));
+    session.output().addList(groupSheet(session, groups));
     return ExitCode::Success;
 }
 
@@ -172,7 +179,7 @@ ExitCode createGroup(Session& session, const CreateOptions& options)
     const QString purpose = QStringLiteral("create group \"%1\"").arg(group.groupName);
     session.ask(purpose, [&] { return session.projectData().createGroup(group); });
     requireIdentifier(group, purpose);
-    session.output().addText(groupSheet({group}), group.id);
+    session.output().addText(groupSheet(session, {group}), group.id);
     return ExitCode::Success;
 }
 
@@ -193,6 +200,9 @@ ExitCode updateGroup(Session& session, const UpdateOptions& options)
     PointLocSetting checked;
     assignMembers(members, checked); // refused before anything is sent
     const PointLocSetting before = findGroup(session, options.id);
+    // Its names, before anything is changed: what was done could not be told when they cannot be read then.
+    lookup::monitoringName(session, before.cellId);
+    lookup::subCategoryName(session, before.subCategoryId);
     PointLocSetting group = before;
     assignMembers(members, group);
     if (isSame(before, group)) {
@@ -202,7 +212,7 @@ ExitCode updateGroup(Session& session, const UpdateOptions& options)
         session.ask(purpose, [&] { return session.data().updateGroup(before, group); });
         requireIdentifier(group, purpose);
     }
-    session.output().addRecord(groupSheet({group}));
+    session.output().addRecord(groupSheet(session, {group}));
     return ExitCode::Success;
 }
 

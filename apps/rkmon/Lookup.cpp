@@ -75,6 +75,35 @@ QList<RKMonitoringSubCategory> subCategories(Session& session, const QString& ca
     return found;
 }
 
+QString monitoringName(Session& session, const QString& id)
+{
+    if (id.isEmpty())
+        return QString();
+    return session.recall(QStringLiteral("read monitoring %1").arg(id),
+                          [&] { return session.data().getMonitoringName(id); });
+}
+
+void readMonitoringNames(Session& session, const QSet<QString>& ids)
+{
+    if (ids.size() < 2)
+        return;
+    QList<RKMonitoring> monitorings;
+    session.ask(QStringLiteral("list monitorings"), [&] {
+        return session.projectData().getMonitoringRangeData(RKMonitoringCondition(), 0, pageRows,
+                                                            monitorings);
+    });
+}
+
+QString subCategoryName(Session& session, const QString& id)
+{
+    if (id.isEmpty())
+        return QString();
+    RKMonitoringSubCategory subCategory;
+    session.recall(QStringLiteral("read sub-category %1").arg(id),
+                   [&] { return session.data().getSubCategoryById(id, subCategory); });
+    return subCategory.name;
+}
+
 std::optional<RKMonitoringSubCategory> subCategoryAmong(const QList<RKMonitoringSubCategory>& known,
                                                         const QString& text)
 {

@@ -6,6 +6,7 @@
 #include <RKMonitoringSubCategory.h>
 
 #include <QList>
+#include <QSet>
 #include <QString>
 
 #include <optional>
@@ -31,6 +32,15 @@ std::optional<RKMonitoring> monitoringNamed(Session& session, const QString& nam
 RKMonitoring monitoring(Session& session, const QString& text);
 
 QList<RKMonitoringSubCategory> subCategories(Session& session, const QString& category);
+
+/// Name of a monitoring; a request only for one that the library has not read yet. Empty for an empty identifier.
+QString monitoringName(Session& session, const QString& id);
+
+/// Makes the names of several monitorings known by one request, as far as the service gives them in one.
+void readMonitoringNames(Session& session, const QSet<QString>& ids);
+
+/// Name of a sub-category, in the same way.
+QString subCategoryName(Session& session, const QString& id);
 
 /// The one of `known` with this identifier, name or alias; nothing when there is none, a Failure when several.
 std::optional<RKMonitoringSubCategory> subCategoryAmong(const QList<RKMonitoringSubCategory>& known,

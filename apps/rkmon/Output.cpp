@@ -35,8 +35,19 @@ QString localTimeText(const QDateTime& time)
         .arg(text.left(dateLength), text.mid(timeBegin, timeLength), text.mid(offsetBegin));
 }
 
-QString tableText(const QVariant& cell)
+/// The number in twelve digits; a text that is none as it is.
+QString roundedText(const QVariant& cell)
 {
+    constexpr int digits = 12;
+    bool isNumber = false;
+    const double number = cell.toDouble(&isNumber);
+    return isNumber ? QString::number(number, 'g', digits) : cell.toString();
+}
+
+QString tableText(const QVariant& cell, const Column& column)
+{
+    if (column.isComputed)
+        return roundedText(cell);
     switch (static_cast<QMetaType::Type>(cell.type())) {
     case QMetaType::QDateTime:
         return localTimeText(cell.toDateTime());
@@ -122,7 +133,7 @@ QByteArray tableLines(const Sheet& sheet)
         QStringList texts;
         for (int column = 0; column < sheet.columns.size(); ++column)
             if (sheet.columns[column].isListed)
-                texts.append(tableText(row[column]));
+                texts.append(tableText(row[column], sheet.columns[column]));
         rows.append(texts);
     }
     return table::listLines(titles, rows, fixedColumns, tableLayout()).toUtf8();
@@ -134,7 +145,7 @@ QByteArray recordLines(const Sheet& sheet)
     QStringList texts;
     for (int column = 0; column < sheet.columns.size(); ++column) {
         titles.append(sheet.columns[column].title);
-        texts.append(tableText(sheet.rows.constFirst()[column]));
+        texts.append(tableText(sheet.rows.constFirst()[column], sheet.columns[column]));
     }
     return table::recordLines(titles, texts, tableLayout()).toUtf8();
 }

@@ -24,6 +24,9 @@ struct Column
     bool isListed = true;
     /// Never cut in that table: an identifier or a time.
     bool isFixed = false;
+    /// Holds computed numbers, or their texts. People see twelve significant digits, which leave out what
+    /// binary fractions add (-0.011, not -0.010999999999999982); programs get the number as it is.
+    bool isComputed = false;
 };
 
 /// Records of one kind, one row each. Cells are texts, lists of texts, times, numbers or booleans; a null text

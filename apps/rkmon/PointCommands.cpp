@@ -50,7 +50,7 @@ QStringList relationTexts(const QMap<QString, QStringList>& links)
 }
 
 /// Points without their samples, but the latest one.
-Sheet pointSheet(const QList<RKPointLocation>& points)
+Sheet pointSheet(Session& session, const QList<RKPointLocation>& points)
 {
     constexpr bool listed = true;
     constexpr bool fixed = true;
@@ -62,7 +62,8 @@ Sheet pointSheet(const QList<RKPointLocation>& points)
                  {QStringLiteral("COUNT"), QStringLiteral("latestCount"), listed, fixed},
                  {QStringLiteral("VALUE"), QStringLiteral("latestValue"), listed, fixed},
                  {QStringLiteral("RELATIONS"), QStringLiteral("links"), listed, !fixed},
-                 {QStringLiteral("MONITORING"), QStringLiteral("cellId"), !listed, fixed},
+                 {QStringLiteral("MONITORING"), QStringLiteral("cellName"), !listed, !fixed},
+                 {QStringLiteral("MONITORING ID"), QStringLiteral("cellId"), !listed, fixed},
                  {QStringLiteral("CATEGORY"), QStringLiteral("category"), !listed, !fixed},
                  {QStringLiteral("DATA TYPE"), QStringLiteral("dataType"), !listed, fixed},
                  {QStringLiteral("OFFSET DIRECTION"), QStringLiteral("offsetDirection"), !listed, fixed},
@@ -74,17 +75,35 @@ Sheet pointSheet(const QList<RKPointLocation>& points)
                  {QStringLiteral("UPDATED"), QStringLiteral("updatedAt"), !listed, fixed},
                  {QStringLiteral("UPDATED BY"), QStringLiteral("updatedBy"), !listed, !fixed}},
                 {}};
+    QSet<QString> cells;
+    for (const RKPointLocation& point : points)
+        cells.insert(point.cellId);
+    lookup::readMonitoringNames(session, cells);
     for (const RKPointLocation& point : points) {
         // Of the samples that the condition chose; the point's own members tell of all of them.
         const bool hasSamples = !point.data.isEmpty();
         const RKPointLocationData latest = hasSamples ? point.data.constLast() : RKPointLocationData();
         const QString depth = point.depth.isEmpty() ? QString() : point.depth;
-        sheet.rows.append({point.id, point.name, depth, point.data.size(), latest.time,
+        sheet.rows.append({point.id,
+                           point.name,
+                           depth,
+                           point.data.size(),
+                           latest.time,
                            hasSamples ? QVariant(latest.count) : QVariant(QString()),
                            hasSamples ? QVariant(latest.value) : QVariant(QString()),
-                           relationTexts(point.links), point.cellId, point.category, point.dataType,
-                           point.offsetDirection, point.insertCount, point.lastCount, point.lastDate,
-                           point.createdAt, point.createdBy, point.updatedAt, point.updatedBy});
+                           relationTexts(point.links),
+                           lookup::monitoringName(session, point.cellId),
+                           point.cellId,
+                           point.category,
+                           point.dataType,
+                           point.offsetDirection,
+                           point.insertCount,
+                           point.lastCount,
+                           point.lastDate,
+                           point.createdAt,
+                           point.createdBy,
+                           point.updatedAt,
+                           point.updatedBy});
     }
     return sheet;
 }
@@ -119,7 +138,7 @@ void requireIdentifiers(const QList<RKPointLocation>& points, const QString& pur
 
 void addPoints(Session& session, const QList<RKPointLocation>& points, bool hasSamples)
 {
-    session.output().addList(hasSamples ? sampleSheet(points) : pointSheet(points));
+    session.output().addList(hasSamples ? sampleSheet(points) : pointSheet(session, points));
 }
 
 ExitCode listPoints(Session& session, const ListOptions& options)
@@ -143,7 +162,7 @@ ExitCode showPoint(Session& session, const ShowOptions& options)
     if (options.hasSamples)
         session.output().addList(sampleSheet({point}));
     else
-        session.output().addRecord(pointSheet({point}));
+        session.output().addRecord(pointSheet(session, {point}));
     return ExitCode::Success;
 }
 
@@ -156,7 +175,7 @@ ExitCode showLatest(Session& session, const LatestOptions& options)
     session.ask(purpose, [&] { return session.data().getPointLocationByTimeOrder(condition, point); });
     if (point.id.isEmpty())
         throw Failure(ExitCode::NotFound, QStringLiteral("no point of \"%1\" matches").arg(monitoring.name));
-    session.output().addRecord(pointSheet({point}));
+    session.output().addRecord(pointSheet(session, {point}));
     return ExitCode::Success;
 }
 

@@ -47,6 +47,17 @@ public:
         return result;
     }
 
+    /// As ask(), for an operation that the library may answer from its cache.
+    template <typename Operation>
+    auto recall(const QString& purpose, Operation operation)
+    {
+        m_lastExchange.reset();
+        auto result = operation();
+        if (m_lastExchange)
+            requireAnswer(purpose, Repetition::MayDouble);
+        return result;
+    }
+
     /// Tells the user something on standard error, at once.
     void note(const QString& message) const;
 

@@ -307,6 +307,70 @@ TEST_F(RkmonImport, WhenTheSubCategoryOfAPointCannotBeToldItsInitialValueStays)
     EXPECT_EQ(body[0].toArray()[0].toObject().value("initialValue"_q).toDouble(-1), 0);
 }
 
+TEST_F(RkmonImport, ProgressIsShownOnATerminalOnly)
+{
+    created("VH"_q);
+    const QString file = write("a.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n");
+    const QStringList command{"point"_q, "import"_q, "--cell"_q, "VH"_q, "--sub-category"_q, "SM"_q, file};
+    const Result shown = rkmon.runOnTerminal(command, 80);
+    EXPECT_EQ(shown.code, 0);
+    EXPECT_TRUE(shown.output.contains("[------------------------------] 0 of 1 samples"_q))
+        << shown.output.toStdString();
+    EXPECT_TRUE(shown.output.contains("[##############################] 1 of 1 samples"_q));
+    const Result plain = rkmon.run(command);
+    EXPECT_EQ(plain.code, 0);
+    EXPECT_EQ(plain.messages, QString());
+    EXPECT_FALSE(plain.output.contains("of 1 samples"_q));
+}
+
+TEST_F(RkmonImport, TablesNameMonitoringsAndSubCategories)
+{
+    const QString cell = created("VH"_q);
+    created("LS-a"_q);
+    const QString group = done({"group"_q, "create"_q, "--cell"_q, "VH"_q, "--sub-category"_q, "SM"_q,
+                                "--name"_q, "Probes"_q, "--point"_q, "W1"_q, "--total-limit"_q, "0.01"_q})
+                              .output.trimmed();
+    const QString file = write("a.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.26\n"
+                                                 "W1,20,2015-12-18T00:15:00-08:00,2,0.249\n");
+    ASSERT_EQ(import({file}).code, 0);
+    ASSERT_EQ(import({file}, "LS-a"_q).code, 0);
+    for (const char* kind : {"data", "alarm", "group"}) {
+        const QString table = done({QString::fromUtf8(kind), "list"_q}).output;
+        EXPECT_TRUE(table.contains("VH"_q) && table.contains("Soil moisture"_q)) << table.toStdString();
+        EXPECT_FALSE(table.contains(cell) || table.contains(moisture)) << table.toStdString();
+        const QJsonArray list = listed({QString::fromUtf8(kind), "list"_q});
+        ASSERT_FALSE(list.isEmpty()) << kind;
+        const QJsonValue last = list.last(); // the older one
+        EXPECT_EQ(text(last, "cellId"), cell);
+        EXPECT_EQ(text(last, "cellName"), "VH"_q);
+        EXPECT_EQ(text(last, "subCategoryId"), moisture);
+        EXPECT_EQ(text(last, "subCategoryName"), "Soil moisture"_q);
+    }
+    const QString alarm = text(listed({"alarm"_q, "list"_q})[0], "id");
+    const QString details = done({"alarm"_q, "detail"_q, alarm}).output;
+    EXPECT_TRUE(details.contains("  -0.011  "_q)) << details.toStdString();
+    EXPECT_EQ(text(listed({"alarm"_q, "detail"_q, alarm})[0], "totalVar"), "-0.01100000000000001"_q);
+    const QJsonObject changed =
+        done({"group"_q, "update"_q, group, "--total-limit"_q, "2"_q, "--json"_q}).object();
+    EXPECT_EQ(text(changed, "cellName"), "VH"_q);
+}
+
+TEST_F(RkmonImport, NamesCostNoRequestPerRow)
+{
+    ScriptServer server;
+    rkmon.configure(server.baseAddress(), project, editor.text);
+    server.answerJson(200, R"([{"_id":"d1","cellId":"c1","subCategoryId":"s1"},)"
+                           R"({"_id":"d2","cellId":"c2","subCategoryId":"s1"},)"
+                           R"({"_id":"d3","cellId":"c1","subCategoryId":"s1"}])");
+    server.answerJson(200, R"([{"_id":"c1","name":"North"},{"_id":"c2","name":"South"}])");
+    server.answerJson(200, R"({"_id":"s1","name":"Tilt"})");
+    const QString table = done({"data"_q, "list"_q}).output;
+    EXPECT_EQ(table.count("North"_q), 2);
+    EXPECT_EQ(table.count("South"_q), 1);
+    EXPECT_EQ(table.count("Tilt"_q), 3);
+    EXPECT_TRUE(server.isUsedUp());
+}
+
 TEST_F(RkmonImport, PointsAreListedShownFoundAndLinked)
 {
     created("VH"_q);

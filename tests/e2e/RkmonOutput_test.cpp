@@ -204,6 +204,8 @@ TEST_F(RkmonOutput, BashCompletes)
     EXPECT_EQ(completed("rkmon monitoring sh"_q, 2), QStringList{"show"_q});
     EXPECT_EQ(completed("rkmon monitoring list --sk"_q, 3), QStringList{"--skip"_q});
     EXPECT_EQ(completed("rkmon monitoring show ''"_q, 3), QStringList{id});
+    EXPECT_EQ(completed("rkmon point list --cell ''"_q, 4), QStringList{id});
+    EXPECT_EQ(completed("rkmon point import --cell %1"_q.arg(id.left(20)), 4), QStringList{id});
     EXPECT_EQ(completed("rkmon can edit S"_q, 3), QStringList{"Slope"_q});
     EXPECT_EQ(completed("rkmon can edit B"_q, 3).size(), 1); // quoted for the shell
     EXPECT_TRUE(completed("rkmon ''"_q, 1).contains("category"_q));

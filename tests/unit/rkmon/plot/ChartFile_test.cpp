@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QFile>
 #include <QImage>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QXmlStreamReader>
 
@@ -105,6 +106,35 @@ TEST_F(ChartFile, OverTimeHoldsLabelsCurvesAndLimits)
         EXPECT_TRUE(drawn.texts.contains(text)) << text.toStdString();
     EXPECT_EQ(drawn.curveColours.size(), 3u);
     EXPECT_GE(drawn.dashedLines, 2);
+}
+
+TEST_F(ChartFile, TicksOfSeveralDaysAreMidnightsAndNoons)
+{
+    Chart chart = chartOver(Chart::Kind::OverTime, 1);
+    const double quarterPastEight = 29'700'000.0; // of the local day that the chart counts in
+    for (QPointF& point : chart.curves[0].points)
+        point.rx() += quarterPastEight;
+    writeChart(chart, path("a.svg"));
+    const QStringList texts = readSvg(path("a.svg")).texts;
+    const QStringList hours = texts.filter(QRegularExpression("\\A\\d\\d:\\d\\d\\z"_q));
+    EXPECT_GE(hours.count("00:00"_q), 3);
+    EXPECT_EQ(hours.count("00:00"_q) + hours.count("12:00"_q), hours.size());
+    EXPECT_TRUE(texts.contains("2026-03-04"_q));
+}
+
+TEST_F(ChartFile, TicksOfADayAreRoundHours)
+{
+    Chart chart = chartOver(Chart::Kind::OverTime, 1);
+    const double twoHoursAndAQuarter = 8'100'000.0;
+    const double sevenPastTwo = 1772409600000.0 + 7'620'000.0;
+    for (int i = 0; i < chart.curves[0].points.size(); ++i)
+        chart.curves[0].points[i].setX(sevenPastTwo + i * twoHoursAndAQuarter);
+    writeChart(chart, path("a.svg"));
+    const QStringList hours =
+        readSvg(path("a.svg")).texts.filter(QRegularExpression("\\A\\d\\d:\\d\\d\\z"_q));
+    EXPECT_GE(hours.size(), 3);
+    for (const QString& hour : hours)
+        EXPECT_TRUE(hour.endsWith(":00"_q)) << hour.toStdString();
 }
 
 TEST_F(ChartFile, OverDepthHoldsACurvePerDate)
