@@ -54,10 +54,13 @@ DeliveryTarget DeliveryTargets::find(const std::string& place, const DeliveredPo
                               DeliveryRefusal::Reason::Forbidden);
     }
     const std::optional<StoredDocument> subCategory = m_session.subCategories().find(point.subCategory);
-    if (!subCategory || subCategory->project != cell->project) {
+    const bool isOfCategory = subCategory && subCategory->category == cell->category;
+    const bool isKnown =
+        isOfCategory || (subCategory && m_mayDo(Right::Read, cell->project, subCategory->category));
+    if (!isKnown || subCategory->project != cell->project) {
         refuse(place, "subCategoryId", "the project has no sub-category \"" + point.subCategory + "\"");
     }
-    if (subCategory->category != cell->category) {
+    if (!isOfCategory) {
         refuse(place, "subCategoryId",
                "the sub-category is of category \"" + subCategory->category + "\", the monitoring of \"" +
                    cell->category + "\"");

@@ -5,6 +5,10 @@
 #include "api/Parameters.h"
 #include "api/Resources.h"
 
+#include <algorithm>
+#include <optional>
+#include <utility>
+
 namespace monitorservice {
 
 namespace {
@@ -36,13 +40,27 @@ Where requiredWhere(const Parameters& parameters)
     return where;
 }
 
-// What the bearer may do the right to of the points that match.
-DocumentQuery everyPoint(const Principal& principal, Right right, const std::string& project,
+// The categories of the project in which both rights are held; nothing when they are held in every category.
+std::optional<std::vector<std::string>> categoriesWithBoth(const Principal& principal, Right one, Right other,
+                                                           const std::string& project)
+{
+    std::optional<std::vector<std::string>> categories = principal.categoriesWith(one, project);
+    if (!categories) {
+        return principal.categoriesWith(other, project);
+    }
+    categories->erase(
+        std::remove_if(categories->begin(), categories->end(),
+                       [&](const std::string& category) { return !principal.may(other, project, category); }),
+        categories->end());
+    return categories;
+}
+
+DocumentQuery everyPoint(const std::string& project, std::optional<std::vector<std::string>> categories,
                          const Where& where)
 {
     DocumentQuery query;
     query.project = project;
-    query.categories = principal.categoriesWith(right, project);
+    query.categories = std::move(categories);
     query.where = &where;
     return query;
 }
@@ -55,8 +73,9 @@ std::vector<std::int64_t> keysOf(PointSelection& selection)
     return keys;
 }
 
-// PUT pointLocations?where: replaces all relations of every point that matches and that the bearer may edit, in every
-// project; answers the number of these points. 403 when points match that the bearer may read, but none to edit.
+// PUT pointLocations?where: replaces all relations of every point that matches and that the bearer may read and edit, in
+// every project; answers the number of these points. 403 when points match that the bearer may read, but none to edit.
+// Where only editing is allowed nothing is done: the number would tell what may not be read.
 HttpResponse replaceLinks(ApiRequest& request)
 {
     const Parameters parameters(request.http, {"where"});
@@ -67,12 +86,17 @@ HttpResponse replaceLinks(ApiRequest& request)
     std::uint64_t edited = 0;
     std::uint64_t readable = 0;
     for (const Project& project : session->projects().list()) {
-        const DocumentQuery editable = everyPoint(principal, Right::Edit, project.id, where);
+        if (!principal.mayAnywhere(Right::Read, project.id)) {
+            continue;
+        }
+        const DocumentQuery editable = everyPoint(
+            project.id, categoriesWithBoth(principal, Right::Edit, Right::Read, project.id), where);
         for (const std::int64_t point : keysOf(*session->measurements().select(editable))) {
             session->measurements().replaceLinks(point, links, session->now(), principal.owner());
             ++edited;
         }
-        const DocumentQuery seen = everyPoint(principal, Right::Read, project.id, where);
+        const DocumentQuery seen =
+            everyPoint(project.id, principal.categoriesWith(Right::Read, project.id), where);
         readable += edited > 0 ? 0 : session->measurements().select(seen)->count();
     }
     if (edited == 0 && readable > 0) {

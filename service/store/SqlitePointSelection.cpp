@@ -172,25 +172,34 @@ void SqlitePointSelection::selectSamples(const Where& where)
                                                        });
 }
 
-void SqlitePointSelection::selectPoints(const Where& where, const DocumentQuery& query)
+// Which points of the view the query may reach at all, whatever its condition.
+SqlitePointSelection::Sql SqlitePointSelection::reachOf(const DocumentQuery& query, const std::string& alias)
 {
-    const DocumentTable& table = pointLocationTable();
-    m_points = {" FROM " + table.view + " AS p WHERE p.project = ?", {query.project}};
-    if (query.parent) {
-        m_points.append(" AND p." + table.parent + " = ?", {*query.parent});
-    }
+    Sql reach{alias + ".project = ?", {query.project}};
     if (query.categories) {
         std::string placeholders;
         for (const std::string& category : *query.categories) {
             placeholders += placeholders.empty() ? "?" : ", ?";
-            m_points.values.emplace_back(category);
+            reach.values.emplace_back(category);
         }
-        m_points.text += " AND p.category IN (" + placeholders + ")";
+        reach.text += " AND " + alias + ".category IN (" + placeholders + ")";
+    }
+    return reach;
+}
+
+void SqlitePointSelection::selectPoints(const Where& where, const DocumentQuery& query)
+{
+    const DocumentTable& table = pointLocationTable();
+    m_points = {" FROM " + table.view + " AS p WHERE ", {}};
+    const Sql reach = reachOf(query, "p");
+    m_points.append(reach.text, reach.values);
+    if (query.parent) {
+        m_points.append(" AND p." + table.parent + " = ?", {*query.parent});
     }
     const Narrowing narrowing = narrow(where, table.narrowable);
-    m_points.append(" AND (" + narrowing.sql + ")", narrowing.values);
+    Sql matches;
     if (!narrowing.exact) {
-        m_points.text += " AND point_matches(p.point, p.category, p.document)";
+        matches.text = "point_matches(p.point, p.category, p.document)";
         const auto matcher = std::make_shared<TextMatcher>(where);
         m_pointMatches = std::make_unique<SqliteFunction>(
             m_connection, "point_matches", 3,
@@ -200,9 +209,21 @@ void SqlitePointSelection::selectPoints(const Where& where, const DocumentQuery&
             });
     }
     if (m_choosesSamples) {
-        m_points.append(" AND EXISTS (SELECT 1 FROM samples WHERE samples.point = p.point AND " +
-                            m_sampleCondition.text + ")",
-                        m_sampleCondition.values);
+        matches.append(std::string(matches.text.empty() ? "" : " AND ") +
+                           "EXISTS (SELECT 1 FROM samples WHERE samples.point = p.point AND " +
+                           m_sampleCondition.text + ")",
+                       m_sampleCondition.values);
+    }
+    m_points.append(" AND (" + narrowing.sql + ")", narrowing.values);
+    if (!matches.text.empty()) {
+        // Points out of reach must not cost steps of a pattern, or their number would tell about them. SQLite evaluates
+        // the terms of an AND in any order, and where a column equals a value puts the value in its place everywhere:
+        // hence CASE, whose order is kept, and the point looked up by its key once more.
+        const Sql reachOfKey = reachOf(query, "r");
+        m_points.append(" AND CASE WHEN EXISTS (SELECT 1 FROM " + table.view +
+                            " AS r WHERE r.point = p.point AND " + reachOfKey.text + ")",
+                        reachOfKey.values);
+        m_points.append(" THEN " + matches.text + " ELSE FALSE END", matches.values);
     }
 }
 

@@ -43,6 +43,7 @@ private:
         void append(const std::string& more, const std::vector<SqlValue>& moreValues = {});
     };
 
+    static Sql reachOf(const DocumentQuery& query, const std::string& alias);
     void selectSamples(const Where& where);
     void selectPoints(const Where& where, const DocumentQuery& query);
     void orderPoints(const DocumentQuery& query);

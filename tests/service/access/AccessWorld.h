@@ -1,0 +1,312 @@
+#pragma once
+
+#include "service/api/ApiFixture.h"
+#include "support/TemporaryFolder.h"
+
+#include "admin/SubCategory.h"
+#include "http/RefusedRequest.h"
+#include "http/RequestTarget.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace monitorservice::test {
+
+/// Whether the tests were asked to take their time.
+inline bool isLongRun()
+{
+    const char* const value = std::getenv("RK_TEST_LONG");
+    return value != nullptr && std::string_view(value) == "1";
+}
+
+/// What is granted per project and category, and what is not stored at all. Whatever a place holds bears its word.
+struct Place
+{
+    std::string word;
+    std::string project;
+    std::string category;
+    double value; ///< of its first sample; no other place has values near it
+};
+
+inline const Place own{"Amber", "project-own", "Settlement", 7111.25};
+inline const Place beside{"Birch", "project-own", "Inclinometer", 7222.5};
+inline const Place far{"Cobalt", "project-far", "Settlement", 7333.75};
+inline const Place nowhere{"Nowhere", "project-none", "Settlement", 0};
+inline const std::array<const Place*, 3> places{&own, &beside, &far};
+
+/// Identifiers by kind, named as the paths name them: "cells", "groupSettings"…
+using Identifiers = std::map<std::string, std::vector<std::string>>;
+
+/// A data file to be copied: each place has monitorings, a sub-category, points with and without depths, samples, a group,
+/// a delivery with its history, and the alarm that it raised.
+class AccessWorld
+{
+public:
+    static constexpr const char* admin = "rkm_admin";
+
+    AccessWorld()
+    {
+        SqliteStoreOptions options;
+        options.createIfMissing = true;
+        SqliteStore store(file(), options);
+        const Api api(store, std::make_shared<HttpCounters>());
+        m_api = &api;
+        write(store, [](Session& session) {
+            session.projects().insert({own.project, "Amber and Birch pit", "Europe/Vienna", 1});
+            session.projects().insert({far.project, "Cobalt slope", "UTC", 1});
+            session.categories().add(own.category);
+            session.categories().add(beside.category);
+        });
+        constexpr Rights all = Rights(Right::Read) | Right::Create | Right::Edit | Right::Delete;
+        addToken(store, "admin", {{own.project, std::nullopt, all}, {far.project, std::nullopt, all}});
+        // Those that must not show come before and behind those that may.
+        for (const Place* const place : {&beside, &own, &far}) {
+            fill(store, *place);
+        }
+        m_api = nullptr;
+    }
+
+    std::filesystem::path file() const { return m_folder.file("world.db"); }
+    std::filesystem::path file(const std::string& name) const { return m_folder.file(name); }
+
+    /// What the place has; what is nowhere has one identifier of each kind that nothing has.
+    const Identifiers& in(const Place& place) const { return m_identifiers.at(place.word); }
+
+    struct GrantOf
+    {
+        std::string project;
+        std::optional<std::string> category;
+        Rights rights;
+    };
+
+    /// The token's text is "rkm_" and its name.
+    static void addToken(Store& store, const std::string& name, const std::vector<GrantOf>& grants)
+    {
+        write(store, [&](Session& session) {
+            session.tokens().insert({name, name, "", 1, std::nullopt, std::nullopt}, sha256("rkm_" + name));
+            for (const GrantOf& grant : grants) {
+                if (!grant.rights.empty()) {
+                    session.grants().add(
+                        {session.newIdentifier(), name, grant.project, grant.category, grant.rights, 0});
+                }
+            }
+        });
+    }
+
+    template <typename Action>
+    static void write(Store& store, Action&& action)
+    {
+        const auto session = store.write();
+        action(*session);
+        session->commit();
+    }
+
+private:
+    std::string ask(const std::string& method, std::vector<std::string> path,
+                    const std::string& body = {}) const
+    {
+        HttpRequest request;
+        request.method = method;
+        request.path = std::move(path);
+        request.path.insert(request.path.begin(), "monitor-service");
+        request.authorization = std::string("Bearer ") + admin;
+        request.body = body;
+        HttpResponse response = m_api->answer(request);
+        if (response.status >= 300) {
+            throw std::runtime_error(method + ' ' + body + ": " + response.body);
+        }
+        return response.body;
+    }
+
+    std::vector<std::string> listed(std::vector<std::string> path, const std::string& cell = {}) const
+    {
+        std::vector<std::string> ids;
+        simdjson::dom::parser parser;
+        const simdjson::dom::array documents = parser.parse(ask("GET", std::move(path)));
+        for (const simdjson::dom::element document : documents) {
+            if (cell.empty() || std::string_view(document["cellId"]) == cell) {
+                ids.emplace_back(document["_id"].get_string().value());
+            }
+        }
+        return ids;
+    }
+
+    static std::string point(const Place& place, const std::string& cell, const std::string& name,
+                             const std::string& depth, double value)
+    {
+        const std::string flag = place.word + "Flag";
+        return R"({"cellId":")" + cell + R"(","subCategoryId":")" + place.word + R"(Ground","name":")" +
+               name + R"(","alias":")" + place.word + R"(Alias","depth":")" + depth +
+               R"(","initialValue":1,"fileId":")" + place.word + R"(.csv","links":[{"type":"model","rId":")" +
+               place.word + R"(Model"}],"data":[{"count":1,"time":"2015-12-21T06:30:00Z","value":)" +
+               std::to_string(value) + R"(,"timeFlag":")" + flag +
+               R"("},{"count":2,"time":"2015-12-22T06:30:00Z","value":)" + std::to_string(value + 1) +
+               R"(,"timeFlag":")" + flag + "\"}]}";
+    }
+
+    std::string newCell(const Place& place, const std::string& name) const
+    {
+        return member(ask("POST", {"cells"},
+                          R"({"projectId":")" + place.project + R"(","name":")" + place.word + name +
+                              R"(","category":")" + place.category + R"(","links":[{"type":"model","rId":")" +
+                              place.word + R"("}]})"),
+                      "_id");
+    }
+
+    void fill(Store& store, const Place& place)
+    {
+        Identifiers& ids = m_identifiers[place.word];
+        const SubCategory ground{place.word + "Ground", place.project, place.word + " ground", place.category,
+                                 place.word + "GL"};
+        write(store, [&](Session& session) {
+            session.subCategories().insert(place.project, ground.id, toDocument(ground));
+        });
+        ids["subCategories"] = {ground.id};
+        ids["cells"] = {newCell(place, " tower"), newCell(place, " spare")};
+        const std::string cell = ids["cells"].front();
+        ids["groupSettings"] = {member(ask("POST", {"groupSettings"},
+                                           R"({"projectId":")" + place.project + R"(","cellId":")" + cell +
+                                               R"(","subCategoryId":")" + ground.id + R"(","groupName":")" +
+                                               place.word + R"( group","groupPoint":[")" + place.word +
+                                               R"(P1",")" + place.word + R"(I1"],"totalVar":10})"),
+                                       "_id")};
+        ask("POST", {"pointLocations"},
+            "[" + point(place, cell, place.word + "P1", "", place.value) + "," +
+                point(place, cell, place.word + "I1", "1", place.value + 2) + "," +
+                point(place, cell, place.word + "I1", "2", place.value + 4) + "]");
+        ids["pointLocations"] = listed({"projects", place.project, "pointLocations"}, cell);
+        ids["dataManages"] = listed({"projects", place.project, "dataManages"}, cell);
+        ids["historyDatas"] = listed({"dataManages", ids["dataManages"].front(), "historyDatas"});
+        ids["alarmManages"] = listed({"projects", place.project, "alarmManages"}, cell);
+        ids["alarmDetails"] = listed({"alarmManages", ids["alarmManages"].front(), "alarmDetails"});
+        // By name: that of the inclinometer comes first and alone has values at depths.
+        ids["threeDetails"] = listed({"alarmDetails", ids["alarmDetails"].front(), "threeDetails"});
+        for (const auto& [kind, present] : ids) {
+            m_identifiers[nowhere.word][kind] = {"0123456789abcdef01234567", "0123456789abcdef01234568"};
+        }
+    }
+
+    TemporaryFolder m_folder;
+    std::map<std::string, Identifiers> m_identifiers;
+    const Api* m_api = nullptr;
+};
+
+/// A service over a copy of a world's data file; the copy goes with it.
+class ServedWorld
+{
+public:
+    ServedWorld(const AccessWorld& world, const std::string& name)
+        : m_copy(copied(world.file(), world.file(name))), store(m_copy),
+          counters(std::make_shared<HttpCounters>()), api(store, counters),
+          server(
+              ListenAddress(), HttpLimits(), [this](HttpRequest&& request) { return api.answer(request); },
+              counters),
+          m_client(std::make_unique<RawClient>(server.port())), m_observer(m_copy.string())
+    {
+    }
+    ~ServedWorld()
+    {
+        server.stop();
+        server.join();
+        std::error_code error;
+        for (const char* const end : {"", "-wal", "-shm"}) {
+            std::filesystem::remove(m_copy.string() + end, error);
+        }
+    }
+    ServedWorld(const ServedWorld&) = delete;
+    ServedWorld& operator=(const ServedWorld&) = delete;
+
+    /// Asks the service without a connection: what HttpServer would make of the request and of the answer is made here.
+    RawAnswer askDirectly(const std::string& token, const std::string& method, const std::string& target,
+                          const std::string& body = {}) const
+    {
+        RequestTarget parsed = parseRequestTarget("/monitor-service/" + target);
+        HttpRequest request;
+        request.method = method;
+        request.path = std::move(parsed.path);
+        request.parameters = std::move(parsed.parameters);
+        request.authorization = "Bearer " + token;
+        request.body = body;
+        HttpResponse response = api.answer(request);
+        RawAnswer answer;
+        answer.status = response.status;
+        answer.body = std::move(response.body);
+        return answer;
+    }
+
+    /// Asks on a connection that is kept. The target goes behind "/monitor-service/", the fields end with CR LF.
+    RawAnswer ask(const std::string& token, const std::string& method, const std::string& target,
+                  const std::string& body = {}, const std::string& fields = {})
+    {
+        std::string text = requestText(method, "/monitor-service/" + target,
+                                       token.empty() ? token : "Bearer " + token, body);
+        text.insert(text.find("\r\n") + 2, fields);
+        return askRaw(text, method != "HEAD");
+    }
+
+    RawAnswer askRaw(const std::string& bytes, bool hasBody = true)
+    {
+        m_client->send(bytes);
+        RawAnswer answer = m_client->readAnswer(hasBody);
+        const auto connection = answer.fields.find("connection");
+        if (connection != answer.fields.end() && connection->second == "close") {
+            m_client = std::make_unique<RawClient>(server.port());
+        }
+        return answer;
+    }
+
+    /// Rises with each change that any other connection commits (https://www.sqlite.org/pragma.html#pragma_data_version).
+    int dataVersion() { return m_observer.execAndGet("PRAGMA data_version").getInt(); }
+
+    /// Every row of every table that holds what clients write, one text each.
+    std::vector<std::string> rows()
+    {
+        std::vector<std::string> rows;
+        for (const char* const table : {"projects", "categories", "sub_categories", "cells", "groups",
+                                        "point_locations", "samples", "day_rollup", "data_manages",
+                                        "histories", "alarms", "alarm_details", "alarm_depths", "grants"}) {
+            SQLite::Statement statement(m_observer, std::string("SELECT * FROM ") + table);
+            while (statement.executeStep()) {
+                std::string row = table;
+                for (int column = 0; column < statement.getColumnCount(); ++column) {
+                    row += '|' + statement.getColumn(column).getString();
+                }
+                rows.push_back(std::move(row));
+            }
+        }
+        std::sort(rows.begin(), rows.end());
+        return rows;
+    }
+
+private:
+    static std::filesystem::path copied(const std::filesystem::path& from, const std::filesystem::path& to)
+    {
+        std::filesystem::copy_file(from, to, std::filesystem::copy_options::overwrite_existing);
+        return to;
+    }
+
+    std::filesystem::path m_copy;
+
+public:
+    SqliteStore store;
+    std::shared_ptr<HttpCounters> counters;
+    Api api;
+    HttpServer server;
+
+private:
+    std::unique_ptr<RawClient> m_client;
+    SQLite::Database m_observer;
+};
+
+} // namespace monitorservice::test
