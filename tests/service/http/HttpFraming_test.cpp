@@ -79,6 +79,39 @@ INSTANTIATE_TEST_SUITE_P(
                          "0\r\n\r\n"),
                 400},
         Refused{"ChunkedInVersion10", "POST /a HTTP/1.0\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n\r\n", 400},
+        Refused{"FirstFieldFolded", "GET /a HTTP/1.1\r\n Host: h\r\nHost: h\r\n\r\n", 400},
+        Refused{"FoldedTransferEncoding",
+                postWith("Transfer-Encoding:\r\n chunked\r\nContent-Length: 4\r\n", "body"), 400},
+        Refused{"TabBeforeColon", postWith("Content-Length\t: 4\r\n", "body"), 400},
+        Refused{"BlankBeforeColonOfTransferEncoding",
+                postWith("Transfer-Encoding : chunked\r\n", "0\r\n\r\n"), 400},
+        Refused{"NoName", postWith(": 4\r\n", ""), 400},
+        Refused{"LengthInAnotherCase", postWith("content-length: 4\r\nCONTENT-LENGTH: 5\r\n", "body"), 400},
+        Refused{"HexadecimalLength", postWith("Content-Length: 0x4\r\n", "body"), 400},
+        Refused{"LengthWithABlank", postWith("Content-Length: 4 4\r\n", "body"), 400},
+        Refused{"EmptyLength", postWith("Content-Length:\r\n", "body"), 400},
+        Refused{"LengthBeyondAnyInteger", postWith("Content-Length: 18446744073709551620\r\n", "body"), 413},
+        Refused{"LengthAndUnknownEncoding", postWith("Content-Length: 4\r\nTransfer-Encoding: x\r\n", "body"),
+                400},
+        Refused{"EmptyTransferEncoding", postWith("Transfer-Encoding:\r\n", "0\r\n\r\n"), 501},
+        Refused{"ChunkedTwice", postWith("Transfer-Encoding: chunked, chunked\r\n", "0\r\n\r\n"), 501},
+        Refused{"ChunkedIdentity", postWith("Transfer-Encoding: chunked, identity\r\n", "0\r\n\r\n"), 501},
+        Refused{"QuotedChunked", postWith("Transfer-Encoding: \"chunked\"\r\n", "0\r\n\r\n"), 501},
+        Refused{"BareCarriageReturnAsLineEnd", "GET /a HTTP/1.1\rHost: h\r\rGET /b HTTP/1.1\r\n\r\n", 400},
+        Refused{"BareLineFeedBeforeTheBody", "POST /a HTTP/1.1\r\nHost: h\r\nContent-Length: 4\r\n\nbody",
+                400},
+        Refused{"BareCarriageReturnInTarget", "GET /a\r HTTP/1.1\r\nHost: h\r\n\r\n", 400},
+        Refused{"EmptyLineFeed", "\nGET /a HTTP/1.1\r\nHost: h\r\n\r\n", 400},
+        Refused{"AbsoluteFormOfAnotherHost", get("https://other/monitor-service/cells"), 400},
+        Refused{"AuthorityForm", get("h:80"), 400},
+        Refused{"ConnectOfAnAuthority", "CONNECT other:443 HTTP/1.1\r\nHost: other\r\n\r\n", 501},
+        Refused{"TwoEqualHosts", "GET /a HTTP/1.1\r\nHost: h\r\nHost: h\r\n\r\n", 400},
+        Refused{"HostWithAPath", "GET /a HTTP/1.1\r\nHost: h/b\r\n\r\n", 400},
+        Refused{"Version12", "GET /a HTTP/1.2\r\nHost: h\r\n\r\n", 505},
+        Refused{"LowerCaseVersion", "GET /a http/1.1\r\nHost: h\r\n\r\n", 400},
+        Refused{"TabsInTheRequestLine", "GET\t/a\tHTTP/1.1\r\nHost: h\r\n\r\n", 400},
+        Refused{"TwoBlanksInTheRequestLine", "GET  /a HTTP/1.1\r\nHost: h\r\n\r\n", 400},
+        Refused{"TwoExpectations", get("/a", "Expect: 100-continue\r\nExpect: 100-continue\r\n"), 400},
         Refused{"FoldedField", postWith("X-A: b\r\n\tc\r\n", ""), 400},
         Refused{"BareLineFeeds", "GET /a HTTP/1.1\nHost: h\n\n", 400},
         Refused{"OneBareLineFeed", "GET /a HTTP/1.1\r\nHost: h\nX-A: b\r\n\r\n", 400},
@@ -124,6 +157,34 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{"TrailerWithBareLineFeed", postChunked("/a", "0\r\nA: b\nC: d\r\n\r\n"), 400},
         Refused{"EndlessTrailer", postChunked("/a", "0\r\nA: " + std::string(200'000, 'x')), 400}),
     nameOf);
+
+TEST(HttpUpgrade, IsNotListenedTo)
+{
+    const HttpServer server = serve();
+    RawClient client(server.port());
+    client.send(
+        get("/a", "Connection: Upgrade, HTTP2-Settings\r\nUpgrade: h2c\r\nHTTP2-Settings: AAMAAABk\r\n") +
+        get("/b", "Connection: Upgrade\r\nUpgrade: websocket\r\nSec-WebSocket-Key: eA==\r\n") + get("/c"));
+    for (const char* const target : {"/a", "/b", "/c"}) {
+        const RawAnswer answer = client.readAnswer();
+        EXPECT_EQ(answer.status, 200U);
+        EXPECT_EQ(answer.body, echoed("GET", target));
+        EXPECT_EQ(answer.fields.count("upgrade"), 0U);
+    }
+}
+
+TEST(HttpVersion10, IsClosedWhateverItAsksFor)
+{
+    const HttpServer server = serve();
+    for (const std::string fields :
+         {"", "Connection: keep-alive\r\n", "Keep-Alive: 100\r\nConnection: Keep-Alive\r\n"}) {
+        RawClient client(server.port());
+        client.send("POST /a HTTP/1.0\r\nContent-Length: 4\r\n" + fields + "\r\nbody" + hidden);
+        EXPECT_EQ(client.readAnswer().body, echoed("POST", "/a", "body"));
+        EXPECT_TRUE(client.isEnded());
+    }
+    EXPECT_EQ(server.counters().requests, 3U);
+}
 
 TEST(HttpChunks, AreJoined)
 {

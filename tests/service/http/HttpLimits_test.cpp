@@ -108,6 +108,30 @@ TEST(HttpLimits, BodyAtItsLimit)
     EXPECT_EQ(server.counters().requests, 6U);
 }
 
+TEST(HttpLimits, TheUsualOnesHoldToTheByte)
+{
+    const HttpLimits limits;
+    const HttpServer server = serve(limits, [](HttpRequest&& request) {
+        HttpResponse response;
+        response.body = std::to_string(request.body.size());
+        return response;
+    });
+    EXPECT_EQ(ask(server, getWithHeaderOf(limits.largestHeader - 1)).status, 200U);
+    EXPECT_EQ(ask(server, getWithHeaderOf(limits.largestHeader)).status, 200U);
+    EXPECT_EQ(ask(server, getWithHeaderOf(limits.largestHeader + 1)).status, 431U);
+    EXPECT_EQ(ask(server, get(targetOf(limits.longestTarget))).status, 200U);
+    EXPECT_EQ(ask(server, get(targetOf(limits.longestTarget + 1))).status, 414U);
+    for (const std::size_t size : {limits.largestBody - 1, limits.largestBody}) {
+        EXPECT_EQ(ask(server, post("/", std::string(size, 'b'))).body, std::to_string(size));
+        EXPECT_EQ(ask(server, postChunked("/", chunk(std::string(size, 'b')) + "0\r\n\r\n")).body,
+                  std::to_string(size));
+    }
+    EXPECT_EQ(ask(server, post("/", std::string(limits.largestBody + 1, 'b'))).status, 413U);
+    EXPECT_EQ(
+        ask(server, postChunked("/", chunk(std::string(limits.largestBody + 1, 'b')) + "0\r\n\r\n")).status,
+        413U);
+}
+
 TEST(HttpLimits, TooLargeABodyIsRefusedBeforeItIsSent)
 {
     HttpLimits limits;
