@@ -214,11 +214,12 @@ void HttpSession::readHead()
     if (textOf(m_buffer) == "\r")
         return readMore(&HttpSession::readHead);
     try {
-        const std::string_view text = textOf(m_buffer);
-        const std::optional<std::size_t> end = findHeadEnd(text, m_headExamined);
+        // What lies beyond the limit is not looked at: how much of it has arrived is chance, and the answer must not be.
         const std::size_t largest = m_sessions.limits.largestHeader;
-        if (end ? *end > largest : text.size() >= largest)
-            throw tooLarge(text.substr(0, largest));
+        const std::string_view text = textOf(m_buffer).substr(0, largest);
+        const std::optional<std::size_t> end = findHeadEnd(text, m_headExamined);
+        if (!end && text.size() == largest)
+            throw tooLarge(text);
         if (!end)
             return readMore(&HttpSession::readHead);
         takeHead(text.substr(0, *end));

@@ -53,6 +53,16 @@ TEST(HttpLimits, HeaderWithoutAnEnd)
     EXPECT_EQ(ask(server, get(targetOf(500'000))).status, 414U);
 }
 
+TEST(HttpLimits, WhatLiesBeyondTheLargestHeaderIsNotLookedAt)
+{
+    HttpLimits limits;
+    limits.largestHeader = 5000;
+    const HttpServer server = serve(limits);
+    EXPECT_EQ(ask(server, getWithHeaderOf(6000) + "a line without its carriage return\n").status, 431U);
+    EXPECT_EQ(ask(server, getWithHeaderOf(5000).substr(0, 4998) + "\n").status, 400U);
+    EXPECT_EQ(ask(server, getWithHeaderOf(6000).substr(0, 5000) + "\n\n").status, 431U);
+}
+
 TEST(HttpLimits, FieldsAtTheirLimit)
 {
     HttpLimits limits;
