@@ -65,38 +65,9 @@ HttpResponse getCell(ApiRequest& request)
     return answerJson(readable(request.session->cells(), request.principal, kind, request.ids[0]).text);
 }
 
-// PUT cells/{id}: changes the members that are sent and answers the whole monitoring. Its times change with its
-// content only.
-HttpResponse updateCell(ApiRequest& request)
-{
-    const Parameters parameters(request.http, {});
-    const CellBody body = parseCellBody(request.http.body);
-
-    const auto [session, principal] = beginWriting(request);
-    StoredDocument stored = readable(session->cells(), principal, kind, request.ids[0]);
-    requireRight(principal, Right::Edit, kinds, stored.project, stored.category);
-    if (body.project && *body.project != stored.project) {
-        throw ApiError(400, "\"projectId\": a monitoring stays in its project");
-    }
-    if (body.category && *body.category != stored.category) {
-        requireCategory(*session, *body.category);
-        requireRight(principal, Right::Edit, kinds, stored.project, *body.category);
-    }
-    Cell cell = cellOf(stored.text);
-    if (!applyTo(cell, body)) {
-        return answerJson(std::move(stored.text));
-    }
-    // A clock that was set back does not make a change older than the one before.
-    cell.updatedAt = std::max(isoText(session->now()), cell.updatedAt);
-    cell.updatedBy = principal.owner();
-    std::string document = toDocument(cell);
-    session->cells().replace(cell.project, cell.id, document);
-    session->commit();
-    return answerJson(std::move(document));
-}
-
-// What hangs on a monitoring would be lost with it: it has to be deleted first, each by its own request.
-void requireNothingMeasured(const Session& session, const StoredDocument& cell)
+// What hangs on a monitoring would be lost with it, and belongs to a sub-category of its category: it has to be deleted
+// first, each by its own request. `what` names what cannot be done before.
+void requireNothingMeasured(const Session& session, const StoredDocument& cell, const std::string& what)
 {
     DocumentQuery query;
     query.project = cell.project;
@@ -113,8 +84,39 @@ void requireNothingMeasured(const Session& session, const StoredDocument& cell)
     add(session.dataManages(), "data manages");
     add(session.alarms(), "alarms");
     if (!names.empty()) {
-        throw ApiError(409, "the monitoring cannot be deleted while it has " + names);
+        throw ApiError(409, "the monitoring cannot " + what + " while it has " + names);
     }
+}
+
+// PUT cells/{id}: changes the members that are sent and answers the whole monitoring. Its times change with its
+// content only.
+HttpResponse updateCell(ApiRequest& request)
+{
+    const Parameters parameters(request.http, {});
+    const CellBody body = parseCellBody(request.http.body);
+
+    const auto [session, principal] = beginWriting(request);
+    StoredDocument stored = readable(session->cells(), principal, kind, request.ids[0]);
+    requireRight(principal, Right::Edit, kinds, stored.project, stored.category);
+    if (body.project && *body.project != stored.project) {
+        throw ApiError(400, "\"projectId\": a monitoring stays in its project");
+    }
+    if (body.category && *body.category != stored.category) {
+        requireCategory(*session, *body.category);
+        requireRight(principal, Right::Edit, kinds, stored.project, *body.category);
+        requireNothingMeasured(*session, stored, "change its category");
+    }
+    Cell cell = cellOf(stored.text);
+    if (!applyTo(cell, body)) {
+        return answerJson(std::move(stored.text));
+    }
+    // A clock that was set back does not make a change older than the one before.
+    cell.updatedAt = std::max(isoText(session->now()), cell.updatedAt);
+    cell.updatedBy = principal.owner();
+    std::string document = toDocument(cell);
+    session->cells().replace(cell.project, cell.id, document);
+    session->commit();
+    return answerJson(std::move(document));
 }
 
 // DELETE cells/{id}: answers what was deleted.
@@ -124,7 +126,7 @@ HttpResponse deleteCell(ApiRequest& request)
     const auto [session, principal] = beginWriting(request);
     StoredDocument stored = readable(session->cells(), principal, kind, request.ids[0]);
     requireRight(principal, Right::Delete, kinds, stored.project, stored.category);
-    requireNothingMeasured(*session, stored);
+    requireNothingMeasured(*session, stored, "be deleted");
     session->cells().remove(stored.project, stored.id);
     session->commit();
     return answerJson(std::move(stored.text));

@@ -101,9 +101,6 @@ TEST_F(DataManagesResource, CategoryIsThatOfTheSubCategory)
                 ElementsAre(ofWall));
     EXPECT_EQ(count(list, R"({"category":{"$regex":"INCLINO","$options":"i"}})"), "1");
     EXPECT_THAT(members(where(list, R"({"category":"Settlement"})"), "_id"), ElementsAre(ofTower));
-    // The monitoring may be moved; its sub-category stays what it is.
-    ASSERT_EQ(call(editor, "PUT", "cells/" + tower, R"({"category":"Inclinometer"})").status, 200U);
-    EXPECT_THAT(members(where(list, R"({"category":"Settlement"})"), "_id"), ElementsAre(ofTower));
     EXPECT_THAT(members(where(list, R"({"category":"Settlement","lastCount":{"$gt":3}})"), "_id"), IsEmpty());
     EXPECT_THAT(members(where(list, R"({"cellId":")" + wall + "\"}"), "_id"), ElementsAre(ofWall));
 }

@@ -175,6 +175,21 @@ TEST_F(DeliveryResource, OtherDataOfTheMonitoringStay)
     EXPECT_EQ(number("histories"), "1");
 }
 
+TEST_F(DeliveryResource, MonitoringWithDataKeepsItsCategory)
+{
+    const std::string other = R"({"category":"Inclinometer","name":"Renamed"})";
+    addGroup();
+    EXPECT_EQ(refusal(call(editor, "PUT", "cells/" + cell, other)),
+              "409 the monitoring cannot change its category while it has groups: 1");
+    deliver("[" + point("W1") + "]");
+    EXPECT_EQ(refusal(call(editor, "PUT", "cells/" + cell, other)),
+              "409 the monitoring cannot change its category while it has point locations: 1, groups: 1, "
+              "data manages: 1, alarms: 1");
+    EXPECT_EQ(call(editor, "PUT", "cells/" + cell, R"({"category":"Settlement","name":"Renamed"})").status,
+              200U);
+    EXPECT_EQ(deliver("[" + point("W2") + "]").status, 200U) << "later deliveries are taken in";
+}
+
 TEST_F(DeliveryResource, MonitoringWithDataIsNotDeleted)
 {
     addGroup();
