@@ -51,6 +51,9 @@ std::unique_ptr<Store> openStore(const std::string& file)
     }
     SqliteStoreOptions options;
     options.createIfMissing = true;
+    // The largest delivery holds the turn for seconds. Whoever waits longer than this is told to come again, before the
+    // client library gives up at 30 s without knowing what became of the request.
+    options.busyTimeout = std::chrono::seconds(20);
     return std::make_unique<SqliteStore>(file, options);
 }
 

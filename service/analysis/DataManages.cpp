@@ -2,6 +2,7 @@
 
 #include "query/Timestamp.h"
 #include "json/JsonText.h"
+#include "json/StoredText.h"
 
 #include <simdjson.h>
 
@@ -35,11 +36,6 @@ void readDocument(std::string_view document, Read&& read)
     }
 }
 
-std::string text(simdjson::dom::element object, const char* name)
-{
-    return std::string(object[name].get_string().value());
-}
-
 std::optional<DataManage> find(const Session& session, const DeliveryTarget& target)
 {
     const Where where = Where::parse(JsonObjectWriter().text("subCategoryId", target.subCategory).finish());
@@ -51,9 +47,9 @@ std::optional<DataManage> find(const Session& session, const DeliveryTarget& tar
     std::optional<DataManage> found;
     session.dataManages().visit(query, [&found](std::string_view document) {
         readDocument(document, [&found](simdjson::dom::element object) {
-            found =
-                DataManage{text(object, "_id"),       text(object, "lastDate"),  text(object, "fileId"),
-                           text(object, "createdAt"), text(object, "createdBy"), text(object, "updatedAt")};
+            found = DataManage{storedText(object, "_id"),       storedText(object, "lastDate"),
+                               storedText(object, "fileId"),    storedText(object, "createdAt"),
+                               storedText(object, "createdBy"), storedText(object, "updatedAt")};
         });
     });
     return found;

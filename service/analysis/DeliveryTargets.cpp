@@ -29,14 +29,14 @@ std::string nameIn(const std::string& document)
 
 const DeliveryTarget& DeliveryTargets::of(const Delivery& delivery, const DeliveredPoint& point)
 {
-    const std::string place = delivery.nameOf(point.element);
     const auto key = std::pair(point.cell, point.subCategory);
     auto found = m_found.find(key);
     if (found == m_found.end()) {
-        found = m_found.emplace(key, find(place, point)).first;
+        found = m_found.emplace(key, find(delivery.nameOf(point.element), point)).first;
     }
     if (point.project && *point.project != found->second.project) {
-        refuse(place, "projectId", "the monitoring is not of project \"" + *point.project + "\"");
+        refuse(delivery.nameOf(point.element), "projectId",
+               "the monitoring is not of project \"" + *point.project + "\"");
     }
     return found->second;
 }

@@ -2,6 +2,7 @@
 
 #include "store/StoreError.h"
 #include "json/JsonText.h"
+#include "json/StoredText.h"
 
 #include <simdjson.h>
 
@@ -16,11 +17,6 @@ simdjson::dom::parser& parser()
 {
     thread_local simdjson::dom::parser instance;
     return instance;
-}
-
-std::string text(simdjson::dom::element object, const char* name)
-{
-    return std::string(object[name].get_string().value());
 }
 
 } // namespace
@@ -55,25 +51,25 @@ PointLocation pointLocationOf(const std::string& document)
     try {
         const simdjson::dom::element object = parser().parse(document);
         PointLocation point;
-        point.id = text(object, "_id");
-        point.project = text(object, "projectId");
-        point.cell = text(object, "cellId");
-        point.subCategory = text(object, "subCategoryId");
-        point.alias = text(object, "alias");
-        point.name = text(object, "name");
+        point.id = storedText(object, "_id");
+        point.project = storedText(object, "projectId");
+        point.cell = storedText(object, "cellId");
+        point.subCategory = storedText(object, "subCategoryId");
+        point.alias = storedText(object, "alias");
+        point.name = storedText(object, "name");
         point.dataType = static_cast<std::int32_t>(object["dataType"].get_int64().value());
         point.initialValue = object["initialValue"].get_double().value();
-        point.offsetDirection = text(object, "offsetDirection");
-        point.depth = text(object, "depth");
+        point.offsetDirection = storedText(object, "offsetDirection");
+        point.depth = storedText(object, "depth");
         point.insertCount = object["insertCount"].get_int64().value();
         point.lastCount = static_cast<std::int32_t>(object["lastCount"].get_int64().value());
-        point.lastDate = text(object, "lastDate");
-        point.fileId = text(object, "fileId");
+        point.lastDate = storedText(object, "lastDate");
+        point.fileId = storedText(object, "fileId");
         point.links = simdjson::minify(object["links"].value());
-        point.createdAt = text(object, "createdAt");
-        point.createdBy = text(object, "createdBy");
-        point.updatedAt = text(object, "updatedAt");
-        point.updatedBy = text(object, "updatedBy");
+        point.createdAt = storedText(object, "createdAt");
+        point.createdBy = storedText(object, "createdBy");
+        point.updatedAt = storedText(object, "updatedAt");
+        point.updatedBy = storedText(object, "updatedBy");
         return point;
     } catch (const simdjson::simdjson_error& error) {
         throw StoreError(StoreFailure::InputOutput,

@@ -1,5 +1,6 @@
 #include "analysis/PointMerge.h"
 
+#include "analysis/Assign.h"
 #include "analysis/DeliveryRefusal.h"
 #include "query/Timestamp.h"
 
@@ -43,16 +44,6 @@ Outcome store(Measurements& measurements, std::int64_t point, Sample& sample)
     sample.offsetMinutes = held ? held->offsetMinutes : sample.offsetMinutes;
     measurements.replaceSample(point, sample);
     return Outcome::Corrected;
-}
-
-template <typename Value>
-bool assign(Value& member, const std::optional<Value>& delivered)
-{
-    if (!delivered || *delivered == member) {
-        return false;
-    }
-    member = *delivered;
-    return true;
 }
 
 // Merges the samples of one point.
@@ -177,7 +168,7 @@ MergedPoint mergePoint(Session& session, const DeliveryTarget& target, const Del
         // A clock that was set back does not make a change older than the one before.
         merged.location.updatedAt = std::max(author.time, merged.location.updatedAt);
         merged.location.updatedBy = author.name;
-        measurements.replacePoint(merged.key, toDocument(merged.location));
+        measurements.replacePoint(merged.key, toDocument(merged.location), merged.lastTime);
     }
     return merged;
 }

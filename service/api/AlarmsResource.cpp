@@ -1,5 +1,4 @@
 #include "api/Listing.h"
-#include "api/Permission.h"
 #include "api/Resources.h"
 
 namespace monitorservice {
@@ -17,23 +16,15 @@ HttpResponse listAlarms(ApiRequest& request)
 // GET alarmManages/{id}/alarmDetails: the points that an alarm is about, by name.
 HttpResponse listDetails(ApiRequest& request)
 {
-    const StoredDocument alarm =
-        readable(request.session->alarms(), request.principal, "alarm", request.ids[0]);
-    ListKind list;
-    list.parent = alarm.id;
-    list.order = "pointName";
-    return answerListing(request, alarm.project, request.session->alarmDetails(), list);
+    return answerListingOf(request, {request.session->alarms(), "alarm"}, request.session->alarmDetails(),
+                           "pointName");
 }
 
 // GET alarmDetails/{id}/threeDetails: the values of a point at its depths, downwards.
 HttpResponse listDepths(ApiRequest& request)
 {
-    const StoredDocument detail =
-        readable(request.session->alarmDetails(), request.principal, "alarm detail", request.ids[0]);
-    ListKind list;
-    list.parent = detail.id;
-    list.order = "depth";
-    return answerListing(request, detail.project, request.session->alarmDepths(), list);
+    return answerListingOf(request, {request.session->alarmDetails(), "alarm detail"},
+                           request.session->alarmDepths(), "depth");
 }
 
 } // namespace

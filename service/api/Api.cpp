@@ -71,7 +71,7 @@ Api::Api(Store& store, std::shared_ptr<const HttpCounters> counters)
 {
 }
 
-HttpResponse Api::answer(const HttpRequest& request) const
+HttpResponse Api::answer(HttpRequest& request) const
 {
     try {
         if (request.path.size() > 1 && request.path.front() == "monitor-service") {
@@ -89,7 +89,7 @@ HttpResponse Api::answer(const HttpRequest& request) const
     }
 }
 
-HttpResponse Api::answerClient(const HttpRequest& request) const
+HttpResponse Api::answerClient(HttpRequest& request) const
 {
     std::unique_ptr<const Session> session = m_store.read();
     Principal principal = authenticate(*session, request.authorization);

@@ -16,11 +16,12 @@ public:
     /// The store must outlive the object.
     Api(Store& store, std::shared_ptr<const HttpCounters> counters);
 
-    HttpResponse answer(const HttpRequest& request) const;
+    /// Leaves the request without a body when that was a delivery.
+    HttpResponse answer(HttpRequest& request) const;
 
 private:
     HttpResponse answerOperator(const HttpRequest& request) const;
-    HttpResponse answerClient(const HttpRequest& request) const;
+    HttpResponse answerClient(HttpRequest& request) const;
     bool isReady() const;
 
     Store& m_store;

@@ -13,7 +13,7 @@ namespace monitorservice {
 /// A request whose bearer is known and whose resource has been found.
 struct ApiRequest
 {
-    const HttpRequest& http;
+    HttpRequest& http;            ///< its body may be taken by the resource that reads it
     std::vector<std::string> ids; ///< the path's segments that stand for identifiers, in order
     Store& store;
     std::unique_ptr<const Session> session; ///< what is read is of the moment at which the token was checked

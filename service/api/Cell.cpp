@@ -1,17 +1,17 @@
 #include "api/Cell.h"
 
+#include "analysis/Assign.h"
 #include "api/ApiError.h"
 #include "api/JsonBody.h"
 #include "store/StoreError.h"
 #include "json/JsonText.h"
+#include "json/StoredText.h"
 
 #include <algorithm>
 
 namespace monitorservice {
 
 namespace {
-
-constexpr std::size_t largestBody = 1024 * 1024;
 
 std::vector<std::string> parseTexts(simdjson::dom::element value, const std::string& name)
 {
@@ -20,16 +20,6 @@ std::vector<std::string> parseTexts(simdjson::dom::element value, const std::str
         texts.push_back(textOf(element, name + "[" + std::to_string(texts.size()) + "]"));
     }
     return texts;
-}
-
-template <typename Member>
-bool assign(Member& member, const std::optional<Member>& sent)
-{
-    if (!sent || *sent == member) {
-        return false;
-    }
-    member = *sent;
-    return true;
 }
 
 std::vector<Link> merged(const std::vector<Link>& present, const SentLinks& sent)
@@ -45,16 +35,11 @@ std::vector<Link> merged(const std::vector<Link>& present, const SentLinks& sent
     return links;
 }
 
-std::string member(simdjson::dom::element object, const char* name)
-{
-    return std::string(object[name].get_string().value());
-}
-
 } // namespace
 
 CellBody parseCellBody(std::string_view json)
 {
-    const JsonBody text(json, largestBody);
+    const JsonBody text(json);
     CellBody body;
     forEachMember(text.object(), "", [&body](std::string_view name, simdjson::dom::element value) {
         if (name == "projectId") {
@@ -111,22 +96,22 @@ Cell cellOf(const std::string& document)
         simdjson::dom::parser parser;
         const simdjson::dom::element object = parser.parse(document);
         Cell cell;
-        cell.id = member(object, "_id");
-        cell.project = member(object, "projectId");
-        cell.name = member(object, "name");
-        cell.category = member(object, "category");
+        cell.id = storedText(object, "_id");
+        cell.project = storedText(object, "projectId");
+        cell.name = storedText(object, "name");
+        cell.category = storedText(object, "category");
         const simdjson::dom::array recipients = object["alarmTo"];
         for (const simdjson::dom::element recipient : recipients) {
             cell.alarmTo.emplace_back(recipient.get_string().value());
         }
         const simdjson::dom::array links = object["links"];
         for (const simdjson::dom::element link : links) {
-            cell.links.push_back({member(link, "type"), member(link, "rId")});
+            cell.links.push_back({storedText(link, "type"), storedText(link, "rId")});
         }
-        cell.createdAt = member(object, "createdAt");
-        cell.createdBy = member(object, "createdBy");
-        cell.updatedAt = member(object, "updatedAt");
-        cell.updatedBy = member(object, "updatedBy");
+        cell.createdAt = storedText(object, "createdAt");
+        cell.createdBy = storedText(object, "createdBy");
+        cell.updatedAt = storedText(object, "updatedAt");
+        cell.updatedBy = storedText(object, "updatedBy");
         return cell;
     } catch (const simdjson::simdjson_error& error) {
         throw StoreError(StoreFailure::InputOutput,

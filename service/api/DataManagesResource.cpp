@@ -1,5 +1,4 @@
 #include "api/Listing.h"
-#include "api/Permission.h"
 #include "api/Resources.h"
 #include "store/StoreError.h"
 #include "json/JsonText.h"
@@ -71,12 +70,8 @@ HttpResponse listDataManages(ApiRequest& request)
 // clock does.
 HttpResponse listHistory(ApiRequest& request)
 {
-    const StoredDocument dataManage =
-        readable(request.session->dataManages(), request.principal, "data manage", request.ids[0]);
-    ListKind list;
-    list.parent = dataManage.id;
-    list.order = "-_id";
-    return answerListing(request, dataManage.project, request.session->histories(), list);
+    return answerListingOf(request, {request.session->dataManages(), "data manage"},
+                           request.session->histories(), "-_id");
 }
 
 } // namespace

@@ -22,6 +22,7 @@ unsigned statusOf(const DeliveryRefusal& refusal)
 std::string takeIn(ApiRequest& request)
 {
     const Delivery delivery = parseDelivery(request.http.body);
+    std::string().swap(request.http.body); // up to 64 MiB that nobody needs during the wait and the writing
     const auto [session, principal] = beginWriting(request);
     const Principal& sender = principal;
     const MayDo mayDo = [&sender](Right right, const std::string& project, const std::string& category) {
@@ -39,13 +40,13 @@ std::string takeIn(ApiRequest& request)
 HttpResponse postDelivery(ApiRequest& request)
 {
     const Parameters parameters(request.http, {});
+    const bool isNested = isNestedDelivery(request.http.body);
     try {
         HttpResponse response;
         response.body = takeIn(request);
         return response;
     } catch (const DeliveryRefusal& refusal) {
-        throw ApiError(isNestedDelivery(request.http.body) ? nestedRefusal : statusOf(refusal),
-                       refusal.what());
+        throw ApiError(isNested ? nestedRefusal : statusOf(refusal), refusal.what());
     }
 }
 

@@ -1,15 +1,15 @@
 #include "api/Group.h"
 
+#include "analysis/Assign.h"
 #include "api/ApiError.h"
 #include "api/JsonBody.h"
 #include "store/StoreError.h"
 #include "json/JsonText.h"
+#include "json/StoredText.h"
 
 namespace monitorservice {
 
 namespace {
-
-constexpr std::size_t largestBody = 1024 * 1024;
 
 std::vector<std::string> parsePoints(simdjson::dom::element value)
 {
@@ -41,26 +41,11 @@ double parseLimit(simdjson::dom::element value, const std::string& name)
     return limit;
 }
 
-template <typename Member>
-bool assign(Member& member, const std::optional<Member>& sent)
-{
-    if (!sent || *sent == member) {
-        return false;
-    }
-    member = *sent;
-    return true;
-}
-
-std::string member(simdjson::dom::element object, const char* name)
-{
-    return std::string(object[name].get_string().value());
-}
-
 } // namespace
 
 GroupBody parseGroupBody(std::string_view json)
 {
-    const JsonBody text(json, largestBody);
+    const JsonBody text(json);
     GroupBody body;
     forEachMember(text.object(), "", [&body](std::string_view name, simdjson::dom::element value) {
         if (name == "projectId") {
@@ -127,11 +112,11 @@ Group groupOf(const std::string& document)
         simdjson::dom::parser parser;
         const simdjson::dom::element object = parser.parse(document);
         Group group;
-        group.id = member(object, "_id");
-        group.project = member(object, "projectId");
-        group.cell = member(object, "cellId");
-        group.subCategory = member(object, "subCategoryId");
-        group.name = member(object, "groupName");
+        group.id = storedText(object, "_id");
+        group.project = storedText(object, "projectId");
+        group.cell = storedText(object, "cellId");
+        group.subCategory = storedText(object, "subCategoryId");
+        group.name = storedText(object, "groupName");
         const simdjson::dom::array points = object["groupPoint"];
         for (const simdjson::dom::element point : points) {
             group.points.emplace_back(point.get_string().value());
@@ -139,11 +124,11 @@ Group groupOf(const std::string& document)
         group.dayVariationType = static_cast<std::int32_t>(object["dayVarType"].get_int64().value());
         group.dayVariation = object["dayVarValue"].get_double().value();
         group.totalVariation = object["totalVar"].get_double().value();
-        group.viewPort = member(object, "viewPortId");
-        group.createdAt = member(object, "createdAt");
-        group.createdBy = member(object, "createdBy");
-        group.updatedAt = member(object, "updatedAt");
-        group.updatedBy = member(object, "updatedBy");
+        group.viewPort = storedText(object, "viewPortId");
+        group.createdAt = storedText(object, "createdAt");
+        group.createdBy = storedText(object, "createdBy");
+        group.updatedAt = storedText(object, "updatedAt");
+        group.updatedBy = storedText(object, "updatedBy");
         return group;
     } catch (const simdjson::simdjson_error& error) {
         throw StoreError(StoreFailure::InputOutput,

@@ -124,11 +124,7 @@ HttpResponse listGroups(ApiRequest& request)
 // GET cells/{id}/groupSettings: see answerListing().
 HttpResponse listGroupsOfCell(ApiRequest& request)
 {
-    const StoredDocument cell =
-        readable(request.session->cells(), request.principal, "monitoring", request.ids[0]);
-    ListKind list;
-    list.parent = cell.id;
-    return answerListing(request, cell.project, request.session->groups(), list);
+    return answerListingOf(request, {request.session->cells(), "monitoring"}, request.session->groups());
 }
 
 } // namespace

@@ -9,15 +9,16 @@ namespace monitorservice {
 
 namespace {
 
+constexpr std::size_t largestBody = 1024 * 1024;
 constexpr std::size_t longestText = 4096;
 constexpr std::size_t mostElements = 1000;
 
 } // namespace
 
-JsonBody::JsonBody(std::string_view text, std::size_t largest)
+JsonBody::JsonBody(std::string_view text)
 {
-    if (text.size() > largest) {
-        throw ApiError(413, "the body is larger than " + std::to_string(largest) + " bytes");
+    if (text.size() > largestBody) {
+        throw ApiError(413, "the body is larger than " + std::to_string(largestBody) + " bytes");
     }
     simdjson::dom::element root;
     if (const auto error = m_parser.parse(text.data(), text.size()).get(root)) {

@@ -13,8 +13,8 @@ namespace monitorservice {
 class JsonBody
 {
 public:
-    /// Throws for what is not JSON, not UTF-8 or not an object, and 413 for more than `largest` bytes.
-    JsonBody(std::string_view text, std::size_t largest);
+    /// Throws for what is not JSON, not UTF-8 or not an object, and 413 for more than 1 MiB.
+    explicit JsonBody(std::string_view text);
 
     simdjson::dom::object object() const { return m_object; }
 

@@ -4,6 +4,7 @@
 #include "api/Answers.h"
 #include "api/ApiError.h"
 #include "api/Parameters.h"
+#include "api/Permission.h"
 #include "json/JsonText.h"
 
 namespace monitorservice {
@@ -48,6 +49,13 @@ HttpResponse answerListing(const ApiRequest& request, const std::string& project
         requireRoom(array.size());
     });
     return answerJson(array.finish());
+}
+
+HttpResponse answerListingOf(const ApiRequest& request, const ListParent& parent, const Documents& documents,
+                             const char* order)
+{
+    const StoredDocument stored = readable(parent.documents, request.principal, parent.kind, request.ids[0]);
+    return answerListing(request, stored.project, documents, {stored.id, order});
 }
 
 } // namespace monitorservice

@@ -39,4 +39,15 @@ struct ListKind
 HttpResponse answerListing(const ApiRequest& request, const std::string& project, const Documents& documents,
                            const ListKind& kind = {});
 
+/// The document that a list belongs to: found among `documents` by the identifier in the request's path.
+struct ListParent
+{
+    const Documents& documents;
+    const char* kind; ///< for the message when there is none that the caller may read
+};
+
+/// Answers a list of what belongs to one document, as answerListing() does. Throws ApiError 404 without that document.
+HttpResponse answerListingOf(const ApiRequest& request, const ListParent& parent, const Documents& documents,
+                             const char* order = nullptr);
+
 } // namespace monitorservice

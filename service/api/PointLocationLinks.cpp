@@ -13,12 +13,10 @@ namespace monitorservice {
 
 namespace {
 
-constexpr std::size_t largestBody = 1024 * 1024;
-
 // The links of the body as they are stored.
 std::string linksIn(std::string_view json)
 {
-    const JsonBody body(json, largestBody);
+    const JsonBody body(json);
     std::optional<std::string> links;
     forEachMember(body.object(), "", [&links](std::string_view name, simdjson::dom::element value) {
         if (name != "links") {

@@ -49,6 +49,10 @@ SQLite::Database open(const std::filesystem::path& file, SqliteConnection::Acces
 {
     const int mode =
         access == SqliteConnection::Access::Write ? SQLite::OPEN_READWRITE : SQLite::OPEN_READONLY;
+    // Otherwise every allocation takes a lock of the whole process, to keep statistics that nobody reads. Refused,
+    // without harm, once SQLite is in use.
+    static const int withoutStatistics = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+    static_cast<void>(withoutStatistics);
     return translated([&] {
         return SQLite::Database(file.u8string(), mode | SQLite::OPEN_NOMUTEX,
                                 static_cast<int>(busyTimeout.count()));
@@ -62,16 +66,15 @@ StoreError storeError(const SQLite::Exception& error)
     return {failureOf(error.getErrorCode()), error.what()};
 }
 
-SqliteStatement::SqliteStatement(SqliteConnection& connection, std::string sql,
-                                 std::unique_ptr<SQLite::Statement> statement)
-    : m_connection(&connection), m_sql(std::move(sql)), m_statement(std::move(statement))
+SqliteStatement::SqliteStatement(SqliteConnection& connection, std::unique_ptr<SQLite::Statement> statement)
+    : m_connection(&connection), m_statement(std::move(statement))
 {
 }
 
 SqliteStatement::~SqliteStatement()
 {
     if (m_statement != nullptr) {
-        m_connection->keep(std::move(m_sql), std::move(m_statement));
+        m_connection->keep(std::move(m_statement));
     }
 }
 
@@ -159,18 +162,23 @@ SqliteConnection::SqliteConnection(const std::filesystem::path& file, Access acc
     execute("PRAGMA foreign_keys = ON");
     // With the write-ahead log, FULL is what makes a commit survive a loss of power.
     execute("PRAGMA synchronous = FULL");
+    if (access == Access::Write) {
+        // A delivery to many points changes many pages; those that do not fit are written before their last change.
+        execute("PRAGMA cache_size = -32000");
+    }
 }
 
-SqliteStatement SqliteConnection::statement(const std::string& sql)
+SqliteStatement SqliteConnection::statement(std::string_view sql)
 {
     if (auto idle = m_idle.extract(sql)) {
-        return {*this, std::move(idle.key()), std::move(idle.mapped())};
+        return {*this, std::move(idle.mapped())};
     }
-    return translated(
-        [&] { return SqliteStatement(*this, sql, std::make_unique<SQLite::Statement>(m_database, sql)); });
+    return translated([&] {
+        return SqliteStatement(*this, std::make_unique<SQLite::Statement>(m_database, std::string(sql)));
+    });
 }
 
-void SqliteConnection::keep(std::string&& sql, std::unique_ptr<SQLite::Statement> statement)
+void SqliteConnection::keep(std::unique_ptr<SQLite::Statement> statement)
 {
     if (m_idle.size() >= largestStatementCache) {
         m_idle.clear();
@@ -178,7 +186,8 @@ void SqliteConnection::keep(std::string&& sql, std::unique_ptr<SQLite::Statement
     // The error that tryReset repeats was reported by the step that met it.
     statement->tryReset();
     statement->clearBindings();
-    m_idle.insert_or_assign(std::move(sql), std::move(statement));
+    // Of two with the same text the first stays, as its text is the key.
+    m_idle.try_emplace(statement->getQuery(), std::move(statement));
 }
 
 void SqliteConnection::execute(const std::string& sql)

@@ -21,8 +21,7 @@ class SqliteConnection;
 class SqliteStatement
 {
 public:
-    SqliteStatement(SqliteConnection& connection, std::string sql,
-                    std::unique_ptr<SQLite::Statement> statement);
+    SqliteStatement(SqliteConnection& connection, std::unique_ptr<SQLite::Statement> statement);
     SqliteStatement(SqliteStatement&&) noexcept = default;
     SqliteStatement& operator=(SqliteStatement&&) = delete;
     SqliteStatement(const SqliteStatement&) = delete;
@@ -60,7 +59,6 @@ public:
 
 private:
     SqliteConnection* m_connection;
-    std::string m_sql;
     std::unique_ptr<SQLite::Statement> m_statement;
     int m_bound = 0;
 };
@@ -79,7 +77,7 @@ public:
     SqliteConnection(const std::filesystem::path& file, Access access, std::chrono::milliseconds busyTimeout);
 
     /// A statement of this text, prepared once and kept for the next use.
-    SqliteStatement statement(const std::string& sql);
+    SqliteStatement statement(std::string_view sql);
     /// Runs statements that take and give nothing.
     void execute(const std::string& sql);
     /// The first value of the first row.
@@ -89,10 +87,11 @@ public:
 
 private:
     friend class SqliteStatement;
-    void keep(std::string&& sql, std::unique_ptr<SQLite::Statement> statement);
+    void keep(std::unique_ptr<SQLite::Statement> statement);
 
     SQLite::Database m_database;
-    std::unordered_map<std::string, std::unique_ptr<SQLite::Statement>> m_idle;
+    // Found by their text, which each statement itself holds.
+    std::unordered_map<std::string_view, std::unique_ptr<SQLite::Statement>> m_idle;
 };
 
 /// The failure that an error of SQLite stands for.

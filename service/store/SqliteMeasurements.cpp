@@ -1,9 +1,9 @@
 #include "store/SqliteMeasurements.h"
 
 #include "store/SqlitePointSelection.h"
+#include "store/SqliteSchema.h"
 
 #include <array>
-#include <tuple>
 
 namespace monitorservice {
 
@@ -68,16 +68,20 @@ void SqliteMeasurements::visitPoints(const std::string& cell, const std::string&
 std::int64_t SqliteMeasurements::insertPoint(const std::string& project, const std::string& id,
                                              const std::string& document)
 {
-    m_connection.statement("INSERT INTO point_locations (project, id, document) VALUES (?, ?, ?)")
-        .bind(project, id, document)
-        .run();
+    static const std::string sql =
+        "INSERT INTO point_locations (project, id, document, cell, sub_category, name, depth, last_time) "
+        "VALUES (?1, ?2, ?3, json_extract(?3, '$.cellId'), json_extract(?3, '$.subCategoryId'), "
+        "json_extract(?3, '$.name'), json_extract(?3, '$.depth'), " +
+        instantIn("json_extract(?3, '$.lastDate')") + ")";
+    m_connection.statement(sql).bind(project, id, document).run();
     return m_connection.database().getLastInsertRowid();
 }
 
-void SqliteMeasurements::replacePoint(std::int64_t point, const std::string& document)
+void SqliteMeasurements::replacePoint(std::int64_t point, const std::string& document,
+                                      const std::optional<Instant>& lastTime)
 {
-    m_connection.statement("UPDATE point_locations SET document = ? WHERE point = ?")
-        .bind(document, point)
+    m_connection.statement("UPDATE point_locations SET document = ?, last_time = ? WHERE point = ?")
+        .bind(document, lastTime, point)
         .run();
 }
 
@@ -170,20 +174,16 @@ std::optional<DaySummary> SqliteMeasurements::latestDayBefore(std::int64_t point
 
 void SqliteMeasurements::addToDay(std::int64_t point, const DaySummary& added)
 {
-    DaySummary day = added;
-    visitDays(point, added.day, added.day, [&day](const DaySummary& held) {
-        const std::int64_t samples = held.samples + day.samples;
-        if (std::tie(held.time, held.count) > std::tie(day.time, day.count)) {
-            day = held;
-        }
-        day.samples = samples;
-    });
-    m_connection
-        .statement("INSERT OR REPLACE INTO day_rollup (point, day, time, count, offset_minutes, value, "
-                   "samples) VALUES (?, ?, ?, ?, ?, ?, ?)")
-        .bind(point, day.day, day.time, std::int64_t{day.count}, columnOf(day.offsetMinutes), day.value,
-              day.samples)
-        .run();
+    SqliteStatement statement = m_connection.statement(
+        "INSERT INTO day_rollup AS held (point, day, time, count, offset_minutes, value, samples) "
+        "VALUES (?, ?, ?, ?, ?, ?, ?) ON CONFLICT (point, day) DO UPDATE SET "
+        "samples = held.samples + excluded.samples, (time, count, offset_minutes, value) = "
+        "(SELECT held.time, held.count, held.offset_minutes, held.value "
+        "WHERE (held.time, held.count) > (excluded.time, excluded.count) UNION ALL "
+        "SELECT excluded.time, excluded.count, excluded.offset_minutes, excluded.value LIMIT 1)");
+    statement.bind(point, added.day, added.time, std::int64_t{added.count}, columnOf(added.offsetMinutes),
+                   added.value, added.samples);
+    statement.run();
 }
 
 void SqliteMeasurements::removeDelivered(const std::string& cell, const std::string& subCategory)

@@ -16,7 +16,8 @@ public:
                      const PointVisitor& visitor) const override;
     std::int64_t insertPoint(const std::string& project, const std::string& id,
                              const std::string& document) override;
-    void replacePoint(std::int64_t point, const std::string& document) override;
+    void replacePoint(std::int64_t point, const std::string& document,
+                      const std::optional<Instant>& lastTime) override;
     bool replaceLinks(std::int64_t point, const std::string& links, Instant when,
                       const std::string& who) override;
     std::unique_ptr<PointSelection> select(const DocumentQuery& query) const override;

@@ -11,9 +11,18 @@ namespace {
 // "RKMD": tells the service's files from those of other applications (https://www.sqlite.org/pragma.html#pragma_application_id).
 constexpr std::int64_t applicationId = 0x524b4d44;
 
-// Documents hold times as isoText() writes them. julianday() would round, so seconds and milliseconds are read apart.
+std::string timeColumn(const std::string& name, const std::string& member)
+{
+    return name + " INTEGER NOT NULL AS (" + instantIn("json_extract(document, '$." + member + "')") +
+           ") STORED";
+}
+
 // A document's own members are the source of every column that is queried: the two cannot come to differ.
-constexpr const char* firstVersion = R"sql(
+std::string firstVersion()
+{
+    const std::string createdAt = timeColumn("created_at", "createdAt");
+    const std::string updatedAt = timeColumn("updated_at", "updatedAt");
+    return R"sql(
 CREATE TABLE state (
     key TEXT PRIMARY KEY,
     value TEXT NOT NULL
@@ -48,13 +57,11 @@ CREATE TABLE cells (
     document TEXT NOT NULL,
     name TEXT NOT NULL AS (json_extract(document, '$.name')) STORED,
     category TEXT NOT NULL AS (json_extract(document, '$.category')) STORED REFERENCES categories (name),
-    created_at INTEGER NOT NULL AS (
-        CAST(strftime('%s', json_extract(document, '$.createdAt')) AS INTEGER) * 1000
-        + CAST(substr(json_extract(document, '$.createdAt'), 21, 3) AS INTEGER)) STORED,
+    )sql" + createdAt +
+           R"sql(,
     created_by TEXT NOT NULL AS (json_extract(document, '$.createdBy')) STORED,
-    updated_at INTEGER NOT NULL AS (
-        CAST(strftime('%s', json_extract(document, '$.updatedAt')) AS INTEGER) * 1000
-        + CAST(substr(json_extract(document, '$.updatedAt'), 21, 3) AS INTEGER)) STORED,
+    )sql" + updatedAt +
+           R"sql(,
     updated_by TEXT NOT NULL AS (json_extract(document, '$.updatedBy')) STORED,
     PRIMARY KEY (project, id)
 ) STRICT;
@@ -72,19 +79,19 @@ CREATE TABLE groups (
 ) STRICT;
 CREATE INDEX groups_by_cell ON groups (cell, sub_category, id);
 
--- A point's own number, not its identifier, is what its samples refer to: it is short.
+-- A point's own number, not its identifier, is what its samples refer to: it is short. Its columns are written with the
+-- document, not generated from it: every delivery rewrites the document, and would rewrite each generated column and its
+-- indexes with it.
 CREATE TABLE point_locations (
     point INTEGER PRIMARY KEY,
     project TEXT NOT NULL REFERENCES projects (id),
     id TEXT NOT NULL UNIQUE,
     document TEXT NOT NULL,
-    cell TEXT NOT NULL AS (json_extract(document, '$.cellId')) STORED REFERENCES cells (id),
-    sub_category TEXT NOT NULL AS (json_extract(document, '$.subCategoryId')) STORED REFERENCES sub_categories (id),
-    name TEXT NOT NULL AS (json_extract(document, '$.name')) STORED,
-    depth TEXT NOT NULL AS (json_extract(document, '$.depth')) STORED,
-    last_time INTEGER AS (
-        CAST(strftime('%s', json_extract(document, '$.lastDate')) AS INTEGER) * 1000
-        + CAST(substr(json_extract(document, '$.lastDate'), 21, 3) AS INTEGER)) STORED,
+    cell TEXT NOT NULL REFERENCES cells (id),
+    sub_category TEXT NOT NULL REFERENCES sub_categories (id),
+    name TEXT NOT NULL,
+    depth TEXT NOT NULL,
+    last_time INTEGER,
     UNIQUE (project, id),
     UNIQUE (cell, sub_category, name, depth)
 ) STRICT;
@@ -120,12 +127,10 @@ CREATE TABLE data_manages (
     document TEXT NOT NULL,
     cell TEXT NOT NULL AS (json_extract(document, '$.cellId')) STORED REFERENCES cells (id),
     sub_category TEXT NOT NULL AS (json_extract(document, '$.subCategoryId')) STORED REFERENCES sub_categories (id),
-    created_at INTEGER NOT NULL AS (
-        CAST(strftime('%s', json_extract(document, '$.createdAt')) AS INTEGER) * 1000
-        + CAST(substr(json_extract(document, '$.createdAt'), 21, 3) AS INTEGER)) STORED,
-    updated_at INTEGER NOT NULL AS (
-        CAST(strftime('%s', json_extract(document, '$.updatedAt')) AS INTEGER) * 1000
-        + CAST(substr(json_extract(document, '$.updatedAt'), 21, 3) AS INTEGER)) STORED,
+    )sql" + createdAt +
+           R"sql(,
+    )sql" + updatedAt +
+           R"sql(,
     PRIMARY KEY (project, id),
     UNIQUE (cell, sub_category)
 ) STRICT;
@@ -145,9 +150,8 @@ CREATE TABLE alarms (
     document TEXT NOT NULL,
     cell TEXT NOT NULL AS (json_extract(document, '$.cellId')) STORED REFERENCES cells (id),
     sub_category TEXT NOT NULL AS (json_extract(document, '$.subCategoryId')) STORED REFERENCES sub_categories (id),
-    created_at INTEGER NOT NULL AS (
-        CAST(strftime('%s', json_extract(document, '$.createdAt')) AS INTEGER) * 1000
-        + CAST(substr(json_extract(document, '$.createdAt'), 21, 3) AS INTEGER)) STORED,
+    )sql" + createdAt +
+           R"sql(,
     PRIMARY KEY (project, id)
 ) STRICT;
 CREATE INDEX alarms_by_cell ON alarms (cell, sub_category, id);
@@ -172,7 +176,7 @@ CREATE TABLE alarm_depths (
 ) STRICT;
 CREATE INDEX alarm_depths_by_detail ON alarm_depths (detail, id);
 
--- What belongs to a monitoring has its category, which may change and is stored with the monitoring alone. The views
+-- What belongs to a monitoring has its category, which is stored with the monitoring alone. The views
 -- add it, and as "searched" the document with the members that conditions may name besides those stored.
 CREATE VIEW groups_read AS
     SELECT g.*, c.category AS category, json_set(g.document, '$.category', c.category) AS searched
@@ -228,6 +232,7 @@ CREATE TABLE grants (
 -- A unique index holds two NULLs to be different, so "every category" is written as something that no category is.
 CREATE UNIQUE INDEX grants_by_token ON grants (token, project, ifnull(category, x''));
 )sql";
+}
 
 // The step at index n leads from version n to version n + 1. Steps that were released are never changed.
 constexpr std::array migrations{firstVersion};
@@ -271,6 +276,13 @@ void useWriteAheadLog(SqliteConnection& connection, std::chrono::milliseconds bu
 
 } // namespace
 
+std::string instantIn(const std::string& text)
+{
+    // julianday() would round, so seconds and milliseconds are read apart.
+    return "CAST(strftime('%s', " + text + ") AS INTEGER) * 1000 + CAST(substr(" + text +
+           ", 21, 3) AS INTEGER)";
+}
+
 void migrate(SqliteConnection& connection, std::chrono::milliseconds busyTimeout)
 {
     checkOwnership(connection);
@@ -281,7 +293,7 @@ void migrate(SqliteConnection& connection, std::chrono::milliseconds busyTimeout
         checkOwnership(connection);
         for (auto version = static_cast<std::size_t>(connection.integer("PRAGMA user_version"));
              version < migrations.size(); ++version) {
-            connection.execute(migrations.at(version));
+            connection.execute(migrations.at(version)());
         }
         connection.execute("PRAGMA application_id = " + std::to_string(applicationId));
         connection.execute("PRAGMA user_version = " + std::to_string(migrations.size()));

@@ -115,21 +115,22 @@ public:
 
     std::string newIdentifier() override
     {
-        std::string previous;
-        {
+        if (!m_identifier) {
             SqliteStatement statement =
                 m_connection.statement("SELECT value FROM state WHERE key = 'lastIdentifier'");
-            previous = statement.step() ? statement.text(0) : std::string();
+            m_identifier = statement.step() ? statement.text(0) : std::string();
         }
-        std::string identifier = identifierAfter(previous, m_now);
-        m_connection.statement("INSERT OR REPLACE INTO state (key, value) VALUES ('lastIdentifier', ?)")
-            .bind(identifier)
-            .run();
-        return identifier;
+        m_identifier = identifierAfter(*m_identifier, m_now);
+        return *m_identifier;
     }
 
     void commit() override
     {
+        if (m_identifier) {
+            m_connection.statement("INSERT OR REPLACE INTO state (key, value) VALUES ('lastIdentifier', ?)")
+                .bind(*m_identifier)
+                .run();
+        }
         try {
             m_transaction->commit();
         } catch (const SQLite::Exception& error) {
@@ -144,6 +145,7 @@ protected:
 private:
     SqliteConnection& m_connection;
     Instant m_now;
+    std::optional<std::string> m_identifier; // the last one given, once one was asked for
     SqliteDocuments m_cells;
     SqliteDocuments m_subCategories;
     SqliteDocuments m_groups;

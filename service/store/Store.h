@@ -141,7 +141,9 @@ public:
     /// Gives the point's key. The document's "_id" and "projectId" are `id` and `project`.
     virtual std::int64_t insertPoint(const std::string& project, const std::string& id,
                                      const std::string& document) = 0;
-    virtual void replacePoint(std::int64_t point, const std::string& document) = 0;
+    /// `lastTime` is the time of the point's latest sample, "lastDate" in the document; nothing when it has none.
+    virtual void replacePoint(std::int64_t point, const std::string& document,
+                              const std::optional<Instant>& lastTime) = 0;
     /// Gives the point these relations, a JSON array as it is stored, and writes the change down; false when it has
     /// them already and nothing is changed. A clock that was set back does not make a change older than the one before.
     virtual bool replaceLinks(std::int64_t point, const std::string& links, Instant when,

@@ -149,7 +149,8 @@ TEST_F(SqliteMeasurementsTest, PointIsFoundByMonitoringSubCategoryNameAndDepth)
 
 TEST_F(SqliteMeasurementsTest, PointsOrderByTheirLatestTimeWhateverItsOffset)
 {
-    measurements().replacePoint(point, pointDocument("w1", "W1", "", "2015-12-20T20:00:00.500-08:00"));
+    measurements().replacePoint(point, pointDocument("w1", "W1", "", "2015-12-20T20:00:00.500-08:00"),
+                                Instant{1450670400500});
     measurements().insertPoint("p", "w2", pointDocument("w2", "W2", "", "2015-12-21T04:00:00.499Z"));
     measurements().insertPoint("p", "w3", pointDocument("w3", "W3", ""));
     DocumentQuery query;
