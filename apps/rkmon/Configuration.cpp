@@ -93,11 +93,16 @@ QString firstGiven(const QString& flag, const QString& variable, const QString& 
 
 QString checkedAddress(const QString& text)
 {
+    // Not shown: what stands before an "@" may be a password.
+    if (text.contains(QLatin1Char('@')))
+        throw usageFailure(
+            QStringLiteral("the address of the service must not hold a user name or a password; "
+                           "the token file says who asks"));
     const QUrl url(text, QUrl::StrictMode);
     const bool isHttp = url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
     // A per cent sign would be taken for a place marker of the library's URL templates.
     if (!url.isValid() || !isHttp || url.host().isEmpty() || url.hasQuery() || url.hasFragment() ||
-        !url.userInfo().isEmpty() || text.contains(QLatin1Char('%')))
+        text.contains(QLatin1Char('%')))
         throw usageFailure(
             QStringLiteral("\"%1\" is not the address of a service; give one like http://127.0.0.1:8600/")
                 .arg(text));

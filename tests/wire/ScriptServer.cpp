@@ -2,6 +2,7 @@
 
 #include <QEventLoop>
 #include <QHostAddress>
+#include <QSslSocket>
 #include <QTcpSocket>
 #include <QTextCodec>
 #include <QTimer>
@@ -60,6 +61,18 @@ void closeByReset(QTcpSocket* socket)
     socket->abort();
 }
 
+constexpr int usualBacklog = 50;
+
+/// How many connections the system keeps that nobody has accepted yet, about (listen(2)).
+void setBacklog(qintptr listener, int count)
+{
+#ifdef Q_OS_WIN
+    ::listen(static_cast<SOCKET>(listener), count);
+#else
+    ::listen(static_cast<int>(listener), count);
+#endif
+}
+
 /// Percent-encoded UTF-8 as text. QString::fromUtf8 is no help: it stops at a NUL and drops a leading U+FEFF.
 QString decoded(const QByteArray& text)
 {
@@ -82,8 +95,7 @@ QByteArray ScriptServer::Request::header(const QByteArray& name) const
 ScriptServer::ScriptServer()
 {
     connect(&m_listener, &QTcpServer::newConnection, this, [this] { accept(); });
-    if (!m_listener.listen(QHostAddress::LocalHost))
-        qFatal("the script server cannot listen: %s", qPrintable(m_listener.errorString()));
+    listen(0);
 }
 
 ScriptServer::~ScriptServer()
@@ -93,9 +105,82 @@ ScriptServer::~ScriptServer()
         socket->disconnect(this);
 }
 
+void ScriptServer::listen(quint16 port)
+{
+    // A port given up a moment ago may have been taken by somebody else.
+    if (!m_listener.listen(QHostAddress::LocalHost, port) && !m_listener.listen(QHostAddress::LocalHost))
+        qFatal("the script server cannot listen: %s", qPrintable(m_listener.errorString()));
+}
+
+void ScriptServer::Listener::incomingConnection(qintptr descriptor)
+{
+    if (certificate.isNull()) {
+        QTcpServer::incomingConnection(descriptor);
+        return;
+    }
+    auto socket = std::make_unique<QSslSocket>();
+    socket->setLocalCertificate(certificate);
+    socket->setPrivateKey(key);
+    if (!socket->setSocketDescriptor(descriptor))
+        return;
+    socket->startServerEncryption();
+    socket->setParent(this);
+    addPendingConnection(socket.release());
+}
+
+void ScriptServer::useTls(const QSslCertificate& certificate, const QSslKey& key)
+{
+    m_listener.certificate = certificate;
+    m_listener.key = key;
+}
+
+void ScriptServer::setArrival(Arrival arrival)
+{
+    if (m_arrival == Arrival::NotAccepted) {
+        const size_t waiting = m_backlog.size();
+        m_backlog.clear();
+        setBacklog(m_listener.socketDescriptor(), usualBacklog);
+        const int accepted = m_connectionsAccepted;
+        m_listener.resumeAccepting();
+        // Whoever connects while the queue is still full waits for a second.
+        runEventsUntil([&] { return m_connectionsAccepted >= accepted + static_cast<int>(waiting) - 1; });
+    }
+    if (m_arrival == Arrival::Refused)
+        listen(m_portGivenUp);
+    m_arrival = arrival;
+    if (arrival == Arrival::NotAccepted)
+        fillBacklog();
+    if (arrival == Arrival::Refused) {
+        m_portGivenUp = port();
+        m_listener.close();
+    }
+}
+
+/// Connects to itself without accepting until the system takes no more.
+void ScriptServer::fillBacklog()
+{
+    constexpr int enough = 300; // where the system cannot be told to keep the queue short
+    m_listener.pauseAccepting();
+    setBacklog(m_listener.socketDescriptor(), 0);
+    for (int i = 0; i < enough; ++i) {
+        m_backlog.push_back(std::make_unique<QTcpSocket>());
+        m_backlog.back()->connectToHost(QHostAddress(QHostAddress::LocalHost), port());
+        if (!m_backlog.back()->waitForConnected(100))
+            return;
+    }
+}
+
+void ScriptServer::hangUp()
+{
+    const QList<QTcpSocket*> sockets = m_connections.keys();
+    for (QTcpSocket* socket : sockets)
+        socket->disconnectFromHost();
+}
+
 QString ScriptServer::baseAddress() const
 {
-    return QStringLiteral("http://127.0.0.1:%1/").arg(port());
+    const QString scheme = m_listener.certificate.isNull() ? QStringLiteral("http") : QStringLiteral("https");
+    return QStringLiteral("%1://127.0.0.1:%2/").arg(scheme).arg(port());
 }
 
 quint16 ScriptServer::port() const
@@ -177,6 +262,12 @@ QList<QPair<QString, QString>> ScriptServer::decodedQuery(const QByteArray& targ
 void ScriptServer::accept()
 {
     while (QTcpSocket* socket = m_listener.nextPendingConnection()) {
+        if (m_arrival == Arrival::Reset) {
+            ++m_connectionsAccepted;
+            closeByReset(socket);
+            socket->deleteLater();
+            continue;
+        }
         socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
         // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the socket owns it
         auto* pause = new QTimer(socket);
@@ -198,7 +289,13 @@ void ScriptServer::read(QTcpSocket* socket)
 {
     if (!m_connections.contains(socket))
         return;
-    m_connections[socket].received += socket->readAll();
+    const QByteArray arrived = socket->readAll();
+    m_bytesReceived += arrived.size();
+    m_connections[socket].received += arrived;
+    if (m_arrival == Arrival::ResetAtFirstByte && !arrived.isEmpty()) {
+        closeByReset(socket);
+        return;
+    }
     // An answer is finished before the next request of the same connection is looked at.
     while (m_connections.contains(socket) && !m_connections[socket].answering) {
         std::optional<Request> request = takeRequest(m_connections[socket].received);

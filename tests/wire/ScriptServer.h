@@ -6,10 +6,14 @@
 #include <QObject>
 #include <QPair>
 #include <QQueue>
+#include <QSslCertificate>
+#include <QSslKey>
 #include <QString>
 #include <QTcpServer>
 
 #include <functional>
+#include <memory>
+#include <vector>
 
 class QTcpSocket;
 class QTimer;
@@ -60,7 +64,10 @@ public:
     ScriptServer();
     ~ScriptServer() override;
 
-    /// "http://127.0.0.1:PORT/".
+    /// Speaks TLS on the connections accepted from now on, with this certificate.
+    void useTls(const QSslCertificate& certificate, const QSslKey& key);
+
+    /// "http://127.0.0.1:PORT/", or "https:" once it speaks TLS.
     QString baseAddress() const;
     quint16 port() const;
 
@@ -76,11 +83,28 @@ public:
     static QByteArray httpAnswer(int status, const QByteArray& body,
                                  const QList<QByteArray>& headerLines = {"Content-Type: application/json"});
 
+    /// What becomes of a connection.
+    enum class Arrival
+    {
+        Served,
+        Reset,            ///< reset as soon as it is accepted
+        ResetAtFirstByte, ///< reset when the first byte of a request arrives on it
+        NotAccepted,      ///< left in the system's queue, which is full
+        Refused,          ///< nobody listens on the port
+    };
+    /// Holds for the connections and the bytes that arrive from now on. Serving again after Refused may be on
+    /// another port.
+    void setArrival(Arrival arrival);
+    /// Closes every open connection.
+    void hangUp();
+
     /// Every whole request so far, in order of arrival.
     QList<Request> requests() const { return m_requests; }
     int requestCount() const { return m_requests.size(); }
     /// How many connections were accepted so far.
     int connectionCount() const { return m_connectionsAccepted; }
+    /// How many bytes of requests arrived so far, those of incomplete ones included.
+    qint64 bytesReceived() const { return m_bytesReceived; }
 
     /// True when every queued answer was asked for and given, and no request came that had none.
     bool isUsedUp() const { return unansweredSteps() == 0 && m_unscriptedRequests == 0; }
@@ -108,12 +132,29 @@ private:
         bool answering = false;
     };
 
+    /// Hands out QSslSockets once there is a certificate.
+    class Listener : public QTcpServer
+    {
+    public:
+        QSslCertificate certificate;
+        QSslKey key;
+
+    protected:
+        void incomingConnection(qintptr descriptor) override;
+    };
+
+    void listen(quint16 port);
+    void fillBacklog();
     void accept();
     void read(QTcpSocket* socket);
     void play(QTcpSocket* socket);
     void drop(QTcpSocket* socket);
 
-    QTcpServer m_listener;
+    Listener m_listener;
+    Arrival m_arrival = Arrival::Served;
+    std::vector<std::unique_ptr<QTcpSocket>> m_backlog; ///< connections of its own that keep others out
+    quint16 m_portGivenUp = 0;
+    qint64 m_bytesReceived = 0;
     QQueue<QList<Step>> m_script;
     QList<Request> m_requests;
     QHash<QTcpSocket*, Connection> m_connections;

@@ -32,8 +32,8 @@ public:
     /// needs its socket.
     int exec(QEventLoop::ProcessEventsFlags flags = QEventLoop::AllEvents);
 
-    /// True when exec has returned, the whole answer arrived with a 2xx status, and its body is empty or
-    /// JSON.
+    /// True when exec has returned, the whole answer arrived with a 2xx status, and its body is JSON or, for
+    /// anything but a GET, empty.
     bool isSuccessful() const;
     /// NoError after a success; before exec and after a failure the reason.
     QNetworkReply::NetworkError error() const;

@@ -2,6 +2,7 @@
 
 #include <curl/curl.h>
 
+#include <algorithm>
 #include <memory>
 
 namespace {
@@ -50,13 +51,15 @@ bool haveSameOrigin(const QByteArray& url, const QByteArray& other)
 
 QString withoutSecrets(const QByteArray& url)
 {
+    const auto endsAuthority = [](char c) {
+        return c == '/' || c == '?' || c == '#';
+    };
     const int scheme = url.indexOf("://");
-    if (scheme < 0)
-        return QString::fromUtf8(url);
-    const int begin = scheme + 3;
-    int end = begin;
-    while (end < url.size() && url.at(end) != '/' && url.at(end) != '?' && url.at(end) != '#')
-        ++end;
+    const bool hasScheme = scheme >= 0 && std::none_of(url.begin(), url.begin() + scheme, endsAuthority);
+    // An address whose scheme was forgotten begins with its user name.
+    const int begin = hasScheme ? scheme + 3 : 0;
+    const int end =
+        static_cast<int>(std::find_if(url.begin() + begin, url.end(), endsAuthority) - url.begin());
     const int at = url.left(end).lastIndexOf('@');
     return QString::fromUtf8(at < begin ? url : url.left(begin) + url.mid(at + 1));
 }

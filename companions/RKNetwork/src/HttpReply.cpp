@@ -68,7 +68,7 @@ void HttpReply::start()
         answer.errorText =
             QStringLiteral(
                 "\"%1\" does not begin with http:// or https:// and a host; is the base address set?")
-                .arg(shortened(withoutSecrets(url)));
+                .arg(shortened(redacted(withoutSecrets(url))));
         driver->startFailed(&m_transfer);
     } else {
         driver->start(&m_transfer);
@@ -130,7 +130,7 @@ void HttpReply::readAnswer(const HttpAnswer& answer)
         setAttribute(QNetworkRequest::HttpReasonPhraseAttribute, QString::fromLatin1(answer.reason));
     }
     if (!answer.isWhole) {
-        fail(answer.error, answer.errorText);
+        fail(answer.error, shortened(redacted(answer.errorText)));
         return;
     }
     if (m_status >= 300 && m_status < 400) {
@@ -145,11 +145,15 @@ void HttpReply::readAnswer(const HttpAnswer& answer)
         m_document = QJsonDocument::fromJson(m_body, &parsing);
     const NetworkError error = errorOfStatus(m_status);
     if (error != NoError) {
+        redactMessage();
         fail(error, statusText(answer));
     } else if (!m_body.isEmpty() && m_document.isNull()) {
         fail(ProtocolFailure, QStringLiteral("the reply is not JSON: %1 at byte %2")
                                   .arg(parsing.errorString())
                                   .arg(parsing.offset));
+    } else if (m_body.isEmpty() && operation() == QNetworkAccessManager::GetOperation) {
+        // Who asks for alarms and gets nothing must not take it for "no alarms".
+        fail(ProtocolFailure, QStringLiteral("the reply is empty"));
     }
 }
 
@@ -160,20 +164,36 @@ QString HttpReply::statusText(const HttpAnswer& answer) const
         return message;
     const QString status = QStringLiteral("HTTP status %1 %2")
                                .arg(answer.status)
-                               .arg(shortened(QString::fromLatin1(answer.reason)))
+                               .arg(shortened(redacted(QString::fromLatin1(answer.reason))))
                                .trimmed();
     const QByteArray location = answer.header("Location");
     if (answer.status < 300 || answer.status >= 400 || location.isEmpty())
         return status;
     return QStringLiteral("%1: the service redirects to \"%2\", and redirects are not followed")
-        .arg(status, shortened(withoutSecrets(location)));
+        .arg(status, shortened(redacted(withoutSecrets(location))));
+}
+
+/// The text without the token, which a service or a proxy may have sent back. Comes before a text is cut: half a
+/// token would not be recognised.
+QString HttpReply::redacted(QString text) const
+{
+    return m_secret.isEmpty() ? text : text.replace(m_secret, QStringLiteral("***"));
+}
+
+/// The same for the "message" of an error reply, which is shown to people.
+void HttpReply::redactMessage()
+{
+    QJsonObject object = m_document.object();
+    const auto message = object.find(QLatin1String("message"));
+    if (m_secret.isEmpty() || message == object.end() || !message->toString().contains(m_secret))
+        return;
+    *message = redacted(message->toString());
+    m_document.setObject(object);
 }
 
 void HttpReply::fail(NetworkError error, const QString& text)
 {
-    m_errorText = text;
-    if (!m_secret.isEmpty())
-        m_errorText.replace(m_secret, QStringLiteral("***"));
+    m_errorText = redacted(text);
     setError(error, m_errorText);
 }
 

@@ -40,6 +40,8 @@ private:
     void closeExchange();
     void report() const;
     QString statusText(const HttpAnswer& answer) const;
+    QString redacted(QString text) const;
+    void redactMessage();
 
     HttpTransfer m_transfer;
     NetworkObserver m_observer;

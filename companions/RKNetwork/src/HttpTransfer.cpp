@@ -2,6 +2,7 @@
 
 #include "ErrorTable.h"
 
+#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -145,10 +146,13 @@ void HttpTransfer::failWith(QNetworkReply::NetworkError error, const QString& te
     m_answer.errorText = text;
 }
 
-/// The checks that libcurl leaves out: a head cut between two lines and compressed data that end too early
-/// pass there as whole.
+/// The checks that libcurl leaves out: a head cut between two lines, compressed data that end too early, and a
+/// connection that ends where a body of unstated length should begin pass there as whole.
 CURLcode HttpTransfer::lastCheck(CURLcode code)
 {
+    // libcurl says so of a line that is longer than it takes, too.
+    if (code == CURLE_OUT_OF_MEMORY && !m_headIsWhole && m_stop == Stop::None)
+        m_stop = Stop::HeadTooLarge;
     if (code != CURLE_OK)
         return code;
     if (!m_headIsWhole)
@@ -156,7 +160,15 @@ CURLcode HttpTransfer::lastCheck(CURLcode code)
     const bool hasContent = m_answer.status != 204 && m_answer.status != 304;
     if (hasContent && !stopUnlessGood(m_decoder.finish()))
         return CURLE_BAD_CONTENT_ENCODING;
+    if (hasContent && endsWithItsConnection() && m_answer.body.isEmpty())
+        return CURLE_PARTIAL_FILE;
     return CURLE_OK;
+}
+
+/// Nothing but the end of the connection says where the body ends (RFC 9112, 6.3).
+bool HttpTransfer::endsWithItsConnection() const
+{
+    return m_answer.header("Content-Length").isNull() && m_answer.header("Transfer-Encoding").isNull();
 }
 
 QString HttpTransfer::describe(CURLcode code) const
@@ -176,13 +188,18 @@ QString HttpTransfer::describe(CURLcode code) const
             .arg(QString::fromLatin1(m_answer.header("Content-Encoding")));
     case Stop::ContradictoryLength:
         return QStringLiteral("the reply states two different lengths");
+    case Stop::BadLength:
+        return QStringLiteral("the reply states a length that is none: \"%1\"")
+            .arg(QString::fromLatin1(m_answer.header("Content-Length")));
     case Stop::HeadTooLarge:
-        return QStringLiteral("the reply's header is larger than %1").arg(megabytes(maximumHeadSize));
+        return QStringLiteral("the reply's header is too large");
     case Stop::OutOfMemory:
         return QStringLiteral("not enough memory for the reply");
     }
-    if (!m_headIsWhole && code == CURLE_PARTIAL_FILE)
+    if (code == CURLE_PARTIAL_FILE && !m_headIsWhole)
         return QStringLiteral("the connection closed within the reply's header");
+    if (code == CURLE_PARTIAL_FILE && m_errorText[0] == '\0')
+        return QStringLiteral("the connection closed where the reply's body should begin");
     return QString::fromUtf8(m_errorText[0] != '\0' ? m_errorText : curl_easy_strerror(code));
 }
 
@@ -261,16 +278,24 @@ bool HttpTransfer::takeHeader(const QByteArray& line)
         return true;
     const QByteArray name = line.left(colon).trimmed();
     const QByteArray value = line.mid(colon + 1).trimmed();
-    // RFC 9112, 6.3: a body whose length is stated twice, and differently, has no length that can be trusted.
-    if (name.compare("Content-Length", Qt::CaseInsensitive) == 0) {
-        const QByteArray earlier = m_answer.header(name);
-        if (!earlier.isNull() && earlier != value) {
-            m_stop = Stop::ContradictoryLength;
-            return false;
-        }
-    }
+    const QByteArray earlier = m_answer.header(name);
     m_answer.headers.append({name, value});
-    return true;
+    return name.compare("Content-Length", Qt::CaseInsensitive) != 0 || takeLength(value, earlier);
+}
+
+/// RFC 9112, 6.3: a length that is no number, or that is stated twice and differently, cannot be trusted. libcurl
+/// takes what digits it finds, and reads to the end of the connection when they are too many.
+bool HttpTransfer::takeLength(const QByteArray& value, const QByteArray& earlier)
+{
+    bool isNumber = false;
+    value.toLongLong(&isNumber);
+    const bool hasDigitsOnly =
+        std::all_of(value.begin(), value.end(), [](char c) { return c >= '0' && c <= '9'; });
+    if (!isNumber || !hasDigitsOnly)
+        m_stop = Stop::BadLength;
+    else if (!earlier.isNull() && earlier != value)
+        m_stop = Stop::ContradictoryLength;
+    return m_stop == Stop::None;
 }
 
 bool HttpTransfer::takeBody(const char* data, qint64 size)

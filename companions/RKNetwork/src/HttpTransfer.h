@@ -74,6 +74,7 @@ private:
         TooLarge,
         Damaged,
         UnknownEncoding,
+        BadLength,
         ContradictoryLength,
         HeadTooLarge,
         OutOfMemory,
@@ -91,10 +92,12 @@ private:
     void settle(CURLcode code);
     void failWith(QNetworkReply::NetworkError error, const QString& text);
     CURLcode lastCheck(CURLcode code);
+    bool endsWithItsConnection() const;
     QString describe(CURLcode code) const;
 
     void takeStatusLine(const QByteArray& line);
     bool takeHeader(const QByteArray& line);
+    bool takeLength(const QByteArray& value, const QByteArray& earlier);
     bool takeHeadLine(const char* data, qint64 size);
     bool takeBody(const char* data, qint64 size);
     bool stopUnlessGood(ContentDecoder::Result result);

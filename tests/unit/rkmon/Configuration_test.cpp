@@ -116,10 +116,21 @@ TEST_F(ConfigurationTest, AddressGetsItsSlash)
 TEST_F(ConfigurationTest, RefusesWhatIsNoAddress)
 {
     for (const char* address : {"127.0.0.1:8600", "ftp://host/", "http://", "http:///path", "http://h/?q=1",
-                                "http://h/#part", "http://user:secret@h/", "http://h/%20", "http://h:x/"}) {
+                                "http://h/#part", "http://h/%20", "http://h:x/"}) {
         ConfigurationFlags given = flags();
         given.baseApi = QString::fromUtf8(address);
         EXPECT_FALSE(failureOf(given).isEmpty()) << address;
+    }
+}
+
+TEST_F(ConfigurationTest, RefusesAPasswordInTheAddressWithoutShowingIt)
+{
+    for (const char* address : {"http://user:secret@h/", "user:secret@h", "ftp://user:secret@h/"}) {
+        ConfigurationFlags given = flags();
+        given.baseApi = QString::fromUtf8(address);
+        const QString failure = failureOf(given);
+        EXPECT_TRUE(failure.contains(QStringLiteral("password"))) << failure.toStdString();
+        EXPECT_FALSE(failure.contains(QStringLiteral("secret"))) << failure.toStdString();
     }
 }
 

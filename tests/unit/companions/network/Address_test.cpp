@@ -34,5 +34,7 @@ TEST(Address, SecretsAreUserNameAndPassword)
     EXPECT_EQ(withoutSecrets("http://user:p@w@h:1/a@b?c@d"), QStringLiteral("http://h:1/a@b?c@d"));
     EXPECT_EQ(withoutSecrets("http://h/a@b"), QStringLiteral("http://h/a@b"));
     EXPECT_EQ(withoutSecrets("http://u@h"), QStringLiteral("http://h"));
-    EXPECT_EQ(withoutSecrets("no scheme@all"), QStringLiteral("no scheme@all"));
+    EXPECT_EQ(withoutSecrets("user:pw@h/a@b://c"), QStringLiteral("h/a@b://c"));
+    EXPECT_EQ(withoutSecrets("no scheme/at@all"), QStringLiteral("no scheme/at@all"));
+    EXPECT_EQ(withoutSecrets(""), QString());
 }
