@@ -167,7 +167,8 @@ TEST_F(Token, GoesToNoOtherOrigin)
                                    "http://localhost:%1/"_q.arg(port)}) {
         other.answerJson(200, "{}");
         EXPECT_TRUE(waitFor(manager.get(address)).isSuccessful) << address.toStdString();
-        for (const auto& [name, value] : other.requests().last().headers)
+        const ScriptServer::Request request = other.requests().last();
+        for (const auto& [name, value] : request.headers)
             EXPECT_FALSE(holdsToken(QString::fromLatin1(value))) << name.toStdString();
     }
     expectUnheard();
@@ -182,8 +183,9 @@ TEST_F(Token, IsNotShownToAProxyThatOnlyTunnels)
     proxy.answerRaw({Step::bytes("HTTP/1.1 403 No\r\nContent-Length: 0\r\n\r\n"), Step::fin()});
     EXPECT_FALSE(data.deleteMonitoring("c5"_q));
     ASSERT_EQ(proxy.requestCount(), 1);
-    EXPECT_EQ(proxy.requests().first().method, "CONNECT");
-    for (const auto& [name, value] : proxy.requests().first().headers)
+    const ScriptServer::Request request = proxy.requests().first();
+    EXPECT_EQ(request.method, "CONNECT");
+    for (const auto& [name, value] : request.headers)
         EXPECT_FALSE(holdsToken(QString::fromLatin1(value))) << name.toStdString();
     expectUnheard();
 }
