@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Compares the service's query language with other implementations of it, which it installs from npm into
-# tests/oracle/node_modules. Needs a configured preset. RK_TEST_LONG=1: with twenty times as many documents.
+# What the service's query language is compared on: the matcher with other implementations of the language, which it
+# installs from npm into tests/oracle/node_modules, and SQL's narrowing with the matcher. Shows the figures.
+# RK_TEST_LONG=1: twenty and ten times as much. RK_TEST_SEED: other pairs for the former.
 #   scripts/oracles.sh [PRESET]    dev (default) or asan
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -14,5 +15,5 @@ if grep -q '"resolved"' tests/oracle/package-lock.json; then
 fi
 (cd tests/oracle && npm ci --ignore-scripts --no-audit --no-fund)
 cmake --preset "$preset" > /dev/null # the test exists from now on
-cmake --build --preset "$preset" --target where_verdicts
-ctest --preset "$preset" --tests-regex '^WhereOracles$' --verbose
+cmake --build --preset "$preset" --target where_verdicts service_query_tests
+ctest --preset "$preset" --tests-regex '^(WhereOracles$|NarrowingAgreement\.)' --verbose
