@@ -51,7 +51,7 @@ function timeText(chance, milliseconds) {
 
 const anyTime = (chance) => timeText(chance, chance.of(instants));
 const oneText = (chance) => chance.of(chance.oneIn(2) ? texts : commonTexts);
-const anyText = (chance) => (chance.oneIn(8) ? `${chance.of(commonTexts)}\n${chance.of(commonTexts)}` : oneText(chance));
+const anyText = (chance) => (chance.oneIn(5) ? `${chance.of(commonTexts)}\n${chance.of(commonTexts)}` : oneText(chance));
 const anyNumber = (chance) => new NumberText(chance.of(chance.oneIn(25) ? largeNumbers : numbers));
 const anyScalar = (chance) => {
   switch (chance.below(10)) {
@@ -191,7 +191,7 @@ function regexOperators(chance, document, path) {
   const held = found(document, path.split('.')).flat().filter((value) => typeof value === 'string' && value.length > 0);
   const pattern = held.length > 0 && chance.oneIn(2) ? patternWithin(chance, chance.of(held)) : chance.of(patterns);
   const operators = { $regex: pattern };
-  if (chance.oneIn(2)) operators.$options = chance.shuffled(['i', 'm', 's', ...(chance.oneIn(8) ? ['x'] : [])]).slice(0, chance.below(3)).join('');
+  if (chance.oneIn(2)) operators.$options = chance.shuffled(['i', 'm', 's', ...(chance.oneIn(8) ? ['x'] : [])]).slice(0, chance.below(4)).join('');
   return chance.oneIn(2) ? operators : Object.fromEntries(Object.entries(operators).reverse());
 }
 
