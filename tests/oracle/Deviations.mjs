@@ -52,6 +52,7 @@ function follow(value, names, met, lists = 0) {
   if (isList(value)) {
     met.entersList = true;
     met.entersListAgain ||= lists > 0;
+    met.listHoldsScalar ||= value.some((other) => other === null || typeof other !== 'object');
     met.entersListInList ||= value.some(isList);
     met.nameInList ||= /^\d+$/.test(name) && value.some((object) => isObject(object) && Object.hasOwn(object, name));
     met.zerosInList ||= /^0\d/.test(name);
@@ -62,6 +63,10 @@ function follow(value, names, met, lists = 0) {
 }
 const trace = (condition) => (condition.met ??= follow(condition.document, condition.names, { reached: [] }));
 const reachesNothing = (condition) => trace(condition).reached.length === 0;
+
+/** Whether an object somewhere in the value has a member that is null. */
+const hasNullMember = (value) =>
+  value !== null && typeof value === 'object' && Object.values(value).some((member) => (member === null && isObject(value)) || hasNullMember(member));
 
 const wantsNull = ({ operand }) => operand === null || (isList(operand) && operand.includes(null));
 
@@ -127,6 +132,18 @@ export const rules = [
     oracles: ['sift'],
     reason: 'where a path enters a list and reaches nothing, null is not found; here a path that leads nowhere is missing',
     holds: (c) => wantsNull(c) && trace(c).entersList && reachesNothing(c),
+  },
+  {
+    name: 'null where a list holds more than objects',
+    oracles: ['sift'],
+    reason: 'what is no object in a list that a path enters counts as an object that lacks the rest; here only objects count',
+    holds: (c) => wantsNull(c) && trace(c).listHoldsScalar,
+  },
+  {
+    name: 'null in an object',
+    oracles: ['sift'],
+    reason: 'a member that is null is equal to one that is missing if the objects have as many members',
+    holds: (c) => hasNullMember(c.operand),
   },
   {
     name: 'order with null',
