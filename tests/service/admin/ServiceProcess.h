@@ -19,7 +19,8 @@ namespace monitorservice::test {
 class ServiceProcess
 {
 public:
-    explicit ServiceProcess(std::vector<std::string> arguments)
+    /// `beforeStart` is called in the new process, for what it is to inherit; only calls that are safe after fork().
+    explicit ServiceProcess(std::vector<std::string> arguments, void (*beforeStart)() = nullptr)
     {
         // The developer's own data are not the tests' business.
         static const int unset = unsetenv("MONITOR_SERVICE_DATA");
@@ -37,6 +38,9 @@ public:
         if (m_process == 0) {
             dup2(outWrite, STDOUT_FILENO);
             dup2(errorWrite, STDERR_FILENO);
+            if (beforeStart != nullptr) {
+                beforeStart();
+            }
             execv(pointers.front(), pointers.data());
             _exit(127);
         }
@@ -71,6 +75,7 @@ public:
     std::string readOutput() const { return readAll(m_out); }
     std::string readErrors() const { return readAll(m_error); }
 
+    pid_t id() const { return m_process; }
     void signal(int number) const { ::kill(m_process, number); }
 
     /// The exit code, or the number of the signal that ended the process as a negative number.

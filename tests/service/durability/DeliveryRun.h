@@ -1,0 +1,107 @@
+#pragma once
+
+#include "DeliveringClient.h"
+
+#include "service/admin/ServiceProcess.h"
+#include "service/http/RawClient.h"
+
+#include <atomic>
+#include <exception>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace monitorservice::test {
+
+/// The service's process on a data file, listening on a port of its own.
+class DataService
+{
+public:
+    explicit DataService(const std::filesystem::path& file, void (*beforeStart)() = nullptr)
+        : m_process({"serve", "--data", file.string(), "--listen", "127.0.0.1:0"}, beforeStart)
+    {
+        const std::string line = m_process.readLine();
+        const std::string begin = "monitor-service listening on http://127.0.0.1:";
+        if (line.substr(0, begin.size()) != begin) {
+            throw std::runtime_error("not ready: " + line + m_process.readErrors());
+        }
+        m_port = static_cast<std::uint16_t>(std::stoul(line.substr(begin.size())));
+    }
+
+    ServiceProcess& process() { return m_process; }
+    std::uint16_t port() const { return m_port; }
+
+private:
+    ServiceProcess m_process;
+    std::uint16_t m_port = 0;
+};
+
+/// A connection of a client with the site's token.
+class ClientConnection
+{
+public:
+    ClientConnection(std::uint16_t port, std::string token) : m_client(port), m_token(std::move(token)) {}
+
+    RawAnswer call(const std::string& method, const std::string& path, const std::string& body = {})
+    {
+        m_client.send(method + " /monitor-service/" + path +
+                      " HTTP/1.1\r\nHost: h\r\nAuthorization: Bearer " + m_token +
+                      "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body);
+        return m_client.readAnswer();
+    }
+
+    /// The status of the answer to a delivery, nothing when the connection ends before.
+    std::optional<unsigned> deliver(const std::string& body)
+    {
+        try {
+            return call("POST", "pointLocations", body).status;
+        } catch (const std::exception&) {
+            return std::nullopt;
+        }
+    }
+
+private:
+    RawClient m_client;
+    std::string m_token;
+};
+
+/// Deliveries of several clients at once, each on a connection and a thread of its own, until they are no longer
+/// answered or the object ends.
+class DeliveryRun
+{
+public:
+    DeliveryRun(std::vector<std::unique_ptr<DeliveringClient>>& clients, std::uint16_t port,
+                const std::string& token)
+    {
+        for (const auto& client : clients) {
+            m_threads.emplace_back([this, &client = *client, port, token] {
+                try {
+                    ClientConnection connection(port, token);
+                    client.run([&](const std::string& body) { return connection.deliver(body); },
+                               m_isStopped);
+                } catch (const std::exception&) {
+                    // The service has ended before this client came.
+                }
+            });
+        }
+    }
+    ~DeliveryRun()
+    {
+        m_isStopped = true;
+        for (std::thread& thread : m_threads) {
+            thread.join();
+        }
+    }
+    DeliveryRun(const DeliveryRun&) = delete;
+    DeliveryRun& operator=(const DeliveryRun&) = delete;
+
+private:
+    std::atomic<bool> m_isStopped{false};
+    std::vector<std::thread> m_threads;
+};
+
+} // namespace monitorservice::test

@@ -1,0 +1,109 @@
+#pragma once
+
+#include "DeliveringClient.h"
+#include "SiteData.h"
+
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace monitorservice::test {
+
+/// How often something is repeated: less under a sanitizer, much more when RK_TEST_LONG is set.
+inline int repetitions(int normal)
+{
+#ifdef __SANITIZE_ADDRESS__
+    normal /= 5;
+#endif
+    return std::getenv("RK_TEST_LONG") != nullptr ? normal * 20 : normal;
+}
+
+/// Some clients of one site, and what has become of their deliveries.
+class DurabilityTest : public ::testing::Test
+{
+protected:
+    static constexpr std::size_t clientCount = 4;
+
+    /// New clients for this site, which has no deliveries yet.
+    void useSite(Site newSite)
+    {
+        site = std::make_unique<Site>(std::move(newSite));
+        clients.clear();
+        for (std::size_t number = 0; number < clientCount; ++number) {
+            clients.push_back(std::make_unique<DeliveringClient>(*site, number, nextSeed()));
+        }
+    }
+
+    /// Finds out what has become of deliveries not answered 2xx, and compares the file with what it must hold: one line
+    /// for each problem.
+    std::vector<std::string> problemsOf(const std::filesystem::path& data)
+    {
+        const std::set<std::string> held = heldFiles(data);
+        std::vector<const SiteModel*> models;
+        for (const auto& client : clients) {
+            client->resolve(held);
+            models.push_back(&client->model());
+        }
+        std::vector<std::string> problems = flawsOf(data);
+        const std::vector<std::string> different = differences(data, *site, models);
+        problems.insert(problems.end(), different.begin(), different.end());
+        return problems;
+    }
+
+    /// Expects that there are no problems; false when there are.
+    bool holdsWhatItMust(const std::filesystem::path& data)
+    {
+        const std::vector<std::string> problems = problemsOf(data);
+        EXPECT_EQ(tally().missing, 0U) << "deliveries answered 2xx are not held";
+        EXPECT_EQ(problems.size(), 0U) << firstOf(problems);
+        return problems.empty();
+    }
+
+    DeliveryTally tally() const
+    {
+        DeliveryTally sum;
+        for (const auto& client : clients) {
+            sum += client->tally();
+        }
+        return sum;
+    }
+
+    static void print(const std::string& what, const DeliveryTally& tally)
+    {
+        std::cout << what << ": " << tally.answered << " deliveries answered 2xx, " << tally.missing
+                  << " of them missing; without a 2xx " << tally.unansweredWhole << " whole and "
+                  << tally.unansweredAbsent << " absent; "
+                  << (HasFailure() ? "the file is NOT as it must be" : "none in part") << std::endl;
+    }
+
+    /// The first of the problems, one on a line.
+    static std::string firstOf(const std::vector<std::string>& problems)
+    {
+        std::string text;
+        for (std::size_t i = 0; i < problems.size() && i < 6; ++i) {
+            text += problems[i].substr(0, 600) + '\n';
+        }
+        return text;
+    }
+
+    /// The same sequence in every run.
+    unsigned nextSeed() { return m_seeds(); }
+    int random(int least, int most) { return std::uniform_int_distribution<int>(least, most)(m_seeds); }
+
+    TemporaryFolder folder;
+    std::filesystem::path file = folder.file("data.db");
+    std::unique_ptr<Site> site;
+    std::vector<std::unique_ptr<DeliveringClient>> clients;
+
+private:
+    std::mt19937 m_seeds{20'261'120};
+};
+
+} // namespace monitorservice::test

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "DeliveringClient.h"
+
+#include "api/Api.h"
+#include "store/SqliteStore.h"
+
+#include <atomic>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace monitorservice::test {
+
+/// The service's answers over a data file, within the test's own process and without sockets, so that the disk under it
+/// can be the test's.
+class StoreRun
+{
+public:
+    explicit StoreRun(const std::filesystem::path& file)
+        : m_store(file, options()), m_api(m_store, std::make_shared<HttpCounters>())
+    {
+    }
+
+    Store& store() { return m_store; }
+
+    HttpResponse call(const Site& site, const std::string& method, std::vector<std::string> path,
+                      const std::string& body = {}) const
+    {
+        HttpRequest request;
+        request.method = method;
+        request.path = std::move(path);
+        request.path.insert(request.path.begin(), "monitor-service");
+        request.authorization = "Bearer " + site.token;
+        request.body = body;
+        return m_api.answer(request);
+    }
+
+    /// What sends deliveries of a site here.
+    DeliveringClient::Send sender(const Site& site) const
+    {
+        return [this, &site](const std::string& body) {
+            return std::optional(call(site, "POST", {"pointLocations"}, body).status);
+        };
+    }
+
+    /// Deliveries of all clients at once, each on a thread of its own, until each has one that is not answered 2xx.
+    void deliverUntilRefused(const std::vector<std::unique_ptr<DeliveringClient>>& clients,
+                             const Site& site) const
+    {
+        const std::atomic<bool> isNeverStopped{false};
+        std::vector<std::thread> threads;
+        for (const auto& client : clients) {
+            threads.emplace_back([&, &one = *client] { one.run(sender(site), isNeverStopped); });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+    }
+
+private:
+    static SqliteStoreOptions options()
+    {
+        SqliteStoreOptions options;
+        options.createIfMissing = true;
+        return options;
+    }
+
+    SqliteStore m_store;
+    Api m_api;
+};
+
+} // namespace monitorservice::test
