@@ -1,11 +1,13 @@
 #include "ServeCommand.h"
 
+#include "ServiceLock.h"
 #include "api/Api.h"
 #include "http/HttpServer.h"
 #include "http/ListenAddress.h"
 #include "store/SqliteStore.h"
 
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -57,14 +59,28 @@ std::unique_ptr<Store> openStore(const std::string& file)
     return std::make_unique<SqliteStore>(file, options);
 }
 
+// A file that may not grow any more and a log that nobody reads are errors to be answered and gone on after; by default
+// they end the process.
+void ignoreSignalsOfWrites()
+{
+#ifdef SIGXFSZ
+    std::signal(SIGXFSZ, SIG_IGN);
+#endif
+#ifdef SIGPIPE
+    std::signal(SIGPIPE, SIG_IGN);
+#endif
+}
+
 void serve(const ServeSettings& settings)
 {
+    ignoreSignalsOfWrites();
     const ListenAddress address = parseListenAddress(settings.listen);
     if (!isLoopback(address.host)) {
         std::cerr << "monitor-service: warning: " << address.host
                   << " can be reached from other machines, and tokens travel unencrypted; put a proxy with "
                      "TLS before it\n";
     }
+    const ServiceLock lock(settings.file);
     const std::unique_ptr<Store> store = openStore(settings.file);
     const auto counters = std::make_shared<HttpCounters>();
     const Api api(*store, counters);

@@ -21,6 +21,12 @@ HttpResponse withHeaders(HttpResponse response, const ApiError::Headers& headers
     return response;
 }
 
+// One piece, so that lines of several threads do not mix.
+void report(const StoreError& error)
+{
+    std::cerr << std::string("monitor-service: ") + error.what() + "\n" << std::flush;
+}
+
 // What a client is told of a failure of the store; the operator reads the rest on the standard error.
 HttpResponse answerStoreError(const StoreError& error)
 {
@@ -28,12 +34,15 @@ HttpResponse answerStoreError(const StoreError& error)
     case StoreFailure::Busy:
         return errorResponse(503, "the store is busy; try again");
     case StoreFailure::Full:
-        std::cerr << "monitor-service: " << error.what() << std::endl;
-        return errorResponse(503, "the store has no room left");
+        report(error);
+        return errorResponse(503, "the store has no room left; nothing can be written until there is some");
+    case StoreFailure::NotWritable:
+        report(error);
+        return errorResponse(503, "the store cannot be written at present");
     case StoreFailure::Conflict:
         return errorResponse(409, "this contradicts what is stored");
     default:
-        std::cerr << "monitor-service: " << error.what() << std::endl;
+        report(error);
         return errorResponse(500, "the store has failed");
     }
 }
@@ -128,7 +137,7 @@ bool Api::isReady() const
         m_store.read()->categories().list();
         return true;
     } catch (const StoreError& error) {
-        std::cerr << "monitor-service: " << error.what() << std::endl;
+        report(error);
         return false;
     }
 }

@@ -12,16 +12,31 @@ namespace {
 // Conditions give statements of many forms; beyond this number the cache starts anew.
 constexpr std::size_t largestStatementCache = 200;
 
-StoreFailure failureOf(int code)
+// Failures of input and output that leave what is held to be read
+// (https://www.sqlite.org/rescode.html#extended_result_code_list).
+bool isFailedWrite(int extendedCode)
 {
-    switch (code & 0xff) {
+    return extendedCode == SQLITE_IOERR_WRITE || extendedCode == SQLITE_IOERR_FSYNC ||
+           extendedCode == SQLITE_IOERR_DIR_FSYNC || extendedCode == SQLITE_IOERR_TRUNCATE ||
+           extendedCode == SQLITE_IOERR_DELETE;
+}
+
+StoreFailure failureOf(int extendedCode)
+{
+    if (extendedCode == SQLITE_IOERR_SHMSIZE) {
+        // The index of the log cannot grow.
+        return StoreFailure::Full;
+    }
+    switch (extendedCode & 0xff) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
         return StoreFailure::Busy;
     case SQLITE_FULL:
         return StoreFailure::Full;
-    case SQLITE_IOERR:
     case SQLITE_READONLY:
+        return StoreFailure::NotWritable;
+    case SQLITE_IOERR:
+        return isFailedWrite(extendedCode) ? StoreFailure::NotWritable : StoreFailure::InputOutput;
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
     case SQLITE_PROTOCOL:
@@ -63,7 +78,11 @@ SQLite::Database open(const std::filesystem::path& file, SqliteConnection::Acces
 
 StoreError storeError(const SQLite::Exception& error)
 {
-    return {failureOf(error.getErrorCode()), error.what()};
+    const int extendedCode = error.getExtendedErrorCode();
+    // "disk I/O error" alone does not say what the disk was asked for.
+    const bool isVague = (extendedCode & 0xff) == SQLITE_IOERR;
+    const std::string code = isVague ? " (SQLite result code " + std::to_string(extendedCode) + ")" : "";
+    return {failureOf(extendedCode), error.what() + code};
 }
 
 SqliteStatement::SqliteStatement(SqliteConnection& connection, std::unique_ptr<SQLite::Statement> statement)

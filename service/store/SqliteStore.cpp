@@ -48,6 +48,20 @@ void checkFile(const fs::path& file, bool createIfMissing)
     }
 }
 
+// SQLite says no more than "unable to open database file" when it cannot make its log.
+void explainReadOnlyFolder(const fs::path& file)
+{
+    // Not the log itself: another process might be making it.
+    const fs::path probe = file.u8string() + "-probe";
+    const bool canBeMade = std::ofstream(probe, std::ios::app).good();
+    std::error_code error;
+    fs::remove(probe, error);
+    if (!canBeMade) {
+        throw StoreError(StoreFailure::CannotOpen,
+                         "lies in a folder that may only be read, but its log must be beside it");
+    }
+}
+
 std::unique_ptr<SqliteConnection> openWriter(const fs::path& file, const SqliteStoreOptions& options)
 {
     checkFile(file, options.createIfMissing);
@@ -57,7 +71,12 @@ std::unique_ptr<SqliteConnection> openWriter(const fs::path& file, const SqliteS
     if (sqlite3_db_readonly(writer->database().getHandle(), "main") != 0) {
         throw StoreError(StoreFailure::CannotOpen, "may only be read");
     }
-    migrate(*writer, options.busyTimeout);
+    try {
+        migrate(*writer, options.busyTimeout);
+    } catch (const StoreError&) {
+        explainReadOnlyFolder(file);
+        throw;
+    }
     return writer;
 }
 

@@ -10,7 +10,8 @@ enum class StoreFailure
 {
     Busy,        ///< another writer held the store for longer than the busy timeout; trying again later helps
     Full,        ///< no room left where the data lie
-    InputOutput, ///< reading or writing failed
+    NotWritable, ///< writing failed for another reason: the disk does not let it; what is held can be read
+    InputOutput, ///< reading failed, or what was read is damaged
     Conflict,    ///< what should be unique exists already, or what is referred to does not exist
     CannotOpen,  ///< the data cannot be used at all: missing, not ours, damaged, newer, read-only
     Internal     ///< anything else: a mistake of the service
