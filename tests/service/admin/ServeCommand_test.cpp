@@ -177,7 +177,8 @@ TEST_F(ServeCommand, FailureToStartIsExplained)
                 HasSubstr("not a database"));
     ServiceProcess service(serving());
     const std::string address = "127.0.0.1:" + std::to_string(portOf(service));
-    EXPECT_THAT(failure({"serve", "--data", file, "--listen", address}),
+    const std::string other = folder.file("other.db").string();
+    EXPECT_THAT(failure({"serve", "--data", other, "--listen", address}),
                 HasSubstr("cannot listen on " + address));
 }
 

@@ -6,6 +6,7 @@
 #include "service/http/RawClient.h"
 
 #include <atomic>
+#include <chrono>
 #include <exception>
 #include <filesystem>
 #include <memory>
@@ -77,15 +78,11 @@ public:
     DeliveryRun(std::vector<std::unique_ptr<DeliveringClient>>& clients, std::uint16_t port,
                 const std::string& token)
     {
+        m_clients = clients.size();
         for (const auto& client : clients) {
             m_threads.emplace_back([this, &client = *client, port, token] {
-                try {
-                    ClientConnection connection(port, token);
-                    client.run([&](const std::string& body) { return connection.deliver(body); },
-                               m_isStopped);
-                } catch (const std::exception&) {
-                    // The service has ended before this client came.
-                }
+                deliver(client, port, token);
+                --m_clients;
             });
         }
     }
@@ -99,7 +96,32 @@ public:
     DeliveryRun(const DeliveryRun&) = delete;
     DeliveryRun& operator=(const DeliveryRun&) = delete;
 
+    /// Waits until so many deliveries have been answered 2xx, or none will be any more.
+    void waitForAnswers(int number) const
+    {
+        while (m_answered < number && m_clients > 0) {
+            std::this_thread::sleep_for(std::chrono::microseconds(100));
+        }
+    }
+
 private:
+    void deliver(DeliveringClient& client, std::uint16_t port, const std::string& token)
+    {
+        try {
+            ClientConnection connection(port, token);
+            const auto send = [&](const std::string& body) {
+                const std::optional<unsigned> status = connection.deliver(body);
+                m_answered += status == 200U ? 1 : 0;
+                return status;
+            };
+            client.run(send, m_isStopped);
+        } catch (const std::exception&) {
+            // The service has ended before this client came.
+        }
+    }
+
+    std::atomic<int> m_answered{0};
+    std::atomic<std::size_t> m_clients{0}; ///< those that still deliver
     std::atomic<bool> m_isStopped{false};
     std::vector<std::thread> m_threads;
 };

@@ -14,13 +14,14 @@ class Kill : public DurabilityTest
 TEST_F(Kill, LosesNothingThatWasAnsweredAndLeavesNothingInPart)
 {
     useSite(makeSite(file, clientCount));
-    const int cycles = repetitions(120);
+    const int cycles = repetitions(105);
     int done = 0;
     for (std::unique_ptr<DataService> next; done < cycles; ++done) {
         std::unique_ptr<DataService> service = next ? std::move(next) : std::make_unique<DataService>(file);
         {
             const DeliveryRun run(clients, service->port(), site->token);
-            std::this_thread::sleep_for(std::chrono::microseconds(random(0, 80'000)));
+            run.waitForAnswers(random(0, 8));
+            std::this_thread::sleep_for(std::chrono::microseconds(random(0, 8'000)));
             service->process().signal(SIGKILL);
             EXPECT_EQ(service->process().wait(), -SIGKILL);
         }
@@ -32,7 +33,7 @@ TEST_F(Kill, LosesNothingThatWasAnsweredAndLeavesNothingInPart)
         }
     }
     const DeliveryTally sum = tally();
-    EXPECT_GT(sum.answered, static_cast<std::size_t>(cycles));
+    EXPECT_GT(sum.answered, static_cast<std::size_t>(cycles) * 2);
     EXPECT_EQ(sum.refused, 0U);
     std::size_t alarms = 0;
     for (const auto& client : clients) {

@@ -61,7 +61,8 @@ TEST_F(DataServiceProcess, ATerminationDuringDeliveriesLosesNothingAndLeavesNoLo
         DataService service(file);
         {
             const DeliveryRun run(clients, service.port(), site->token);
-            std::this_thread::sleep_for(std::chrono::microseconds(random(0, 80'000)));
+            run.waitForAnswers(random(0, 8));
+            std::this_thread::sleep_for(std::chrono::microseconds(random(0, 8'000)));
             const auto begin = std::chrono::steady_clock::now();
             service.process().signal(i % 2 == 0 ? SIGTERM : SIGINT);
             EXPECT_EQ(service.process().wait(), 0);
