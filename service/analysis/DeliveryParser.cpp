@@ -10,7 +10,10 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <cmath>
 #include <cstdint>
+#include <system_error>
 #include <tuple>
 #include <unordered_map>
 #include <utility>
@@ -105,13 +108,33 @@ std::int32_t integerOf(Member& member)
     return static_cast<std::int32_t>(number);
 }
 
+// simdjson 3.0 takes "0." with 20 digits and more for another number: 0.5400000000000000000000 for 0.00136. So the text
+// of a long number is read again; nothing when the number is too large.
+std::optional<double> readAgain(std::string_view text, double number)
+{
+    double again = 0;
+    const std::errc error = std::from_chars(text.data(), text.data() + text.size(), again).ec;
+    if (error != std::errc::result_out_of_range) {
+        return again;
+    }
+    // Too small or too large to be told from 0 or to be kept.
+    return std::abs(number) < 1 ? std::optional(0.0) : std::nullopt;
+}
+
 double numberOf(Member& member)
 {
-    double number = 0;
-    if (member.value.get_double().get(number) != simdjson::SUCCESS) {
+    constexpr std::size_t longestSafe = 20;
+    const std::string_view text = member.value.raw_json_token(); // before the value is taken
+    std::optional<double> number = 0.0;
+    if (member.value.get_double().get(*number) != simdjson::SUCCESS) {
+        number.reset();
+    } else if (text.size() > longestSafe) {
+        number = readAgain(text, *number);
+    }
+    if (!number) {
         member.refuse("must be a finite number");
     }
-    return number;
+    return *number;
 }
 
 Timestamp timeOf(Member& member)

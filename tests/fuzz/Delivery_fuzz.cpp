@@ -100,16 +100,25 @@ void checkAgainstSent(const Delivery& delivery, const std::string& body)
     std::map<PointName, const DeliveredPoint*> points;
     for (const DeliveredPoint& point : delivery.points)
         require(points.emplace(nameOf(point), &point).second, "each point is there once");
+    std::map<PointName, double> initialValues;
     std::size_t rows = 0;
     for (const Json& element : elements) {
         const auto point = points.find(nameOf(element));
         require(point != points.end(), "every point sent is there", [&] { return element.dump(); });
+        if (const double initialValue = element.value("initialValue", 0.0); initialValue != 0.0)
+            initialValues[nameOf(element)] = initialValue;
         for (const Json& sample : element.value("data", Json::array())) {
             checkSample(delivery, *point->second, sample);
             ++rows;
         }
     }
     require(rows == rowsOf(delivery), "every row is counted");
+    for (const DeliveredPoint& point : delivery.points) {
+        const auto sentValue = initialValues.find(nameOf(point));
+        require(point.initialValue.value_or(0.0) ==
+                    (sentValue == initialValues.end() ? 0.0 : sentValue->second),
+                "a point has the initial value that was sent last");
+    }
 }
 
 void checkOrder(const Delivery& delivery)

@@ -71,6 +71,29 @@ TEST(DeliveryParser, EmptyNullAndZeroAreAsGoodAsNotSent)
     EXPECT_TRUE(found.samples.empty());
 }
 
+TEST(DeliveryParser, NumbersOfAnyLengthAreReadExactly)
+{
+    const std::vector<std::pair<std::string, double>> numbers{
+        {"0.1234567890123456789", 0.1234567890123456789},
+        {"0.12345678901234567890", 0.1234567890123456789},
+        {"0.5400000000000000000000", 0.54},
+        {"-0.540000000000000000000000000000001", -0.54},
+        {"0.54000000000000000000000e3", 540.0},
+        {"12.5000000000000000000000000", 12.5},
+        {"100000000000000000000000", 1e23},
+        {"0.000000000000000000000000025", 2.5e-26},
+        {"0.5400000000000000000000e-400", 0.0},
+        {"0.1000000000000000055511151231257827021181583404541015625", 0.1},
+        {"0.0                          ", 0.0},
+    };
+    for (const auto& [text, number] : numbers) {
+        const Delivery read =
+            parseDelivery(delivery({point("W1", {sample(noon, 1, text)}, ",\"initialValue\":" + text)}));
+        EXPECT_EQ(read.points.at(0).samples.at(0).value, number) << text;
+        EXPECT_EQ(read.points[0].initialValue.value_or(0.0), number) << text;
+    }
+}
+
 TEST(DeliveryParser, EmptyDeliveriesHaveNoPoints)
 {
     for (const char* const body : {"[]", " [ ] ", "[[]]", "[[],[]]"}) {
@@ -193,6 +216,10 @@ TEST(DeliveryParser, RefusalNamesElementMemberAndReason)
         {withSample(sample(noon, 1, "Infinity")), R"("[0].data[0].value" must be a finite number)"},
         {withSample(sample(noon, 1, "-Infinity")), R"("[0].data[0].value" must be a finite number)"},
         {withSample(sample(noon, 1, "1e309")), R"("[0].data[0].value" must be a finite number)"},
+        {withSample(sample(noon, 1, "0.5400000000000000000000e309")),
+         R"("[0].data[0].value" must be a finite number)"},
+        {withSample(sample(noon, 1, "-1000000000000000000000e300")),
+         R"("[0].data[0].value" must be a finite number)"},
         {withSample(sample(noon, 1, "null")), R"("[0].data[0].value" must be a finite number)"},
         {withSample(sample(noon, 1, "\"1\"")), R"("[0].data[0].value" must be a finite number)"},
         {withSample(sample(noon, 1, "01")), R"("[0].data[0].value" must be a finite number)"},
