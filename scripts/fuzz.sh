@@ -1,21 +1,24 @@
 #!/usr/bin/env bash
 # Builds the fuzzers (preset fuzz) and runs each for a while, two at once at most. Needs scripts/setup.sh --checks.
-#   scripts/fuzz.sh [--seconds N] [--keep] [TARGET...]
+#   scripts/fuzz.sh [--seconds N] [--seed S] [--keep] [TARGET...]
 # TARGET: the name of a folder of tests/fuzz/corpus; all when none is given. N: seconds for each, 60 when not given.
+# S: where the random choices begin, so that a run can be repeated; another place each time when not given.
 # --keep: writes inputs that reach further than the committed ones into tests/fuzz/corpus, minimised.
 # Ends with a table. A target that finds something makes the script fail and name the input, which is kept in
 # build/fuzz/findings; `build/fuzz/bin/fuzz_TARGET FILE` repeats it.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-usage() { sed -n '2,7s/^# \{0,1\}//p' "$0" >&2; exit 2; }
+usage() { sed -n '2,8s/^# \{0,1\}//p' "$0" >&2; exit 2; }
 
 seconds=60
+seed=0
 keep=false
 targets=()
 while [ $# -gt 0 ]; do
   case "$1" in
     --seconds) seconds=${2:-}; [[ "$seconds" =~ ^[1-9][0-9]*$ ]] || usage; shift ;;
+    --seed) seed=${2:-}; [[ "$seed" =~ ^[1-9][0-9]*$ ]] || usage; shift ;;
     --keep) keep=true ;;
     -*) usage ;;
     *) [ -d "tests/fuzz/corpus/$1" ] || { echo "fuzz: no target $1; there are: $(ls tests/fuzz/corpus | tr '\n' ' ')" >&2; exit 2; }
@@ -38,7 +41,7 @@ export ASAN_SYMBOLIZER_PATH
 
 # Runs one target on a copy of its corpus; its findings are named after it.
 run_target() {
-  local target=$1 options=(-max_total_time="$seconds" -print_final_stats=1 -timeout=25 -rss_limit_mb=3000)
+  local target=$1 options=(-max_total_time="$seconds" -seed="$seed" -print_final_stats=1 -timeout=25 -rss_limit_mb=3000)
   local dictionary=tests/fuzz/dictionaries/$target.dict
   [ -f "$dictionary" ] && options+=(-dict="$dictionary")
   mkdir "$work/$target"
