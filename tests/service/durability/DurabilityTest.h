@@ -16,12 +16,9 @@
 
 namespace monitorservice::test {
 
-/// How often something is repeated: less under a sanitizer, much more when RK_TEST_LONG is set.
+/// How often something is repeated: much more when RK_TEST_LONG is set.
 inline int repetitions(int normal)
 {
-#ifdef __SANITIZE_ADDRESS__
-    normal /= 5;
-#endif
     return std::getenv("RK_TEST_LONG") != nullptr ? normal * 20 : normal;
 }
 
