@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, testing and running need; what is there already stays as it is.
 #   scripts/setup.sh            what the build, the tests and the demonstration need
-#   scripts/setup.sh --checks   and the tools of the source checks and the fuzzers
+#   scripts/setup.sh --checks   and the tools of the source checks, the instruction counts and the fuzzers
 #   scripts/setup.sh --oracles  and what runs the other implementations of the query language
 set -euo pipefail
 
@@ -15,7 +15,7 @@ packages=(
   libgtest-dev libgmock-dev python3                                 # tests
 )
 if [ "${1:-}" = --checks ]; then
-  packages+=(clang-format-14 clang-tidy-14 clang-14 libclang-rt-14-dev llvm-14)
+  packages+=(clang-format-14 clang-tidy-14 clang-14 libclang-rt-14-dev llvm-14 valgrind)
 fi
 # A Node.js of another maker brings npm along and does not go together with Debian's npm.
 if [ "${1:-}" = --oracles ] && ! { command -v node && command -v npm; } >/dev/null; then
