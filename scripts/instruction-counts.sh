@@ -13,6 +13,8 @@ case "$#:${1:-}" in
   *) sed -n '2,5s/^# \{0,1\}//p' "$0" >&2; exit 2 ;;
 esac
 
+command -v valgrind > /dev/null || { echo "instruction-counts: no valgrind; scripts/setup.sh --checks installs it" >&2; exit 1; }
+
 counts=bench/callgrind/counts.txt
 tolerance=10
 cmake --preset bench > /dev/null
