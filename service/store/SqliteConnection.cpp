@@ -78,7 +78,9 @@ SQLite::Database open(const std::filesystem::path& file, SqliteConnection::Acces
 
 StoreError storeError(const SQLite::Exception& error)
 {
-    const int extendedCode = error.getExtendedErrorCode();
+    // Negative when the error did not come from a database, but from what was asked of it.
+    const int extendedCode =
+        error.getExtendedErrorCode() >= 0 ? error.getExtendedErrorCode() : error.getErrorCode();
     // "disk I/O error" alone does not say what the disk was asked for.
     const bool isVague = (extendedCode & 0xff) == SQLITE_IOERR;
     const std::string code = isVague ? " (SQLite result code " + std::to_string(extendedCode) + ")" : "";

@@ -308,10 +308,13 @@ TEST(SqliteStore, ErrorsOfSqliteAreToldApart)
     EXPECT_EQ(failure(SQLITE_BUSY), StoreFailure::Busy);
     EXPECT_EQ(failure(SQLITE_BUSY_RECOVERY), StoreFailure::Busy);
     EXPECT_EQ(failure(SQLITE_FULL), StoreFailure::Full);
+    EXPECT_EQ(failure(SQLITE_IOERR_SHMSIZE), StoreFailure::Full);
     EXPECT_EQ(failure(SQLITE_IOERR), StoreFailure::InputOutput);
-    EXPECT_EQ(failure(SQLITE_IOERR_FSYNC), StoreFailure::InputOutput);
+    EXPECT_EQ(failure(SQLITE_IOERR_READ), StoreFailure::InputOutput);
+    EXPECT_EQ(failure(SQLITE_IOERR_FSYNC), StoreFailure::NotWritable);
+    EXPECT_EQ(failure(SQLITE_IOERR_WRITE), StoreFailure::NotWritable);
+    EXPECT_EQ(failure(SQLITE_READONLY), StoreFailure::NotWritable);
     EXPECT_EQ(failure(SQLITE_CORRUPT), StoreFailure::InputOutput);
-    EXPECT_EQ(failure(SQLITE_READONLY), StoreFailure::InputOutput);
     EXPECT_EQ(failure(SQLITE_CONSTRAINT_UNIQUE), StoreFailure::Conflict);
     EXPECT_EQ(failure(SQLITE_MISUSE), StoreFailure::Internal);
 }
