@@ -37,16 +37,20 @@ void appendEncoded(QByteArray& out, QStringView text, bool keepSlash)
 {
     static const char digits[] = "0123456789ABCDEF";
     const QByteArray bytes = utf8(text);
+    const int begin = out.size();
+    out.resize(begin + 3 * bytes.size()); // as long as it may become
+    char* next = out.data() + begin;
     for (const char byte : bytes) {
         if (isUnreserved(byte) || (keepSlash && byte == '/')) {
-            out += byte;
+            *next++ = byte;
         } else {
             const auto value = static_cast<unsigned char>(byte);
-            out += '%';
-            out += digits[value >> 4U];
-            out += digits[value & 0x0FU];
+            *next++ = '%';
+            *next++ = digits[value >> 4U];
+            *next++ = digits[value & 0x0FU];
         }
     }
+    out.truncate(static_cast<int>(next - out.constData()));
 }
 
 /// The parameter whose "name=" stands at `position`; empty when there is none.
