@@ -29,10 +29,12 @@ void runContest(const std::string& title, const std::vector<Contestant>& contest
 {
     std::vector<std::vector<double>> times(contestants.size());
     for (const Contestant& contestant : contestants)
-        microsecondsPerOperation(contestant.operation, operationsPerRound / 10 + 1); // connects and warms up
+        microsecondsPerOperation(contestant.operation,
+                                 operationsPerRound / contestant.oneIn / 10 + 1); // connects and warms up
     for (int round = 0; round < rounds; ++round) {
         for (std::size_t i = 0; i < contestants.size(); ++i)
-            times[i].push_back(microsecondsPerOperation(contestants[i].operation, operationsPerRound));
+            times[i].push_back(microsecondsPerOperation(
+                contestants[i].operation, std::max(operationsPerRound / contestants[i].oneIn, 1)));
     }
 
     std::printf("%s, median of %d rounds of %d\n", title.c_str(), rounds, operationsPerRound);

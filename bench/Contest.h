@@ -9,6 +9,7 @@ struct Contestant
 {
     std::string name;
     std::function<void()> operation; ///< done once
+    int oneIn = 1; ///< of the operations of a round only one in so many is done: for what is slow
 };
 
 /// Runs the operations in interleaved rounds, so that what else the machine does meets all of them alike, and prints

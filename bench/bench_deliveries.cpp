@@ -13,6 +13,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <chrono>
@@ -32,6 +33,7 @@ namespace {
 using namespace monitorservice;
 
 constexpr std::size_t samplesPerDelivery = 10'000;
+constexpr int roundCount = 5;
 constexpr Instant firstTime = 1450425600000; // 2015-12-18T00:00:00-08:00
 
 void fill(Store& store)
@@ -251,22 +253,47 @@ void measureMemory()
     measureMemory(other, "50 000 points, then as many samples as fit", deliveryOfManyPoints());
 }
 
-// Deliveries of each of these numbers of points, so many times.
+struct Intake
+{
+    std::size_t points;
+    std::size_t connections;
+    std::vector<double> samplesPerSecond;
+};
+
+void print(Intake& intake)
+{
+    std::vector<double>& speeds = intake.samplesPerSecond;
+    std::sort(speeds.begin(), speeds.end());
+    std::printf("%5zu points a delivery, %zu connections  %9.0f samples/s  (%.0f to %.0f)\n", intake.points,
+                intake.connections, speeds[speeds.size() / 2], speeds.front(), speeds.back());
+}
+
+// So many deliveries of each of these numbers of points, in rounds: what else the machine does meets all of them alike.
 void measureSpeed(std::size_t deliveries, const std::vector<std::size_t>& pointsOfDelivery)
 {
+    std::vector<Intake> intakes;
     for (const std::size_t connections : {1, 2}) {
         for (const std::size_t points : pointsOfDelivery) {
-            std::printf("%5zu points a delivery, %zu connections  %9.0f samples/s\n", points, connections,
-                        samplesPerSecond(points, deliveries, connections));
-            std::fflush(stdout);
+            intakes.push_back({points, connections, {}});
         }
+    }
+    for (int round = 0; round < roundCount; ++round) {
+        for (Intake& intake : intakes) {
+            intake.samplesPerSecond.push_back(
+                samplesPerSecond(intake.points, deliveries, intake.connections));
+        }
+    }
+    std::printf("%zu deliveries of %zu samples, median of %d rounds\n", deliveries, samplesPerDelivery,
+                roundCount);
+    for (Intake& intake : intakes) {
+        print(intake);
     }
 }
 
 // Without arguments everything; otherwise the number of deliveries, and of the points in each of them.
 void measure(const std::vector<std::size_t>& numbers)
 {
-    const std::size_t deliveries = numbers.empty() ? 100 : numbers.front();
+    const std::size_t deliveries = numbers.empty() ? 20 : numbers.front();
     if (numbers.size() > 1) {
         measureSpeed(deliveries, {numbers.begin() + 1, numbers.end()});
         return;

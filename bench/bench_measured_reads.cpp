@@ -1,6 +1,8 @@
 // How long the service takes to answer with measured data, through HTTP on the loopback: a page of 100 points with 100
 // samples each, and the daily statistics of one monitoring over 30 days, out of ten million samples. The store is made
 // first, in a folder of its own, and is gone afterwards. Prints the median and the longest of many requests.
+//
+//   bench_measured_reads [CELLS]    a million samples in each; 10 when not given
 
 #include "admin/Secret.h"
 #include "analysis/LocalDays.h"
@@ -15,6 +17,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <random>
@@ -26,7 +29,6 @@ using namespace monitorservice;
 
 namespace {
 
-constexpr int cellCount = 10;
 constexpr int pointsOfACell = 100;
 constexpr int samplesOfAPoint = 10'000; // one each hour, more than a year
 constexpr int requestCount = 41;
@@ -113,7 +115,7 @@ void insertPoint(Session& session, const std::string& cell, const std::string& n
     }
 }
 
-std::vector<std::string> fill(SqliteStore& store)
+std::vector<std::string> fill(SqliteStore& store, int cellCount)
 {
     const auto session = store.write();
     insertAccess(*session);
@@ -202,11 +204,16 @@ std::string period(const std::string& cell, const std::string& from, const std::
 
 } // namespace
 
-int main()
+int main(int argc, char** argv)
 {
+    const int cellCount = argc > 1 ? std::atoi(argv[1]) : 10;
+    if (cellCount < 1) {
+        std::fprintf(stderr, "bench_measured_reads: no number of cells: %s\n", argv[1]);
+        return 2;
+    }
     TemporaryStore temporary;
     const auto start = std::chrono::steady_clock::now();
-    const std::vector<std::string> cells = fill(temporary.store());
+    const std::vector<std::string> cells = fill(temporary.store(), cellCount);
     std::printf("%d samples of %d points written in %.1f s\n", cellCount * pointsOfACell * samplesOfAPoint,
                 cellCount * pointsOfACell,
                 std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
@@ -219,7 +226,7 @@ int main()
     const std::string project =
         "http://127.0.0.1:" + std::to_string(server.port()) + "/monitor-service/projects/p/";
     Client client;
-    const std::string& cell = cells[cellCount / 2];
+    const std::string& cell = cells[cells.size() / 2];
     const std::string hundredHours = period(cell, "2015-06-01T00:00:00.000Z", "2015-06-05T04:00:00.000Z");
     const std::string thirtyDays =
         period(cell, "2015-06-01T00:00:00.000+02:00", "2015-07-01T00:00:00.000+02:00");

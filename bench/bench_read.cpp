@@ -218,6 +218,7 @@ int main(int argc, char** argv)
     if (arguments.size() == 5 && arguments[1] == QLatin1String("--peak"))
         return measurePeak(arguments);
     const int rounds = arguments.size() > 1 ? arguments[1].toInt() : 7;
+    const int largest = arguments.size() > 2 ? arguments[2].toInt() : 500'000;
     constexpr int points = 5000;
     constexpr int samples = 100;
     {
@@ -236,6 +237,8 @@ int main(int argc, char** argv)
 
     std::printf("Growth: getPointLocation of points with one sample\n");
     for (const int count : {100, 1000, 10'000, 100'000, 500'000}) {
+        if (count > largest)
+            break;
         Reads reads(count, 1);
         runContest(std::to_string(count) + " points",
                    {{"getPointLocation",
