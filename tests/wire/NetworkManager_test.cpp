@@ -1,4 +1,4 @@
-#include "../support/Gzip.h"
+#include "../support/Deflate.h"
 #include "NetworkFixture.h"
 
 #include <QCoreApplication>

@@ -1,6 +1,6 @@
 #include "Fault.h"
 
-#include "../../support/Gzip.h"
+#include "../../support/Deflate.h"
 
 #include <utility>
 

@@ -1,5 +1,7 @@
 #include "ContentDecoder.h"
 
+#include "Deflate.h"
+
 #include <gtest/gtest.h>
 
 #include <zlib.h>
@@ -10,21 +12,6 @@ constexpr qint64 noLimit = 1 << 30;
 constexpr int gzipWindow = MAX_WBITS + 16;
 constexpr int zlibWindow = MAX_WBITS;
 constexpr int rawWindow = -MAX_WBITS;
-
-QByteArray deflated(const QByteArray& text, int windowBits)
-{
-    z_stream stream = {};
-    EXPECT_EQ(deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, windowBits, 8, Z_DEFAULT_STRATEGY), Z_OK);
-    QByteArray out(static_cast<int>(deflateBound(&stream, static_cast<uLong>(text.size()))), '\0');
-    stream.next_in = reinterpret_cast<const Bytef*>(text.constData());
-    stream.avail_in = static_cast<uInt>(text.size());
-    stream.next_out = reinterpret_cast<Bytef*>(out.data());
-    stream.avail_out = static_cast<uInt>(out.size());
-    EXPECT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
-    out.truncate(static_cast<int>(stream.total_out));
-    deflateEnd(&stream);
-    return out;
-}
 
 /// Everything in pieces of `step` bytes.
 ContentDecoder::Result decode(const QByteArray& encoding, const QByteArray& data, QByteArray& body,
