@@ -54,12 +54,13 @@ private:
 };
 
 // GET projects/{project}/dataManages: what was delivered for each monitoring and sub-category, the latest delivery
-// first. `expand` adds "subCategory" with its category, alias and name.
+// first, of those of one millisecond the newest data manage. `expand` adds "subCategory" with its category, alias and
+// name.
 HttpResponse listDataManages(ApiRequest& request)
 {
     SubCategories subCategories(request.session->subCategories());
     ListKind list;
-    list.order = "-updatedAt";
+    list.order = "-updatedAt,-_id";
     list.expanded = [&subCategories](std::string_view document) {
         return subCategories.addedTo(document);
     };

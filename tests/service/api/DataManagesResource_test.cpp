@@ -79,6 +79,13 @@ TEST_F(DataManagesResource, ComeWithTheLatestDeliveryFirst)
     EXPECT_EQ(get(list + "?only_count=true").body, R"({"count":2})");
 }
 
+TEST_F(DataManagesResource, OfOneMillisecondComeNewestFirst)
+{
+    const std::string first = newDataManage(tower, "ground");
+    const std::string second = newDataManage(wall, "casing");
+    EXPECT_THAT(members(get(list), "_id"), ElementsAre(second, first));
+}
+
 TEST_F(DataManagesResource, ExpandAddsTheSubCategory)
 {
     const std::string id = newDataManage(wall, "casing");
