@@ -201,7 +201,7 @@ private:
             if (role.may('r', *place) || (method == "POST" && role.may('c', *place))) {
                 continue;
             }
-            std::vector<std::string> secrets{place->word, std::to_string(place->value).substr(0, 4)};
+            std::vector<std::string> secrets{place->word, place->valueText()};
             for (const auto& [kind, ids] : m_world.in(*place)) {
                 secrets.insert(secrets.end(), ids.begin(), ids.end());
             }
@@ -230,7 +230,7 @@ private:
             const bool isOfOther = std::any_of(places.begin(), places.end(), [&](const Place* other) {
                 return other->word != place.word &&
                        (row.find(other->word) != std::string::npos ||
-                        row.find("|" + std::to_string(other->value).substr(0, 4)) != std::string::npos);
+                        row.find("|" + other->valueText()) != std::string::npos);
             });
             if (isOfOther) {
                 EXPECT_NE(std::find(left.begin(), left.end(), row), left.end()) << row;

@@ -37,6 +37,9 @@ struct Place
     std::string project;
     std::string category;
     double value; ///< of its first sample; no other place has values near it
+
+    /// How the value begins wherever it is written, point included: no identifier or time holds that.
+    std::string valueText() const { return std::to_string(value).substr(0, 5); }
 };
 
 inline const Place own{"Amber", "project-own", "Settlement", 7111.25};
