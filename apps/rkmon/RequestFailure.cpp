@@ -104,16 +104,8 @@ Failure refusal(const NetworkExchange& exchange, const RequestContext& context)
 
 } // namespace
 
-bool hasFailed(const NetworkExchange& exchange)
-{
-    return exchange.error != QNetworkReply::NoError || (!isWrite(exchange) && exchange.bytesReceived == 0);
-}
-
 Failure requestFailure(const NetworkExchange& exchange, const RequestContext& context)
 {
-    if (exchange.error == QNetworkReply::NoError)
-        return {ExitCode::Failed,
-                QStringLiteral("cannot %1: the service answered without content").arg(context.purpose)};
     const bool isRedirect = exchange.error == QNetworkReply::TooManyRedirectsError;
     if (exchange.error < endOfConnectionErrors && !isRedirect)
         return connectionFailure(exchange, context);

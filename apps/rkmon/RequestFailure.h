@@ -23,9 +23,5 @@ struct RequestContext
     Repetition repetition = Repetition::MayDouble;
 };
 
-/// Whether the exchange brought no usable answer. A reading request that was answered with success but without
-/// any content has failed too: an empty list would be mistaken for "there are none".
-bool hasFailed(const NetworkExchange& exchange);
-
 /// What happened and what to try, with the exit status that tells scripts. `exchange` must have failed.
 Failure requestFailure(const NetworkExchange& exchange, const RequestContext& context);

@@ -41,7 +41,7 @@ void Session::requireAnswer(const QString& purpose, Repetition repetition) const
 {
     if (!m_lastExchange)
         throw Failure(ExitCode::Failed, QStringLiteral("cannot %1: no request was sent").arg(purpose));
-    if (hasFailed(*m_lastExchange))
+    if (m_lastExchange->error != QNetworkReply::NoError)
         throw requestFailure(*m_lastExchange,
                              {purpose, m_configuration.baseApi, m_configuration.tokenFile, repetition});
 }

@@ -57,7 +57,6 @@ TEST(RequestFailure, EveryKindHasItsExitCode)
     };
     for (const Row& row : rows) {
         const NetworkExchange exchange = exchangeOf(row.error, row.httpStatus);
-        EXPECT_TRUE(hasFailed(exchange)) << row.error;
         EXPECT_EQ(requestFailure(exchange, context).code(), row.code)
             << row.error << " with status " << row.httpStatus;
     }
@@ -114,15 +113,4 @@ TEST(RequestFailure, LostAnswerOfAHarmlessRepetitionAsksForNoLook)
         const Failure failure = requestFailure(exchangeOf(error, 0, "", "POST"), harmless);
         EXPECT_FALSE(failure.message().contains(QStringLiteral("look before"))) << failure.what();
     }
-}
-
-TEST(RequestFailure, ReadWithoutContentHasFailed)
-{
-    NetworkExchange exchange = exchangeOf(QNetworkReply::NoError, 200);
-    EXPECT_FALSE(hasFailed(exchange));
-    exchange.bytesReceived = 0;
-    EXPECT_TRUE(hasFailed(exchange));
-    EXPECT_EQ(requestFailure(exchange, context).code(), ExitCode::Failed);
-    exchange.method = "DELETE";
-    EXPECT_FALSE(hasFailed(exchange));
 }
