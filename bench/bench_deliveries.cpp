@@ -3,6 +3,8 @@
 // The service runs in a process of its own on a file in the folder for temporary files; deliveries of 10 000 samples
 // are made beforehand and sent over connections that stay open. Linux: the memory is read from /proc.
 
+#include "DeliveryText.h"
+
 #include "admin/Secret.h"
 #include "api/Api.h"
 #include "http/HttpServer.h"
@@ -15,7 +17,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -34,7 +35,6 @@ using namespace monitorservice;
 
 constexpr std::size_t samplesPerDelivery = 10'000;
 constexpr int roundCount = 5;
-constexpr Instant firstTime = 1450425600000; // 2015-12-18T00:00:00-08:00
 
 void fill(Store& store)
 {
@@ -131,35 +131,6 @@ private:
     std::uint16_t m_port = 0;
 };
 
-std::string sampleText(std::size_t number)
-{
-    const Instant time = firstTime + static_cast<Instant>(number) * 60'000;
-    std::array<char, 32> value{};
-    const double settlement = static_cast<double>(number % 10'007) / 128;
-    const auto end = std::to_chars(value.data(), value.data() + value.size(), settlement).ptr;
-    return R"({"count":)" + std::to_string(number) + R"(,"time":")" + isoText(time, 60) + R"(","value":)" +
-           std::string(value.data(), end) + R"(,"timeFlag":""})";
-}
-
-// Samples first … of each point.
-std::string deliveryText(std::size_t points, std::size_t samplesPerPoint, std::size_t first, std::size_t cell)
-{
-    std::string body = "[";
-    for (std::size_t point = 0; point < points; ++point) {
-        body += point == 0 ? "" : ",";
-        body += R"({"projectId":"p","cellId":"c)" + std::to_string(cell) +
-                R"(","subCategoryId":"s","name":"W)" + std::to_string(point) +
-                R"(","alias":"","dataType":1,"initialValue":0,"offsetDirection":"","depth":"",)"
-                R"("insertCount":0,"lastCount":0,"fileId":null,"lastDate":"","links":[],"data":[)";
-        for (std::size_t sample = 0; sample < samplesPerPoint; ++sample) {
-            body += sample == 0 ? "" : ",";
-            body += sampleText(first + sample);
-        }
-        body += "]}";
-    }
-    return body + "]";
-}
-
 std::string requestText(const std::string& body)
 {
     return "POST /monitor-service/pointLocations HTTP/1.1\r\nHost: localhost\r\nAuthorization: Bearer "
@@ -184,8 +155,9 @@ double samplesPerSecond(std::size_t points, std::size_t deliveries, std::size_t 
     std::vector<std::vector<std::string>> requests(connections);
     for (std::size_t i = 0; i < deliveries; ++i) {
         const std::size_t connection = i % connections;
-        requests[connection].push_back(requestText(
-            deliveryText(points, samplesPerPoint, (i / connections) * samplesPerPoint, connection)));
+        requests[connection].push_back(
+            requestText(deliveryText({"p", "c" + std::to_string(connection), "s"}, points, samplesPerPoint,
+                                     (i / connections) * samplesPerPoint)));
     }
     const auto begin = std::chrono::steady_clock::now();
     std::vector<std::thread> threads;
@@ -216,19 +188,6 @@ void measureMemory(const ServiceProcess& service, const char* what, const std::s
                 static_cast<double>(body.size()) / 1e6, service.peakMegabytes(), before, taken.count());
 }
 
-// As many samples as fit into the largest body.
-std::string largestDelivery()
-{
-    constexpr std::size_t largest = 64 * 1024 * 1024;
-    const std::size_t sampleSize = sampleText(1'000'000).size() + 1;
-    std::string body;
-    for (std::size_t samples = largest / sampleSize + 20'000; body.empty() || body.size() > largest;
-         samples -= 2'000) {
-        body = deliveryText(1, samples, 0, 0);
-    }
-    return body;
-}
-
 // As many points with as long descriptions as one delivery may have, and samples for the rest of the body.
 std::string deliveryOfManyPoints()
 {
@@ -249,7 +208,7 @@ void measureMemory()
 {
     const ServiceProcess one;
     const ServiceProcess other;
-    measureMemory(one, "one point, as many samples as fit", largestDelivery());
+    measureMemory(one, "one point, as many samples as fit", largestDelivery({"p", "c0", "s"}));
     measureMemory(other, "50 000 points, then as many samples as fit", deliveryOfManyPoints());
 }
 
