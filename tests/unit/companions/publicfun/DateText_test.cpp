@@ -237,6 +237,37 @@ TEST(DateText, AgreesWithQt)
     }
 }
 
+TEST(DateText, HasTheCalendarOfQt)
+{
+    for (const int year : {1,    3,    4,    99,   100,  101,  400,  1582, 1600, 1899, 1900, 1904,
+                           1969, 1970, 1972, 1999, 2000, 2001, 2023, 2024, 2100, 2400, 9996, 9999}) {
+        for (int month = 0; month <= 20; ++month) {
+            for (int day = 0; day <= 40; ++day) {
+                const QString text = QString::asprintf("%04d-%02d-%02dT00:00:00Z", year, month, day);
+                const QDateTime time = getDateTimeByQString(text);
+                const QDate date(year, month, day);
+                EXPECT_EQ(time.isValid(), date.isValid()) << text.toStdString();
+                EXPECT_EQ(time.date(), date) << text.toStdString();
+            }
+        }
+    }
+}
+
+TEST(DateText, ReadsNoCharacterForAnotherOne)
+{
+    // Beyond those of the format, also such as share their lower or upper bits.
+    const QString text = QStringLiteral("2024-03-01T06:30:00.123+08:00");
+    for (int at = 0; at < text.size(); ++at) {
+        for (int code = 0; code <= 0xffff; ++code) {
+            QString changed = text;
+            changed[at] = QChar(code);
+            if (code < 0x80 && QStringLiteral("0123456789-:.+TZ").contains(QChar(code)))
+                continue;
+            ASSERT_TRUE(getDateTimeByQString(changed).isNull()) << at << " is " << code;
+        }
+    }
+}
+
 TEST(DateText, WhatAChangedCharacterLeavesAcceptedQtReadsTheSame)
 {
     std::mt19937_64 random(3339);
