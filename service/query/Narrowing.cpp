@@ -80,6 +80,8 @@ public:
             break;
         case Operator::Regex:
             m_result.exact = false;
+            if (m_field.uniform && m_field.kind == FieldKind::Text)
+                m_result.patterns.push_back({m_field.sql, m_condition.pattern});
             break;
         default:
             narrowRange();
@@ -206,13 +208,13 @@ private:
 Narrowing narrow(const Condition& condition, const std::vector<NarrowableField>& fields)
 {
     if (condition.operation == Operator::In && condition.operands.empty())
-        return {"0", {}, true};
+        return {"0", {}, true, {}};
     const auto field =
         std::find_if(fields.begin(), fields.end(), [&condition](const NarrowableField& candidate) {
             return candidate.path == condition.path;
         });
     if (field == fields.end())
-        return {"1", {}, false};
+        return {"1", {}, false, {}};
     return FieldNarrowing(*field, condition).narrow();
 }
 
@@ -221,14 +223,19 @@ Narrowing narrow(const Condition& condition, const std::vector<NarrowableField>&
 Narrowing narrow(const Where& where, const std::vector<NarrowableField>& fields)
 {
     Narrowing result;
+    bool othersAreLeft = false;
     for (const Condition& condition : where.conditions()) {
         Narrowing part = narrow(condition, fields);
         result.exact = result.exact && part.exact;
+        othersAreLeft = othersAreLeft || (!part.exact && part.patterns.empty());
+        std::move(part.patterns.begin(), part.patterns.end(), std::back_inserter(result.patterns));
         if (part.sql == "1")
             continue;
         result.sql = result.sql == "1" ? part.sql : result.sql + " AND " + part.sql;
         std::move(part.values.begin(), part.values.end(), std::back_inserter(result.values));
     }
+    if (othersAreLeft)
+        result.patterns.clear();
     return result;
 }
 

@@ -3,6 +3,7 @@
 #include "Where.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -53,6 +54,13 @@ struct NarrowableField
 
 using SqlValue = std::variant<std::int64_t, double, std::string>;
 
+/// A pattern and the column whose text it is to be found in.
+struct ColumnPattern
+{
+    std::string sql; ///< SQL: the column
+    std::shared_ptr<const Pattern> pattern;
+};
+
 /// A condition for an SQL WHERE that selects every row whose document matches, and perhaps more.
 struct Narrowing
 {
@@ -62,8 +70,12 @@ struct Narrowing
     std::vector<SqlValue> values;
 
     /// The condition selects exactly the rows that match: counting and paging can be left to SQL. Otherwise
-    /// the matcher must see each row.
+    /// the matcher must see each row, unless there are patterns.
     bool exact = true;
+
+    /// Not exact, but what is left are patterns on uniform columns of texts: of the selected rows those match in
+    /// whose columns all of these are found; NULL has none. Empty when other conditions are left, too.
+    std::vector<ColumnPattern> patterns;
 };
 
 Narrowing narrow(const Where& where, const std::vector<NarrowableField>& fields);

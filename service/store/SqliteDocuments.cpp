@@ -1,6 +1,7 @@
 #include "store/SqliteDocuments.h"
 
 #include "query/Matcher.h"
+#include "query/PatternSearch.h"
 
 #include <simdjson.h>
 
@@ -12,17 +13,19 @@ namespace monitorservice {
 
 namespace {
 
-// What a condition becomes in SQL: the rows to look at, and whether each of them is known to match.
+// What a condition becomes in SQL: the rows to look at, and whether each of them is known to match. Otherwise patterns in
+// columns tell, or without any the document.
 struct Selection
 {
     std::string sql;
     std::vector<SqlValue> values;
     bool exact = true;
+    std::vector<ColumnPattern> patterns;
 };
 
 Selection select(const DocumentQuery& query, const DocumentTable& table)
 {
-    Selection selection{" FROM " + table.view + " WHERE project = ?", {query.project}, true};
+    Selection selection{" FROM " + table.view + " WHERE project = ?", {query.project}, true, {}};
     if (query.parent) {
         selection.sql += " AND " + table.parent + " = ?";
         selection.values.emplace_back(*query.parent);
@@ -40,6 +43,7 @@ Selection select(const DocumentQuery& query, const DocumentTable& table)
         selection.sql += " AND (" + narrowing.sql + ")";
         selection.values.insert(selection.values.end(), narrowing.values.begin(), narrowing.values.end());
         selection.exact = narrowing.exact;
+        selection.patterns = std::move(narrowing.patterns);
     }
     return selection;
 }
@@ -59,13 +63,40 @@ SqliteStatement bound(SqliteConnection& connection, const std::string& sql,
     return statement;
 }
 
-// Asks the matcher about one stored document after another.
+// Tells of one selected row after another whether it matches, by the columns that it names.
 class RowMatcher
 {
 public:
-    explicit RowMatcher(const Where& where) : m_matcher(where) {}
+    RowMatcher(const Where& where, const Selection& selection, const DocumentTable& table)
+        : m_patterns(selection.patterns), m_matcher(where)
+    {
+        for (const ColumnPattern& pattern : m_patterns) {
+            m_columns += ", " + pattern.sql;
+        }
+        if (m_patterns.empty()) {
+            m_columns += ", " + table.searched;
+        }
+    }
 
-    bool matches(std::string_view document)
+    /// What to select: the identifier, and what the matcher looks at.
+    const std::string& columns() const { return m_columns; }
+
+    bool matches(const SqliteStatement& row)
+    {
+        return m_patterns.empty() ? matchesDocument(row.view(1)) : holdsPatterns(row);
+    }
+
+private:
+    bool holdsPatterns(const SqliteStatement& row)
+    {
+        int column = 0;
+        return std::all_of(m_patterns.begin(), m_patterns.end(), [&](const ColumnPattern& one) {
+            ++column;
+            return !row.isNull(column) && m_search.finds(*one.pattern, row.view(column));
+        });
+    }
+
+    bool matchesDocument(std::string_view document)
     {
         simdjson::dom::element element;
         if (m_parser.parse(document.data(), document.size()).get(element) != simdjson::SUCCESS) {
@@ -74,9 +105,11 @@ public:
         return m_matcher.matches(element);
     }
 
-private:
+    std::vector<ColumnPattern> m_patterns;
+    PatternSearch m_search;
     simdjson::dom::parser m_parser;
     Matcher m_matcher;
+    std::string m_columns = "id";
 };
 
 std::int64_t sqlNumber(std::uint64_t number)
@@ -107,12 +140,12 @@ std::uint64_t SqliteDocuments::count(const DocumentQuery& query) const
         statement.step();
         return static_cast<std::uint64_t>(statement.integer(0));
     }
+    RowMatcher matcher(*query.where, selection, m_table);
     SqliteStatement statement =
-        bound(m_connection, "SELECT " + m_table.searched + selection.sql, selection.values);
-    RowMatcher matcher(*query.where);
+        bound(m_connection, "SELECT " + matcher.columns() + selection.sql, selection.values);
     std::uint64_t matching = 0;
     while (statement.step()) {
-        matching += matcher.matches(statement.view(0)) ? 1 : 0;
+        matching += matcher.matches(statement) ? 1 : 0;
     }
     return matching;
 }
@@ -132,22 +165,34 @@ void SqliteDocuments::visit(const DocumentQuery& query, const Visitor& visitor) 
         }
         return;
     }
-    SqliteStatement statement = bound(
-        m_connection, "SELECT document, " + m_table.searched + selection.sql + " " + order, selection.values);
-    RowMatcher matcher(*query.where);
+    // The document is looked up for the page alone: what tells the rows apart may stand in an index.
+    RowMatcher matcher(*query.where, selection, m_table);
+    SqliteStatement statement =
+        bound(m_connection, "SELECT " + matcher.columns() + selection.sql + " " + order, selection.values);
     std::uint64_t toSkip = query.skip;
     std::uint64_t toGive = query.limit;
     while (toGive > 0 && statement.step()) {
-        if (!matcher.matches(statement.view(1))) {
+        if (!matcher.matches(statement)) {
             continue;
         }
         if (toSkip > 0) {
             --toSkip;
             continue;
         }
-        visitor(statement.view(0));
+        visitStored(statement.text(0), visitor);
         --toGive;
     }
+}
+
+void SqliteDocuments::visitStored(const std::string& id, const Visitor& visitor) const
+{
+    SqliteStatement statement =
+        m_connection.statement("SELECT document FROM " + m_table.name + " WHERE id = ?");
+    statement.bind(id);
+    if (!statement.step()) {
+        throw StoreError(StoreFailure::InputOutput, "an index names a document that is not there");
+    }
+    visitor(statement.view(0));
 }
 
 void SqliteDocuments::insert(const std::string& project, const std::string& id, const std::string& text)

@@ -48,6 +48,8 @@ public:
     void remove(const std::string& project, const std::string& id) override;
 
 private:
+    void visitStored(const std::string& id, const Visitor& visitor) const;
+
     SqliteConnection& m_connection;
     const DocumentTable& m_table;
 };

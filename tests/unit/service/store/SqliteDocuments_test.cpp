@@ -193,6 +193,33 @@ TEST_F(SqliteDocuments, ConditionsSelect)
     EXPECT_THAT(idsWhere(R"({"unheard":null,"_id":"c4"})"), ElementsAre("c4"));
 }
 
+TEST_F(SqliteDocuments, PatternsAreFoundInColumnsAndInDocumentsAlike)
+{
+    const std::string pattern = R"where("name":{"$regex":"^(be|al)","$options":"i"})where";
+    for (const char* const other :
+         {"", R"(,"alarmTo":"z")", R"(,"createdBy":{"$regex":"d"})", R"(,"links.type":{"$regex":"mod"})"}) {
+        EXPECT_THAT(idsWhere("{" + pattern + other + "}"), ElementsAre("c1", "c2", "c3", "c4", "c5"))
+            << other;
+    }
+    EXPECT_THAT(idsWhere("{" + pattern + R"(,"category":{"$regex":"^In"}})"), ElementsAre("c2", "c3"));
+    EXPECT_THAT(idsWhere("{" + pattern + R"(,"createdAt":{"$gte":"2015-12-21T06:30:00.125Z"}})"),
+                ElementsAre("c3", "c4"));
+    EXPECT_THAT(idsWhere("{" + pattern + R"(,"name.x":{"$regex":"."}})"), IsEmpty());
+}
+
+TEST_F(SqliteDocuments, PatternThatTakesTooManyStepsIsRefused)
+{
+    insert("p1", "c7", std::string(60, 'a') + "!", "Inclinometer", "2015-12-21T06:30:00.123Z", "m6");
+    const Where where = Where::parse(R"({"name":{"$regex":"(a+)+$"}})");
+    DocumentQuery query = all();
+    query.where = &where;
+    EXPECT_THROW(ids(query), QueryError);
+    EXPECT_THROW(session->cells().count(query), QueryError);
+    query.categories = {"Settlement"};
+    EXPECT_THAT(ids(query), ElementsAre("c1", "c4", "c5")) << "what is out of reach costs no steps";
+    EXPECT_EQ(session->cells().count(query), 3U);
+}
+
 TEST_F(SqliteDocuments, TimesAreComparedToTheMillisecondWhateverTheirOffset)
 {
     EXPECT_THAT(idsWhere(R"({"createdAt":{"$gte":"2015-12-21T06:30:00.124Z"}})"),
