@@ -1,0 +1,88 @@
+#include "Series.h"
+
+#include "analysis/LocalDays.h"
+#include "analysis/PointLocation.h"
+#include "store/Instant.h"
+
+#include <cmath>
+#include <optional>
+
+namespace monitorservice::bench {
+
+namespace {
+
+void insertDays(Session& session, std::int64_t point, const Series& series)
+{
+    LocalDays days("Europe/Vienna");
+    std::optional<DaySummary> day;
+    for (int number = 0; number < series.count; ++number) {
+        const Sample sample = series.at(number);
+        const std::int64_t dayNumber = days.dayOf(sample.time);
+        if (day && day->day != dayNumber) {
+            session.measurements().addToDay(point, *day);
+            day.reset();
+        }
+        const std::int64_t samples = day ? day->samples + 1 : 1;
+        day = DaySummary{dayNumber, sample.time, sample.count, sample.offsetMinutes, sample.value, samples};
+    }
+    if (day) {
+        session.measurements().addToDay(point, *day);
+    }
+}
+
+} // namespace
+
+Sample Series::at(int number) const
+{
+    return {begin + number * interval, number, std::nullopt, std::sin(number * 0.01) * 12.5,
+            number % 2 == 0 ? "A" : "B"};
+}
+
+int Series::lastBefore(Instant instant) const
+{
+    return static_cast<int>((instant - begin - 1) / interval);
+}
+
+void insertPoint(Session& session, const std::string& cell, const std::string& subCategory,
+                 const std::string& name, const Series& series)
+{
+    PointLocation point;
+    point.id = session.newIdentifier();
+    point.project = "p";
+    point.cell = cell;
+    point.subCategory = subCategory;
+    point.name = name;
+    point.links = R"([{"type":"model","rId":"m1"}])";
+    point.insertCount = series.count;
+    point.lastCount = series.count - 1;
+    point.lastDate = isoText(series.at(series.count - 1).time);
+    const std::int64_t key = session.measurements().insertPoint("p", point.id, toDocument(point));
+    for (int number = 0; number < series.count; ++number) {
+        session.measurements().insertSample(key, series.at(number));
+    }
+    insertDays(session, key, series);
+}
+
+bool holdsSamples(simdjson::dom::array data, const Series& series, int first, int count)
+{
+    int number = first;
+    for (const simdjson::dom::element element : data) {
+        const Sample sample = series.at(number);
+        const bool isSame = element["count"].get_int64().value() == sample.count &&
+                            element["time"].get_string().value() == isoText(sample.time) &&
+                            element["value"].get_double().value() == sample.value &&
+                            element["timeFlag"].get_string().value() == sample.timeFlag;
+        if (!isSame) {
+            return false;
+        }
+        ++number;
+    }
+    return number == first + count;
+}
+
+std::string periodText(const std::string& from, const std::string& before)
+{
+    return R"("time":{"$gte":")" + from + R"(","$lt":")" + before + "\"}";
+}
+
+} // namespace monitorservice::bench
