@@ -23,6 +23,10 @@
 #include <cstdlib>
 #include <stdexcept>
 
+#ifdef __linux__
+#include <sched.h>
+#endif
+
 namespace {
 
 /// The reply as the service writes it.
@@ -61,6 +65,31 @@ void check(bool isRight, const char* who)
         throw std::runtime_error(std::string(who) + " read something else");
 }
 
+#ifdef __linux__
+/// Keeps this thread, and those that it begins, on one core.
+class OneCore
+{
+public:
+    OneCore()
+    {
+        sched_getaffinity(0, sizeof m_before, &m_before);
+        int first = 0;
+        while (!CPU_ISSET(first, &m_before))
+            ++first;
+        cpu_set_t one;
+        CPU_ZERO(&one);
+        CPU_SET(first, &one);
+        check(sched_setaffinity(0, sizeof one, &one) == 0, "one core");
+    }
+    ~OneCore() { sched_setaffinity(0, sizeof m_before, &m_before); }
+    OneCore(const OneCore&) = delete;
+    OneCore& operator=(const OneCore&) = delete;
+
+private:
+    cpu_set_t m_before = {};
+};
+#endif
+
 class Reads
 {
 public:
@@ -86,6 +115,13 @@ public:
                  [this] {
                      byLibrary();
                  }},
+#ifdef __linux__
+                {"getPointLocation, its threads on one core",
+                 [this] {
+                     const OneCore core;
+                     byLibrary();
+                 }},
+#endif
                 {"QNetworkAccessManager and QJsonDocument",
                  [this] {
                      byQt();
@@ -122,7 +158,10 @@ public:
                  }}};
     }
 
-    void parse() { check(QJsonDocument::fromJson(m_body).array().size() == m_points, "QJsonDocument"); }
+    void parse()
+    {
+        check(QJsonDocument::fromJson(m_body).array().size() == m_points, "QJsonDocument");
+    }
     void byLibrary()
     {
         QList<RKPointLocation> points;
@@ -148,7 +187,10 @@ public:
         check(points.size() == std::size_t(m_points) && points.back().data.size() == std::size_t(m_samples),
               "simdjson");
     }
-    void byCurl() { check(m_curl.get(m_standardUrl).size() == std::size_t(m_body.size()), "libcurl"); }
+    void byCurl()
+    {
+        check(m_curl.get(m_standardUrl).size() == std::size_t(m_body.size()), "libcurl");
+    }
 
 private:
     int m_points;

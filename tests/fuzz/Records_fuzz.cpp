@@ -1,8 +1,9 @@
 // Input: a JSON object, or an array of two. Every record is read from it, whatever its members hold, written, and read
-// again. Reading a record leaves nothing of what was in it before.
+// again. Reading a record leaves nothing of what was in it before. An array's text may be cut into pieces that threads parse.
 
 #include "Fuzzer.h"
 
+#include "ParallelJson.h"
 #include "RKAlarm.h"
 #include "datamanage/DataManageJson.h"
 #include "frame/Companions.h"
@@ -247,6 +248,16 @@ void checkDifference(const QJsonObject& before, const QJsonObject& after)
         require(merged.value(member.key()) == member.value(), "a difference makes the one the other");
 }
 
+/// One thread is enough here: which of them takes a piece makes no difference.
+void checkPieces(const QByteArray& text, const QJsonDocument& document)
+{
+    for (const int pieceSize : {1, 100}) {
+        const QJsonArray elements = parseJsonPieces(text, {0, pieceSize, 1});
+        require(elements.isEmpty() || QJsonDocument(elements) == document,
+                "a text in pieces is read like the whole");
+    }
+}
+
 void checkEveryRecord(const QJsonObject& object)
 {
     checkMonitoring(object);
@@ -271,6 +282,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     GetSoftCache()->setProjectId(QStringLiteral("p7"));
     const QByteArray text(reinterpret_cast<const char*>(data), static_cast<int>(size));
     const QJsonDocument document = QJsonDocument::fromJson(text);
+    checkPieces(text, document);
     if (document.isArray()) {
         checkEveryRecord(document.array().at(0).toObject());
         checkDifference(document.array().at(0).toObject(), document.array().at(1).toObject());

@@ -122,6 +122,33 @@ TEST_F(NetworkEventLoopTest, ReadsObjectsListsAndArrays)
     EXPECT_TRUE(server.isUsedUp());
 }
 
+/// Large ones are parsed on several threads.
+TEST_F(NetworkEventLoopTest, ReadsAListOfAnySizeInItsOrder)
+{
+    constexpr int count = 30'000;
+    QByteArray body = "[";
+    for (int i = 0; i < count; ++i)
+        body += (i == 0 ? "" : ", ") + QByteArray(R"({"id": )") + QByteArray::number(i) +
+                R"(, "data": [1.5, "},{"]})";
+    server.answerJson(200, body + "]");
+    server.answerJson(200, body + ",]");
+    server.answerJson(200, body);
+
+    const Outcome outcome = get();
+    EXPECT_TRUE(outcome.isSuccessful);
+    EXPECT_EQ(outcome.array, QJsonDocument::fromJson(body + "]").array());
+    ASSERT_EQ(outcome.objectList.size(), count);
+    for (int i = 0; i < count; ++i)
+        ASSERT_EQ(outcome.objectList.at(i).value(QLatin1String("id")).toInt(), i);
+    for (int i = 0; i < 2; ++i) {
+        const Outcome cut = get();
+        EXPECT_EQ(cut.error, QNetworkReply::ProtocolFailure);
+        EXPECT_TRUE(cut.objectList.isEmpty());
+        EXPECT_THAT(cut.errorText.toStdString(), testing::HasSubstr("the reply is not JSON"));
+    }
+    EXPECT_TRUE(server.isUsedUp());
+}
+
 TEST_F(NetworkEventLoopTest, AListWithOneElementThatIsNoObjectIsNone)
 {
     server.answerJson(200, R"([{"a":1},2])");
@@ -503,6 +530,15 @@ TEST_F(NetworkEventLoopTest, ReadsAnotherMakersReply)
     const Outcome outcome = waitFor(foreignReply(R"({"message":"m"})", QNetworkReply::InternalServerError));
     EXPECT_EQ(outcome.error, QNetworkReply::InternalServerError);
     EXPECT_EQ(outcome.object.size(), 1);
+}
+
+TEST_F(NetworkEventLoopTest, ReadsAnotherMakersLargeReply)
+{
+    const QByteArray body = "[" + QByteArray(R"({"a":"0123456789"},)").repeated(50'000) + R"({"a":"last"}])";
+    const Outcome outcome = waitFor(foreignReply(body));
+    EXPECT_TRUE(outcome.isSuccessful);
+    ASSERT_EQ(outcome.objectList.size(), 50'001);
+    EXPECT_EQ(outcome.objectList.last().value(QLatin1String("a")).toString(), QStringLiteral("last"));
 }
 
 TEST_F(NetworkEventLoopTest, AnotherMakersReplyHasADeadlineToo)

@@ -4,6 +4,7 @@
 #include "CurlDriver.h"
 #include "ErrorTable.h"
 #include "Logging.h"
+#include "ParallelJson.h"
 
 #include <QCoreApplication>
 #include <QJsonObject>
@@ -142,7 +143,7 @@ void HttpReply::readAnswer(const HttpAnswer& answer)
     m_body = answer.body;
     QJsonParseError parsing = {};
     if (!m_body.isEmpty())
-        m_document = QJsonDocument::fromJson(m_body, &parsing);
+        m_document = parseJson(m_body, &parsing);
     const NetworkError error = errorOfStatus(m_status);
     if (error != NoError) {
         redactMessage();

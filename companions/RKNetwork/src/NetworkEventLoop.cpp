@@ -3,6 +3,7 @@
 #include "CurlDriver.h"
 #include "HttpReply.h"
 #include "NetworkManager.h"
+#include "ParallelJson.h"
 
 #include <QCoreApplication>
 #include <QJsonValue>
@@ -71,7 +72,7 @@ void NetworkEventLoop::readReply()
         return;
     }
     const QByteArray text = m_reply->readAll();
-    m_body = QJsonDocument::fromJson(text);
+    m_body = parseJson(text);
     if (m_error == QNetworkReply::NoError && !text.isEmpty() && m_body.isNull())
         m_error = QNetworkReply::ProtocolFailure;
 }
