@@ -53,9 +53,10 @@ std::unique_ptr<Store> openStore(const std::string& file)
     }
     SqliteStoreOptions options;
     options.createIfMissing = true;
-    // The largest delivery holds the turn for seconds. Whoever waits longer than this is told to come again, before the
-    // client library gives up at 30 s without knowing what became of the request.
-    options.busyTimeout = std::chrono::seconds(20);
+    // The largest delivery holds the turn for seconds. Whoever waits longer than this, and the 10 s before that for a
+    // thread, is told to come again, before the client library gives up at 30 s without knowing what became of the
+    // request.
+    options.busyTimeout = std::chrono::seconds(15);
     return std::make_unique<SqliteStore>(file, options);
 }
 

@@ -21,8 +21,10 @@ struct HttpLimits
     /// Open connections, idle ones included; lowered to what the process may open. Beyond: 503 with
     /// Retry-After.
     std::size_t mostConnections = 4096;
-    /// Handlers that run at a time.
-    std::size_t workerThreads = 8;
+    /// Handlers of requests that only read (GET, HEAD) that run at a time.
+    std::size_t readerThreads = 8;
+    /// Handlers of other requests that run at a time. They may wait for one another; reads do not wait for them.
+    std::size_t writerThreads = 4;
 
     /// From the connection's opening or the last answer to the next request's first byte.
     std::chrono::milliseconds idleDeadline{60'000};
@@ -33,6 +35,8 @@ struct HttpLimits
     /// The time in which at least leastProgress bytes of a body must arrive, or of an answer be taken.
     std::chrono::milliseconds progressDeadline{30'000};
     std::size_t leastProgress = 64 * 1024;
+    /// From a request's end until a thread is free for its handler. Beyond: 503 with Retry-After.
+    std::chrono::milliseconds queueDeadline{10'000};
     /// From the last answer on a connection until it is closed though the client has not closed its side.
     std::chrono::milliseconds lingerDeadline{2'000};
     /// From the call of stop() until connections are closed though their answers are not complete.

@@ -116,8 +116,10 @@ public:
             m_thread.join();
             m_sessions.onDrained = nullptr;
             // Requests that no worker has taken up have lost their connection; running ones are waited for.
-            m_sessions.workers.stop();
-            m_sessions.workers.join();
+            m_sessions.readers.stop();
+            m_sessions.writers.stop();
+            m_sessions.readers.join();
+            m_sessions.writers.join();
         });
     }
 

@@ -29,7 +29,8 @@ struct HttpCounters
 
 /// Serves HTTP/1.1 (RFC 9112) on one address: strict about framing, with a limit or a deadline on everything
 /// a client may hold. One thread moves the bytes of all connections; handlers run on worker threads of their
-/// own, so a slow one delays neither other answers nor deadlines.
+/// own, so a slow one delays neither other answers nor deadlines. Requests that only read have theirs and all
+/// others have theirs, so that reads are answered however many writes wait for one another.
 class HttpServer
 {
 public:

@@ -323,11 +323,15 @@ void HttpSession::handle()
     request.body = std::move(m_parser->get().body());
     m_parser.reset();
 
+    const Clock::time_point received = Clock::now();
     m_phase = Phase::Handling;
     ++m_sessions.counters->requests;
     ++m_sessions.counters->requestsInProgress;
-    asio::post(m_sessions.workers, [self = shared_from_this(), request = std::move(request)]() mutable {
-        HttpResponse response = self->callHandler(std::move(request));
+    asio::thread_pool& workers = request.method == "GET" ? m_sessions.readers : m_sessions.writers;
+    asio::post(workers, [self = shared_from_this(), request = std::move(request), received]() mutable {
+        HttpResponse response = Clock::now() - received > self->m_sessions.limits.queueDeadline
+                                    ? errorResponse(503, "the service has too much to do; try again")
+                                    : self->callHandler(std::move(request));
         // The session is handed back whole: its last owner must be the thread that moves bytes.
         HttpSessions& sessions = self->m_sessions;
         asio::post(sessions.io, [self = std::move(self), response = std::move(response)]() mutable {

@@ -30,14 +30,15 @@ namespace monitorservice {
 
 class HttpSession;
 
-/// What all sessions of one server share. Members but io, workers and counters belong to the thread that runs
-/// io.
+/// What all sessions of one server share. Members but io, readers, writers and counters belong to the thread
+/// that runs io.
 struct HttpSessions
 {
     HttpSessions(const HttpLimits& theLimits, HttpHandler theHandler,
                  std::shared_ptr<HttpCounters> theCounters)
         : limits(theLimits), handler(std::move(theHandler)), counters(std::move(theCounters)),
-          workers(std::max<std::size_t>(theLimits.workerThreads, 1))
+          readers(std::max<std::size_t>(theLimits.readerThreads, 1)),
+          writers(std::max<std::size_t>(theLimits.writerThreads, 1))
     {
     }
 
@@ -49,7 +50,8 @@ struct HttpSessions
     /// Called when the last session has gone while stopping.
     std::function<void()> onDrained;
     boost::asio::io_context io{1};
-    boost::asio::thread_pool workers;
+    boost::asio::thread_pool readers; ///< call the handler for GET
+    boost::asio::thread_pool writers; ///< call it for all other methods
 
     /// The Date field's value, made once a second.
     const std::string& currentDate();

@@ -209,7 +209,7 @@ private:
 class SqliteStore::WriteSession final : public SqliteSession
 {
 public:
-    WriteSession(SqliteStore& store, std::unique_lock<std::timed_mutex> turn)
+    WriteSession(SqliteStore& store, std::unique_lock<FairMutex> turn)
         : SqliteSession(*store.m_writer, SQLite::TransactionBehavior::IMMEDIATE, store.m_options.clock()),
           m_turn(std::move(turn))
     {
@@ -220,7 +220,7 @@ public:
     ~WriteSession() override { endTransaction(); }
 
 private:
-    std::unique_lock<std::timed_mutex> m_turn;
+    std::unique_lock<FairMutex> m_turn;
 };
 
 SqliteStore::SqliteStore(fs::path file, SqliteStoreOptions options)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "store/FairMutex.h"
 #include "store/Store.h"
 
 #include <chrono>
@@ -43,7 +44,7 @@ private:
 
     std::filesystem::path m_file;
     SqliteStoreOptions m_options;
-    std::timed_mutex m_writing;
+    FairMutex m_writing;
     std::unique_ptr<SqliteConnection> m_writer;
     std::mutex m_poolMutex;
     std::vector<std::unique_ptr<SqliteConnection>> m_idleReaders;

@@ -236,7 +236,8 @@ public:
 
     /// A session that only reads; it neither waits for writers nor holds them up.
     virtual std::unique_ptr<const Session> read() = 0;
-    /// A session that may write. There is one at a time: waits for its turn, then StoreFailure::Busy.
+    /// A session that may write. There is one at a time: waits for its turn, which goes in the order of asking, then
+    /// StoreFailure::Busy.
     virtual std::unique_ptr<Session> write() = 0;
 };
 

@@ -50,7 +50,7 @@ HttpLimits limits()
     limits.mostFields = 10;
     limits.longestTarget = 256;
     limits.largestBody = 1024;
-    limits.workerThreads = 1;
+    limits.readerThreads = limits.writerThreads = 1;
     return limits;
 }
 

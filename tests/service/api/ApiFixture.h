@@ -153,6 +153,8 @@ private:
     {
         SqliteStoreOptions options;
         options.createIfMissing = true;
+        // However slow the machine is, nobody who waits for a turn is sent away.
+        options.busyTimeout = std::chrono::minutes(1);
         options.clock = [this] {
             return now.load();
         };

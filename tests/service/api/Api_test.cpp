@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cctype>
 #include <set>
+#include <thread>
 
 namespace monitorservice {
 namespace {
@@ -158,6 +159,29 @@ TEST_F(ApiTest, RevokedGrantIsGoneAtTheNextRequest)
     EXPECT_EQ(call(token, "GET", "projects/p2/cells").status, 200U);
     write([&](Session& session) { session.grants().remove(id); });
     EXPECT_EQ(call(token, "GET", "projects/p2/cells").status, 404U);
+}
+
+TEST_F(ApiTest, ReadsAreAnsweredHoweverManyWritesWaitForTheirTurn)
+{
+    const std::string path = "/monitor-service/cells/" + newCell("Tower");
+    const std::size_t writes = HttpLimits().readerThreads + 2 * HttpLimits().writerThreads;
+    std::vector<RawClient> writers;
+    auto longWrite = store.write();
+    for (std::size_t i = 0; i < writes; ++i) {
+        writers.emplace_back(server.port())
+            .send(requestText("PUT", path, "Bearer " + editor, R"({"name":"T)" + std::to_string(i) + "\"}"));
+    }
+    while (counters->requestsInProgress != writes) {
+        std::this_thread::yield();
+    }
+    const RawAnswer read = raw(requestText("GET", path, "Bearer " + editor, ""));
+    EXPECT_EQ(read.status, 200U);
+    EXPECT_EQ(member(read.body, "name"), "Tower");
+
+    longWrite.reset();
+    for (RawClient& writer : writers) {
+        EXPECT_EQ(writer.readAnswer().status, 200U);
+    }
 }
 
 TEST_F(ApiTest, UnknownPathsAreNotFound)

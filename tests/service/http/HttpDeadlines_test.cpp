@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <future>
 #include <vector>
 
 namespace monitorservice {
@@ -212,6 +214,46 @@ TEST(HttpDeadlines, SlowClientsDelayNobody)
     for (RawClient& client : slow)
         client.close();
     expectAllClosed(server);
+}
+
+TEST(HttpDeadlines, ARequestForWhichNoThreadIsFreeInTimeIsToldToComeAgain)
+{
+    std::promise<void> release;
+    const std::shared_future<void> released = release.get_future().share();
+    std::atomic<int> entered{0};
+    HttpLimits limits;
+    limits.writerThreads = 1;
+    limits.queueDeadline = milliseconds(50);
+    const HttpServer server = serve(limits, [&entered, released](HttpRequest&& request) {
+        ++entered;
+        released.wait();
+        return echo(std::move(request));
+    });
+    // Gone before the server, which waits for its handlers.
+    std::promise<void> releasing = std::move(release);
+    RawClient running(server.port());
+    running.send(post("/", "first"));
+    // On a busy machine the thread may come too late for the first one, too.
+    for (std::uint64_t refused = 0; entered == 0; std::this_thread::sleep_for(milliseconds(1))) {
+        if (server.counters().answers[5] > refused) {
+            ++refused;
+            EXPECT_EQ(running.readAnswer().status, 503U);
+            running.send(post("/", "first"));
+        }
+    }
+    RawClient waiting(server.port());
+    waiting.send(post("/", "second"));
+    waitUntil([&server] { return server.counters().requestsInProgress == 2; });
+    std::this_thread::sleep_for(2 * limits.queueDeadline);
+    releasing.set_value();
+
+    EXPECT_EQ(running.readAnswer().body, echoed("POST", "/", "first"));
+    const RawAnswer answer = waiting.readAnswer();
+    EXPECT_EQ(answer.status, 503U);
+    EXPECT_EQ(answer.fields.count("retry-after"), 1U);
+    EXPECT_EQ(entered, 1) << "what is told to come again has not been begun";
+    waiting.send(get("/"));
+    EXPECT_EQ(waiting.readAnswer().statusLine.substr(0, 8), "HTTP/1.1") << "the connection stays";
 }
 
 } // namespace monitorservice

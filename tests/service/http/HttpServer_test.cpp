@@ -14,6 +14,33 @@ using testing::Not;
 using testing::Pair;
 using testing::StartsWith;
 
+namespace {
+
+/// What a request is answered while twice as many others as may run at a time take their time.
+unsigned statusBeside(const std::string& slowRequest, const std::string& request)
+{
+    std::promise<void> release;
+    const std::shared_future<void> released = release.get_future().share();
+    HttpLimits limits;
+    limits.readerThreads = limits.writerThreads = 2;
+    const HttpServer server = serve(limits, [released](HttpRequest&& taken) {
+        if (taken.target == "/slow")
+            released.wait();
+        return echo(std::move(taken));
+    });
+    // Gone before the server, which waits for its handlers.
+    const std::promise<void> releasedAtTheEnd = std::move(release);
+    std::vector<RawClient> slow;
+    for (std::size_t i = 0; i < 4; ++i)
+        slow.emplace_back(server.port()).send(slowRequest);
+    waitUntil([&] { return server.counters().requestsInProgress == slow.size(); });
+    RawClient client(server.port());
+    client.send(request);
+    return client.readAnswer(false).status;
+}
+
+} // namespace
+
 TEST(HttpServer, HandsTheRequestToTheHandler)
 {
     HttpRequest seen;
@@ -323,7 +350,7 @@ TEST(HttpServer, ASlowHandlerDelaysNobodyElse)
     std::promise<void> release;
     const std::shared_future<void> released = release.get_future().share();
     HttpLimits limits;
-    limits.workerThreads = 2;
+    limits.readerThreads = 2;
     const HttpServer server = serve(limits, [released](HttpRequest&& request) {
         if (request.target == "/slow")
             released.wait();
@@ -343,6 +370,19 @@ TEST(HttpServer, ASlowHandlerDelaysNobodyElse)
     release.set_value();
     EXPECT_EQ(slow.readAnswer().body, echoed("GET", "/slow"));
     EXPECT_EQ(second.readAnswer().body, echoed("GET", "/slow"));
+}
+
+TEST(HttpServer, ReadsDoNotWaitForWrites)
+{
+    EXPECT_EQ(statusBeside(post("/slow", "body"), get("/fast")), 200U);
+    EXPECT_EQ(
+        statusBeside("DELETE /slow HTTP/1.1\r\nHost: h\r\n\r\n", "HEAD /fast HTTP/1.1\r\nHost: h\r\n\r\n"),
+        200U);
+}
+
+TEST(HttpServer, WritesDoNotWaitForReads)
+{
+    EXPECT_EQ(statusBeside(get("/slow"), post("/fast", "body")), 200U);
 }
 
 TEST(HttpServer, AnswersManyClientsAtOnce)

@@ -110,7 +110,7 @@ TEST(HttpStop, ClosesWhatIsNotCompleteAtTheDeadline)
     Gate gate;
     HttpLimits limits;
     limits.stopDeadline = milliseconds(50);
-    limits.workerThreads = 1;
+    limits.readerThreads = 1;
     HttpServer server = serve(limits, gate.handler());
     RawClient running(server.port());
     running.send(get("/held"));
