@@ -66,7 +66,7 @@ void printReads(const std::string& title, const std::vector<Read>& reads, int ro
     std::printf("%s, median of %d rounds\n", title.c_str(), rounds);
     for (std::size_t i = 0; i < reads.size(); ++i) {
         const Timing& timing = timings[i];
-        std::printf("  %-54s %8.2f ms  (%.2f to %.2f)  %9zu bytes\n", reads[i].name.c_str(), timing.median,
+        std::printf("  %-76s %8.2f ms  (%.2f to %.2f)  %9zu bytes\n", reads[i].name.c_str(), timing.median,
                     timing.least, timing.most, timing.bytes);
     }
     std::fflush(stdout);

@@ -144,7 +144,7 @@ void measure(const Question& question, const std::vector<GrownStore*>& stores)
         reads.push_back({question.name, &store->served, "pointLocations", question.parameters,
                          '{' + question.where(*store) + '}', question.isRight});
     }
-    std::printf("  %-56s", question.name.c_str());
+    std::printf("  %-58s", question.name.c_str());
     double least = std::numeric_limits<double>::max();
     double most = 0;
     for (const Timing& timing : timeReads(reads, rounds)) {

@@ -14,8 +14,8 @@ namespace monitorservice {
 
 namespace {
 
-// The automatic callouts are what PatternSearch counts steps by. \C could split a character.
-constexpr std::uint32_t kBaseOptions = PCRE2_UTF | PCRE2_UCP | PCRE2_NEVER_BACKSLASH_C | PCRE2_AUTO_CALLOUT;
+// \C could split a character.
+constexpr std::uint32_t kBaseOptions = PCRE2_UTF | PCRE2_UCP | PCRE2_NEVER_BACKSLASH_C;
 
 std::uint32_t readOptions(std::string_view letters, std::string_view path)
 {
@@ -59,15 +59,23 @@ void Pattern::FreeCode::operator()(pcre2_code* code) const
 Pattern::Pattern(std::string_view text, std::string_view options, std::string_view path)
     : m_text(text), m_path(path)
 {
+    const std::uint32_t bits = readOptions(options, path);
+    m_counted = compiled(bits | PCRE2_AUTO_CALLOUT);
+    m_uncounted = compiled(bits);
+}
+
+Pattern::Code Pattern::compiled(std::uint32_t options) const
+{
     int error = 0;
     PCRE2_SIZE offset = 0;
-    m_code.reset(pcre2_compile(reinterpret_cast<PCRE2_SPTR>(m_text.data()), m_text.size(),
-                               readOptions(options, path), &error, &offset, nullptr));
-    if (!m_code)
-        throw QueryError(400, "where: pattern " + inQuotes(text) + " at " + inQuotes(path) + ": " +
+    Code code(pcre2_compile(reinterpret_cast<PCRE2_SPTR>(m_text.data()), m_text.size(), options, &error,
+                            &offset, nullptr));
+    if (!code)
+        throw QueryError(400, "where: pattern " + inQuotes(m_text) + " at " + inQuotes(m_path) + ": " +
                                   message(error) + " (at byte " + std::to_string(offset) + ")");
     // Where there is no just-in-time compiler, the interpreter gives the same answers.
-    pcre2_jit_compile(m_code.get(), PCRE2_JIT_COMPLETE);
+    pcre2_jit_compile(code.get(), PCRE2_JIT_COMPLETE);
+    return code;
 }
 
 } // namespace monitorservice

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -20,7 +21,10 @@ public:
 
     const std::string& text() const { return m_text; }
     const std::string& path() const { return m_path; }
-    const pcre2_real_code_8* code() const { return m_code.get(); }
+    /// Calls out before each of its items, so that steps can be counted.
+    const pcre2_real_code_8* counted() const { return m_counted.get(); }
+    /// The same without: up to ten times as fast.
+    const pcre2_real_code_8* uncounted() const { return m_uncounted.get(); }
 
 private:
     struct FreeCode
@@ -28,9 +32,14 @@ private:
         void operator()(pcre2_real_code_8* code) const;
     };
 
+    using Code = std::unique_ptr<pcre2_real_code_8, FreeCode>;
+
+    Code compiled(std::uint32_t options) const;
+
     std::string m_text;
     std::string m_path;
-    std::unique_ptr<pcre2_real_code_8, FreeCode> m_code;
+    Code m_counted;
+    Code m_uncounted;
 };
 
 } // namespace monitorservice

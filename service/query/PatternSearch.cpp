@@ -16,8 +16,30 @@ namespace {
 
 constexpr std::uint32_t kMatchLimit = 5'000'000;
 constexpr std::uint32_t kHeapLimitKibibytes = 20 * 1024;
+
+// A search that is over before this limit at each place of the text, as most are, need not be counted.
+constexpr std::uint32_t kUncountedMatchLimit = 4;
+constexpr std::size_t kLongestUncountedText = 256;
+constexpr std::size_t kLongestUncountedPattern = 128;
+// So many characters may be looked at for each step of the budget: a hundred thousand names, also at worst.
+constexpr std::uint64_t kUncountedCharactersPerStep = 20;
+
 constexpr std::size_t kSmallestStack = 32 * 1024;
 constexpr std::size_t kLargestStack = 1024 * 1024;
+
+/// How many characters a search may look at, at worst, before it meets the limit: at each place of the text the
+/// pattern's, and the rest of the text as often as the limit allows.
+std::uint64_t mostCharacters(const Pattern& pattern, std::string_view subject)
+{
+    return (subject.size() + 1) * (pattern.text().size() + kUncountedMatchLimit * subject.size() / 2);
+}
+
+int match(const pcre2_code* code, std::string_view subject, pcre2_match_data* data,
+          pcre2_match_context* context)
+{
+    return pcre2_match(code, reinterpret_cast<PCRE2_SPTR>(subject.data()), subject.size(), 0, 0, data,
+                       context);
+}
 
 /// What one search has used of the budget.
 struct StepCount
@@ -64,32 +86,61 @@ void PatternSearch::Free::operator()(pcre2_match_data* data) const
     pcre2_match_data_free(data);
 }
 
-PatternSearch::PatternSearch(std::uint64_t stepBudget) : m_stepsLeft(stepBudget) {}
+PatternSearch::PatternSearch(std::uint64_t stepBudget)
+    : m_stepsLeft(stepBudget), m_uncountedLeft(stepBudget * kUncountedCharactersPerStep)
+{
+}
 
 void PatternSearch::prepare()
 {
     m_stack.reset(pcre2_jit_stack_create(kSmallestStack, kLargestStack, nullptr));
-    m_context.reset(pcre2_match_context_create(nullptr));
+    m_counted = limited(kMatchLimit);
+    m_uncounted = limited(kUncountedMatchLimit);
     m_data.reset(pcre2_match_data_create(1, nullptr));
-    if (!m_context || !m_data)
+    if (!m_data)
         throw std::bad_alloc();
-    pcre2_set_match_limit(m_context.get(), kMatchLimit);
-    pcre2_set_depth_limit(m_context.get(), kMatchLimit);
-    pcre2_set_heap_limit(m_context.get(), kHeapLimitKibibytes);
+}
+
+PatternSearch::Context PatternSearch::limited(std::uint32_t matchLimit) const
+{
+    Context context(pcre2_match_context_create(nullptr));
+    if (!context)
+        throw std::bad_alloc();
+    pcre2_set_match_limit(context.get(), matchLimit);
+    pcre2_set_depth_limit(context.get(), matchLimit);
+    pcre2_set_heap_limit(context.get(), kHeapLimitKibibytes);
     // No stack, as where there is no just-in-time compiler: PCRE2 then uses its own small one.
-    pcre2_jit_stack_assign(m_context.get(), nullptr, m_stack.get());
+    pcre2_jit_stack_assign(context.get(), nullptr, m_stack.get());
+    return context;
 }
 
 bool PatternSearch::finds(const Pattern& pattern, std::string_view subject)
 {
     if (!m_data)
         prepare();
+    const std::optional<bool> found = findsUncounted(pattern, subject);
+    return found ? *found : findsCounted(pattern, subject);
+}
+
+/// Nothing when it takes too many steps, or might.
+std::optional<bool> PatternSearch::findsUncounted(const Pattern& pattern, std::string_view subject)
+{
+    const std::uint64_t characters = mostCharacters(pattern, subject);
+    if (subject.size() > kLongestUncountedText || pattern.text().size() > kLongestUncountedPattern ||
+        characters > m_uncountedLeft)
+        return std::nullopt;
+    m_uncountedLeft -= characters;
+    const int result = match(pattern.uncounted(), subject, m_data.get(), m_uncounted.get());
+    return result >= 0 || result == PCRE2_ERROR_NOMATCH ? std::optional(result >= 0) : std::nullopt;
+}
+
+bool PatternSearch::findsCounted(const Pattern& pattern, std::string_view subject)
+{
     StepCount count{m_stepsLeft, 1 + subject.size() / 64};
     int result = PCRE2_ERROR_CALLOUT;
     if (count.take(count.perStep)) {
-        pcre2_set_callout(m_context.get(), countStep, &count);
-        result = pcre2_match(pattern.code(), reinterpret_cast<PCRE2_SPTR>(subject.data()), subject.size(), 0,
-                             0, m_data.get(), m_context.get());
+        pcre2_set_callout(m_counted.get(), countStep, &count);
+        result = match(pattern.counted(), subject, m_data.get(), m_counted.get());
     }
     if (result < 0 && result != PCRE2_ERROR_NOMATCH)
         throw QueryError(422, "where: pattern " + inQuotes(pattern.text()) + " at " +

@@ -129,8 +129,9 @@ TEST(PatternSearch, OrdinaryPagesStayWithinTheBudget)
 TEST(PatternSearch, BudgetIsCountedInSteps)
 {
     const auto answers = [](std::uint64_t budget) {
+        // Too long not to be counted.
         Matcher matcher(whereName("b"), budget);
-        const Document document = named("a");
+        const Document document = named(std::string(300, 'a'));
         int count = 0;
         try {
             for (; count < 1'000; ++count)
@@ -146,6 +147,41 @@ TEST(PatternSearch, BudgetIsCountedInSteps)
     EXPECT_LT(answers(100), 1'000);
     EXPECT_EQ(answers(100), answers(100));
     EXPECT_EQ(answers(10'000), 1'000);
+}
+
+TEST(PatternSearch, WhatIsNotCountedIsBoundedToo)
+{
+    Matcher matcher(whereName("b"), 1'000);
+    const Document document = named("a");
+    const auto matchAll = [&] {
+        for (int i = 0; i < 100'000; ++i)
+            matcher.matches(document.root());
+    };
+    EXPECT_THROW(matchAll(), QueryError);
+}
+
+TEST(PatternSearch, CountedOrNotTheAnswersAreTheSame)
+{
+    const std::vector<std::string> patterns{
+        "wall",      "^w",       "7$",         "[a-z]+ \\\\d", "(north|south).*row", ".*o.*o",
+        "(?i)NORTH", "(o)\\\\1", "(?<!r)ow",   "a?b?c?$",      "^(.)(?=.*7$)",       "x*",
+
+        "\\\\bse",   "\\\\W$",   "(?:w|wa)ll", "^$",           "(*NO_JIT)w.*7$"};
+    const std::vector<std::string> texts{
+        "", "7", "wall", "Wall North, row 7", "north wall, section 12, row 3", "rooow", "Stützwand 7", "é"};
+    int found = 0;
+    for (const std::string& pattern : patterns) {
+        // With the comment it is too long not to be counted.
+        const Where uncounted = whereName(pattern);
+        const Where counted = whereName(pattern + "(?#" + std::string(130, '-') + ")");
+        for (const std::string& text : texts) {
+            const Document document = named(text);
+            EXPECT_EQ(uncounted.matches(document.root()), counted.matches(document.root()))
+                << pattern << " in " << text;
+            found += counted.matches(document.root()) ? 1 : 0;
+        }
+    }
+    EXPECT_GT(found, 30);
 }
 
 TEST(PatternSearch, PatternsThatAreNotReachedCostNothing)
