@@ -29,33 +29,36 @@
 
 namespace {
 
-/// The reply as the service writes it.
+/// A point as the service writes it.
+QByteArray pointText(int i, int samples)
+{
+    const QByteArray number = QByteArray::number(i);
+    QByteArray text =
+        R"({"_id":"0151c3)" + number.rightJustified(18, '0') +
+        R"(","projectId":"01a1fa47d838000000000000","cellId":"01a1fa47dd90000000000000",)"
+        R"("subCategoryId":"01a1fa47dd90000000000001","category":"Settlement","name":"SP-)" +
+        number +
+        R"(","alias":"","dataType":1,"initialValue":12,"offsetDirection":"","depth":"",)"
+        R"("insertCount":100,"lastCount":99,"lastDate":"2015-12-21T08:00:00.000-08:00","fileId":null,)"
+        R"("entity":[{"type":"model","rId":"m)" +
+        number +
+        R"("}],"createdAt":"2015-12-21T16:00:00.000Z","createdBy":"A. Engineer",)"
+        R"("updatedAt":"2015-12-21T16:00:00.000Z","updatedBy":"A. Engineer","data":[)";
+    for (int j = 0; j < samples; ++j) {
+        const QByteArray hour = QByteArray::number(j % 24).rightJustified(2, '0');
+        const QByteArray day = QByteArray::number(1 + j / 24 % 28).rightJustified(2, '0');
+        text += (j == 0 ? R"({"count":)" : R"(,{"count":)") + QByteArray::number(j) + R"(,"time":"2015-12-)" +
+                day + "T" + hour + R"(:30:00.000-08:00","value":)" +
+                QByteArray::number(12.0 + (i * 37 + j * 11) % 1000 / 128.0, 'g', 17) + R"(,"timeFlag":""})";
+    }
+    return text + "]}";
+}
+
 QByteArray replyOf(int points, int samplesPerPoint)
 {
     QByteArray body = "[";
-    for (int i = 0; i < points; ++i) {
-        const QByteArray number = QByteArray::number(i);
-        body +=
-            (i == 0 ? R"({"_id":"0151c3)" : R"(,{"_id":"0151c3)") + number.rightJustified(18, '0') +
-            R"(","projectId":"01a1fa47d838000000000000","cellId":"01a1fa47dd90000000000000",)"
-            R"("subCategoryId":"01a1fa47dd90000000000001","category":"Settlement","name":"SP-)" +
-            number +
-            R"(","alias":"","dataType":1,"initialValue":12,"offsetDirection":"","depth":"",)"
-            R"("insertCount":100,"lastCount":99,"lastDate":"2015-12-21T08:00:00.000-08:00","fileId":null,)"
-            R"("entity":[{"type":"model","rId":"m)" +
-            number +
-            R"("}],"createdAt":"2015-12-21T16:00:00.000Z","createdBy":"A. Engineer",)"
-            R"("updatedAt":"2015-12-21T16:00:00.000Z","updatedBy":"A. Engineer","data":[)";
-        for (int j = 0; j < samplesPerPoint; ++j) {
-            const QByteArray hour = QByteArray::number(j % 24).rightJustified(2, '0');
-            const QByteArray day = QByteArray::number(1 + j / 24 % 28).rightJustified(2, '0');
-            body += (j == 0 ? R"({"count":)" : R"(,{"count":)") + QByteArray::number(j) +
-                    R"(,"time":"2015-12-)" + day + "T" + hour + R"(:30:00.000-08:00","value":)" +
-                    QByteArray::number(12.0 + (i * 37 + j * 11) % 1000 / 128.0, 'g', 17) +
-                    R"(,"timeFlag":""})";
-        }
-        body += "]}";
-    }
+    for (int i = 0; i < points; ++i)
+        body += (i == 0 ? "" : ",") + pointText(i, samplesPerPoint);
     return body + "]";
 }
 
@@ -162,6 +165,17 @@ public:
     {
         check(QJsonDocument::fromJson(m_body).array().size() == m_points, "QJsonDocument");
     }
+    /// The records alone: of the text and of what is parsed there is never more than one point.
+    void recordsOnly()
+    {
+        QList<RKPointLocation> points;
+        for (int i = 0; i < m_points; ++i) {
+            points.append(RKPointLocation());
+            rk::pointLocationFromJson(QJsonDocument::fromJson(pointText(i, m_samples)).object(),
+                                      points.last());
+        }
+        check(points.last().data.size() == m_samples, "the library");
+    }
     void byLibrary()
     {
         QList<RKPointLocation> points;
@@ -219,8 +233,8 @@ double peakMegabytes()
     return 0;
 }
 
-/// Runs one read in a process of its own and prints what it held at most beyond the reply that is served.
-void printPeak(const char* what, const char* name, int points, int samples)
+/// Runs one read in a process of its own; prints and returns what it held at most beyond the reply that is served, in MB.
+double printPeak(const char* what, const char* name, int points, int samples)
 {
     const auto peak = [&](const char* reader) {
         QProcess process;
@@ -230,7 +244,23 @@ void printPeak(const char* what, const char* name, int points, int samples)
         process.waitForFinished(-1);
         return process.readAllStandardOutput().trimmed().toDouble();
     };
-    std::printf("  %-44s %8.1f MB\n", what, peak(name) - peak("nothing"));
+    const double megabytes = peak(name) - peak("nothing");
+    std::printf("  %-44s %8.1f MB\n", what, megabytes);
+    return megabytes;
+}
+
+void printPeaks(int points, int samples)
+{
+    std::printf("Memory at most beyond the served reply\n");
+    const double document =
+        printPeak("QJsonDocument::fromJson alone, without HTTP", "parse", points, samples);
+    const double records = printPeak("the records alone", "records", points, samples);
+    const double library = printPeak("getPointLocation", "library", points, samples);
+    std::printf("  %-44s %8.3f\n", "its ratio to the document and the records",
+                library / (document + records));
+    printPeak("QNetworkAccessManager and QJsonDocument", "qt", points, samples);
+    printPeak("libcurl and nlohmann/json", "nlohmann", points, samples);
+    printPeak("libcurl and simdjson", "simdjson", points, samples);
 }
 
 int measurePeak(const QStringList& arguments)
@@ -239,6 +269,8 @@ int measurePeak(const QStringList& arguments)
     const QString reader = arguments[2];
     if (reader == QLatin1String("parse"))
         reads.parse();
+    else if (reader == QLatin1String("records"))
+        reads.recordsOnly();
     else if (reader == QLatin1String("library"))
         reads.byLibrary();
     else if (reader == QLatin1String("qt"))
@@ -270,12 +302,7 @@ int main(int argc, char** argv)
         runContest("Reply to records: " + size, reads.wholeReads(), rounds, 1);
         runContest("Objects to records: " + size, reads.mappings(), rounds, 1);
     }
-    std::printf("Memory at most beyond the served reply\n");
-    printPeak("QJsonDocument::fromJson alone, without HTTP", "parse", points, samples);
-    printPeak("getPointLocation", "library", points, samples);
-    printPeak("QNetworkAccessManager and QJsonDocument", "qt", points, samples);
-    printPeak("libcurl and nlohmann/json", "nlohmann", points, samples);
-    printPeak("libcurl and simdjson", "simdjson", points, samples);
+    printPeaks(points, samples);
 
     std::printf("Growth: getPointLocation of points with one sample\n");
     for (const int count : {100, 1000, 10'000, 100'000, 500'000}) {

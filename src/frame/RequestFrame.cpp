@@ -62,6 +62,12 @@ Exchange Exchange::deleteResource(const QString& url)
     return Exchange(NetworkManager::instance().deleteResource(url));
 }
 
+ListAnswer getList(const QString& url)
+{
+    const Exchange exchange = Exchange::get(url);
+    return {exchange.objectList(), exchange.isSuccessful()};
+}
+
 bool readCount(const QString& url, int& count)
 {
     const Exchange exchange = Exchange::get(url);

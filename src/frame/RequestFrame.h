@@ -7,6 +7,8 @@
 #include <QList>
 #include <QString>
 
+#include <utility>
+
 namespace rk {
 
 /// Base address + "monitor-service/" + `pathTemplate`; its markers are the caller's to fill, in their order.
@@ -44,20 +46,39 @@ private:
 /// GET of a counting URL: stores the reply's "count", 0 when it has none.
 bool readCount(const QString& url, int& count);
 
+/// What is left of a GET of a list.
+struct ListAnswer
+{
+    QList<QJsonObject> objects;
+    bool isSuccessful = false;
+};
+
+/// GET of a list. When it returns, the exchange is gone, and with it the text and the document that the objects came in.
+ListAnswer getList(const QString& url);
+
+/// GET of a list: calls `use(object)` with each object of the reply, in its order. An object is freed after its use, so
+/// that records take the place of the document instead of standing beside it.
+template <typename Use>
+bool forEachObject(const QString& url, Use use)
+{
+    ListAnswer answer = getList(url);
+    for (QJsonObject& element : answer.objects) {
+        const QJsonObject object = std::exchange(element, {});
+        use(object);
+    }
+    return answer.isSuccessful;
+}
+
 /// GET of a list: appends one record per object of the reply, in its order, each filled by
 /// `fill(object, freshRecord)`.
 template <typename Record, typename Fill>
 bool appendRecords(const QString& url, QList<Record>& records, Fill fill)
 {
-    const Exchange exchange = Exchange::get(url);
-    const QList<QJsonObject> objects = exchange.objectList();
-    records.reserve(records.size() + objects.size());
-    for (const QJsonObject& object : objects) {
+    return forEachObject(url, [&](const QJsonObject& object) {
         // Filled where it lies: a record may hold thousands of samples.
         records.append(Record());
         fill(object, records.last());
-    }
-    return exchange.isSuccessful();
+    });
 }
 
 } // namespace rk

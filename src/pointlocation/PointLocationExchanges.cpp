@@ -65,11 +65,10 @@ bool fetchNewestPointLocation(const RKPointLocationCondition& condition, RKPoint
 {
     const QString url =
         projectUrl("projects/%1/pointLocations?where=%2&expand=true&order=-data.time&limit=1&skip=0");
-    const Exchange exchange = Exchange::get(url.arg(buildWhere(condition)));
-    const QList<QJsonObject> objects = exchange.objectList();
-    if (!objects.isEmpty())
-        pointLocationFromJson(objects.first(), point);
-    return exchange.isSuccessful();
+    const ListAnswer answer = getList(url.arg(buildWhere(condition)));
+    if (!answer.objects.isEmpty())
+        pointLocationFromJson(answer.objects.first(), point);
+    return answer.isSuccessful;
 }
 
 bool updatePointLocationLinks(const RKPointLocationCondition& condition,

@@ -4,6 +4,7 @@
 #include "frame/JsonKey.h"
 #include "frame/ProjectIdentifier.h"
 
+#include <QCborArray>
 #include <QJsonArray>
 
 namespace rk {
@@ -41,14 +42,13 @@ constexpr auto timeFlag = jsonKey("timeFlag");
 
 } // namespace
 
-RKPointLocationData sampleFromJson(const QJsonObject& object)
+void sampleFromJson(const QCborMap& object, RKPointLocationData& sample)
 {
-    RKPointLocationData sample;
-    sample.count = object.value(key::count).toInt(0);
+    // Through QJsonValue: QCborValue would cut a fraction off, which reads as 0 here.
+    sample.count = object.value(key::count).toJsonValue().toInt(0);
     sample.time = RKPub::getDateTimeByQString(object.value(key::time).toString());
     sample.value = object.value(key::value).toDouble(0.0);
     sample.timeFlag = object.value(key::timeFlag).toString();
-    return sample;
 }
 
 QJsonObject sampleToJson(const RKPointLocationData& sample)
@@ -60,6 +60,28 @@ QJsonObject sampleToJson(const RKPointLocationData& sample)
     object.insert(key::timeFlag, sample.timeFlag);
     return object;
 }
+
+namespace {
+
+/// Appends the samples of a point's "data".
+void samplesFromJson(const QCborArray& elements, QList<RKPointLocationData>& samples)
+{
+    samples.reserve(samples.size() + int(elements.size()));
+    QString timeFlag;
+    for (const QCborValueRef element : elements) {
+        // Filled where it lies: a copy costs as much as reading a member.
+        samples.append(RKPointLocationData());
+        RKPointLocationData& sample = samples.last();
+        sampleFromJson(element.toMap(), sample);
+        // Time slots are few: neighbours in the same one share its text.
+        if (sample.timeFlag == timeFlag)
+            sample.timeFlag = timeFlag;
+        else
+            timeFlag = sample.timeFlag;
+    }
+}
+
+} // namespace
 
 void pointLocationFromJson(const QJsonObject& object, RKPointLocation& record)
 {
@@ -80,11 +102,7 @@ void pointLocationFromJson(const QJsonObject& object, RKPointLocation& record)
     record.updatedAt = RKPub::getDateTimeByQString(object.value(key::updatedAt).toString());
     record.updatedBy = object.value(key::updatedBy).toString();
 
-    const QJsonArray samples = object.value(key::data).toArray();
-    record.data.reserve(record.data.size() + samples.size());
-    for (const QJsonValue& sample : samples)
-        record.data.append(sampleFromJson(sample.toObject()));
-
+    samplesFromJson(QCborArray::fromJsonArray(object.value(key::data).toArray()), record.data);
     record.links = RKPub::jsonArrayToLinksEntity(object.value(key::entity).toArray());
 }
 

@@ -21,14 +21,11 @@ QList<RKPointLocationChartData> chartEntries(const QJsonArray& elements)
 bool fetchStatistics(const char* pathTemplate, const RKPointLocationCondition& condition,
                      DailyChartData& chartData)
 {
-    const Exchange exchange = Exchange::get(projectUrl(pathTemplate).arg(buildWhere(condition)));
-    const QList<QJsonObject> days = exchange.objectList();
-    for (const QJsonObject& day : days) {
+    return forEachObject(projectUrl(pathTemplate).arg(buildWhere(condition)), [&](const QJsonObject& day) {
         // The day as written, in whatever offset: the service has already cut days in the project's time zone.
         const QDate date = RKPub::getDateTimeByQString(day.value(jsonKey("time")).toString()).date();
         chartData.insert(date, chartEntries(day.value(jsonKey("data")).toArray()));
-    }
-    return exchange.isSuccessful();
+    });
 }
 
 } // namespace

@@ -136,11 +136,13 @@ void checkGroup(const QJsonObject& object)
 
 void checkSample(const QJsonObject& object)
 {
-    const RKPointLocationData sample = rk::sampleFromJson(object);
+    RKPointLocationData sample;
+    rk::sampleFromJson(QCborMap::fromJsonObject(object), sample);
     require(sample.count == integerOf(object, "count") && isSame(sample.value, numberOf(object, "value")) &&
                 sample.timeFlag == textOf(object, "timeFlag"),
             "a sample's numbers and flag are read");
-    const RKPointLocationData again = rk::sampleFromJson(rk::sampleToJson(sample));
+    RKPointLocationData again;
+    rk::sampleFromJson(QCborMap::fromJsonObject(rk::sampleToJson(sample)), again);
     require(again.count == sample.count && isSame(again.value, sample.value) &&
                 again.timeFlag == sample.timeFlag && isSame(again.time, written(sample.time)),
             "a sample is read back as it was written");

@@ -201,11 +201,81 @@ TEST_F(PointLocationJson, AFreshRecordIsZero)
 TEST_F(PointLocationJson, ASampleSurvivesTheRoundTrip)
 {
     const RKPointLocationData sample{11738, eightOClock.addMSecs(250), -0.1, "B"_q};
-    const RKPointLocationData back = rk::sampleFromJson(rk::sampleToJson(sample));
+    RKPointLocationData back;
+    rk::sampleFromJson(QCborMap::fromJsonObject(rk::sampleToJson(sample)), back);
     EXPECT_EQ(back.count, sample.count);
     EXPECT_EQ(back.time, sample.time);
     EXPECT_EQ(back.value, sample.value);
     EXPECT_EQ(back.timeFlag, sample.timeFlag);
+}
+
+TEST_F(PointLocationJson, SamplesAreReadAsQJsonObjectReadsThem)
+{
+    for (const char* text : {"0",
+                             "-0.0",
+                             "12",
+                             "12.0",
+                             "12.5",
+                             "1e2",
+                             "-7",
+                             "2147483647",
+                             "2147483648",
+                             "-2147483649",
+                             "4294967297",
+                             "9007199254740993",
+                             "9223372036854775808",
+                             "1e300",
+                             "null",
+                             "true",
+                             "false",
+                             R"("12")",
+                             R"("")",
+                             R"("\u00fc")",
+                             R"("\ud83d\ude00")",
+                             R"("2015-12-21T08:00:00.000Z")",
+                             "[]",
+                             "[3]",
+                             "{}",
+                             R"({"count":3})"}) {
+        const QJsonObject object =
+            jsonObject(QStringLiteral(R"({"count":%1,"time":%1,"value":%1,"timeFlag":%1})")
+                           .arg(QString::fromUtf8(text))
+                           .toUtf8()
+                           .constData());
+        RKPointLocationData sample;
+        rk::sampleFromJson(QCborMap::fromJsonObject(object), sample);
+        EXPECT_EQ(sample.count, object.value("count"_q).toInt(0)) << text;
+        EXPECT_EQ(sample.value, object.value("value"_q).toDouble(0.0)) << text;
+        EXPECT_EQ(sample.timeFlag, object.value("timeFlag"_q).toString()) << text;
+        EXPECT_EQ(sample.time.isValid(), object.value("time"_q).toString().startsWith("2015"_q)) << text;
+    }
+}
+
+TEST_F(PointLocationJson, MembersOfOtherNamesAreNotTakenForThoseOfASample)
+{
+    const RKPointLocation point = read(
+        R"({"data":[{"Count":1,"coun":1,"counts":1,"tim":"2015-12-21T08:00:00Z","times":"2015-12-21T08:00:00Z",
+        "valu":1,"values":1,"timeflag":"A","timeFlags":"A","":1},{"\u0063ount":2,"value":0.5,"zzz":9,"aaa":8}]})");
+    ASSERT_EQ(point.data.size(), 2);
+    EXPECT_EQ(point.data.at(0).count, 0);
+    EXPECT_TRUE(point.data.at(0).time.isNull());
+    EXPECT_EQ(point.data.at(0).value, 0.0);
+    EXPECT_TRUE(point.data.at(0).timeFlag.isEmpty());
+    EXPECT_EQ(point.data.at(1).count, 2);
+    EXPECT_EQ(point.data.at(1).value, 0.5);
+}
+
+TEST_F(PointLocationJson, EverySampleHasItsOwnTimeFlag)
+{
+    RKPointLocation point = read(
+        R"({"data":[{"timeFlag":"A"},{"timeFlag":"A"},{"timeFlag":"B"},{},{"timeFlag":7},{"timeFlag":""},
+        {"timeFlag":"A"},5,{"timeFlag":"A"}]})");
+    QStringList flags;
+    for (const RKPointLocationData& sample : qAsConst(point.data))
+        flags.append(sample.timeFlag);
+    EXPECT_EQ(flags, QStringList({"A"_q, "A"_q, "B"_q, {}, {}, {}, "A"_q, {}, "A"_q}));
+    point.data[0].timeFlag.append("2"_q);
+    EXPECT_EQ(point.data.at(1).timeFlag, "A"_q);
 }
 
 TEST(ChartEntryJson, ReadsItsMembers)
