@@ -228,9 +228,8 @@ private:
         EXPECT_NE(left, m_rows);
         for (const std::string& row : m_rows) {
             const bool isOfOther = std::any_of(places.begin(), places.end(), [&](const Place* other) {
-                return other->word != place.word &&
-                       (row.find(other->word) != std::string::npos ||
-                        row.find("|" + other->valueText()) != std::string::npos);
+                return other->word != place.word && (row.find(other->word) != std::string::npos ||
+                                                     row.find("|" + other->valueText()) != std::string::npos);
             });
             if (isOfOther) {
                 EXPECT_NE(std::find(left.begin(), left.end(), row), left.end()) << row;
