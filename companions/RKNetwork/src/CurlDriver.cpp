@@ -94,10 +94,7 @@ void CurlDriver::start(HttpTransfer* transfer)
     }
     m_running.append(transfer);
     // Sends at once what can be sent, instead of after another turn of the event loop.
-    int running = 0;
-    curl_multi_socket_action(m_multi.get(), CURL_SOCKET_TIMEOUT, 0, &running);
-    armTimer();
-    collectFinished();
+    perform(CURL_SOCKET_TIMEOUT, 0);
     if (!m_finished.isEmpty())
         deliverSoon();
 }
@@ -159,11 +156,19 @@ void CurlDriver::armTimer()
 
 void CurlDriver::act(curl_socket_t socket, int what)
 {
+    perform(socket, what);
+    deliver();
+}
+
+void CurlDriver::perform(curl_socket_t socket, int what)
+{
+    // libcurl's timer goes off once; when there is nothing more to wait for, libcurl does not say so.
+    if (socket == CURL_SOCKET_TIMEOUT)
+        m_due = QDeadlineTimer(QDeadlineTimer::Forever);
     int running = 0;
     curl_multi_socket_action(m_multi.get(), socket, what, &running);
-    armTimer();
     collectFinished();
-    deliver();
+    armTimer();
 }
 
 void CurlDriver::collectFinished()

@@ -66,6 +66,7 @@ private:
     void actOnSocket(curl_socket_t socket, int what);
     void actOnTime();
     void act(curl_socket_t socket, int what);
+    void perform(curl_socket_t socket, int what);
     void armTimer();
     void endStrayConnections();
     void collectFinished();
