@@ -40,7 +40,7 @@ bool isWebAddress(const QByteArray& url)
     const QByteArray scheme = url.left(8).toLower();
     const int host = scheme.startsWith("https://") ? 8 : scheme.startsWith("http://") ? 7 : url.size();
     // Without a host libcurl would take the first segment of the path for one.
-    return host < url.size() && !QByteArray("/?#\\").contains(url.at(host)) && !url.contains('\0');
+    return host < url.size() && !QByteArrayLiteral("/?#\\").contains(url.at(host)) && !url.contains('\0');
 }
 
 bool haveSameOrigin(const QByteArray& url, const QByteArray& other)

@@ -75,9 +75,11 @@ std::unique_ptr<CURL, CurlDriver::FreeEasy> CurlDriver::takeEasy()
 /// answer to the next request, or the peer's closing. libcurl drops an ended connection and opens another.
 void CurlDriver::endStrayConnections()
 {
-    for (const auto& [socket, watch] : m_watches) {
-        if (watch.isConnection && !watch.isWanted && hasInput(socket))
+    for (auto& [socket, watch] : m_watches) {
+        if (watch.isConnection && !watch.isWanted && hasInput(socket)) {
             endConnection(socket);
+            watch.isConnection = false; // libcurl may take a second to close it
+        }
     }
 }
 

@@ -56,7 +56,7 @@ private:
     {
         std::unique_ptr<QSocketNotifier> read;
         std::unique_ptr<QSocketNotifier> write;
-        bool isConnection = false; ///< opened for a connection, and not closed yet
+        bool isConnection = false; ///< opened for a connection, and neither ended nor closed yet
         bool isWanted = false;     ///< libcurl asks for something
     };
 

@@ -18,7 +18,7 @@ QString megabytes(qint64 bytes)
 
 } // namespace
 
-QByteArray HttpAnswer::header(const QByteArray& name) const
+QByteArray HttpAnswer::header(const char* name) const
 {
     for (const auto& [key, value] : headers) {
         if (key.compare(name, Qt::CaseInsensitive) == 0)
@@ -104,20 +104,23 @@ void HttpTransfer::prepareBounds()
 
 bool HttpTransfer::prepareHeaders()
 {
-    QList<QByteArray> lines = {"Accept: application/json", "Accept-Encoding: gzip, deflate"};
+    bool isComplete = addHeader("Accept: application/json") && addHeader("Accept-Encoding: gzip, deflate");
     // "Expect:" takes away libcurl's "Expect: 100-continue", which delays large bodies.
     if (!m_request.body.isEmpty())
-        lines << "Content-Type: application/json"
-              << "Expect:";
-    lines += m_request.headerLines;
-    for (const QByteArray& line : qAsConst(lines)) {
-        curl_slist* longer = curl_slist_append(m_headerList.get(), line.constData());
-        if (!longer)
-            return false;
-        static_cast<void>(m_headerList.release()); // part of the longer list
-        m_headerList.reset(longer);
-    }
+        isComplete = isComplete && addHeader("Content-Type: application/json") && addHeader("Expect:");
+    for (const QByteArray& line : qAsConst(m_request.headerLines))
+        isComplete = isComplete && addHeader(line.constData());
     curl_easy_setopt(m_easy.get(), CURLOPT_HTTPHEADER, m_headerList.get());
+    return isComplete;
+}
+
+bool HttpTransfer::addHeader(const char* line)
+{
+    curl_slist* longer = curl_slist_append(m_headerList.get(), line);
+    if (!longer)
+        return false;
+    static_cast<void>(m_headerList.release()); // part of the longer list
+    m_headerList.reset(longer);
     return true;
 }
 
@@ -245,7 +248,8 @@ bool HttpTransfer::takeHeadLine(const char* data, qint64 size)
         m_stop = Stop::HeadTooLarge;
         return false;
     }
-    const QByteArray line = QByteArray(data, static_cast<int>(size)).trimmed();
+    // A view of libcurl's bytes: what is kept of them is copied.
+    const QByteArray line = QByteArray::fromRawData(data, static_cast<int>(size)).trimmed();
     if (line.startsWith("HTTP/")) {
         takeStatusLine(line);
         return true;
@@ -278,7 +282,7 @@ bool HttpTransfer::takeHeader(const QByteArray& line)
         return true;
     const QByteArray name = line.left(colon).trimmed();
     const QByteArray value = line.mid(colon + 1).trimmed();
-    const QByteArray earlier = m_answer.header(name);
+    const QByteArray earlier = m_answer.header(name.constData());
     m_answer.headers.append({name, value});
     return name.compare("Content-Length", Qt::CaseInsensitive) != 0 || takeLength(value, earlier);
 }

@@ -42,7 +42,7 @@ struct HttpAnswer
     QNetworkReply::NetworkError error = QNetworkReply::NoError;
     QString errorText;
 
-    QByteArray header(const QByteArray& name) const;
+    QByteArray header(const char* name) const;
 };
 
 /// One request and its answer as a libcurl easy handle. CurlDriver runs it.
@@ -89,6 +89,7 @@ private:
     void prepareBody();
     void prepareBounds();
     bool prepareHeaders();
+    bool addHeader(const char* line);
     void settle(CURLcode code);
     void failWith(QNetworkReply::NetworkError error, const QString& text);
     CURLcode lastCheck(CURLcode code);

@@ -55,27 +55,27 @@ NetworkManager& NetworkManager::instance()
 
 QNetworkReply* NetworkManager::get(const QString& url)
 {
-    return send("GET", url, {});
+    return send(QByteArrayLiteral("GET"), url, {});
 }
 
 QNetworkReply* NetworkManager::postJson(const QString& url, const QJsonObject& body)
 {
-    return send("POST", url, QJsonDocument(body).toJson(QJsonDocument::Compact));
+    return send(QByteArrayLiteral("POST"), url, QJsonDocument(body).toJson(QJsonDocument::Compact));
 }
 
 QNetworkReply* NetworkManager::postJson(const QString& url, const QJsonArray& body)
 {
-    return send("POST", url, QJsonDocument(body).toJson(QJsonDocument::Compact));
+    return send(QByteArrayLiteral("POST"), url, QJsonDocument(body).toJson(QJsonDocument::Compact));
 }
 
 QNetworkReply* NetworkManager::putJson(const QString& url, const QJsonObject& body)
 {
-    return send("PUT", url, QJsonDocument(body).toJson(QJsonDocument::Compact));
+    return send(QByteArrayLiteral("PUT"), url, QJsonDocument(body).toJson(QJsonDocument::Compact));
 }
 
 QNetworkReply* NetworkManager::deleteResource(const QString& url)
 {
-    return send("DELETE", url, {});
+    return send(QByteArrayLiteral("DELETE"), url, {});
 }
 
 void NetworkManager::abortAll()
