@@ -95,6 +95,8 @@ struct PlainServer::Sockets
             }
             received.erase(0, whole);
             ++requests;
+            if (const std::chrono::microseconds time = delay; time.count() > 0)
+                std::this_thread::sleep_for(time);
             asio::write(socket, asio::buffer(*currentAnswer()), error);
             if (error)
                 return;
@@ -114,6 +116,7 @@ struct PlainServer::Sockets
     bool isEnding = false;
     std::list<Connection> connections;
     std::atomic<std::int64_t> requests = 0;
+    std::atomic<std::chrono::microseconds> delay{};
     std::thread accepting;
 };
 
@@ -146,6 +149,11 @@ void PlainServer::setBody(const QByteArray& body)
     const Sockets::Answer answer = Sockets::answerOf(body);
     const std::lock_guard<std::mutex> lock(m_sockets->mutex);
     m_sockets->answer = answer;
+}
+
+void PlainServer::setDelay(std::chrono::microseconds delay)
+{
+    m_sockets->delay = delay;
 }
 
 QByteArray PlainServer::baseAddress() const

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 
@@ -19,6 +20,9 @@ public:
 
     /// What every request is answered from now on.
     void setBody(const QByteArray& body);
+
+    /// How long a request waits for its answer from now on; not at all at first.
+    void setDelay(std::chrono::microseconds delay);
 
     /// "http://127.0.0.1:PORT/".
     QByteArray baseAddress() const;
