@@ -250,6 +250,7 @@ public:
         m_server.setDelay(std::chrono::milliseconds(5));
         RKBaseApi::GetInstance().setBaseApi(QString::fromLatin1(m_server.baseAddress()));
         NetworkManager::instance().setProxy(QStringLiteral("direct"));
+        NetworkManager::instance().setBearerToken(QStringLiteral("0123456789abcdef0123456789abcdef"));
         NetworkManager::instance().setObserver({});
     }
 

@@ -45,6 +45,9 @@ bool isWebAddress(const QByteArray& url)
 
 bool haveSameOrigin(const QByteArray& url, const QByteArray& other)
 {
+    // The usual case, without reading either: behind a "/" that comes after the host nothing changes the host.
+    if (isWebAddress(other) && other.endsWith('/') && url.startsWith(other))
+        return true;
     const QByteArray first = origin(url);
     return !first.isEmpty() && first == origin(other);
 }

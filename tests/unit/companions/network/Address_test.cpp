@@ -25,6 +25,12 @@ TEST(Address, OriginIsSchemeHostAndPort)
     EXPECT_FALSE(haveSameOrigin("http://h/", "http://h:81/"));
     EXPECT_FALSE(haveSameOrigin("http://h/", "http://h.example/"));
     EXPECT_FALSE(haveSameOrigin("http://h/", "http://h@other/"));
+    EXPECT_TRUE(haveSameOrigin("http://h/base/a", "http://h/base/"));
+    EXPECT_FALSE(haveSameOrigin("http://h.example/", "http://h"));
+    EXPECT_FALSE(haveSameOrigin("http://h@other/", "http://h"));
+    EXPECT_FALSE(haveSameOrigin("http://h:81/", "http://h:8"));
+    EXPECT_FALSE(haveSameOrigin("http://monitor-service/", "http://"));
+    EXPECT_FALSE(haveSameOrigin("http:///h/", "http:///"));
     EXPECT_FALSE(haveSameOrigin("", ""));
     EXPECT_FALSE(haveSameOrigin("http://", "http://"));
 }
