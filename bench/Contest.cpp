@@ -22,6 +22,15 @@ double median(std::vector<double> values)
     return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
 }
 
+/// What so many rounds took in proportion to the same rounds of another: what slows a round slows both.
+double medianRatio(const std::vector<double>& times, const std::vector<double>& others)
+{
+    std::vector<double> ratios;
+    for (std::size_t round = 0; round < times.size(); ++round)
+        ratios.push_back(times[round] / others[round]);
+    return median(ratios);
+}
+
 } // namespace
 
 void runContest(const std::string& title, const std::vector<Contestant>& contestants, int rounds,
@@ -38,11 +47,10 @@ void runContest(const std::string& title, const std::vector<Contestant>& contest
     }
 
     std::printf("%s, median of %d rounds of %d\n", title.c_str(), rounds, operationsPerRound);
-    const double first = median(times.front());
     for (std::size_t i = 0; i < contestants.size(); ++i) {
         const auto [least, most] = std::minmax_element(times[i].begin(), times[i].end());
         std::printf("  %-40s %8.1f us  (%.1f to %.1f)  ratio %.3f\n", contestants[i].name.c_str(),
-                    median(times[i]), *least, *most, median(times[i]) / first);
+                    median(times[i]), *least, *most, medianRatio(times[i], times.front()));
     }
     std::fflush(stdout);
 }

@@ -13,6 +13,7 @@ struct Contestant
 };
 
 /// Runs the operations in interleaved rounds, so that what else the machine does meets all of them alike, and prints
-/// per contestant the median over the rounds of the time of one operation, and its ratio to the first one's.
+/// per contestant the median over the rounds of the time of one operation, and of its ratio to the first one's in the
+/// same round.
 void runContest(const std::string& title, const std::vector<Contestant>& contestants, int rounds,
                 int operationsPerRound);

@@ -16,6 +16,7 @@
 #include <RKMonitoringData.h>
 
 #include <QCoreApplication>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QUrl>
@@ -146,10 +147,11 @@ public:
         RKMonitoring written;
         written.name = QStringLiteral("Harbour tunnel, shaft 2");
         written.category = QStringLiteral("pit");
-        const QJsonObject object{{QStringLiteral("projectId"), QStringLiteral("p7")},
-                                 {QStringLiteral("name"), written.name},
-                                 {QStringLiteral("category"), written.category}};
-        const auto bodyText = [object] {
+        const auto bodyText = [written] {
+            const QJsonObject object{{QStringLiteral("projectId"), QStringLiteral("p7")},
+                                     {QStringLiteral("name"), written.name},
+                                     {QStringLiteral("category"), written.category},
+                                     {QStringLiteral("alarmTo"), QJsonArray()}};
             return QJsonDocument(object).toJson(QJsonDocument::Compact);
         };
         const QByteArray sent = bodyText();
@@ -175,7 +177,7 @@ public:
              [this, url, bodyText] {
                  check(isMonitoring(m_qt.post(url, bodyText())), "QNetworkAccessManager");
              },
-             100},
+             125},
         };
     }
 
@@ -216,8 +218,8 @@ void compare(const std::string& title, const std::vector<Contestant>& contestant
 int main(int argc, char** argv)
 try {
     const QCoreApplication application(argc, argv);
-    const int rounds = argc > 1 ? std::atoi(argv[1]) : 25;
-    const int operations = argc > 2 ? std::atoi(argv[2]) : 500;
+    const int rounds = argc > 1 ? std::atoi(argv[1]) : 50;
+    const int operations = argc > 2 ? std::atoi(argv[2]) : 250;
     const std::string only = argc > 3 ? argv[3] : "";
 
     NetworkManager::instance().setProxy(QStringLiteral("direct"));
