@@ -219,32 +219,37 @@ private:
     RKMonitoringData& m_data = *RKMonitoringData::instance();
 };
 
-/// The most memory that this process held, in MB (proc(5)); 0 where the system does not say.
-double peakMegabytes()
+/// What this process holds (VmRSS) or held at most (VmHWM), in MB (proc(5)); 0 where the system does not say.
+double megabytesHeld(const QByteArray& which)
 {
     QFile file(QStringLiteral("/proc/self/status"));
     if (!file.open(QIODevice::ReadOnly))
         return 0;
     const QList<QByteArray> lines = file.readAll().split('\n');
     for (const QByteArray& line : lines) {
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).trimmed().split(' ').first().toDouble() * 1024 / 1e6;
+        if (line.startsWith(which + ':'))
+            return line.mid(which.size() + 1).trimmed().split(' ').first().toDouble() * 1024 / 1e6;
     }
     return 0;
+}
+
+/// Lets VmHWM begin anew: what was put together for the reply was larger than the reply.
+void forgetPeak()
+{
+    QFile file(QStringLiteral("/proc/self/clear_refs"));
+    if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        file.write("5");
 }
 
 /// Runs one read in a process of its own; prints and returns what it held at most beyond the reply that is served, in MB.
 double printPeak(const char* what, const char* name, int points, int samples)
 {
-    const auto peak = [&](const char* reader) {
-        QProcess process;
-        process.start(QCoreApplication::applicationFilePath(),
-                      {QStringLiteral("--peak"), QString::fromLatin1(reader), QString::number(points),
-                       QString::number(samples)});
-        process.waitForFinished(-1);
-        return process.readAllStandardOutput().trimmed().toDouble();
-    };
-    const double megabytes = peak(name) - peak("nothing");
+    QProcess process;
+    process.start(QCoreApplication::applicationFilePath(),
+                  {QStringLiteral("--peak"), QString::fromLatin1(name), QString::number(points),
+                   QString::number(samples)});
+    process.waitForFinished(-1);
+    const double megabytes = process.readAllStandardOutput().trimmed().toDouble();
     std::printf("  %-44s %8.1f MB\n", what, megabytes);
     return megabytes;
 }
@@ -266,6 +271,8 @@ void printPeaks(int points, int samples)
 int measurePeak(const QStringList& arguments)
 {
     Reads reads(arguments[3].toInt(), arguments[4].toInt());
+    forgetPeak();
+    const double before = megabytesHeld("VmRSS");
     const QString reader = arguments[2];
     if (reader == QLatin1String("parse"))
         reads.parse();
@@ -279,7 +286,7 @@ int measurePeak(const QStringList& arguments)
         reads.byNlohmann();
     else if (reader == QLatin1String("simdjson"))
         reads.bySimdjson();
-    std::printf("%f\n", peakMegabytes());
+    std::printf("%f\n", megabytesHeld("VmHWM") - before);
     return EXIT_SUCCESS;
 }
 
