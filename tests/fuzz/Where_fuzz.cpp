@@ -1,11 +1,13 @@
 // Input: a where document on the first line, then a document per line. What the matcher says must hold together, and the
-// rows that SQL is narrowed to must hold every row that matches; no other when narrowing says that it is exact.
+// rows that SQL is narrowed to must hold every row that matches; no other when narrowing says that it is exact, or when the
+// patterns that it leaves are found in the columns.
 
 #include "Fuzzer.h"
 
 #include "query/AnyOf.h"
 #include "query/Matcher.h"
 #include "query/Narrowing.h"
+#include "query/PatternSearch.h"
 #include "query/QueryError.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -102,6 +104,22 @@ public:
             std::visit([&](const auto& bound) { statement.bind(place, bound); }, value);
         }
         return statement.executeStep();
+    }
+
+    /// Whether the patterns that are left are found in the columns; nothing when one takes too many steps.
+    std::optional<bool> holdsPatterns(const Narrowing& narrowing)
+    {
+        PatternSearch search;
+        try {
+            return !anyOf(narrowing.patterns, [&](const ColumnPattern& one) {
+                SQLite::Statement statement(m_database, "SELECT " + one.sql + " FROM cells");
+                statement.executeStep();
+                const SQLite::Column text = statement.getColumn(0);
+                return text.isNull() || !search.finds(*one.pattern, text.getString());
+            });
+        } catch (const QueryError&) {
+            return std::nullopt;
+        }
     }
 
 private:
@@ -239,6 +257,11 @@ void checkDocument(std::string_view whereText, const Where& where, std::string_v
             [&] { return uniform.sql; });
     require(!uniform.exact || row.isSelectedBy(uniform) == *isMatch,
             "exact narrowing selects the uniform rows that match", [&] { return uniform.sql; });
+    if (uniform.patterns.empty() || !row.isSelectedBy(uniform))
+        return;
+    const std::optional<bool> holds = row.holdsPatterns(uniform);
+    require(!holds || *holds == *isMatch, "patterns tell which selected rows match",
+            [&] { return std::string(whereText); });
 }
 
 void tryInput(std::string_view input)
