@@ -2,6 +2,7 @@
 // instead does the same work on the same bytes over the same loopback; parsing alone is the measure.
 
 #include "Contest.h"
+#include "Cores.h"
 #include "PlainServer.h"
 #include "peers/BlockingCurl.h"
 #include "peers/QtWay.h"
@@ -22,10 +23,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
-
-#ifdef __linux__
-#include <sched.h>
-#endif
+#include <vector>
 
 namespace {
 
@@ -68,31 +66,6 @@ void check(bool isRight, const char* who)
         throw std::runtime_error(std::string(who) + " read something else");
 }
 
-#ifdef __linux__
-/// Keeps this thread, and those that it begins, on one core.
-class OneCore
-{
-public:
-    OneCore()
-    {
-        sched_getaffinity(0, sizeof m_before, &m_before);
-        int first = 0;
-        while (!CPU_ISSET(first, &m_before))
-            ++first;
-        cpu_set_t one;
-        CPU_ZERO(&one);
-        CPU_SET(first, &one);
-        check(sched_setaffinity(0, sizeof one, &one) == 0, "one core");
-    }
-    ~OneCore() { sched_setaffinity(0, sizeof m_before, &m_before); }
-    OneCore(const OneCore&) = delete;
-    OneCore& operator=(const OneCore&) = delete;
-
-private:
-    cpu_set_t m_before = {};
-};
-#endif
-
 class Reads
 {
 public:
@@ -118,13 +91,13 @@ public:
                  [this] {
                      byLibrary();
                  }},
-#ifdef __linux__
                 {"getPointLocation, its threads on one core",
                  [this] {
-                     const OneCore core;
+                     const std::vector<int> cores = usableCores();
+                     stayOn(cores.empty() ? cores : std::vector<int>{cores.front()});
                      byLibrary();
+                     stayOn(cores);
                  }},
-#endif
                 {"QNetworkAccessManager and QJsonDocument",
                  [this] {
                      byQt();
@@ -161,10 +134,7 @@ public:
                  }}};
     }
 
-    void parse()
-    {
-        check(QJsonDocument::fromJson(m_body).array().size() == m_points, "QJsonDocument");
-    }
+    void parse() { check(QJsonDocument::fromJson(m_body).array().size() == m_points, "QJsonDocument"); }
     /// The records alone: of the text and of what is parsed there is never more than one point.
     void recordsOnly()
     {
@@ -201,10 +171,7 @@ public:
         check(points.size() == std::size_t(m_points) && points.back().data.size() == std::size_t(m_samples),
               "simdjson");
     }
-    void byCurl()
-    {
-        check(m_curl.get(m_standardUrl).size() == std::size_t(m_body.size()), "libcurl");
-    }
+    void byCurl() { check(m_curl.get(m_standardUrl).size() == std::size_t(m_body.size()), "libcurl"); }
 
 private:
     int m_points;
