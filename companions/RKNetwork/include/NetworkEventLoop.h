@@ -29,7 +29,7 @@ public:
     /// reply that has not finished is then aborted and counts as failed. A wait that begins after
     /// QCoreApplication::quit() works like any other. Fails at once without a QCoreApplication. Returns 0
     /// when the reply finished and -1 when not. QEventLoop::ExcludeSocketNotifiers is ignored: the reply
-    /// needs its socket.
+    /// needs its socket. A large array is parsed on several threads, which have ended when exec returns.
     int exec(QEventLoop::ProcessEventsFlags flags = QEventLoop::AllEvents);
 
     /// True when exec has returned, the whole answer arrived with a 2xx status, and its body is JSON or, for
