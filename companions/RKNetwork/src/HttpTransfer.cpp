@@ -248,8 +248,7 @@ bool HttpTransfer::takeHeadLine(const char* data, qint64 size)
         m_stop = Stop::HeadTooLarge;
         return false;
     }
-    // A view of libcurl's bytes: what is kept of them is copied.
-    const QByteArray line = QByteArray::fromRawData(data, static_cast<int>(size)).trimmed();
+    const QByteArray line = QByteArray(data, static_cast<int>(size)).trimmed();
     if (line.startsWith("HTTP/")) {
         takeStatusLine(line);
         return true;
