@@ -9,8 +9,9 @@ namespace {
 double microsecondsPerOperation(const std::function<void()>& operation, int count)
 {
     const auto begin = std::chrono::steady_clock::now();
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         operation();
+    }
     const std::chrono::duration<double, std::micro> time = std::chrono::steady_clock::now() - begin;
     return time.count() / count;
 }
@@ -22,12 +23,13 @@ double median(std::vector<double> values)
     return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
 }
 
-/// What so many rounds took in proportion to the same rounds of another: what slows a round slows both.
+// What so many rounds took in proportion to the same rounds of another: what slows a round slows both.
 double medianRatio(const std::vector<double>& times, const std::vector<double>& others)
 {
     std::vector<double> ratios;
-    for (std::size_t round = 0; round < times.size(); ++round)
+    for (std::size_t round = 0; round < times.size(); ++round) {
         ratios.push_back(times[round] / others[round]);
+    }
     return median(ratios);
 }
 
@@ -37,13 +39,15 @@ void runContest(const std::string& title, const std::vector<Contestant>& contest
                 int operationsPerRound)
 {
     std::vector<std::vector<double>> times(contestants.size());
-    for (const Contestant& contestant : contestants)
+    for (const Contestant& contestant : contestants) {
         microsecondsPerOperation(contestant.operation,
                                  operationsPerRound / contestant.oneIn / 10 + 1); // connects and warms up
+    }
     for (int round = 0; round < rounds; ++round) {
-        for (std::size_t i = 0; i < contestants.size(); ++i)
+        for (std::size_t i = 0; i < contestants.size(); ++i) {
             times[i].push_back(microsecondsPerOperation(
                 contestants[i].operation, std::max(operationsPerRound / contestants[i].oneIn, 1)));
+        }
     }
 
     std::printf("%s, median of %d rounds of %d\n", title.c_str(), rounds, operationsPerRound);

@@ -2,11 +2,10 @@
 // times. The two take turns, round by round, so that a machine that slows down slows both; the medians are
 // compared.
 
-#include <RKPub.h>
-
 #include <QDateTime>
 #include <QStringList>
 #include <QVector>
+#include <RKPub.h>
 
 #include <algorithm>
 #include <chrono>
@@ -19,15 +18,16 @@ namespace {
 constexpr int timeCount = 2000;
 constexpr int roundCount = 41;
 
-/// Nanoseconds per element of `input` that `convert` takes, summed into `sink` so that nothing is optimised
-/// away.
+// Nanoseconds per element of `input` that `convert` takes, summed into `sink` so that nothing is optimised
+// away.
 template <typename Input, typename Convert>
 double nanosecondsEach(const Input& input, const Convert& convert, qint64& sink)
 {
     using Clock = std::chrono::steady_clock;
     const auto start = Clock::now();
-    for (const auto& element : input)
+    for (const auto& element : input) {
         sink += convert(element);
+    }
     return std::chrono::duration<double, std::nano>(Clock::now() - start).count() / input.size();
 }
 
@@ -55,23 +55,25 @@ void compare(const char* what, const Input& input, const Ours& ours, const Peer&
                 ourSink == peerSink ? "" : "   RESULTS DIFFER");
 }
 
-/// Times spread over thirty years, in one time specification.
+// Times spread over thirty years, in one time specification.
 QVector<QDateTime> someTimes(Qt::TimeSpec specification, int offset)
 {
     std::mt19937_64 random(20240229);
     std::uniform_int_distribution<qint64> milliseconds(946684800000, 1893456000000);
     QVector<QDateTime> times;
     times.reserve(timeCount);
-    while (times.size() < timeCount)
+    while (times.size() < timeCount) {
         times.append(QDateTime::fromMSecsSinceEpoch(milliseconds(random), specification, offset));
+    }
     return times;
 }
 
 QStringList textsOf(const QVector<QDateTime>& times)
 {
     QStringList texts;
-    for (const QDateTime& time : times)
+    for (const QDateTime& time : times) {
         texts.append(time.toString(Qt::ISODateWithMs));
+    }
     return texts;
 }
 
@@ -86,7 +88,7 @@ void compareReading(const char* what, const QStringList& texts)
         });
 }
 
-/// The last digit that the two forms of a zero offset, `Z` and `+00:00`, have in common.
+// The last digit that the two forms of a zero offset, `Z` and `+00:00`, have in common.
 qint64 lastMillisecond(const QString& text)
 {
     return text.at(22).unicode();

@@ -32,8 +32,9 @@ std::system_error failure(const char* what)
 int connectedSocket(std::uint16_t port)
 {
     const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (socket < 0)
+    if (socket < 0) {
         throw failure("socket");
+    }
     const int on = 1;
     setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     sockaddr_in address{};
@@ -76,8 +77,9 @@ LoadGenerator::LoadGenerator(std::uint16_t port, std::string request, std::strin
         epoll_event event{};
         event.events = EPOLLIN;
         event.data.ptr = &connection;
-        if (epoll_ctl(m_epoll, EPOLL_CTL_ADD, connection.socket, &event) != 0)
+        if (epoll_ctl(m_epoll, EPOLL_CTL_ADD, connection.socket, &event) != 0) {
             throw failure("epoll_ctl");
+        }
     }
 }
 
@@ -91,24 +93,28 @@ void LoadGenerator::send(Connection& connection) const
     connection.sent = Clock::now();
     // A request is smaller than what a socket takes at once.
     const ssize_t sent = ::send(connection.socket, m_request.data(), m_request.size(), MSG_NOSIGNAL);
-    if (sent != static_cast<ssize_t>(m_request.size()))
+    if (sent != static_cast<ssize_t>(m_request.size())) {
         throw failure("send");
+    }
 }
 
 bool LoadGenerator::isWhole(std::string_view received) const
 {
     const std::size_t headEnd = received.find("\r\n\r\n");
-    if (headEnd == std::string_view::npos)
+    if (headEnd == std::string_view::npos) {
         return false;
+    }
     const std::string_view head = received.substr(0, headEnd + 2);
     const std::size_t field = head.find(lengthField);
     std::size_t length = 0;
-    if (field != std::string_view::npos)
+    if (field != std::string_view::npos) {
         std::from_chars(head.data() + field + lengthField.size(), head.data() + head.size(), length);
+    }
     const std::string_view body = received.substr(headEnd + 4);
     if (head.substr(0, statusLine.size()) != statusLine || length != m_body.size() ||
-        body != std::string_view(m_body).substr(0, body.size()))
+        body != std::string_view(m_body).substr(0, body.size())) {
         throw std::runtime_error("a wrong answer: " + std::string(received));
+    }
     return body.size() == length;
 }
 
@@ -116,11 +122,13 @@ bool LoadGenerator::receive(Connection& connection) const
 {
     std::array<char, 16 * 1024> bytes; // NOLINT(cppcoreguidelines-pro-type-member-init): recv() fills it
     const ssize_t size = ::recv(connection.socket, bytes.data(), bytes.size(), 0);
-    if (size <= 0)
+    if (size <= 0) {
         throw std::runtime_error("a connection ended before its answer");
+    }
     connection.received.append(bytes.data(), static_cast<std::size_t>(size));
-    if (!isWhole(connection.received))
+    if (!isWhole(connection.received)) {
         return false;
+    }
     connection.received.clear();
     return true;
 }
@@ -131,17 +139,20 @@ Load LoadGenerator::run(std::size_t requests)
     load.milliseconds.reserve(requests);
     const Clock::time_point begin = Clock::now();
     std::size_t sent = 0;
-    for (; sent < std::min(requests, m_connections.size()); ++sent)
+    for (; sent < std::min(requests, m_connections.size()); ++sent) {
         send(*m_connections[sent]);
+    }
     std::array<epoll_event, 64> events{};
     while (load.milliseconds.size() < requests) {
         const int ready = epoll_wait(m_epoll, events.data(), static_cast<int>(events.size()), patience);
-        if (ready <= 0)
+        if (ready <= 0) {
             throw std::runtime_error("no answer comes");
+        }
         for (int i = 0; i < ready; ++i) {
             auto& connection = *static_cast<Connection*>(events.at(static_cast<std::size_t>(i)).data.ptr);
-            if (!receive(connection))
+            if (!receive(connection)) {
                 continue;
+            }
             load.milliseconds.push_back(
                 std::chrono::duration<double, std::milli>(Clock::now() - connection.sent).count());
             if (sent < requests) {

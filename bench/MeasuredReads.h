@@ -29,8 +29,8 @@ struct Timing
     std::size_t bytes;
 };
 
-/// Does the requests in interleaved rounds, after one that does not count. Throws std::runtime_error for an answer that is
-/// not right.
+/// Does the requests in interleaved rounds, after one that does not count. Throws std::runtime_error for an
+/// answer that is not right.
 std::vector<Timing> timeReads(const std::vector<Read>& reads, int rounds);
 
 /// Does the same and prints it, a line for each request.

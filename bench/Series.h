@@ -9,7 +9,8 @@
 
 namespace monitorservice::bench {
 
-/// Samples at regular times from 2015-01-01T00:00:00Z on, flagged "A" and "B" in turn. Any program can tell any of them.
+/// Samples at regular times from 2015-01-01T00:00:00Z on, flagged "A" and "B" in turn. Any program can tell
+/// any of them.
 struct Series
 {
     static constexpr Instant begin = 1420070400000;

@@ -13,9 +13,9 @@ struct curl_slist;
 
 namespace monitorservice::bench {
 
-/// A store in a folder of its own, gone with the object, and a service that answers from it on the loopback through one
-/// connection that stays open. Project "p" lies in Vienna and has the categories "Settlement" and "Inclinometer" with the
-/// sub-categories "s" and "i"; the bearer may read all of it.
+/// A store in a folder of its own, gone with the object, and a service that answers from it on the loopback
+/// through one connection that stays open. Project "p" lies in Vienna and has the categories "Settlement" and
+/// "Inclinometer" with the sub-categories "s" and "i"; the bearer may read all of it.
 class ServedStore
 {
 public:
@@ -26,8 +26,8 @@ public:
 
     Store& store() { return *m_store; }
 
-    /// The body of the answer to GET projects/p/`list`?`parameters`where=`where`. Throws std::runtime_error unless the
-    /// status is 200.
+    /// The body of the answer to GET projects/p/`list`?`parameters`where=`where`. Throws std::runtime_error
+    /// unless the status is 200.
     std::string get(const std::string& list, const std::string& parameters, const std::string& where);
 
 private:

@@ -1,10 +1,9 @@
 // How many samples a second the service takes in through HTTP, and how much memory a delivery of 64 MB needs.
 //
-// The service runs in a process of its own on a file in the folder for temporary files; deliveries of 10 000 samples
-// are made beforehand and sent over connections that stay open. Linux: the memory is read from /proc.
+// The service runs in a process of its own on a file in the folder for temporary files; deliveries of 10 000
+// samples are made beforehand and sent over connections that stay open. Linux: the memory is read from /proc.
 
 #include "DeliveryText.h"
-
 #include "admin/Secret.h"
 #include "api/Api.h"
 #include "http/HttpServer.h"
@@ -62,7 +61,7 @@ void fill(Store& store)
     session->commit();
 }
 
-/// The service in a process of its own.
+// The service in a process of its own.
 class ServiceProcess
 {
 public:
@@ -94,7 +93,7 @@ public:
 
     std::uint16_t port() const { return m_port; }
 
-    /// The most that has been resident so far, in MB.
+    // The most that has been resident so far, in MB.
     double peakMegabytes() const
     {
         std::ifstream status("/proc/" + std::to_string(m_process) + "/status");
@@ -227,7 +226,8 @@ void print(Intake& intake)
                 intake.connections, speeds[speeds.size() / 2], speeds.front(), speeds.back());
 }
 
-// So many deliveries of each of these numbers of points, in rounds: what else the machine does meets all of them alike.
+// So many deliveries of each of these numbers of points, in rounds: what else the machine does meets all of
+// them alike.
 void measureSpeed(std::size_t deliveries, const std::vector<std::size_t>& pointsOfDelivery)
 {
     std::vector<Intake> intakes;

@@ -1,7 +1,8 @@
-// Small exchanges on a kept loopback connection: reading one monitoring of 2 KB and creating one, through an operation of
-// the library and as other programs do it.
+// Small exchanges on a kept loopback connection: reading one monitoring of 2 KB and creating one, through an
+// operation of the library and as other programs do it.
 //
-//   bench_exchange [ROUNDS [OPERATIONS [NAME]]]    NAME: only the contestants of this name, to count what they do
+//   bench_exchange [ROUNDS [OPERATIONS [NAME]]]    NAME: only the contestants of this name, to count what
+//   they do
 
 #include "Contest.h"
 #include "Cores.h"
@@ -12,14 +13,13 @@
 
 #include <NetworkEventLoop.h>
 #include <NetworkManager.h>
-#include <RKBaseApi.h>
-#include <RKMonitoringData.h>
-
 #include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QUrl>
+#include <RKBaseApi.h>
+#include <RKMonitoringData.h>
 
 #include <algorithm>
 #include <chrono>
@@ -36,7 +36,7 @@
 
 namespace {
 
-/// A monitoring with a name that fills it up to 2 KB.
+// A monitoring with a name that fills it up to 2 KB.
 QByteArray twoKilobytes()
 {
     QByteArray body = R"({"_id":"01a1fa47dd90000000000000","category":"pit","name":")";
@@ -46,8 +46,9 @@ QByteArray twoKilobytes()
 
 void check(bool isRight, const char* who)
 {
-    if (!isRight)
+    if (!isRight) {
         throw std::runtime_error(std::string(who) + " failed");
+    }
 }
 
 bool isMonitoring(const QByteArray& body)
@@ -60,7 +61,7 @@ QByteArray viewOf(const std::string& text)
     return QByteArray::fromRawData(text.data(), static_cast<int>(text.size()));
 }
 
-/// The longest of so many operations, in milliseconds.
+// The longest of so many operations, in milliseconds.
 double longest(const std::function<void()>& operation, int count)
 {
     double most = 0;
@@ -73,8 +74,9 @@ double longest(const std::function<void()>& operation, int count)
     return most;
 }
 
-/// Where client and server run. They take turns, so it decides what an exchange costs whether the one wakes another core
-/// or follows the other on the same, and a scheduler that is left to itself changes its mind from round to round.
+// Where client and server run. They take turns, so it decides what an exchange costs whether the one wakes
+// another core or follows the other on the same, and a scheduler that is left to itself changes its mind from
+// round to round.
 struct Placement
 {
     std::string name;
@@ -85,13 +87,14 @@ struct Placement
 std::vector<Placement> placements()
 {
     const std::vector<int> cores = usableCores();
-    if (cores.size() < 2)
+    if (cores.size() < 2) {
         return {{"client and server where they can run", cores, cores}};
+    }
     return {{"server on a core of its own", {cores[1]}, {cores[0]}},
             {"client and server on one core", {cores[0]}, {cores[0]}}};
 }
 
-/// The server, and everybody with a connection to it.
+// The server, and everybody with a connection to it.
 class Exchanges
 {
 public:
@@ -101,8 +104,8 @@ public:
           m_socket(static_cast<std::uint16_t>(QUrl(m_base).port()))
     {
         RKBaseApi::GetInstance().setBaseApi(m_base);
-        // Its first request starts QNetworkAccessManager's own thread, which is free to run on any core: the other
-        // contestants have no thread that could be in their way.
+        // Its first request starts QNetworkAccessManager's own thread, which is free to run on any core: the
+        // other contestants have no thread that could be in their way.
         stayOn(usableCores());
         m_qt.get(m_url);
         stayOn(placement.client);
@@ -209,8 +212,9 @@ std::vector<Contestant> named(const std::vector<Contestant>& all, const std::str
 
 void compare(const std::string& title, const std::vector<Contestant>& contestants, int rounds, int operations)
 {
-    if (!contestants.empty())
+    if (!contestants.empty()) {
         runContest(title, contestants, rounds, operations);
+    }
 }
 
 } // namespace
@@ -228,9 +232,10 @@ try {
         compare("GET of 2 KB of JSON, " + placement.name, named(exchanges.gets(), only), rounds, operations);
         const std::vector<Contestant> posts = named(exchanges.posts(), only);
         compare("POST of a monitoring, answered with 2 KB, " + placement.name, posts, rounds, operations);
-        if (only.empty())
+        if (only.empty()) {
             std::printf("longest of 10000 POSTs through createMonitoring: %.2f ms\n",
                         longest(posts[1].operation, 10'000));
+        }
     }
     return EXIT_SUCCESS;
 } catch (const std::exception& error) {

@@ -1,13 +1,13 @@
-// Whether reads by key stay as fast while the store grows, through HTTP on the loopback: stores of 10^5, 10^6 and 10^7
-// samples hold the same points to be read, beside ever more monitorings, or with ever longer series. The stores are made
-// first, in folders of their own, and are gone afterwards.
+// Whether reads by key stay as fast while the store grows, through HTTP on the loopback: stores of 10^5, 10^6
+// and 10^7 samples hold the same points to be read, beside ever more monitorings, or with ever longer series.
+// The stores are made first, in folders of their own, and are gone afterwards.
 //
 //   bench_growth [SAMPLES]    of a point in the smallest store, which has 100 points; 1000 when not given
 
 #include "MeasuredReads.h"
 #include "Series.h"
-#include "store/Instant.h"
 #include "json/JsonText.h"
+#include "store/Instant.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -34,7 +34,7 @@ struct Size
     double samples() const { return 1.0 * cells * pointsOfACell * samplesOfAPoint; }
 };
 
-/// A store of a size, whose middle monitoring is read.
+// A store of a size, whose middle monitoring is read.
 class GrownStore
 {
 public:
@@ -62,7 +62,7 @@ public:
 
     ServedStore served;
     std::string cell;
-    std::string names; ///< of its points, a JSON list
+    std::string names; // of its points, a JSON list
 
 private:
     static std::string namesFrom(const std::string& prefix)
@@ -77,7 +77,7 @@ private:
     Size m_size;
 };
 
-/// A condition by key, of which every store has its own.
+// A condition by key, of which every store has its own.
 struct Key
 {
     const char* name;
@@ -128,7 +128,7 @@ bool isPage(const std::string& body, std::size_t points, const Series& shortest)
     return isRight;
 }
 
-/// What is asked of each of the stores.
+// What is asked of each of the stores.
 struct Question
 {
     std::string name;

@@ -1,4 +1,5 @@
-// What the library does without the network: request bodies, condition documents, and the caches when they are large.
+// What the library does without the network: request bodies, condition documents, and the caches when they
+// are large.
 
 #include "Contest.h"
 #include "PlainServer.h"
@@ -7,16 +8,15 @@
 #include "query/WhereBuilder.h"
 
 #include <NetworkManager.h>
-#include <RKBaseApi.h>
-#include <RKMonitoringData.h>
-#include <RKSoftCache.h>
-
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTimeZone>
+#include <RKBaseApi.h>
+#include <RKMonitoringData.h>
+#include <RKSoftCache.h>
 
 #include <cstdio>
 #include <stdexcept>
@@ -25,8 +25,9 @@ namespace {
 
 void check(bool isRight, const char* what)
 {
-    if (!isRight)
+    if (!isRight) {
         throw std::runtime_error(what);
+    }
 }
 
 QList<RKPointLocation> delivery(int points, int samples)
@@ -50,17 +51,18 @@ QList<RKPointLocation> delivery(int points, int samples)
     return list;
 }
 
-/// The same body as it is put together by hand: literal keys, Qt's own text of a time.
+// The same body as it is put together by hand: literal keys, Qt's own text of a time.
 QByteArray bodyByHand(const QList<RKPointLocation>& points)
 {
     QJsonArray body;
     for (const RKPointLocation& point : points) {
         QJsonArray samples;
-        for (const RKPointLocationData& sample : point.data)
+        for (const RKPointLocationData& sample : point.data) {
             samples.append(QJsonObject{{QStringLiteral("count"), sample.count},
                                        {QStringLiteral("time"), sample.time.toString(Qt::ISODateWithMs)},
                                        {QStringLiteral("value"), sample.value},
                                        {QStringLiteral("timeFlag"), sample.timeFlag}});
+        }
         body.append(QJsonObject{{QStringLiteral("projectId"), QStringLiteral("p7")},
                                 {QStringLiteral("cellId"), point.cellId},
                                 {QStringLiteral("name"), point.name},
@@ -94,9 +96,10 @@ QByteArray bodyByLibrary(const QList<RKPointLocation>& points)
 QByteArray listOf(int count, const QByteArray& more)
 {
     QByteArray list = "[";
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         list += (i == 0 ? R"({"_id":"id)" : R"(,{"_id":"id)") + QByteArray::number(i) + R"(","name":"P)" +
                 QByteArray::number(i % 20'000) + '"' + more + '}';
+    }
     return list + "]";
 }
 
@@ -155,8 +158,9 @@ void benchLargeCells(PlainServer& server, int rounds)
 
     RKPointLocationCondition chosen;
     chosen.cellId = QStringLiteral("c1");
-    for (int i = 0; i < 10'000; ++i)
+    for (int i = 0; i < 10'000; ++i) {
         chosen.names.append(QStringLiteral("P%1").arg(2 * i));
+    }
     const QMap<QString, QStringList> links{{QStringLiteral("model"), {QStringLiteral("m1")}}};
     server.setBody(R"({"cellId":"c1"})");
     int next = 0;

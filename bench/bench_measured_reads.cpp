@@ -1,6 +1,6 @@
-// How long the service takes to answer with measured data, through HTTP on the loopback and out of ten million samples:
-// a page of 100 points with 100 samples each, and daily statistics of a monitoring and of the whole project. The store is
-// made first, in a folder of its own, and is gone afterwards.
+// How long the service takes to answer with measured data, through HTTP on the loopback and out of ten
+// million samples: a page of 100 points with 100 samples each, and daily statistics of a monitoring and of
+// the whole project. The store is made first, in a folder of its own, and is gone afterwards.
 //
 //   bench_measured_reads [CELLS]    a million samples in each; 10 when not given
 
@@ -42,7 +42,7 @@ std::vector<std::string> fill(Store& store, int cellCount)
     return cells;
 }
 
-/// From one instant to before another.
+// From one instant to before another.
 struct Period
 {
     Instant from;
@@ -51,7 +51,7 @@ struct Period
     std::string text() const { return periodText(isoText(from), isoText(before)); }
 };
 
-/// Days of Vienna's calendar, and whether samples flagged "B" are left out.
+// Days of Vienna's calendar, and whether samples flagged "B" are left out.
 struct Days
 {
     Period period;

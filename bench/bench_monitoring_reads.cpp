@@ -1,6 +1,7 @@
-// How long the service takes to find monitorings by regular expressions, through HTTP on the loopback: pages of 100 and
-// counts among 100 000 monitorings of one project. The store is made first, in a folder of its own, and is gone
-// afterwards. Which monitorings a pattern has to find is computed from their numbers, not with the pattern.
+// How long the service takes to find monitorings by regular expressions, through HTTP on the loopback: pages
+// of 100 and counts among 100 000 monitorings of one project. The store is made first, in a folder of its
+// own, and is gone afterwards. Which monitorings a pattern has to find is computed from their numbers, not
+// with the pattern.
 //
 //   bench_monitoring_reads [MONITORINGS]    100 000 when not given
 
@@ -44,7 +45,7 @@ std::vector<std::string> fill(Store& store, int count)
     return identifiers;
 }
 
-/// A condition, and by number which monitorings meet it.
+// A condition, and by number which monitorings meet it.
 struct Search
 {
     const char* name;

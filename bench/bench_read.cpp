@@ -1,5 +1,6 @@
-// A large read: the bytes of a reply of 5 000 points with 100 samples each become records. What a program would use
-// instead does the same work on the same bytes over the same loopback; parsing alone is the measure.
+// A large read: the bytes of a reply of 5 000 points with 100 samples each become records. What a program
+// would use instead does the same work on the same bytes over the same loopback; parsing alone is the
+// measure.
 
 #include "Contest.h"
 #include "Cores.h"
@@ -10,15 +11,14 @@
 #include "pointlocation/PointLocationJson.h"
 
 #include <NetworkManager.h>
-#include <RKBaseApi.h>
-#include <RKMonitoringData.h>
-
 #include <QCoreApplication>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <RKBaseApi.h>
+#include <RKMonitoringData.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -27,7 +27,7 @@
 
 namespace {
 
-/// A point as the service writes it.
+// A point as the service writes it.
 QByteArray pointText(int i, int samples)
 {
     const QByteArray number = QByteArray::number(i);
@@ -55,15 +55,17 @@ QByteArray pointText(int i, int samples)
 QByteArray replyOf(int points, int samplesPerPoint)
 {
     QByteArray body = "[";
-    for (int i = 0; i < points; ++i)
+    for (int i = 0; i < points; ++i) {
         body += (i == 0 ? "" : ",") + pointText(i, samplesPerPoint);
+    }
     return body + "]";
 }
 
 void check(bool isRight, const char* who)
 {
-    if (!isRight)
+    if (!isRight) {
         throw std::runtime_error(std::string(who) + " read something else");
+    }
 }
 
 class Reads
@@ -115,7 +117,7 @@ public:
                  }}};
     }
 
-    /// Objects to records alone.
+    // Objects to records alone.
     std::vector<Contestant> mappings()
     {
         m_array = QJsonDocument::fromJson(m_body).array();
@@ -135,7 +137,7 @@ public:
     }
 
     void parse() { check(QJsonDocument::fromJson(m_body).array().size() == m_points, "QJsonDocument"); }
-    /// The records alone: of the text and of what is parsed there is never more than one point.
+    // The records alone: of the text and of what is parsed there is never more than one point.
     void recordsOnly()
     {
         QList<RKPointLocation> points;
@@ -186,29 +188,33 @@ private:
     RKMonitoringData& m_data = *RKMonitoringData::instance();
 };
 
-/// What this process holds (VmRSS) or held at most (VmHWM), in MB (proc(5)); 0 where the system does not say.
+// What this process holds (VmRSS) or held at most (VmHWM), in MB (proc(5)); 0 where the system does not say.
 double megabytesHeld(const QByteArray& which)
 {
     QFile file(QStringLiteral("/proc/self/status"));
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         return 0;
+    }
     const QList<QByteArray> lines = file.readAll().split('\n');
     for (const QByteArray& line : lines) {
-        if (line.startsWith(which + ':'))
+        if (line.startsWith(which + ':')) {
             return line.mid(which.size() + 1).trimmed().split(' ').first().toDouble() * 1024 / 1e6;
+        }
     }
     return 0;
 }
 
-/// Lets VmHWM begin anew: what was put together for the reply was larger than the reply.
+// Lets VmHWM begin anew: what was put together for the reply was larger than the reply.
 void forgetPeak()
 {
     QFile file(QStringLiteral("/proc/self/clear_refs"));
-    if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+    if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
         file.write("5");
+    }
 }
 
-/// Runs one read in a process of its own; prints and returns what it held at most beyond the reply that is served, in MB.
+// Runs one read in a process of its own; prints and returns what it held at most beyond the reply that is
+// served, in MB.
 double printPeak(const char* what, const char* name, int points, int samples)
 {
     QProcess process;
@@ -241,18 +247,19 @@ int measurePeak(const QStringList& arguments)
     forgetPeak();
     const double before = megabytesHeld("VmRSS");
     const QString reader = arguments[2];
-    if (reader == QLatin1String("parse"))
+    if (reader == QLatin1String("parse")) {
         reads.parse();
-    else if (reader == QLatin1String("records"))
+    } else if (reader == QLatin1String("records")) {
         reads.recordsOnly();
-    else if (reader == QLatin1String("library"))
+    } else if (reader == QLatin1String("library")) {
         reads.byLibrary();
-    else if (reader == QLatin1String("qt"))
+    } else if (reader == QLatin1String("qt")) {
         reads.byQt();
-    else if (reader == QLatin1String("nlohmann"))
+    } else if (reader == QLatin1String("nlohmann")) {
         reads.byNlohmann();
-    else if (reader == QLatin1String("simdjson"))
+    } else if (reader == QLatin1String("simdjson")) {
         reads.bySimdjson();
+    }
     std::printf("%f\n", megabytesHeld("VmHWM") - before);
     return EXIT_SUCCESS;
 }
@@ -263,8 +270,9 @@ int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() == 5 && arguments[1] == QLatin1String("--peak"))
+    if (arguments.size() == 5 && arguments[1] == QLatin1String("--peak")) {
         return measurePeak(arguments);
+    }
     const int rounds = arguments.size() > 1 ? arguments[1].toInt() : 7;
     const int largest = arguments.size() > 2 ? arguments[2].toInt() : 500'000;
     constexpr int points = 5000;
@@ -280,8 +288,9 @@ int main(int argc, char** argv)
 
     std::printf("Growth: getPointLocation of points with one sample\n");
     for (const int count : {100, 1000, 10'000, 100'000, 500'000}) {
-        if (count > largest)
+        if (count > largest) {
             break;
+        }
         Reads reads(count, 1);
         runContest(std::to_string(count) + " points",
                    {{"getPointLocation",

@@ -1,14 +1,15 @@
-// How many small reads a second the service answers, and how long small requests wait while deliveries are taken in.
+// How many small reads a second the service answers, and how long small requests wait while deliveries are
+// taken in.
 //
-// The real service runs in a process of its own on a file in the folder for temporary files, and is asked with a token
-// that it made. Beside it, in turn: a request of the same service that needs neither token nor store, and a server that
-// does nothing but send the same bytes.
+// The real service runs in a process of its own on a file in the folder for temporary files, and is asked
+// with a token that it made. Beside it, in turn: a request of the same service that needs neither token nor
+// store, and a server that does nothing but send the same bytes.
 //
-//   bench_requests [REQUESTS [DELIVERIES]]    of a round, and of each client that delivers; 20000 and 20 when not given
+//   bench_requests [REQUESTS [DELIVERIES]]    of a round, and of each client that delivers; 20000 and 20 when
+//   not given
 
 #include "DeliveryText.h"
 #include "LoadGenerator.h"
-
 #include "peers/BareServer.h"
 #include "service/admin/ServiceProcess.h"
 #include "service/http/RawClient.h"
@@ -39,13 +40,14 @@ std::string jsonMember(const std::string& json, const std::string& name)
 {
     const std::string begin = "\"" + name + "\":\"";
     const std::size_t found = json.find(begin);
-    if (found == std::string::npos)
+    if (found == std::string::npos) {
         throw std::runtime_error("no " + name + " in " + json);
+    }
     const std::size_t value = found + begin.size();
     return json.substr(value, json.find('"', value) - value);
 }
 
-/// A service with one project and a token that may do everything in it.
+// A service with one project and a token that may do everything in it.
 class Site
 {
 public:
@@ -75,13 +77,14 @@ public:
     {
         std::string text = method + " " + path + " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(m_port) +
                            "\r\nAccept: application/json\r\nAuthorization: Bearer " + m_token + "\r\n";
-        if (!body.empty())
+        if (!body.empty()) {
             text +=
                 "Content-Type: application/json\r\nContent-Length: " + std::to_string(body.size()) + "\r\n";
+        }
         return text + "\r\n" + body;
     }
 
-    /// The body of the answer; throws when the service refuses.
+    // The body of the answer; throws when the service refuses.
     std::string call(const std::string& request) const
     {
         RawClient client(m_port);
@@ -92,12 +95,13 @@ public:
     {
         client.send(request);
         RawAnswer answer = client.readAnswer();
-        if (answer.status >= 300)
+        if (answer.status >= 300) {
             throw std::runtime_error("refused: " + answer.statusLine + " " + answer.body.substr(0, 500));
+        }
         return std::move(answer.body);
     }
 
-    /// The document of a new monitoring.
+    // The document of a new monitoring.
     std::string newCell(const std::string& name) const
     {
         return call(requestText("POST", "/monitor-service/cells",
@@ -115,8 +119,9 @@ private:
     CommandResult admin(const std::vector<std::string>& arguments) const
     {
         CommandResult result = runAdmin(m_file, arguments);
-        if (result.exitCode != 0)
+        if (result.exitCode != 0) {
             throw std::runtime_error("monitor-service admin: " + result.error);
+        }
         return result;
     }
 
@@ -138,7 +143,7 @@ struct Contestant
 {
     const char* name;
     std::unique_ptr<LoadGenerator> generator;
-    std::vector<Load> loads = {}; ///< of each round
+    std::vector<Load> loads = {}; // of each round
 };
 
 double perSecond(const Load& load)
@@ -146,13 +151,14 @@ double perSecond(const Load& load)
     return static_cast<double>(load.milliseconds.size()) / load.seconds;
 }
 
-/// The median over the rounds of what is measured in each.
+// The median over the rounds of what is measured in each.
 double overRounds(const std::vector<Load>& loads, const std::function<double(const Load&)>& measure)
 {
     std::vector<double> values;
     values.reserve(loads.size());
-    for (const Load& load : loads)
+    for (const Load& load : loads) {
         values.push_back(measure(load));
+    }
     std::sort(values.begin(), values.end());
     return values[values.size() / 2];
 }
@@ -190,19 +196,23 @@ void measureReads(std::size_t requests)
         {"GET healthz", generator(site.port(), site.requestText("GET", "/healthz"), R"({"status":"ok"})")});
     contestants.push_back({"bare server, the same bytes", generator(bare.port(), get, cell)});
 
-    for (Contestant& contestant : contestants)
+    for (Contestant& contestant : contestants) {
         contestant.generator->run(requests / 10 + 1);
+    }
     for (int round = 0; round < roundCount; ++round) {
-        for (Contestant& contestant : contestants)
+        for (Contestant& contestant : contestants) {
             contestant.loads.push_back(contestant.generator->run(requests));
+        }
     }
     std::printf("%zu connections, median of %d rounds of %zu\n", connectionCount, roundCount, requests);
     const double first = overRounds(contestants.front().loads, perSecond);
-    for (const Contestant& contestant : contestants)
+    for (const Contestant& contestant : contestants) {
         print(contestant, first);
+    }
 }
 
-/// Sends requests one after the other over one connection, in a thread of its own, and measures how long each takes.
+// Sends requests one after the other over one connection, in a thread of its own, and measures how long each
+// takes.
 class SmallRequests
 {
 public:
@@ -211,7 +221,7 @@ public:
     {
     }
 
-    /// What the requests took that were begun so far, in milliseconds, rising.
+    // What the requests took that were begun so far, in milliseconds, rising.
     std::vector<double> finish()
     {
         m_isOver = true;
@@ -245,7 +255,7 @@ void print(const char* what, const std::vector<double>& milliseconds)
                 milliseconds.back());
 }
 
-/// How long a small write and a small read take while clients deliver, each its own deliveries.
+// How long a small write and a small read take while clients deliver, each its own deliveries.
 void measureWaits(const Site& site, const char* title,
                   const std::vector<std::vector<std::string>>& deliveries)
 {
@@ -261,12 +271,14 @@ void measureWaits(const Site& site, const char* title,
     for (const std::vector<std::string>& ofClient : deliveries) {
         clients.emplace_back([&site, &ofClient] {
             RawClient client(site.port());
-            for (const std::string& delivery : ofClient)
+            for (const std::string& delivery : ofClient) {
                 Site::call(client, delivery);
+            }
         });
     }
-    for (std::thread& client : clients)
+    for (std::thread& client : clients) {
         client.join();
+    }
     const std::vector<double> ofWrites = writes.finish();
     const std::vector<double> ofReads = reads.finish();
     std::printf("%s\n", title);
@@ -295,9 +307,10 @@ void measureBesideDeliveries(std::size_t clients, std::size_t deliveriesOfClient
     std::vector<std::vector<std::string>> deliveries(clients);
     for (std::vector<std::string>& ofClient : deliveries) {
         const DeliveryTarget target = site.targetIn(site.newCell("Tower 2"));
-        for (std::size_t i = 0; i < deliveriesOfClient; ++i)
+        for (std::size_t i = 0; i < deliveriesOfClient; ++i) {
             ofClient.push_back(
                 deliveryRequest(site, deliveryText(target, points, samplesPerPoint, i * samplesPerPoint)));
+        }
     }
     const std::string title =
         "beside " + std::to_string(clients) + " clients that deliver 10000 samples at a time";

@@ -91,7 +91,8 @@ public:
     /// Counts. GET projects/{p}/cells?where=…&only_count=true. `count` is 0 after a failure.
     bool getMonitoringRangeCount(const RKMonitoringCondition& condition, int& count);
 
-    /// Appends one page. GET projects/{p}/cells?where=…&skip={skip}&limit={limit}; numbers are sent as given.
+    /// Appends one page. GET projects/{p}/cells?where=…&skip={skip}&limit={limit}; numbers are sent as
+    /// given.
     /// On success the monitoring cache is emptied and filled with every record then in `monitorings`.
     /// Returns true even when the request failed: a failure shows in an unchanged list.
     bool getMonitoringRangeData(const RKMonitoringCondition& condition, int skip, int limit,
@@ -129,11 +130,11 @@ public:
     /// Caches as the other form.
     bool createPointLocation(const QList<QList<RKPointLocation>>& batches, QString& message);
 
-    /// Appends the points that match, with their samples. GET projects/{p}/pointLocations?where=…&expand=true.
-    /// `useCache`: when the point location cache has the condition's `cellId`, `points` is replaced by that
-    /// entry without a request, whatever else the condition asks.
-    /// On success of a request every point then in `points` is appended to the cache under its `cellId`: a
-    /// second uncached read of a cell doubles its entry.
+    /// Appends the points that match, with their samples. GET
+    /// projects/{p}/pointLocations?where=…&expand=true. `useCache`: when the point location cache has the
+    /// condition's `cellId`, `points` is replaced by that entry without a request, whatever else the
+    /// condition asks. On success of a request every point then in `points` is appended to the cache under
+    /// its `cellId`: a second uncached read of a cell doubles its entry.
     bool getPointLocation(RKPointLocationCondition& condition, QList<RKPointLocation>& points, bool useCache);
 
     /// Appends the points that have `uuid` among their relations.
@@ -157,9 +158,10 @@ public:
 
     // ---- Statistics -------------------------------------------------------------------------------------
 
-    /// Reads the statistic over time, by calendar day. GET projects/{p}/normal_statistics?where=…&expand=true.
-    /// A day of the reply replaces that day of `chartData`, of two equal days the later one stands; days that
-    /// the reply lacks stay. A day whose time cannot be read is the null date.
+    /// Reads the statistic over time, by calendar day. GET
+    /// projects/{p}/normal_statistics?where=…&expand=true. A day of the reply replaces that day of
+    /// `chartData`, of two equal days the later one stands; days that the reply lacks stay. A day whose time
+    /// cannot be read is the null date.
     bool getNormalPointLocation(const RKPointLocationCondition& condition,
                                 QMap<QDate, QList<RKPointLocationChartData>>& chartData);
 
@@ -178,10 +180,10 @@ public:
     /// On success it is removed from the cached list of the cell that the reply names.
     bool deleteGroup(const QString& id);
 
-    /// Sends what `updated` changes against `old`. PUT groupSettings/{id of updated} with the changed members.
-    /// Nothing changed: no request, `updated` becomes `old`, true. On success `updated` is the service's view
-    /// of it and replaces the first cached group of its `id` and `cellId`, if there is one; on failure it is
-    /// emptied.
+    /// Sends what `updated` changes against `old`. PUT groupSettings/{id of updated} with the changed
+    /// members. Nothing changed: no request, `updated` becomes `old`, true. On success `updated` is the
+    /// service's view of it and replaces the first cached group of its `id` and `cellId`, if there is one; on
+    /// failure it is emptied.
     bool updateGroup(const PointLocSetting& old, PointLocSetting& updated);
 
     /// Appends the groups of a category. GET projects/{p}/groupSettings?where={"category":category}.
@@ -195,8 +197,8 @@ public:
 
     // ---- Data manages and their history -----------------------------------------------------------------
 
-    /// One data manage, from the data manage cache alone: nothing is sent. False, and `dataManage` left alone,
-    /// when no range read has returned it.
+    /// One data manage, from the data manage cache alone: nothing is sent. False, and `dataManage` left
+    /// alone, when no range read has returned it.
     bool getDataManageById(QString id, RKDataManage& dataManage);
 
     /// Counts. GET projects/{p}/dataManages?where=…&only_count=true. `count` is 0 after a failure.

@@ -53,15 +53,15 @@ std::unique_ptr<Store> openStore(const std::string& file)
     }
     SqliteStoreOptions options;
     options.createIfMissing = true;
-    // The largest delivery holds the turn for seconds. Whoever waits longer than this, and the 10 s before that for a
-    // thread, is told to come again, before the client library gives up at 30 s without knowing what became of the
-    // request.
+    // The largest delivery holds the turn for seconds. Whoever waits longer than this, and the 10 s before
+    // that for a thread, is told to come again, before the client library gives up at 30 s without knowing
+    // what became of the request.
     options.busyTimeout = std::chrono::seconds(15);
     return std::make_unique<SqliteStore>(file, options);
 }
 
-// A file that may not grow any more and a log that nobody reads are errors to be answered and gone on after; by default
-// they end the process.
+// A file that may not grow any more and a log that nobody reads are errors to be answered and gone on after;
+// by default they end the process.
 void ignoreSignalsOfWrites()
 {
 #ifdef SIGXFSZ

@@ -6,14 +6,15 @@
 
 namespace monitorservice {
 
-/// Keeps a second service from using the same data file as long as the object lives, however the process ends. Locks an
-/// empty file beside it, FILE-lock, which stays: SQLite's own locks are lost when somebody else in the process closes the
-/// data file. Commands of administration do not ask for it.
+/// Keeps a second service from using the same data file as long as the object lives, however the process
+/// ends. Locks an empty file beside it, FILE-lock, which stays: SQLite's own locks are lost when somebody
+/// else in the process closes the data file. Commands of administration do not ask for it.
 class ServiceLock
 {
 public:
-    /// Throws std::runtime_error when another service has it. Where the lock cannot be had at all, in a folder that is
-    /// missing or may only be read, nothing is said: the store cannot be opened there either, and knows why.
+    /// Throws std::runtime_error when another service has it. Where the lock cannot be had at all, in a
+    /// folder that is missing or may only be read, nothing is said: the store cannot be opened there either,
+    /// and knows why.
     explicit ServiceLock(const std::filesystem::path& dataFile);
 
 private:

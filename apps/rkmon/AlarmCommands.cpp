@@ -44,10 +44,11 @@ Sheet alarmSheet(Session& session, const QList<RKAlarm>& alarms)
                  {QStringLiteral("SUB-CATEGORY ID"), QStringLiteral("subCategoryId"), !listed, fixed},
                  {QStringLiteral("POINTS"), QStringLiteral("pointCounts"), listed, fixed}},
                 {}};
-    for (const RKAlarm& alarm : alarms)
+    for (const RKAlarm& alarm : alarms) {
         sheet.rows.append({alarm.id, alarm.alarmTime, alarm.cellName, alarm.cellId,
                            lookup::subCategoryName(session, alarm.subCategoryId), alarm.subCategoryId,
                            alarm.pointCounts});
+    }
     return sheet;
 }
 
@@ -90,20 +91,23 @@ Sheet depthSheet(const QList<AlarmThree>& depths)
                  {QStringLiteral("MEASURED"), QStringLiteral("monitorTime"), listed, fixed},
                  {QStringLiteral("COUNT"), QStringLiteral("monitorCount"), listed, fixed}},
                 {}};
-    for (const AlarmThree& depth : depths)
+    for (const AlarmThree& depth : depths) {
         sheet.rows.append({depth.id, depth.pointName, depth.depth, depth.totalValue, depth.monitorTime,
                            depth.monitorCount});
+    }
     return sheet;
 }
 
-/// A success whose records lack their identifiers was none.
+// A success whose records lack their identifiers was none.
 template <typename Records>
 void requireIdentifiers(const Records& records, const QString& purpose)
 {
-    for (const auto& record : records)
-        if (record.id.isEmpty())
+    for (const auto& record : records) {
+        if (record.id.isEmpty()) {
             throw Failure(ExitCode::Failed,
                           QStringLiteral("cannot %1: the answer is not that of alarms").arg(purpose));
+        }
+    }
 }
 
 RKAlarmCondition conditionOf(Session& session, const ListOptions& options)
@@ -112,13 +116,16 @@ RKAlarmCondition conditionOf(Session& session, const ListOptions& options)
     restrictTo(options.period, condition);
     condition.name = markers::keptOutOf(options.name);
     condition.isAllCell = options.cells.isEmpty();
-    for (const QString& cell : options.cells)
+    for (const QString& cell : options.cells) {
         condition.cellIds.append(lookup::monitoring(session, cell).id);
+    }
     condition.isAllCategory = options.categories.isEmpty() && options.subCategories.isEmpty();
-    for (const QString& category : options.categories)
+    for (const QString& category : options.categories) {
         condition.categories.append(markers::requireNone(category, "--category"));
-    for (const QString& subCategory : options.subCategories)
+    }
+    for (const QString& subCategory : options.subCategories) {
         condition.subCategories.append(markers::requireNone(subCategory, "--sub-category"));
+    }
     return condition;
 }
 

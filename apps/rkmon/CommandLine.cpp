@@ -11,15 +11,16 @@
 
 namespace {
 
-/// Cells that help gives the names of options and commands.
+// Cells that help gives the names of options and commands.
 constexpr std::size_t titleColumn = 28;
 
-/// The innermost command that was named.
+// The innermost command that was named.
 const CLI::App& namedCommand(const CLI::App& root)
 {
     const CLI::App* app = &root;
-    while (!app->get_subcommands().empty())
+    while (!app->get_subcommands().empty()) {
         app = app->get_subcommands().back();
+    }
     return *app;
 }
 
@@ -33,32 +34,39 @@ QStringList candidatesFor(const QString& word, const CLI::App& app)
 {
     QStringList candidates;
     if (!word.startsWith(QLatin1Char('-'))) {
-        for (const CLI::App* sub : app.get_subcommands({}))
+        for (const CLI::App* sub : app.get_subcommands({})) {
             candidates.append(QString::fromStdString(sub->get_name()));
+        }
         return candidates;
     }
-    for (const CLI::App* level = &app; level != nullptr; level = level->get_parent())
-        for (const CLI::Option* option : level->get_options())
-            for (const std::string& name : option->get_lnames())
+    for (const CLI::App* level = &app; level != nullptr; level = level->get_parent()) {
+        for (const CLI::Option* option : level->get_options()) {
+            for (const std::string& name : option->get_lnames()) {
                 candidates.append(QStringLiteral("--") + QString::fromStdString(name));
+            }
+        }
+    }
     return candidates;
 }
 
-/// Words that no command or option took, at whatever level they were left.
+// Words that no command or option took, at whatever level they were left.
 QStringList unknownWords(const CLI::App& app)
 {
     QStringList words;
-    for (const CLI::App* level = &app; level != nullptr; level = level->get_parent())
-        for (const std::string& word : level->remaining())
+    for (const CLI::App* level = &app; level != nullptr; level = level->get_parent()) {
+        for (const std::string& word : level->remaining()) {
             words.append(QString::fromStdString(word));
+        }
+    }
     return words;
 }
 
 QString describe(const CLI::ParseError& error, const CLI::App& app)
 {
     const QStringList unknown = unknownWords(app);
-    if (unknown.isEmpty())
+    if (unknown.isEmpty()) {
         return QString::fromUtf8(error.what());
+    }
     const QString& word = unknown.constFirst();
     const bool isOption = word.startsWith(QLatin1Char('-'));
     const bool isCommand = !isOption && !app.get_subcommands({}).empty();
@@ -71,17 +79,19 @@ QString describe(const CLI::ParseError& error, const CLI::App& app)
                                 : message + QStringLiteral("; did you mean \"%1\"?").arg(suggestion);
 }
 
-/// Says of an option what its value is and whether it must be given, and nothing else.
+// Says of an option what its value is and whether it must be given, and nothing else.
 class HelpFormatter : public CLI::Formatter
 {
 public:
     std::string make_option_opts(const CLI::Option* option) const override
     {
         std::string text;
-        if (option->get_type_size() != 0 && !option->get_positional())
+        if (option->get_type_size() != 0 && !option->get_positional()) {
             text += " " + option->get_type_name();
-        if (option->get_required())
+        }
+        if (option->get_required()) {
             text += " (required)";
+        }
         return text;
     }
 };
@@ -149,8 +159,9 @@ void CommandLine::addCommonOptions()
 
 OutputForm CommandLine::form() const
 {
-    if (m_isJson)
+    if (m_isJson) {
         return OutputForm::Json;
+    }
     return m_isCsv ? OutputForm::Csv : OutputForm::Table;
 }
 
@@ -158,8 +169,9 @@ std::optional<ExitCode> CommandLine::parse(const QStringList& words)
 {
     std::vector<std::string> arguments; // last one first
     for (const QString& word : words) {
-        if (word.contains(QChar::ReplacementCharacter))
+        if (word.contains(QChar::ReplacementCharacter)) {
             return writeUsageError(QStringLiteral("argument \"%1\" is not UTF-8").arg(word), m_app);
+        }
         arguments.insert(arguments.begin(), word.toStdString());
     }
     try {

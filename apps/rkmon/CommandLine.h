@@ -5,9 +5,9 @@
 #include "Output.h"
 #include "Session.h"
 
-#include <CLI/CLI.hpp>
-
 #include <QStringList>
+
+#include <CLI/CLI.hpp>
 
 #include <optional>
 

@@ -27,8 +27,9 @@ std::function<void(const std::vector<std::string>&)> intoList(QStringList& targe
 {
     return [&target](const std::vector<std::string>& texts) {
         target.clear();
-        for (const std::string& text : texts)
+        for (const std::string& text : texts) {
             target.append(QString::fromStdString(text));
+        }
     };
 }
 

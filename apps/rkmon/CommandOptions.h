@@ -2,9 +2,9 @@
 
 #include "Session.h"
 
-#include <CLI/CLI.hpp>
-
 #include <QString>
+
+#include <CLI/CLI.hpp>
 
 #include <functional>
 #include <memory>

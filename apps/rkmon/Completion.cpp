@@ -1,34 +1,39 @@
 #include "Completion.h"
 
-#include <CLI/CLI.hpp>
-
 #include <QMap>
+
+#include <CLI/CLI.hpp>
 
 namespace {
 
-/// Where the words typed so far have led.
+// Where the words typed so far have led.
 struct Position
 {
     const CLI::App* app;
-    /// The option whose value comes next.
+    // The option whose value comes next.
     const CLI::Option* awaiting = nullptr;
 };
 
 const CLI::Option* findOption(const CLI::App& app, const QString& word)
 {
     const std::string name = word.toStdString();
-    for (const CLI::App* level = &app; level != nullptr; level = level->get_parent())
-        for (const CLI::Option* option : level->get_options())
-            if (!option->get_positional() && option->check_name(name))
+    for (const CLI::App* level = &app; level != nullptr; level = level->get_parent()) {
+        for (const CLI::Option* option : level->get_options()) {
+            if (!option->get_positional() && option->check_name(name)) {
                 return option;
+            }
+        }
+    }
     return nullptr;
 }
 
 const CLI::App* findCommand(const CLI::App& app, const QString& word)
 {
-    for (const CLI::App* sub : app.get_subcommands({}))
-        if (QString::fromStdString(sub->get_name()) == word)
+    for (const CLI::App* sub : app.get_subcommands({})) {
+        if (QString::fromStdString(sub->get_name()) == word) {
             return sub;
+        }
+    }
     return nullptr;
 }
 
@@ -40,8 +45,9 @@ Position follow(const CLI::App& root, const QStringList& words)
             position.awaiting = nullptr;
         } else if (word.startsWith(QLatin1Char('-'))) {
             const CLI::Option* option = findOption(*position.app, word);
-            if (option != nullptr && option->get_items_expected_max() > 0)
+            if (option != nullptr && option->get_items_expected_max() > 0) {
                 position.awaiting = option;
+            }
         } else if (const CLI::App* command = findCommand(*position.app, word)) {
             position.app = command;
         }
@@ -55,18 +61,22 @@ QStringList kindOf(const CLI::Option& option)
                                               {QStringLiteral("CATEGORY"), QStringLiteral("@category")},
                                               {QStringLiteral("MONITORING"), QStringLiteral("@monitoring")}};
     const QString type = QString::fromStdString(option.get_type_name());
-    if (kinds.contains(type))
+    if (kinds.contains(type)) {
         return {kinds[type]};
+    }
     return {};
 }
 
 QStringList optionNames(const CLI::App& app)
 {
     QStringList names;
-    for (const CLI::App* level = &app; level != nullptr; level = level->get_parent())
-        for (const CLI::Option* option : level->get_options())
-            for (const std::string& name : option->get_lnames())
+    for (const CLI::App* level = &app; level != nullptr; level = level->get_parent()) {
+        for (const CLI::Option* option : level->get_options()) {
+            for (const std::string& name : option->get_lnames()) {
                 names.append(QStringLiteral("--") + QString::fromStdString(name));
+            }
+        }
+    }
     names.removeDuplicates();
     return names;
 }
@@ -74,13 +84,16 @@ QStringList optionNames(const CLI::App& app)
 QStringList argumentsOf(const CLI::App& app)
 {
     QStringList names;
-    for (const CLI::App* sub : app.get_subcommands({}))
+    for (const CLI::App* sub : app.get_subcommands({})) {
         names.append(QString::fromStdString(sub->get_name()));
-    if (!names.isEmpty())
+    }
+    if (!names.isEmpty()) {
         return names;
+    }
     for (const CLI::Option* option : app.get_options()) {
-        if (!option->get_positional())
+        if (!option->get_positional()) {
             continue;
+        }
         const bool isMonitoring =
             option->get_type_name() == "ID" && app.get_parent()->get_name() == "monitoring";
         return isMonitoring ? QStringList{QStringLiteral("@monitoring")} : kindOf(*option);
@@ -95,18 +108,22 @@ QStringList completions(const CLI::App& root, const QStringList& words)
     QStringList before = words;
     QString typed = before.isEmpty() ? QString() : before.takeLast();
     // The shell parts --option=value into three words.
-    if (typed == QLatin1String("="))
+    if (typed == QLatin1String("=")) {
         typed.clear();
+    }
     before.removeAll(QStringLiteral("="));
 
     const Position position = follow(root, before);
-    if (position.awaiting != nullptr)
+    if (position.awaiting != nullptr) {
         return kindOf(*position.awaiting);
+    }
     const QStringList candidates =
         typed.startsWith(QLatin1Char('-')) ? optionNames(*position.app) : argumentsOf(*position.app);
     QStringList fitting;
-    for (const QString& candidate : candidates)
-        if (candidate.startsWith(typed) || candidate.startsWith(QLatin1Char('@')))
+    for (const QString& candidate : candidates) {
+        if (candidate.startsWith(typed) || candidate.startsWith(QLatin1Char('@'))) {
             fitting.append(candidate);
+        }
+    }
     return fitting;
 }

@@ -38,9 +38,9 @@ struct ConfigurationFlags
     QString caFile;
 };
 
-/// Each setting from the command line, else from RKMON_BASE_API, RKMON_PROJECT and RKMON_TOKEN_FILE, else from
-/// the configuration file: `flags.configFile`, or rkmon/config.ini in the user's configuration folder (XDG Base
-/// Directory Specification). Throws a Failure with ExitCode::Usage when one is missing or wrong.
+/// Each setting from the command line, else from RKMON_BASE_API, RKMON_PROJECT and RKMON_TOKEN_FILE, else
+/// from the configuration file: `flags.configFile`, or rkmon/config.ini in the user's configuration folder
+/// (XDG Base Directory Specification). Throws a Failure with ExitCode::Usage when one is missing or wrong.
 Configuration readConfiguration(const ConfigurationFlags& flags);
 
 /// The failure of a missing setting: names the three ways to give it.

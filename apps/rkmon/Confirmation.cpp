@@ -12,13 +12,16 @@ void addConfirmationOption(CLI::App& app, bool& isConfirmed)
 
 bool confirmed(Session& session, bool isConfirmed, const std::function<QString()>& question)
 {
-    if (isConfirmed)
+    if (isConfirmed) {
         return true;
-    if (!terminal::canAsk())
+    }
+    if (!terminal::canAsk()) {
         throw Failure(ExitCode::Usage,
                       QStringLiteral("refusing to delete without being able to ask; --yes confirms"));
-    if (terminal::confirm(question()))
+    }
+    if (terminal::confirm(question())) {
         return true;
+    }
     session.note(QStringLiteral("not deleted"));
     return false;
 }

@@ -53,8 +53,9 @@ Sheet dataSheet(Session& session, const QList<RKDataManage>& dataManages)
                  {QStringLiteral("UPDATED BY"), QStringLiteral("updatedBy"), !listed, !fixed}},
                 {}};
     QSet<QString> cells;
-    for (const RKDataManage& data : dataManages)
+    for (const RKDataManage& data : dataManages) {
         cells.insert(data.cellId);
+    }
     lookup::readMonitoringNames(session, cells);
     for (const RKDataManage& data : dataManages) {
         const QString file = data.fileId.isEmpty() ? QString() : data.fileId;
@@ -66,7 +67,7 @@ Sheet dataSheet(Session& session, const QList<RKDataManage>& dataManages)
     return sheet;
 }
 
-/// A delivery with an identifier made of its members: the library reads none.
+// A delivery with an identifier made of its members: the library reads none.
 struct IdentifiedHistory
 {
     QString id;
@@ -101,10 +102,12 @@ QList<RKDataManage> readPage(Session& session, const RKDataManageCondition& cond
     QList<RKDataManage> page;
     session.ask(purpose,
                 [&] { return session.projectData().getDataManageRangeData(condition, skip, limit, page); });
-    for (const RKDataManage& data : qAsConst(page))
-        if (data.id.isEmpty())
+    for (const RKDataManage& data : qAsConst(page)) {
+        if (data.id.isEmpty()) {
             throw Failure(ExitCode::Failed,
                           QStringLiteral("cannot %1: the answer is not that of data held").arg(purpose));
+        }
+    }
     return page;
 }
 
@@ -121,8 +124,9 @@ ExitCode listData(Session& session, const ListOptions& options)
     RKDataManageCondition condition;
     restrictTo(options.period, condition);
     condition.category = markers::keptOutOf(options.category);
-    if (!options.cell.isEmpty())
+    if (!options.cell.isEmpty()) {
         condition.cellId = lookup::monitoring(session, options.cell).id;
+    }
     const QList<RKDataManage> dataManages = pages::read(
         session, options.page, QStringLiteral("data held"),
         [&](int skip, int limit) { return readPage(session, condition, skip, limit); },
@@ -172,16 +176,18 @@ ExitCode listHistory(Session& session, const HistoryOptions& options)
     return ExitCode::Success;
 }
 
-/// The service has no way to ask for one.
+// The service has no way to ask for one.
 RKDataManage findData(Session& session, const QString& id)
 {
     const RKDataManageCondition all;
     const QList<RKDataManage> everything = pages::readAll(
         QStringLiteral("data held"), [&](int skip, int limit) { return readPage(session, all, skip, limit); },
         [&] { return readCount(session, all); });
-    for (const RKDataManage& data : everything)
-        if (data.id.compare(id, Qt::CaseInsensitive) == 0)
+    for (const RKDataManage& data : everything) {
+        if (data.id.compare(id, Qt::CaseInsensitive) == 0) {
             return data;
+        }
+    }
     throw Failure(ExitCode::NotFound,
                   QStringLiteral("there is no data %1; rkmon data list shows it").arg(id));
 }
@@ -195,8 +201,9 @@ ExitCode deleteData(Session& session, const DeleteOptions& options)
         return QStringLiteral("Delete all points, samples, deliveries and alarms of %1 of \"%2\"?")
             .arg(data.alias.isEmpty() ? data.subCategoryId : data.alias, monitoring);
     };
-    if (!confirmed(session, options.isConfirmed, question))
+    if (!confirmed(session, options.isConfirmed, question)) {
         return ExitCode::Failed;
+    }
     session.ask(QStringLiteral("delete data %1").arg(options.id),
                 [&] { return session.data().deletePointData(options.id); });
     session.note(

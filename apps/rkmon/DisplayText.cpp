@@ -62,10 +62,11 @@ QString escaped(const QString& text)
     result.reserve(text.size());
     const QVector<uint> characters = text.toUcs4();
     for (const uint character : characters) {
-        if (steersTerminal(character))
+        if (steersTerminal(character)) {
             result += escapeSequence(character);
-        else
+        } else {
             result += QString::fromUcs4(&character, 1);
+        }
     }
     return result;
 }
@@ -74,24 +75,28 @@ int width(const QString& text)
 {
     int cells = 0;
     const QVector<uint> characters = text.toUcs4();
-    for (const uint character : characters)
+    for (const uint character : characters) {
         cells += cellsOf(character);
+    }
     return cells;
 }
 
 QString truncated(const QString& text, int cells)
 {
-    if (width(text) <= cells)
+    if (width(text) <= cells) {
         return text;
-    if (cells < 1)
+    }
+    if (cells < 1) {
         return QString();
+    }
     QString result;
     int used = 1; // the ellipsis
     const QVector<uint> characters = text.toUcs4();
     for (const uint character : characters) {
         used += cellsOf(character);
-        if (used > cells)
+        if (used > cells) {
             break;
+        }
         result += QString::fromUcs4(&character, 1);
     }
     return result + ellipsis;

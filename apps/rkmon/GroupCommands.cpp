@@ -21,7 +21,7 @@ struct ListOptions
     QString category;
 };
 
-/// The members of a group that the user may set.
+// The members of a group that the user may set.
 struct MemberOptions
 {
     std::optional<QString> name;
@@ -71,8 +71,9 @@ Sheet groupSheet(Session& session, const QList<PointLocSetting>& groups)
                  {QStringLiteral("UPDATED BY"), QStringLiteral("updatedBy"), !listed, !fixed}},
                 {}};
     QSet<QString> cells;
-    for (const PointLocSetting& group : groups)
+    for (const PointLocSetting& group : groups) {
         cells.insert(group.cellId);
+    }
     lookup::readMonitoringNames(session, cells);
     for (const PointLocSetting& group : groups) {
         const QString viewPort = group.viewPortId.isEmpty() ? QString() : group.viewPortId;
@@ -90,9 +91,10 @@ Sheet groupSheet(Session& session, const QList<PointLocSetting>& groups)
 
 void requireIdentifier(const PointLocSetting& group, const QString& purpose)
 {
-    if (group.id.isEmpty())
+    if (group.id.isEmpty()) {
         throw Failure(ExitCode::Failed,
                       QStringLiteral("cannot %1: the answer is not that of a group").arg(purpose));
+    }
 }
 
 QList<PointLocSetting> groupsOfCategory(Session& session, const QString& category)
@@ -100,8 +102,9 @@ QList<PointLocSetting> groupsOfCategory(Session& session, const QString& categor
     const QString purpose = QStringLiteral("list the groups of \"%1\"").arg(category);
     QList<PointLocSetting> groups;
     session.ask(purpose, [&] { return session.projectData().getGroupsByCategory(category, groups); });
-    for (const PointLocSetting& group : qAsConst(groups))
+    for (const PointLocSetting& group : qAsConst(groups)) {
         requireIdentifier(group, purpose);
+    }
     return groups;
 }
 
@@ -111,8 +114,9 @@ QList<PointLocSetting> groupsOfCell(Session& session, const QString& cell)
     const QString purpose = QStringLiteral("list the groups of \"%1\"").arg(monitoring.name);
     QList<PointLocSetting> groups;
     session.ask(purpose, [&] { return session.data().getGroupsByCellId(monitoring.id, groups, false); });
-    for (const PointLocSetting& group : qAsConst(groups))
+    for (const PointLocSetting& group : qAsConst(groups)) {
         requireIdentifier(group, purpose);
+    }
     return groups;
 }
 
@@ -127,46 +131,56 @@ QStringList categories(Session& session)
 ExitCode listGroups(Session& session, const ListOptions& options)
 {
     QList<PointLocSetting> groups;
-    if (!options.cell.isEmpty())
+    if (!options.cell.isEmpty()) {
         groups = groupsOfCell(session, options.cell);
-    else
+    } else {
         for (const QString& category :
-             options.category.isEmpty() ? categories(session) : QStringList{options.category})
+             options.category.isEmpty() ? categories(session) : QStringList{options.category}) {
             groups.append(groupsOfCategory(session, category));
+        }
+    }
     session.output().addList(groupSheet(session, groups));
     return ExitCode::Success;
 }
 
-/// The service has no way to ask for one group.
+// The service has no way to ask for one group.
 PointLocSetting findGroup(Session& session, const QString& id)
 {
-    for (const QString& category : categories(session))
-        for (const PointLocSetting& group : groupsOfCategory(session, category))
-            if (group.id.compare(id, Qt::CaseInsensitive) == 0)
+    for (const QString& category : categories(session)) {
+        for (const PointLocSetting& group : groupsOfCategory(session, category)) {
+            if (group.id.compare(id, Qt::CaseInsensitive) == 0) {
                 return group;
+            }
+        }
+    }
     throw Failure(ExitCode::NotFound, QStringLiteral("there is no group %1").arg(id));
 }
 
 double limitOf(double limit, const char* option)
 {
-    if (!std::isfinite(limit) || limit < 0.0)
+    if (!std::isfinite(limit) || limit < 0.0) {
         throw Failure(
             ExitCode::Usage,
             QStringLiteral("%1: a limit is not negative, and 0 is no limit").arg(QLatin1String(option)));
+    }
     return limit;
 }
 
 void assignMembers(const MemberOptions& members, PointLocSetting& group)
 {
     group.groupName = members.name.value_or(group.groupName);
-    if (!members.points.isEmpty())
+    if (!members.points.isEmpty()) {
         group.groupPoint = members.points;
-    if (members.dailyIn)
+    }
+    if (members.dailyIn) {
         group.dayVarType = *members.dailyIn == percentText ? inPercent : inUnits;
-    if (members.dailyLimit)
+    }
+    if (members.dailyLimit) {
         group.dayVarValue = limitOf(*members.dailyLimit, "--daily-limit");
-    if (members.totalLimit)
+    }
+    if (members.totalLimit) {
         group.totalVar = limitOf(*members.totalLimit, "--total-limit");
+    }
 }
 
 ExitCode createGroup(Session& session, const CreateOptions& options)
@@ -194,9 +208,10 @@ ExitCode updateGroup(Session& session, const UpdateOptions& options)
 {
     const MemberOptions& members = options.members;
     if (!members.name && members.points.isEmpty() && !members.dailyIn && !members.dailyLimit &&
-        !members.totalLimit)
+        !members.totalLimit) {
         throw Failure(ExitCode::Usage, QStringLiteral("nothing to change is given: use --name, --point, "
                                                       "--daily-in, --daily-limit or --total-limit"));
+    }
     PointLocSetting checked;
     assignMembers(members, checked); // refused before anything is sent
     const PointLocSetting before = findGroup(session, options.id);
@@ -224,8 +239,9 @@ ExitCode deleteGroup(Session& session, const DeleteOptions& options)
             .arg(group.groupName, group.id)
             .arg(group.groupPoint.size());
     };
-    if (!confirmed(session, options.isConfirmed, question))
+    if (!confirmed(session, options.isConfirmed, question)) {
         return ExitCode::Failed;
+    }
     session.ask(QStringLiteral("delete group %1").arg(options.id),
                 [&] { return session.data().deleteGroup(options.id); });
     session.note(QStringLiteral("deleted group %1").arg(options.id));

@@ -41,10 +41,12 @@ std::optional<RKMonitoring> monitoringNamed(Session& session, const QString& nam
     session.ask(QStringLiteral("find the monitoring \"%1\"").arg(name),
                 [&] { return session.projectData().getMonitoringRangeData(condition, 0, pageRows, found); });
     QStringList ids;
-    for (const RKMonitoring& monitoring : qAsConst(found))
+    for (const RKMonitoring& monitoring : qAsConst(found)) {
         ids.append(monitoring.id);
-    if (found.size() > 1)
+    }
+    if (found.size() > 1) {
         throw Failure(ExitCode::Usage, severalText(QStringLiteral("monitorings"), name, ids));
+    }
     return found.isEmpty() ? std::nullopt : std::make_optional(found.constFirst());
 }
 
@@ -52,18 +54,20 @@ RKMonitoring monitoring(Session& session, const QString& text)
 {
     if (!isIdentifier(text)) {
         const auto found = monitoringNamed(session, text);
-        if (!found)
+        if (!found) {
             throw Failure(
                 ExitCode::NotFound,
                 QStringLiteral("there is no monitoring \"%1\"; rkmon monitoring ids lists them").arg(text));
+        }
         return *found;
     }
     const QString purpose = QStringLiteral("read monitoring %1").arg(text);
     RKMonitoring monitoring;
     session.ask(purpose, [&] { return session.projectData().getMonitoringById(text, monitoring, false); });
-    if (monitoring.id.compare(text, Qt::CaseInsensitive) != 0)
+    if (monitoring.id.compare(text, Qt::CaseInsensitive) != 0) {
         throw Failure(ExitCode::Failed,
                       QStringLiteral("cannot %1: the answer is not that of this monitoring").arg(purpose));
+    }
     return monitoring;
 }
 
@@ -77,16 +81,18 @@ QList<RKMonitoringSubCategory> subCategories(Session& session, const QString& ca
 
 QString monitoringName(Session& session, const QString& id)
 {
-    if (id.isEmpty())
+    if (id.isEmpty()) {
         return QString();
+    }
     return session.recall(QStringLiteral("read monitoring %1").arg(id),
                           [&] { return session.data().getMonitoringName(id); });
 }
 
 void readMonitoringNames(Session& session, const QSet<QString>& ids)
 {
-    if (ids.size() < 2)
+    if (ids.size() < 2) {
         return;
+    }
     QList<RKMonitoring> monitorings;
     session.ask(QStringLiteral("list monitorings"), [&] {
         return session.projectData().getMonitoringRangeData(RKMonitoringCondition(), 0, pageRows,
@@ -96,8 +102,9 @@ void readMonitoringNames(Session& session, const QSet<QString>& ids)
 
 QString subCategoryName(Session& session, const QString& id)
 {
-    if (id.isEmpty())
+    if (id.isEmpty()) {
         return QString();
+    }
     RKMonitoringSubCategory subCategory;
     session.recall(QStringLiteral("read sub-category %1").arg(id),
                    [&] { return session.data().getSubCategoryById(id, subCategory); });
@@ -110,25 +117,28 @@ std::optional<RKMonitoringSubCategory> subCategoryAmong(const QList<RKMonitoring
     QList<RKMonitoringSubCategory> found;
     QStringList ids;
     for (const RKMonitoringSubCategory& subCategory : known) {
-        if (subCategory.id == text)
+        if (subCategory.id == text) {
             return subCategory;
+        }
         if (subCategory.name == text || subCategory.alias == text) {
             found.append(subCategory);
             ids.append(subCategory.id);
         }
     }
-    if (found.size() > 1)
+    if (found.size() > 1) {
         throw Failure(ExitCode::Usage, severalText(QStringLiteral("sub-categories"), text, ids));
+    }
     return found.isEmpty() ? std::nullopt : std::make_optional(found.constFirst());
 }
 
 RKMonitoringSubCategory subCategory(Session& session, const QString& category, const QString& text)
 {
     const auto found = subCategoryAmong(subCategories(session, category), text);
-    if (!found)
+    if (!found) {
         throw Failure(ExitCode::NotFound,
                       QStringLiteral("\"%1\" has no sub-category \"%2\"; rkmon subcategory list shows them")
                           .arg(category, text));
+    }
     return *found;
 }
 

@@ -2,12 +2,11 @@
 
 #include "Session.h"
 
-#include <RKMonitoring.h>
-#include <RKMonitoringSubCategory.h>
-
 #include <QList>
 #include <QSet>
 #include <QString>
+#include <RKMonitoring.h>
+#include <RKMonitoringSubCategory.h>
 
 #include <optional>
 
@@ -33,7 +32,8 @@ RKMonitoring monitoring(Session& session, const QString& text);
 
 QList<RKMonitoringSubCategory> subCategories(Session& session, const QString& category);
 
-/// Name of a monitoring; a request only for one that the library has not read yet. Empty for an empty identifier.
+/// Name of a monitoring; a request only for one that the library has not read yet. Empty for an empty
+/// identifier.
 QString monitoringName(Session& session, const QString& id);
 
 /// Makes the names of several monitorings known by one request, as far as the service gives them in one.
@@ -42,7 +42,8 @@ void readMonitoringNames(Session& session, const QSet<QString>& ids);
 /// Name of a sub-category, in the same way.
 QString subCategoryName(Session& session, const QString& id);
 
-/// The one of `known` with this identifier, name or alias; nothing when there is none, a Failure when several.
+/// The one of `known` with this identifier, name or alias; nothing when there is none, a Failure when
+/// several.
 std::optional<RKMonitoringSubCategory> subCategoryAmong(const QList<RKMonitoringSubCategory>& known,
                                                         const QString& text);
 

@@ -33,7 +33,7 @@ struct NoOptions
 {
 };
 
-/// The members of a monitoring that the user may set.
+// The members of a monitoring that the user may set.
 struct MemberOptions
 {
     std::optional<QString> name;
@@ -60,12 +60,13 @@ QString readingOf(const QString& id)
     return QStringLiteral("read monitoring %1").arg(id);
 }
 
-/// A success whose record lacks its identifier was no monitoring at all.
+// A success whose record lacks its identifier was no monitoring at all.
 void requireIdentifier(const RKMonitoring& monitoring, const QString& purpose)
 {
-    if (monitoring.id.isEmpty())
+    if (monitoring.id.isEmpty()) {
         throw Failure(ExitCode::Failed,
                       QStringLiteral("cannot %1: the answer is not that of a monitoring").arg(purpose));
+    }
 }
 
 RKMonitoring readMonitoring(Session& session, const QString& id)
@@ -73,9 +74,10 @@ RKMonitoring readMonitoring(Session& session, const QString& id)
     const QString purpose = readingOf(id);
     RKMonitoring monitoring;
     session.ask(purpose, [&] { return session.data().getMonitoringById(id, monitoring, false); });
-    if (monitoring.id.compare(id, Qt::CaseInsensitive) != 0)
+    if (monitoring.id.compare(id, Qt::CaseInsensitive) != 0) {
         throw Failure(ExitCode::Failed,
                       QStringLiteral("cannot %1: the answer is not that of this monitoring").arg(purpose));
+    }
     return monitoring;
 }
 
@@ -85,8 +87,9 @@ QList<RKMonitoring> readPage(Session& session, const RKMonitoringCondition& cond
     QList<RKMonitoring> page;
     session.ask(purpose,
                 [&] { return session.projectData().getMonitoringRangeData(condition, skip, limit, page); });
-    for (const RKMonitoring& monitoring : qAsConst(page))
+    for (const RKMonitoring& monitoring : qAsConst(page)) {
         requireIdentifier(monitoring, purpose);
+    }
     return page;
 }
 
@@ -129,8 +132,9 @@ Sheet nameSheet(const QList<QPair<QString, QString>>& cells)
     Sheet sheet{{{QStringLiteral("ID"), QStringLiteral("id"), listed, fixed},
                  {QStringLiteral("NAME"), QStringLiteral("name"), listed, !fixed}},
                 {}};
-    for (const auto& [id, name] : cells)
+    for (const auto& [id, name] : cells) {
         sheet.rows.append({id, name});
+    }
     return sheet;
 }
 
@@ -140,8 +144,9 @@ ExitCode nameMonitorings(Session& session, const NameOptions& options)
     QStringList names;
     QMap<QString, QString> known; // one that is named twice is asked for once
     for (const QString& id : options.ids) {
-        if (!known.contains(id))
+        if (!known.contains(id)) {
             known[id] = session.ask(readingOf(id), [&] { return session.data().getMonitoringName(id); });
+        }
         names.append(known[id]);
         cells.append({id, known[id]});
     }
@@ -164,9 +169,10 @@ QStringList recipientsOf(const QString& text)
     const QStringList parts = text.split(QLatin1Char(','));
     for (const QString& part : parts) {
         recipients.append(part.trimmed());
-        if (recipients.constLast().isEmpty())
+        if (recipients.constLast().isEmpty()) {
             throw Failure(ExitCode::Usage,
                           QStringLiteral("--alarm-to: \"%1\" names an empty recipient").arg(text));
+        }
     }
     return recipients;
 }
@@ -176,10 +182,12 @@ void assignMembers(const MemberOptions& members, RKMonitoring& monitoring)
     monitoring.name = members.name.value_or(monitoring.name);
     monitoring.category = members.category.value_or(monitoring.category);
     monitoring.modelId = members.model.value_or(monitoring.modelId);
-    if (members.alarmTo)
+    if (members.alarmTo) {
         monitoring.alarmTo = recipientsOf(*members.alarmTo);
-    if (members.isNobodyAlarmed)
+    }
+    if (members.isNobodyAlarmed) {
         monitoring.alarmTo.clear();
+    }
 }
 
 ExitCode createMonitoring(Session& session, const MemberOptions& members)
@@ -201,17 +209,20 @@ bool isSame(const RKMonitoring& left, const RKMonitoring& right)
 
 void requireMembers(const MemberOptions& members)
 {
-    if (!members.name && !members.category && !members.model && !members.alarmTo && !members.isNobodyAlarmed)
+    if (!members.name && !members.category && !members.model && !members.alarmTo &&
+        !members.isNobodyAlarmed) {
         throw Failure(ExitCode::Usage,
                       QStringLiteral("nothing to change is given: use --name, --category, --model, "
                                      "--alarm-to or --no-alarm-to"));
+    }
 }
 
 ExitCode updateMonitoring(Session& session, const UpdateOptions& options)
 {
     requireMembers(options.members);
-    if (options.members.alarmTo)
+    if (options.members.alarmTo) {
         recipientsOf(*options.members.alarmTo); // refused before anything is sent
+    }
     const RKMonitoring before = readMonitoring(session, options.id);
     RKMonitoring monitoring = before;
     assignMembers(options.members, monitoring);
@@ -233,8 +244,9 @@ ExitCode deleteMonitoring(Session& session, const DeleteOptions& options)
         return QStringLiteral("Delete monitoring \"%1\" (%2, %3)?")
             .arg(monitoring.name, monitoring.category, monitoring.id);
     };
-    if (!confirmed(session, options.isConfirmed, question))
+    if (!confirmed(session, options.isConfirmed, question)) {
         return ExitCode::Failed;
+    }
     session.ask(QStringLiteral("delete monitoring %1").arg(options.id),
                 [&] { return session.data().deleteMonitoring(options.id); });
     session.note(QStringLiteral("deleted monitoring %1").arg(options.id));

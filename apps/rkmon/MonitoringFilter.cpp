@@ -19,10 +19,11 @@ RKMonitoringCondition conditionOf(const MonitoringFilter& filter)
 {
     RKMonitoringCondition condition;
     condition.name = markers::keptOutOf(filter.name);
-    if (markers::areIn(filter.exactName))
+    if (markers::areIn(filter.exactName)) {
         condition.name = markers::exactPattern(filter.exactName);
-    else
+    } else {
         condition.exactName = filter.exactName;
+    }
     condition.modelId = markers::requireNone(filter.model, "--model");
     restrictTo(filter.period, condition);
     return condition;

@@ -2,9 +2,8 @@
 
 #include "Period.h"
 
-#include <RKMonitoringData.h>
-
 #include <QString>
+#include <RKMonitoringData.h>
 
 namespace CLI {
 class App;

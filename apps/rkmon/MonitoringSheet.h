@@ -2,9 +2,8 @@
 
 #include "Output.h"
 
-#include <RKMonitoring.h>
-
 #include <QList>
+#include <RKMonitoring.h>
 
 /// Monitorings as rows.
 Sheet monitoringSheet(const QList<RKMonitoring>& monitorings);

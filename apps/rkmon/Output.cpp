@@ -6,13 +6,12 @@
 #include "Table.h"
 #include "Terminal.h"
 
-#include <RKPub.h>
-
 #include <QDateTime>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QStringList>
+#include <RKPub.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -20,7 +19,7 @@
 
 namespace {
 
-/// Date, time of day and offset of the local zone, without the fraction.
+// Date, time of day and offset of the local zone, without the fraction.
 QString localTimeText(const QDateTime& time)
 {
     // YYYY-MM-DDThh:mm:ss.zzz and the offset
@@ -29,13 +28,14 @@ QString localTimeText(const QDateTime& time)
     constexpr int timeLength = 8;
     constexpr int offsetBegin = 23;
     const QString text = RKPub::getQStringByDateTime(time.toLocalTime());
-    if (text.isEmpty())
+    if (text.isEmpty()) {
         return QString();
+    }
     return QStringLiteral("%1 %2 %3")
         .arg(text.left(dateLength), text.mid(timeBegin, timeLength), text.mid(offsetBegin));
 }
 
-/// The number in twelve digits; a text that is none as it is.
+// The number in twelve digits; a text that is none as it is.
 QString roundedText(const QVariant& cell)
 {
     constexpr int digits = 12;
@@ -46,8 +46,9 @@ QString roundedText(const QVariant& cell)
 
 QString tableText(const QVariant& cell, const Column& column)
 {
-    if (column.isComputed)
+    if (column.isComputed) {
         return roundedText(cell);
+    }
     switch (static_cast<QMetaType::Type>(cell.type())) {
     case QMetaType::QDateTime:
         return localTimeText(cell.toDateTime());
@@ -91,21 +92,24 @@ QJsonValue jsonValue(const QVariant& cell)
 QJsonObject jsonObject(const Sheet& sheet, const QVariantList& row)
 {
     QJsonObject object;
-    for (int column = 0; column < sheet.columns.size(); ++column)
+    for (int column = 0; column < sheet.columns.size(); ++column) {
         object.insert(sheet.columns[column].key, jsonValue(row[column]));
+    }
     return object;
 }
 
 QByteArray csvLines(const Sheet& sheet)
 {
     QStringList heading;
-    for (const Column& column : sheet.columns)
+    for (const Column& column : sheet.columns) {
         heading.append(column.key);
+    }
     QString lines = csv::record(heading);
     for (const QVariantList& row : sheet.rows) {
         QStringList fields;
-        for (const QVariant& cell : row)
+        for (const QVariant& cell : row) {
             fields.append(csvText(cell));
+        }
         lines += csv::record(fields);
     }
     return lines.toUtf8();
@@ -121,19 +125,23 @@ QByteArray tableLines(const Sheet& sheet)
     QStringList titles;
     QVector<int> fixedColumns;
     for (const Column& column : sheet.columns) {
-        if (!column.isListed)
+        if (!column.isListed) {
             continue;
-        if (column.isFixed)
+        }
+        if (column.isFixed) {
             fixedColumns.append(titles.size());
+        }
         titles.append(column.title);
     }
     QVector<QStringList> rows;
     rows.reserve(sheet.rows.size());
     for (const QVariantList& row : sheet.rows) {
         QStringList texts;
-        for (int column = 0; column < sheet.columns.size(); ++column)
-            if (sheet.columns[column].isListed)
+        for (int column = 0; column < sheet.columns.size(); ++column) {
+            if (sheet.columns[column].isListed) {
                 texts.append(tableText(row[column], sheet.columns[column]));
+            }
+        }
         rows.append(texts);
     }
     return table::listLines(titles, rows, fixedColumns, tableLayout()).toUtf8();
@@ -160,8 +168,9 @@ void Output::addList(const Sheet& sheet)
         return;
     case OutputForm::Json: {
         QJsonArray array;
-        for (const QVariantList& row : sheet.rows)
+        for (const QVariantList& row : sheet.rows) {
             array.append(jsonObject(sheet, row));
+        }
         m_content += QJsonDocument(array).toJson();
         return;
     }
@@ -188,18 +197,20 @@ void Output::addRecord(const Sheet& sheet)
 
 void Output::addTexts(const Sheet& sheet, const QStringList& texts)
 {
-    if (m_form == OutputForm::Table)
+    if (m_form == OutputForm::Table) {
         addLines(texts);
-    else
+    } else {
         addList(sheet);
+    }
 }
 
 void Output::addText(const Sheet& sheet, const QString& text)
 {
-    if (m_form == OutputForm::Table)
+    if (m_form == OutputForm::Table) {
         addLines({text});
-    else
+    } else {
         addRecord(sheet);
+    }
 }
 
 void Output::addPlainTexts(const QString& key, const QStringList& texts)
@@ -213,16 +224,18 @@ void Output::addPlainTexts(const QString& key, const QStringList& texts)
         return;
     case OutputForm::Csv:
         m_content += csv::record({key}).toUtf8();
-        for (const QString& text : texts)
+        for (const QString& text : texts) {
             m_content += csv::record({text}).toUtf8();
+        }
         return;
     }
 }
 
 void Output::addLines(const QStringList& texts)
 {
-    for (const QString& text : texts)
+    for (const QString& text : texts) {
         m_content += display::escaped(text).toUtf8() + '\n';
+    }
 }
 
 void Output::flush()
@@ -232,8 +245,9 @@ void Output::flush()
     errno = 0;
     const bool isWritten =
         std::fwrite(content.constData(), 1, length, stdout) == length && std::fflush(stdout) == 0;
-    if (!isWritten && errno != EPIPE)
+    if (!isWritten && errno != EPIPE) {
         throw Failure(
             ExitCode::Failed,
             QStringLiteral("cannot write the result: %1").arg(QString::fromLocal8Bit(std::strerror(errno))));
+    }
 }

@@ -29,8 +29,8 @@ struct Column
     bool isComputed = false;
 };
 
-/// Records of one kind, one row each. Cells are texts, lists of texts, times, numbers or booleans; a null text
-/// and an invalid time are "none": JSON null, otherwise empty.
+/// Records of one kind, one row each. Cells are texts, lists of texts, times, numbers or booleans; a null
+/// text and an invalid time are "none": JSON null, otherwise empty.
 struct Sheet
 {
     QVector<Column> columns;

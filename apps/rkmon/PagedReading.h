@@ -13,8 +13,9 @@ bool hasRepeatedIdentifier(const Rows& rows)
 {
     QSet<QString> identifiers;
     identifiers.reserve(rows.size());
-    for (const auto& row : rows)
+    for (const auto& row : rows) {
         identifiers.insert(row.id);
+    }
     return identifiers.size() != rows.size();
 }
 
@@ -31,13 +32,15 @@ auto readOnce(ReadPage readPage, ReadCount readCount, int pageSize) -> std::opti
         // it, which the count alone would not show when one came and another went.
         auto page = readPage(rows.size() - 1, pageSize);
         received = page.size();
-        if (page.isEmpty() || page.constFirst().id != rows.constLast().id)
+        if (page.isEmpty() || page.constFirst().id != rows.constLast().id) {
             return std::nullopt;
+        }
         page.removeFirst();
         rows.append(page);
     }
-    if (rows.size() != readCount() || hasRepeatedIdentifier(rows))
+    if (rows.size() != readCount() || hasRepeatedIdentifier(rows)) {
         return std::nullopt;
+    }
     return rows;
 }
 
@@ -46,9 +49,11 @@ template <typename ReadPage, typename ReadCount>
 auto readEverything(ReadPage readPage, ReadCount readCount, int pageSize, int attempts)
     -> std::optional<decltype(readPage(0, 0))>
 {
-    for (int attempt = 0; attempt < attempts; ++attempt)
-        if (auto rows = readOnce(readPage, readCount, pageSize))
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        if (auto rows = readOnce(readPage, readCount, pageSize)) {
             return rows;
+        }
+    }
     return std::nullopt;
 }
 

@@ -33,11 +33,12 @@ template <typename ReadPage, typename ReadCount>
 auto readAll(const QString& what, ReadPage readPage, ReadCount readCount)
 {
     const auto rows = paging::readEverything(readPage, readCount, pageRows, readingAttempts);
-    if (!rows)
+    if (!rows) {
         throw Failure(ExitCode::Failed,
                       QStringLiteral("cannot list all %1: they kept changing while they were "
                                      "read; try again")
                           .arg(what));
+    }
     return *rows;
 }
 
@@ -46,17 +47,19 @@ template <typename ReadPage, typename ReadCount>
 auto read(Session& session, const PageOptions& options, const QString& what, ReadPage readPage,
           ReadCount readCount)
 {
-    if (options.isAll)
+    if (options.isAll) {
         return readAll(what, readPage, readCount);
+    }
     const auto rows = readPage(options.skip, options.limit);
     const int end = options.skip + rows.size();
     const int count = rows.size() < options.limit ? end : readCount();
-    if (count > end)
+    if (count > end) {
         session.noteAfterwards(
             QStringLiteral("shown are %1 of %2; --skip %3 continues, --all shows everything")
                 .arg(rows.size())
                 .arg(count)
                 .arg(end));
+    }
     return rows;
 }
 

@@ -10,25 +10,27 @@ namespace {
 QDateTime timeOf(const QString& text, const char* option)
 {
     const QDateTime time = RKPub::getDateTimeByQString(text);
-    if (!time.isValid())
+    if (!time.isValid()) {
         throw Failure(ExitCode::Usage, QStringLiteral("%1: \"%2\" is not a time; give one like 2026-03-01, "
                                                       "2026-03-01T08:00:00 or 2026-03-01T08:00:00+01:00")
                                            .arg(QLatin1String(option), text));
+    }
     return time;
 }
 
-/// A day of the local zone, or its midnight in another one.
+// A day of the local zone, or its midnight in another one.
 QDateTime dayOf(const QString& text)
 {
     constexpr int dayLength = 10; // YYYY-MM-DD
     const QDateTime day = RKPub::getDateTimeByQString(text);
     const bool isDate = text.size() == dayLength;
     const bool isMidnight = day.timeSpec() != Qt::LocalTime && day.time() == QTime(0, 0);
-    if (!day.isValid() || !(isDate || isMidnight))
+    if (!day.isValid() || !(isDate || isMidnight)) {
         throw Failure(ExitCode::Usage,
                       QStringLiteral("--until: \"%1\" is not a day; give one like 2026-03-31, or "
                                      "its midnight with an offset, as 2026-03-31T00:00:00+01:00")
                           .arg(text));
+    }
     return day;
 }
 
@@ -42,8 +44,9 @@ void addPeriodOptions(CLI::App& app, Period& period, const char* since, const ch
 
 void restrictTo(const Period& period, RKTimePeriod& condition)
 {
-    if (period.since.isEmpty() && period.until.isEmpty())
+    if (period.since.isEmpty() && period.until.isEmpty()) {
         return;
+    }
     // A period has two ends; an open one reaches beyond everything.
     constexpr int lastYear = 9999;
     condition.isAllTime = false;
@@ -51,7 +54,8 @@ void restrictTo(const Period& period, RKTimePeriod& condition)
         period.since.isEmpty() ? QDateTime::fromMSecsSinceEpoch(0, Qt::UTC) : timeOf(period.since, "--since");
     condition.endTime = period.until.isEmpty() ? QDateTime(QDate(lastYear, 12, 30), QTime(0, 0), Qt::UTC)
                                                : dayOf(period.until);
-    if (condition.startTime >= condition.endTime.addDays(1))
+    if (condition.startTime >= condition.endTime.addDays(1)) {
         throw Failure(ExitCode::Usage,
                       QStringLiteral("--since %1 is after --until %2").arg(period.since, period.until));
+    }
 }

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <RKTimePeriod.h>
-
 #include <QString>
+#include <RKTimePeriod.h>
 
 namespace CLI {
 class App;

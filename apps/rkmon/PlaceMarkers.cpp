@@ -8,7 +8,7 @@ namespace markers {
 
 namespace {
 
-/// A pattern can name the character by its code.
+// A pattern can name the character by its code.
 QString withoutPerCentSigns(const QString& pattern)
 {
     const QLatin1String code("\\x25");
@@ -58,11 +58,12 @@ QString exactPattern(const QString& text)
 
 QString requireNone(const QString& text, const char* option)
 {
-    if (areIn(text))
+    if (areIn(text)) {
         throw Failure(ExitCode::Usage,
                       QStringLiteral("%1: \"%2\" cannot be asked for, as it holds a per cent sign "
                                      "and a digit")
                           .arg(QLatin1String(option), text));
+    }
     return text;
 }
 

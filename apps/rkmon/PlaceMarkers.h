@@ -6,13 +6,16 @@
 /// marker in a condition's text for one of them.
 namespace markers {
 
-/// Whether part of `text` would be taken for a place: a per cent sign, perhaps an L, and a digit of any script.
+/// Whether part of `text` would be taken for a place: a per cent sign, perhaps an L, and a digit of any
+/// script.
 bool areIn(const QString& text);
 
-/// The same pattern (regular expression) without a per cent sign in its text, when it would be taken for a place.
+/// The same pattern (regular expression) without a per cent sign in its text, when it would be taken for a
+/// place.
 QString keptOutOf(const QString& pattern);
 
-/// A pattern that matches `text` and nothing else, though the service ignores case in patterns; without markers.
+/// A pattern that matches `text` and nothing else, though the service ignores case in patterns; without
+/// markers.
 QString exactPattern(const QString& text);
 
 /// `text`, the value of `option`, when it can be asked for as it is; else throws a usage Failure.

@@ -43,13 +43,15 @@ struct LinkOptions
 QStringList relationTexts(const QMap<QString, QStringList>& links)
 {
     QStringList texts;
-    for (auto link = links.cbegin(); link != links.cend(); ++link)
-        for (const QString& id : *link)
+    for (auto link = links.cbegin(); link != links.cend(); ++link) {
+        for (const QString& id : *link) {
             texts.append(QStringLiteral("%1=%2").arg(link.key(), id));
+        }
+    }
     return texts;
 }
 
-/// Points without their samples, but the latest one.
+// Points without their samples, but the latest one.
 Sheet pointSheet(Session& session, const QList<RKPointLocation>& points)
 {
     constexpr bool listed = true;
@@ -76,8 +78,9 @@ Sheet pointSheet(Session& session, const QList<RKPointLocation>& points)
                  {QStringLiteral("UPDATED BY"), QStringLiteral("updatedBy"), !listed, !fixed}},
                 {}};
     QSet<QString> cells;
-    for (const RKPointLocation& point : points)
+    for (const RKPointLocation& point : points) {
         cells.insert(point.cellId);
+    }
     lookup::readMonitoringNames(session, cells);
     for (const RKPointLocation& point : points) {
         // Of the samples that the condition chose; the point's own members tell of all of them.
@@ -108,7 +111,7 @@ Sheet pointSheet(Session& session, const QList<RKPointLocation>& points)
     return sheet;
 }
 
-/// One row per sample, with the columns of a file that `point import` reads.
+// One row per sample, with the columns of a file that `point import` reads.
 Sheet sampleSheet(const QList<RKPointLocation>& points)
 {
     constexpr bool listed = true;
@@ -122,18 +125,21 @@ Sheet sampleSheet(const QList<RKPointLocation>& points)
                 {}};
     for (const RKPointLocation& point : points) {
         const QString depth = point.depth.isEmpty() ? QString() : point.depth;
-        for (const RKPointLocationData& sample : point.data)
+        for (const RKPointLocationData& sample : point.data) {
             sheet.rows.append({point.name, depth, sample.time, sample.count, sample.value, sample.timeFlag});
+        }
     }
     return sheet;
 }
 
 void requireIdentifiers(const QList<RKPointLocation>& points, const QString& purpose)
 {
-    for (const RKPointLocation& point : points)
-        if (point.id.isEmpty())
+    for (const RKPointLocation& point : points) {
+        if (point.id.isEmpty()) {
             throw Failure(ExitCode::Failed,
                           QStringLiteral("cannot %1: the answer is not that of points").arg(purpose));
+        }
+    }
 }
 
 void addPoints(Session& session, const QList<RKPointLocation>& points, bool hasSamples)
@@ -159,10 +165,11 @@ ExitCode showPoint(Session& session, const ShowOptions& options)
     RKPointLocation point;
     session.ask(purpose, [&] { return session.data().getPointLocationByPointId(options.id, point); });
     requireIdentifiers({point}, purpose);
-    if (options.hasSamples)
+    if (options.hasSamples) {
         session.output().addList(sampleSheet({point}));
-    else
+    } else {
         session.output().addRecord(pointSheet(session, {point}));
+    }
     return ExitCode::Success;
 }
 
@@ -173,8 +180,9 @@ ExitCode showLatest(Session& session, const LatestOptions& options)
     const QString purpose = QStringLiteral("find the newest point of \"%1\"").arg(monitoring.name);
     RKPointLocation point;
     session.ask(purpose, [&] { return session.data().getPointLocationByTimeOrder(condition, point); });
-    if (point.id.isEmpty())
+    if (point.id.isEmpty()) {
         throw Failure(ExitCode::NotFound, QStringLiteral("no point of \"%1\" matches").arg(monitoring.name));
+    }
     session.output().addRecord(pointSheet(session, {point}));
     return ExitCode::Success;
 }
@@ -196,9 +204,10 @@ QMap<QString, QStringList> linksOf(const QStringList& texts)
         const int equals = text.indexOf(QLatin1Char('='));
         const QString relation = text.left(equals).trimmed();
         const QString id = text.mid(equals + 1).trimmed();
-        if (equals <= 0 || relation.isEmpty() || id.isEmpty())
+        if (equals <= 0 || relation.isEmpty() || id.isEmpty()) {
             throw Failure(ExitCode::Usage,
                           QStringLiteral("--link: \"%1\" is not RELATION=IDENTIFIER").arg(text));
+        }
         links[relation].append(id);
     }
     return links;
@@ -207,10 +216,12 @@ QMap<QString, QStringList> linksOf(const QStringList& texts)
 ExitCode linkPoints(Session& session, const LinkOptions& options)
 {
     const QMap<QString, QStringList> links = linksOf(options.links);
-    if (options.names.isEmpty() && !options.isEveryPoint)
+    if (options.names.isEmpty() && !options.isEveryPoint) {
         throw Failure(ExitCode::Usage, QStringLiteral("which points? --name says it, or --every-point"));
-    if (links.isEmpty() && !options.isUnlinked)
+    }
+    if (links.isEmpty() && !options.isUnlinked) {
         throw Failure(ExitCode::Usage, QStringLiteral("which relations? --link says it, or --no-links"));
+    }
     const RKMonitoring monitoring = lookup::monitoring(session, options.cell);
     RKPointLocationCondition condition;
     condition.cellId = monitoring.id;

@@ -3,11 +3,10 @@
 #include "Period.h"
 #include "Session.h"
 
-#include <RKConditions.h>
-#include <RKMonitoring.h>
-
 #include <QString>
 #include <QStringList>
+#include <RKConditions.h>
+#include <RKMonitoring.h>
 
 namespace CLI {
 class App;

@@ -14,14 +14,16 @@ Progress::Progress(const QString& unit, int total)
 
 Progress::~Progress()
 {
-    if (m_isShown)
+    if (m_isShown) {
         std::fputs("\r\033[K", stderr);
+    }
 }
 
 void Progress::show(int done)
 {
-    if (!m_isShown)
+    if (!m_isShown) {
         return;
+    }
     constexpr int cells = 30;
     const int filled = static_cast<int>(static_cast<qint64>(cells) * done / m_total);
     const QString bar = QString(filled, QLatin1Char('#')) + QString(cells - filled, QLatin1Char('-'));

@@ -2,7 +2,8 @@
 
 #include <QString>
 
-/// A bar on standard error that grows with the work done; shown on a terminal only, and gone when the object is.
+/// A bar on standard error that grows with the work done; shown on a terminal only, and gone when the object
+/// is.
 class Progress
 {
 public:

@@ -10,7 +10,7 @@ constexpr int notFound = 404;
 constexpr int firstFailingStatus = 300;
 constexpr int firstServerStatus = 500;
 
-/// Errors below this code are those of the connection and of a proxy; those above are about content.
+// Errors below this code are those of the connection and of a proxy; those above are about content.
 constexpr int endOfConnectionErrors = QNetworkReply::ContentAccessDenied;
 
 bool isWrite(const NetworkExchange& exchange)
@@ -21,18 +21,19 @@ bool isWrite(const NetworkExchange& exchange)
 QString lowerFirst(QString text)
 {
     // "HTTP error" keeps its capitals, "Connection refused" does not.
-    if (text.size() > 1 && text.at(1).isLower())
+    if (text.size() > 1 && text.at(1).isLower()) {
         text[0] = text.at(0).toLower();
+    }
     return text;
 }
 
-/// The transport's words, or `usual` when it has none.
+// The transport's words, or `usual` when it has none.
 QString reason(const NetworkExchange& exchange, const QString& usual)
 {
     return exchange.errorText.isEmpty() ? usual : exchange.errorText;
 }
 
-/// Nobody can tell whether a change whose answer was lost was carried out.
+// Nobody can tell whether a change whose answer was lost was carried out.
 QString withUncertainty(const NetworkExchange& exchange, const RequestContext& context,
                         const QString& message)
 {
@@ -107,10 +108,12 @@ Failure refusal(const NetworkExchange& exchange, const RequestContext& context)
 Failure requestFailure(const NetworkExchange& exchange, const RequestContext& context)
 {
     const bool isRedirect = exchange.error == QNetworkReply::TooManyRedirectsError;
-    if (exchange.error < endOfConnectionErrors && !isRedirect)
+    if (exchange.error < endOfConnectionErrors && !isRedirect) {
         return connectionFailure(exchange, context);
-    if (exchange.httpStatus >= firstFailingStatus)
+    }
+    if (exchange.httpStatus >= firstFailingStatus) {
         return refusal(exchange, context);
+    }
     // A success that cannot be read, or no HTTP at all.
     return {ExitCode::Failed,
             withUncertainty(exchange, context,

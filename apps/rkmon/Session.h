@@ -6,10 +6,9 @@
 #include "RequestFailure.h"
 
 #include <NetworkManager.h>
-#include <RKMonitoringData.h>
-
 #include <QString>
 #include <QStringList>
+#include <RKMonitoringData.h>
 
 #include <functional>
 #include <optional>
@@ -53,8 +52,9 @@ public:
     {
         m_lastExchange.reset();
         auto result = operation();
-        if (m_lastExchange)
+        if (m_lastExchange) {
             requireAnswer(purpose, Repetition::MayDouble);
+        }
         return result;
     }
 

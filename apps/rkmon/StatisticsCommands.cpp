@@ -36,12 +36,13 @@ Sheet statisticsSheet(const chart::Days& days)
                  {QStringLiteral("MEASURED"), QStringLiteral("time"), listed, fixed},
                  {QStringLiteral("POINT"), QStringLiteral("id"), !listed, fixed}},
                 {}};
-    for (auto day = days.cbegin(); day != days.cend(); ++day)
+    for (auto day = days.cbegin(); day != days.cend(); ++day) {
         for (const RKPointLocationChartData& entry : *day) {
             const QString depth = entry.depth.isEmpty() ? QString() : entry.depth;
             sheet.rows.append({day.key().toString(Qt::ISODate), entry.name, depth, entry.value, entry.count,
                                entry.time, entry.id});
         }
+    }
     return sheet;
 }
 
@@ -53,9 +54,10 @@ chart::Days readDays(Session& session, const RKMonitoring& monitoring, const Poi
     chart::Days days;
     session.ask(purpose, [&] { return (session.data().*statistic)(condition, days); });
     // The library puts a day whose time it cannot read under the null date.
-    if (days.contains(QDate()))
+    if (days.contains(QDate())) {
         throw Failure(ExitCode::Failed,
                       QStringLiteral("cannot %1: the answer holds a day without a date").arg(purpose));
+    }
     return days;
 }
 
@@ -66,14 +68,15 @@ QString withUnit(const QString& text, const QString& unit)
 
 QString titleOf(const StatisticsOptions& options, const RKMonitoring& monitoring)
 {
-    if (!options.title.isEmpty())
+    if (!options.title.isEmpty()) {
         return options.title;
+    }
     return options.filter.names.isEmpty()
                ? monitoring.name
                : monitoring.name + QStringLiteral(": ") + options.filter.names.join(QStringLiteral(", "));
 }
 
-/// What the limits of the named points count from, by the label of their curves.
+// What the limits of the named points count from, by the label of their curves.
 QMap<QString, chart::Reference> readReferences(Session& session, const RKMonitoring& monitoring,
                                                const QStringList& names)
 {
@@ -87,9 +90,10 @@ QMap<QString, chart::Reference> readReferences(Session& session, const RKMonitor
     for (const RKPointLocation& point : qAsConst(points)) {
         // The library reads an initial value with a fraction as 0, which therefore says nothing.
         const bool isKnown = point.initialValue != 0.0;
-        if (isKnown || !point.data.isEmpty())
+        if (isKnown || !point.data.isEmpty()) {
             references.insert(chart::label(point.name, point.depth),
                               {isKnown ? point.initialValue : point.data.constFirst().value, !isKnown});
+        }
     }
     return references;
 }
@@ -100,17 +104,23 @@ void addGroupLimits(Session& session, const RKMonitoring& monitoring, const char
     session.ask(QStringLiteral("list the groups of \"%1\"").arg(monitoring.name),
                 [&] { return session.data().getGroupsByCellId(monitoring.id, groups, false); });
     QStringList shown;
-    for (const QList<RKPointLocationChartData>& day : days)
-        for (const RKPointLocationChartData& entry : day)
+    for (const QList<RKPointLocationChartData>& day : days) {
+        for (const RKPointLocationChartData& entry : day) {
             shown.append(entry.name);
+        }
+    }
     shown.removeDuplicates();
     QStringList limited;
-    for (const PointLocSetting& group : qAsConst(groups))
-        for (const QString& name : group.groupPoint)
-            if (group.totalVar > 0.0 && shown.contains(name) && !limited.contains(name))
+    for (const PointLocSetting& group : qAsConst(groups)) {
+        for (const QString& name : group.groupPoint) {
+            if (group.totalVar > 0.0 && shown.contains(name) && !limited.contains(name)) {
                 limited.append(name);
-    if (limited.isEmpty())
+            }
+        }
+    }
+    if (limited.isEmpty()) {
         return;
+    }
     const QMap<QString, chart::Reference> references = readReferences(session, monitoring, limited);
     chart::addLimits(chart, days, groups, references);
     const bool isGuessed =
@@ -128,15 +138,17 @@ Chart depthChart(Session& session, const chart::Days& days)
 {
     const QStringList profiles = chart::namesWithProfile(days);
     const bool isSeveral = profiles.size() > 1;
-    if (isSeveral)
+    if (isSeveral) {
         throw Failure(ExitCode::Usage,
                       QStringLiteral("a chart over depth shows one point; --name chooses among %1")
                           .arg(profiles.join(QStringLiteral(", "))));
+    }
     constexpr int mostCurves = 20;
-    if (days.size() > mostCurves)
+    if (days.size() > mostCurves) {
         session.note(QStringLiteral("drawn are %1 of %2 days; --since and --until choose")
                          .arg(mostCurves)
                          .arg(days.size()));
+    }
     return chart::overDepth(chart::thinned(days, mostCurves));
 }
 
@@ -144,13 +156,15 @@ void draw(Session& session, const StatisticsOptions& options, const RKMonitoring
 {
     chart.title = titleOf(options, monitoring) + chart.title;
     chart.valueLabel = withUnit(QStringLiteral("Value"), options.unit);
-    if (chart.curves.isEmpty())
+    if (chart.curves.isEmpty()) {
         throw Failure(
             ExitCode::NotFound,
             QStringLiteral("there is nothing to draw: no reading of \"%1\" matches").arg(monitoring.name));
-    if (options.isDrawn)
+    }
+    if (options.isDrawn) {
         session.output().addPlainTexts(QStringLiteral("chart"),
                                        QStringList{chart.title} + textChart(chart, terminal::width()));
+    }
     if (!options.plot.isEmpty()) {
         writeChart(chart, options.plot);
         session.note(QStringLiteral("wrote %1").arg(options.plot));
@@ -159,8 +173,9 @@ void draw(Session& session, const StatisticsOptions& options, const RKMonitoring
 
 ExitCode showNormal(Session& session, const StatisticsOptions& options)
 {
-    if (!options.plot.isEmpty())
+    if (!options.plot.isEmpty()) {
         requireChartPath(options.plot);
+    }
     const RKMonitoring monitoring = lookup::monitoring(session, options.filter.cell);
     const chart::Days days =
         readDays(session, monitoring, options.filter, &RKMonitoringData::getNormalPointLocation);
@@ -169,16 +184,18 @@ ExitCode showNormal(Session& session, const StatisticsOptions& options)
         return ExitCode::Success;
     }
     Chart chart = chart::overTime(days);
-    if (!options.plot.isEmpty())
+    if (!options.plot.isEmpty()) {
         addGroupLimits(session, monitoring, days, chart);
+    }
     draw(session, options, monitoring, chart);
     return ExitCode::Success;
 }
 
 ExitCode showDepth(Session& session, const StatisticsOptions& options)
 {
-    if (!options.plot.isEmpty())
+    if (!options.plot.isEmpty()) {
         requireChartPath(options.plot);
+    }
     const RKMonitoring monitoring = lookup::monitoring(session, options.filter.cell);
     const chart::Days days =
         readDays(session, monitoring, options.filter, &RKMonitoringData::getDepthPointLocation);

@@ -23,8 +23,9 @@ Sheet subCategorySheet(const QList<RKMonitoringSubCategory>& subCategories)
                  {QStringLiteral("CATEGORY"), QStringLiteral("category"), listed, !fixed},
                  {QStringLiteral("ALIAS"), QStringLiteral("alias"), listed, !fixed}},
                 {}};
-    for (const RKMonitoringSubCategory& subCategory : subCategories)
+    for (const RKMonitoringSubCategory& subCategory : subCategories) {
         sheet.rows.append({subCategory.id, subCategory.name, subCategory.category, subCategory.alias});
+    }
     return sheet;
 }
 
@@ -49,8 +50,9 @@ ExitCode listSubCategories(Session& session, const ListOptions& options)
     const QStringList categories =
         options.category ? QStringList{*options.category} : readCategories(session);
     QList<RKMonitoringSubCategory> subCategories;
-    for (const QString& category : categories)
+    for (const QString& category : categories) {
         subCategories.append(readSubCategories(session, category));
+    }
     session.output().addList(subCategorySheet(subCategories));
     return ExitCode::Success;
 }
@@ -60,9 +62,10 @@ ExitCode showSubCategory(Session& session, const ShowOptions& options)
     const QString purpose = QStringLiteral("read sub-category %1").arg(options.id);
     RKMonitoringSubCategory subCategory;
     session.ask(purpose, [&] { return session.data().getSubCategoryById(options.id, subCategory); });
-    if (subCategory.id.isEmpty())
+    if (subCategory.id.isEmpty()) {
         throw Failure(ExitCode::Failed,
                       QStringLiteral("cannot %1: the answer is not that of a sub-category").arg(purpose));
+    }
     session.output().addRecord(subCategorySheet({subCategory}));
     return ExitCode::Success;
 }

@@ -7,8 +7,8 @@
 
 namespace {
 
-/// Insertions, deletions, replacements and swaps of neighbours that make one text into the other (optimal
-/// string alignment distance).
+// Insertions, deletions, replacements and swaps of neighbours that make one text into the other (optimal
+// string alignment distance).
 int distance(const QString& left, const QString& right)
 {
     QVector<int> beforeLast;
@@ -21,8 +21,9 @@ int distance(const QString& left, const QString& right)
             row[j] = std::min({last[j - 1] + (isSame ? 0 : 1), last[j] + 1, row[j - 1] + 1});
             const bool isSwap =
                 i > 1 && j > 1 && left.at(i - 1) == right.at(j - 2) && left.at(i - 2) == right.at(j - 1);
-            if (isSwap)
+            if (isSwap) {
                 row[j] = std::min(row[j], beforeLast[j - 2] + 1);
+            }
         }
         beforeLast = last;
         last = row;

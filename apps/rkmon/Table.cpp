@@ -16,21 +16,24 @@ QStringList escapedTexts(const QStringList& texts)
 {
     QStringList result;
     result.reserve(texts.size());
-    for (const QString& text : texts)
+    for (const QString& text : texts) {
         result.append(display::escaped(text));
+    }
     return result;
 }
 
 QVector<int> naturalWidths(const QVector<QStringList>& rows, int columns)
 {
     QVector<int> widths(columns, 0);
-    for (const QStringList& row : rows)
-        for (int column = 0; column < columns; ++column)
+    for (const QStringList& row : rows) {
+        for (int column = 0; column < columns; ++column) {
             widths[column] = std::max(widths[column], display::width(row[column]));
+        }
+    }
     return widths;
 }
 
-/// Takes cells from the widest column that may be cut until the line fits, or no column can give more.
+// Takes cells from the widest column that may be cut until the line fits, or no column can give more.
 void fitWidths(QVector<int>& widths, const QVector<int>& fixedColumns, int maximumWidth)
 {
     const int gaps = gap * (widths.size() - 1);
@@ -39,11 +42,13 @@ void fitWidths(QVector<int>& widths, const QVector<int>& fixedColumns, int maxim
         int widest = -1;
         for (int column = 0; column < widths.size(); ++column) {
             const bool mayShrink = widths[column] > narrowestCut && !fixedColumns.contains(column);
-            if (mayShrink && (widest < 0 || widths[column] > widths[widest]))
+            if (mayShrink && (widest < 0 || widths[column] > widths[widest])) {
                 widest = column;
+            }
         }
-        if (widest < 0)
+        if (widest < 0) {
             return;
+        }
         --widths[widest];
         --excess;
     }
@@ -57,8 +62,9 @@ QString line(const QStringList& texts, const QVector<int>& widths)
         const bool isLast = column + 1 == texts.size();
         result += isLast ? text : display::padded(text, widths[column] + gap);
     }
-    while (result.endsWith(QLatin1Char(' ')))
+    while (result.endsWith(QLatin1Char(' '))) {
         result.chop(1);
+    }
     return result;
 }
 
@@ -74,24 +80,28 @@ QString listLines(const QStringList& titles, const QVector<QStringList>& rows,
 {
     QVector<QStringList> lines{titles};
     lines.reserve(rows.size() + 1);
-    for (const QStringList& row : rows)
+    for (const QStringList& row : rows) {
         lines.append(escapedTexts(row));
+    }
 
     QVector<int> widths = naturalWidths(lines, titles.size());
-    if (layout.maximumWidth > 0)
+    if (layout.maximumWidth > 0) {
         fitWidths(widths, fixedColumns, layout.maximumWidth);
+    }
 
     QString result = emphasised(line(lines.constFirst(), widths), layout) + QLatin1Char('\n');
-    for (int row = 1; row < lines.size(); ++row)
+    for (int row = 1; row < lines.size(); ++row) {
         result += line(lines[row], widths) + QLatin1Char('\n');
+    }
     return result;
 }
 
 QString recordLines(const QStringList& titles, const QStringList& texts, const Layout& layout)
 {
     int widest = 0;
-    for (const QString& title : titles)
+    for (const QString& title : titles) {
         widest = std::max(widest, display::width(title));
+    }
 
     QString result;
     for (int member = 0; member < titles.size(); ++member) {

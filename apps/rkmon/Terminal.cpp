@@ -26,12 +26,14 @@ int askedWidth()
 {
 #ifdef Q_OS_WIN
     CONSOLE_SCREEN_BUFFER_INFO info;
-    if (GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info))
+    if (GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info)) {
         return info.srWindow.Right - info.srWindow.Left + 1;
+    }
 #else
     winsize size{};
-    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0)
+    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0) {
         return size.ws_col;
+    }
 #endif
     return 0;
 }
@@ -50,8 +52,9 @@ bool isTerminal(std::FILE* stream)
 int width()
 {
     const int wanted = qEnvironmentVariableIntValue("COLUMNS");
-    if (wanted > 0)
+    if (wanted > 0) {
         return wanted;
+    }
     const int asked = askedWidth();
     return asked > 0 ? asked : usualWidth;
 }
@@ -71,8 +74,9 @@ bool confirm(const QString& question)
     const QByteArray text = display::escaped(question).toUtf8() + " [y/N] ";
     std::fputs(text.constData(), stderr);
     std::array<char, 16> answer{}; // longer ones are not yes
-    if (std::fgets(answer.data(), static_cast<int>(answer.size()), stdin) == nullptr)
+    if (std::fgets(answer.data(), static_cast<int>(answer.size()), stdin) == nullptr) {
         return false;
+    }
     const QByteArray word = QByteArray(answer.data()).trimmed().toLower();
     return word == "y" || word == "yes";
 }

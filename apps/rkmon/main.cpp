@@ -20,7 +20,7 @@
 
 namespace {
 
-/// Ends at once: results are written in one piece at the end of a command, so nothing is left half-written.
+// Ends at once: results are written in one piece at the end of a command, so nothing is left half-written.
 void endInterrupted(int)
 {
     std::_Exit(static_cast<int>(ExitCode::Interrupted));
@@ -29,8 +29,9 @@ void endInterrupted(int)
 void writeCompletions(const CommandLine& commandLine, const QStringList& words)
 {
     const QStringList found = completions(commandLine.app(), words);
-    for (const QString& word : found)
+    for (const QString& word : found) {
         std::puts(qUtf8Printable(word));
+    }
 }
 
 ExitCode runCommand(const CommandLine& commandLine)
@@ -49,8 +50,9 @@ ExitCode run(QStringList words)
         writeCompletions(commandLine, words);
         return ExitCode::Success;
     }
-    if (const auto finished = commandLine.parse(words))
+    if (const auto finished = commandLine.parse(words)) {
         return *finished;
+    }
     return runCommand(commandLine);
 }
 
@@ -71,19 +73,22 @@ bool drawsChart(int count, char** words)
 {
     for (int i = 1; i < count; ++i) {
         const std::string_view word(words[i]);
-        if (word == "--plot" || word.substr(0, 7) == "--plot=")
+        if (word == "--plot" || word.substr(0, 7) == "--plot=") {
             return true;
+        }
     }
     return false;
 }
 
-/// Only a chart needs what draws, and it needs no screen.
+// Only a chart needs what draws, and it needs no screen.
 std::unique_ptr<QCoreApplication> makeApplication(int& count, char** words)
 {
-    if (!drawsChart(count, words))
+    if (!drawsChart(count, words)) {
         return std::make_unique<QCoreApplication>(count, words);
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+    }
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
     // Where there is no session, Qt warns of what a chart does not need.
     QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false"));
     auto application = std::make_unique<QApplication>(count, words);

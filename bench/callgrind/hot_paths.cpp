@@ -1,6 +1,7 @@
-// The paths of the client that run most often, each repeated alone under callgrind: no clock, no random seed, no time
-// zone, and no network but the loopback where a path is an exchange. Only the repetitions are counted; set-up and one
-// run that fills caches and resolves symbols are not. scripts/instruction-counts.sh runs this and compares.
+// The paths of the client that run most often, each repeated alone under callgrind: no clock, no random seed,
+// no time zone, and no network but the loopback where a path is an exchange. Only the repetitions are
+// counted; set-up and one run that fills caches and resolves symbols are not. scripts/instruction-counts.sh
+// runs this and compares.
 //
 //   hot_paths          the names of the paths
 //   hot_paths NAME     repeats one and prints how often
@@ -12,11 +13,6 @@
 #include "query/WhereBuilder.h"
 
 #include <NetworkManager.h>
-#include <RKBaseApi.h>
-#include <RKMonitoringData.h>
-#include <RKPub.h>
-#include <RKSoftCache.h>
-
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QJsonArray>
@@ -24,6 +20,10 @@
 #include <QJsonObject>
 #include <QStringList>
 #include <QVector>
+#include <RKBaseApi.h>
+#include <RKMonitoringData.h>
+#include <RKPub.h>
+#include <RKSoftCache.h>
 
 #include <valgrind/callgrind.h>
 
@@ -42,18 +42,20 @@ constexpr int coast = -8 * 3600;
 
 void check(bool isRight, const char* what)
 {
-    if (!isRight)
+    if (!isRight) {
         throw std::runtime_error(what);
+    }
 }
 
-/// Calls operation(0) to operation(count - 1) and counts their instructions.
+// Calls operation(0) to operation(count - 1) and counts their instructions.
 template <typename Operation>
 void repeat(int count, const Operation& operation)
 {
     operation(0);
     CALLGRIND_START_INSTRUMENTATION;
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         operation(i);
+    }
     CALLGRIND_STOP_INSTRUMENTATION;
     std::printf("%d\n", count);
 }
@@ -68,17 +70,18 @@ double valueOfSample(int point, int sample)
     return 12.0 + (point * 37 + sample * 11) % 1000 / 128.0;
 }
 
-/// A page as the service answers it, keys and all.
+// A page as the service answers it, keys and all.
 QJsonArray replyOfPoints()
 {
     QJsonArray reply;
     for (int i = 0; i < pointCount; ++i) {
         QJsonArray samples;
-        for (int j = 0; j < samplesPerPoint; ++j)
+        for (int j = 0; j < samplesPerPoint; ++j) {
             samples.append(QJsonObject{{QStringLiteral("count"), j},
                                        {QStringLiteral("time"), timeOfSample(j).toString(Qt::ISODateWithMs)},
                                        {QStringLiteral("value"), valueOfSample(i, j)},
                                        {QStringLiteral("timeFlag"), QStringLiteral("A")}});
+        }
         const QString created = QStringLiteral("2015-12-21T16:00:00.000Z");
         const QString engineer = QStringLiteral("A. Engineer");
         reply.append(QJsonObject{
@@ -189,12 +192,14 @@ void readTimes()
 {
     const QVector<QDateTime> times = someTimes();
     QStringList texts;
-    for (const QDateTime& time : times)
+    for (const QDateTime& time : times) {
         texts.append(time.toString(Qt::ISODateWithMs));
+    }
     repeat(20 * timeCount,
            [&](int i) { check(RKPub::getDateTimeByQString(texts.at(i % timeCount)).isValid(), "time"); });
-    for (int i = 0; i < timeCount; ++i)
+    for (int i = 0; i < timeCount; ++i) {
         check(RKPub::getDateTimeByQString(texts.at(i)) == times.at(i), "time read");
+    }
 }
 
 void writeTimes()
@@ -207,7 +212,8 @@ void writeTimes()
 
 constexpr int cachedMonitorings = 10'000;
 
-/// Identifiers of monitorings that are cached afterwards. Empty records: asking the cache for an unknown one leaves one.
+// Identifiers of monitorings that are cached afterwards. Empty records: asking the cache for an unknown one
+// leaves one.
 QStringList cacheMonitorings()
 {
     QStringList ids;
@@ -238,8 +244,9 @@ void lookUpMonitorings()
     });
 }
 
-/// A service that answers with a monitoring of 2 KB, as late as one that has something to look up: the answer is never
-/// there before the client waits for it, however slow callgrind makes the client, so that every run takes the same way.
+// A service that answers with a monitoring of 2 KB, as late as one that has something to look up: the answer
+// is never there before the client waits for it, however slow callgrind makes the client, so that every run
+// takes the same way.
 class Service
 {
 public:
@@ -311,9 +318,9 @@ int main(int argc, char** argv)
     RKBaseApi::GetInstance().setBaseApi(QStringLiteral("http://127.0.0.1:1/"));
     GetSoftCache()->setProjectId(QStringLiteral("01a1fa47d838000000000000"));
     for (const Path& path : paths) {
-        if (argc == 1)
+        if (argc == 1) {
             std::puts(path.name);
-        else if (std::strcmp(argv[1], path.name) == 0) {
+        } else if (std::strcmp(argv[1], path.name) == 0) {
             path.run();
             return EXIT_SUCCESS;
         }

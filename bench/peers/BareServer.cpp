@@ -25,8 +25,9 @@ int listeningSocket(std::uint16_t& port)
     socklen_t size = sizeof address;
     if (bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
         listen(listener, SOMAXCONN) != 0 ||
-        getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size) != 0)
+        getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
         throw std::system_error(errno, std::generic_category(), "no socket to listen on");
+    }
     port = ntohs(address.sin_port);
     return listener;
 }
@@ -49,8 +50,9 @@ void answerOne(int socket, const std::string& answer)
         return;
     }
     if (std::string_view(request.data(), static_cast<std::size_t>(size)).find("\r\n\r\n") !=
-        std::string_view::npos)
+        std::string_view::npos) {
         ::send(socket, answer.data(), answer.size(), MSG_NOSIGNAL);
+    }
 }
 
 [[noreturn]] void serve(int listener, const std::string& answer)
@@ -80,8 +82,9 @@ BareServer::BareServer(const std::string& answer)
 {
     const int listener = listeningSocket(m_port);
     m_process = fork();
-    if (m_process == 0)
+    if (m_process == 0) {
         serve(listener, answer);
+    }
     ::close(listener);
 }
 

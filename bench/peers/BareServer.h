@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <string>
 
-/// The least that answering over HTTP costs: a process of one thread and epoll(7) that looks for the end of a header
-/// and answers always the same bytes.
+/// The least that answering over HTTP costs: a process of one thread and epoll(7) that looks for the end of a
+/// header and answers always the same bytes.
 class BareServer
 {
 public:

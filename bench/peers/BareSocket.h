@@ -11,7 +11,8 @@
 #include <cstdint>
 #include <string>
 
-/// The least that HTTP over a kept connection can cost: one write, and reading up to the length that the head says.
+/// The least that HTTP over a kept connection can cost: one write, and reading up to the length that the head
+/// says.
 class BareSocket
 {
 public:
@@ -31,9 +32,10 @@ public:
         constexpr const char name[] = "Content-Length: ";
         const std::size_t size = std::stoul(m_received.substr(m_received.find(name) + sizeof(name) - 1, 20));
         const std::size_t whole = head + size;
-        if (m_received.size() < whole)
+        if (m_received.size() < whole) {
             asio::read(m_socket, asio::dynamic_buffer(m_received),
                        asio::transfer_exactly(whole - m_received.size()));
+        }
         m_received.clear();
         return size;
     }

@@ -6,7 +6,8 @@
 #include <stdexcept>
 #include <string>
 
-/// HTTP as a command-line program would do it: libcurl's easy interface, one kept connection, the caller blocks.
+/// HTTP as a command-line program would do it: libcurl's easy interface, one kept connection, the caller
+/// blocks.
 class BlockingCurl
 {
 public:
@@ -50,8 +51,9 @@ private:
         m_body.clear();
         curl_easy_setopt(m_easy.get(), CURLOPT_URL, url.c_str());
         const CURLcode code = curl_easy_perform(m_easy.get());
-        if (code != CURLE_OK)
+        if (code != CURLE_OK) {
             throw std::runtime_error(curl_easy_strerror(code));
+        }
         return m_body;
     }
 

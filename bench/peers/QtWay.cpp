@@ -46,8 +46,9 @@ QByteArray QtWay::waitFor(QNetworkReply* reply)
     QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
     loop.exec();
     reply->deleteLater();
-    if (reply->error() != QNetworkReply::NoError)
+    if (reply->error() != QNetworkReply::NoError) {
         throw std::runtime_error("QNetworkAccessManager failed");
+    }
     return reply->readAll();
 }
 

@@ -5,7 +5,6 @@
 #include <QList>
 #include <QNetworkAccessManager>
 #include <QString>
-
 #include <RKPointLocation.h>
 
 /// Qt's own means, used the way such code is usually written: QNetworkAccessManager and a nested event loop,

@@ -14,7 +14,7 @@ bool take(std::string_view text, std::size_t at, std::size_t size, Number& numbe
     return std::from_chars(first, first + size, number).ptr == first + size;
 }
 
-/// Days since 1970-01-01 in the proleptic Gregorian calendar.
+// Days since 1970-01-01 in the proleptic Gregorian calendar.
 std::int64_t daysOf(int year, int month, int day)
 {
     const int shifted = month <= 2 ? year - 1 : year;
@@ -47,14 +47,15 @@ void readSample(simdjson::ondemand::object object, StandardSample& sample)
 {
     for (auto member : object) {
         const std::string_view key = member.unescaped_key();
-        if (key == "count")
+        if (key == "count") {
             sample.count = static_cast<std::int32_t>(std::int64_t(member.value()));
-        else if (key == "time")
+        } else if (key == "time") {
             sample.time = millisecondsOf(std::string_view(member.value()), &sample.offset);
-        else if (key == "value")
+        } else if (key == "value") {
             sample.value = double(member.value());
-        else if (key == "timeFlag")
+        } else if (key == "timeFlag") {
             sample.timeFlag = textOf(simdjson::ondemand::value(member.value()));
+        }
     }
 }
 
@@ -63,45 +64,47 @@ void readPoint(simdjson::ondemand::object object, StandardPoint& point)
     for (auto member : object) {
         const std::string_view key = member.unescaped_key();
         simdjson::ondemand::value value = member.value();
-        if (key == "_id")
+        if (key == "_id") {
             point.id = textOf(value);
-        else if (key == "cellId")
+        } else if (key == "cellId") {
             point.cellId = textOf(value);
-        else if (key == "name")
+        } else if (key == "name") {
             point.name = textOf(value);
-        else if (key == "category")
+        } else if (key == "category") {
             point.category = textOf(value);
-        else if (key == "dataType")
+        } else if (key == "dataType") {
             point.dataType = static_cast<std::int32_t>(std::int64_t(value));
-        else if (key == "initialValue")
+        } else if (key == "initialValue") {
             point.initialValue = double(value);
-        else if (key == "offsetDirection")
+        } else if (key == "offsetDirection") {
             point.offsetDirection = textOf(value);
-        else if (key == "depth")
+        } else if (key == "depth") {
             point.depth = textOf(value);
-        else if (key == "insertCount")
+        } else if (key == "insertCount") {
             point.insertCount = static_cast<std::int32_t>(std::int64_t(value));
-        else if (key == "lastCount")
+        } else if (key == "lastCount") {
             point.lastCount = static_cast<std::int32_t>(std::int64_t(value));
-        else if (key == "lastDate")
+        } else if (key == "lastDate") {
             point.lastDate = millisecondsOf(std::string_view(value));
-        else if (key == "createdAt")
+        } else if (key == "createdAt") {
             point.createdAt = millisecondsOf(std::string_view(value));
-        else if (key == "createdBy")
+        } else if (key == "createdBy") {
             point.createdBy = textOf(value);
-        else if (key == "updatedAt")
+        } else if (key == "updatedAt") {
             point.updatedAt = millisecondsOf(std::string_view(value));
-        else if (key == "updatedBy")
+        } else if (key == "updatedBy") {
             point.updatedBy = textOf(value);
-        else if (key == "data")
-            for (auto sample : value.get_array())
+        } else if (key == "data") {
+            for (auto sample : value.get_array()) {
                 readSample(sample, point.data.emplace_back());
-        else if (key == "entity")
+            }
+        } else if (key == "entity") {
             for (simdjson::ondemand::object link : value.get_array()) {
                 std::vector<std::string>& identifiers =
                     point.links[std::string(std::string_view(link["type"]))];
                 identifiers.emplace_back(std::string_view(link["rId"]));
             }
+        }
     }
 }
 
@@ -118,17 +121,20 @@ std::int64_t millisecondsOf(std::string_view text, int* offset)
     int millisecond = 0;
     if (text.size() < 24 || !take(text, 0, 4, year) || !take(text, 5, 2, month) || !take(text, 8, 2, day) ||
         !take(text, 11, 2, hour) || !take(text, 14, 2, minute) || !take(text, 17, 2, second) ||
-        !take(text, 20, 3, millisecond))
+        !take(text, 20, 3, millisecond)) {
         return 0;
+    }
     int minutes = 0;
     if (text[23] != 'Z') {
         int hours = 0;
-        if (text.size() != 29 || !take(text, 24, 2, hours) || !take(text, 27, 2, minutes))
+        if (text.size() != 29 || !take(text, 24, 2, hours) || !take(text, 27, 2, minutes)) {
             return 0;
+        }
         minutes = (text[23] == '-' ? -1 : 1) * (hours * 60 + minutes);
     }
-    if (offset)
+    if (offset) {
         *offset = minutes;
+    }
     return ((daysOf(year, month, day) * 24 + hour) * 60 + minute - minutes) * 60'000 + second * 1000 +
            millisecond;
 }
@@ -164,8 +170,9 @@ StandardPoints pointsByNlohmann(const std::string& body)
             sample.value = numberOf<double>(element, "value");
             sample.timeFlag = textOf(element, "timeFlag");
         }
-        for (const nlohmann::json& link : object.at("entity"))
+        for (const nlohmann::json& link : object.at("entity")) {
             point.links[textOf(link, "type")].push_back(textOf(link, "rId"));
+        }
     }
     return points;
 }
@@ -176,7 +183,8 @@ StandardPoints pointsBySimdjson(const std::string& body)
     const simdjson::padded_string padded(body);
     simdjson::ondemand::document document = parser.iterate(padded);
     StandardPoints points;
-    for (simdjson::ondemand::object object : document.get_array())
+    for (simdjson::ondemand::object object : document.get_array()) {
         readPoint(object, points.emplace_back());
+    }
     return points;
 }

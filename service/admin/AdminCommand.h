@@ -24,8 +24,8 @@ struct AdminSettings
     std::string file; ///< the service's data
 };
 
-/// Adds `admin` with everything below it. The commands run while the line is parsed, write what was asked for to the
-/// standard output, and throw CommandError or StoreError when they fail.
+/// Adds `admin` with everything below it. The commands run while the line is parsed, write what was asked for
+/// to the standard output, and throw CommandError or StoreError when they fail.
 void addAdminCommand(CLI::App& application);
 
 void addProjectCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);

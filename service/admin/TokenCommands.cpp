@@ -1,7 +1,7 @@
 #include "admin/AdminCommand.h"
 #include "admin/Secret.h"
-#include "query/Timestamp.h"
 #include "json/JsonText.h"
+#include "query/Timestamp.h"
 
 #include <iostream>
 

@@ -19,10 +19,10 @@ public:
     /// The number of values added.
     std::size_t size() const { return m_values.size(); }
 
-    /// A JSON array of the days that have values, rising: objects with the "time" at which the day begins, with the
-    /// offset of that moment, and as "data" the values, objects with "_id", "name", "depth", "count", "value", "time"
-    /// and "entity". Within a day points go by name, then by depth as a number (one that is no number comes last), then
-    /// by identifier.
+    /// A JSON array of the days that have values, rising: objects with the "time" at which the day begins,
+    /// with the offset of that moment, and as "data" the values, objects with "_id", "name", "depth",
+    /// "count", "value", "time" and "entity". Within a day points go by name, then by depth as a number (one
+    /// that is no number comes last), then by identifier.
     std::string text(LocalDays& days);
 
 private:

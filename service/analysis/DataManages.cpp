@@ -1,8 +1,8 @@
 #include "analysis/DataManages.h"
 
-#include "query/Timestamp.h"
 #include "json/JsonText.h"
 #include "json/StoredText.h"
+#include "query/Timestamp.h"
 
 #include <simdjson.h>
 

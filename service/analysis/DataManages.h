@@ -21,8 +21,8 @@ struct DeliveryShare
     std::string lastDate;            ///< the same as text; empty when there is none
 };
 
-/// Notes a delivery that has changed something: in the data manage of the target, which is made when there is none, and
-/// by one more entry of its history.
+/// Notes a delivery that has changed something: in the data manage of the target, which is made when there is
+/// none, and by one more entry of its history.
 void recordDelivery(Session& session, const DeliveryTarget& target, const DeliveryShare& share,
                     const Author& author);
 

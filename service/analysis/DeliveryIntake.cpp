@@ -13,8 +13,8 @@ namespace monitorservice {
 
 namespace {
 
-// What the sender cannot know of a point. Not its whole document: of that it may have been a small part, so that a
-// small delivery would have a huge answer.
+// What the sender cannot know of a point. Not its whole document: of that it may have been a small part, so
+// that a small delivery would have a huge answer.
 std::string answerOf(const PointLocation& point)
 {
     return JsonObjectWriter()

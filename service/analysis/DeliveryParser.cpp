@@ -2,9 +2,9 @@
 
 #include "analysis/DeliveryRefusal.h"
 #include "analysis/JsonPieces.h"
+#include "json/JsonText.h"
 #include "query/InQuotes.h"
 #include "query/Timestamp.h"
-#include "json/JsonText.h"
 
 #include <simdjson.h>
 
@@ -108,8 +108,8 @@ std::int32_t integerOf(Member& member)
     return static_cast<std::int32_t>(number);
 }
 
-// simdjson 3.0 takes "0." with 20 digits and more for another number: 0.5400000000000000000000 for 0.00136. So the text
-// of a long number is read again; nothing when the number is too large.
+// simdjson 3.0 takes "0." with 20 digits and more for another number: 0.5400000000000000000000 for 0.00136.
+// So the text of a long number is read again; nothing when the number is too large.
 std::optional<double> readAgain(std::string_view text, double number)
 {
     double again = 0;

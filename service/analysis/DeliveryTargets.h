@@ -34,9 +34,9 @@ class DeliveryTargets
 public:
     DeliveryTargets(const Session& session, MayDo mayDo) : m_session(session), m_mayDo(std::move(mayDo)) {}
 
-    /// The target of a point. Throws DeliveryRefusal when its monitoring or sub-category does not exist or cannot be
-    /// read, when they are not of one project and category, or when the sender may not deliver there. The reference
-    /// stays valid.
+    /// The target of a point. Throws DeliveryRefusal when its monitoring or sub-category does not exist or
+    /// cannot be read, when they are not of one project and category, or when the sender may not deliver
+    /// there. The reference stays valid.
     const DeliveryTarget& of(const Delivery& delivery, const DeliveredPoint& point);
 
 private:

@@ -31,8 +31,8 @@ private:
     std::int64_t offsetAt(Instant instant);
 
     const date::time_zone* m_zone;
-    // The clock is this many milliseconds ahead of UTC from the first instant to before the second. Samples come in
-    // the order of time, so that one look into the database serves half a year of them.
+    // The clock is this many milliseconds ahead of UTC from the first instant to before the second. Samples
+    // come in the order of time, so that one look into the database serves half a year of them.
     std::int64_t m_offset = 0;
     Instant m_from = 0;
     Instant m_before = 0;

@@ -1,8 +1,8 @@
 #include "analysis/PointLocation.h"
 
-#include "store/StoreError.h"
 #include "json/JsonText.h"
 #include "json/StoredText.h"
+#include "store/StoreError.h"
 
 #include <simdjson.h>
 

@@ -5,8 +5,8 @@
 
 namespace monitorservice {
 
-/// A measuring point of a monitoring as it is stored, without its samples. Of its monitoring and sub-category, name and
-/// depth together tell it from the others.
+/// A measuring point of a monitoring as it is stored, without its samples. Of its monitoring and
+/// sub-category, name and depth together tell it from the others.
 struct PointLocation
 {
     std::string id;

@@ -44,8 +44,8 @@ struct Variation
              ///< there is no day before, or when the initial value is 0 and percent are asked for
     double totalBeyond = 0;
     double dayBeyond = 0;
-    /// The greatest of the variations in proportion to its limit; above 1 when one is over. Tells which of several
-    /// depths or groups is the worst.
+    /// The greatest of the variations in proportion to its limit; above 1 when one is over. Tells which of
+    /// several depths or groups is the worst.
     double severity = 0;
 
     bool isOver() const { return totalBeyond > 0 || dayBeyond > 0; }

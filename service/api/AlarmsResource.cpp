@@ -5,7 +5,8 @@ namespace monitorservice {
 
 namespace {
 
-// GET projects/{project}/alarmManages: the alarms, newest first; identifiers rise with time whatever the clock does.
+// GET projects/{project}/alarmManages: the alarms, newest first; identifiers rise with time whatever the
+// clock does.
 HttpResponse listAlarms(ApiRequest& request)
 {
     ListKind list;

@@ -4,8 +4,8 @@
 #include "api/Metrics.h"
 #include "api/OpenApi.h"
 #include "api/Resources.h"
-#include "query/QueryError.h"
 #include "json/JsonText.h"
+#include "query/QueryError.h"
 
 #include <algorithm>
 #include <iostream>
@@ -107,7 +107,8 @@ HttpResponse Api::answerClient(HttpRequest& request) const
     return match.handler(apiRequest);
 }
 
-// What needs no token: whether the service lives, whether it can answer, what it has done, what can be asked of it.
+// What needs no token: whether the service lives, whether it can answer, what it has done, what can be asked
+// of it.
 HttpResponse Api::answerOperator(const HttpRequest& request) const
 {
     const std::string name = request.path.size() == 1 ? request.path.front() : std::string();

@@ -8,8 +8,8 @@
 
 namespace monitorservice {
 
-/// Answers every request of the service: who asks, for which resource, and each error in its JSON form. Safe to
-/// call from several threads at once.
+/// Answers every request of the service: who asks, for which resource, and each error in its JSON form. Safe
+/// to call from several threads at once.
 class Api
 {
 public:

@@ -9,8 +9,8 @@ namespace monitorservice {
 
 namespace {
 
-// GET projects/{project}/auth?category&key: {"value": "true"} or {"value": "false"}, texts. What is not known is not
-// allowed, be it a project or a category.
+// GET projects/{project}/auth?category&key: {"value": "true"} or {"value": "false"}, texts. What is not known
+// is not allowed, be it a project or a category.
 HttpResponse getAuth(ApiRequest& request)
 {
     static const std::map<std::string, Right, std::less<>> rights{

@@ -37,9 +37,9 @@ struct CellBody
 /// Reads the body of a POST or PUT. Throws ApiError 400 that names the member.
 CellBody parseCellBody(std::string_view json);
 
-/// Takes over the members that were sent. Links of the types that were sent replace those of the same types; links of
-/// other types stay, so that who knows one relation only does not lose the others. An empty list of links removes all.
-/// Gives whether anything changed.
+/// Takes over the members that were sent. Links of the types that were sent replace those of the same types;
+/// links of other types stay, so that who knows one relation only does not lose the others. An empty list of
+/// links removes all. Gives whether anything changed.
 bool applyTo(Cell& cell, const CellBody& body);
 
 /// The document under which it is stored and answered.

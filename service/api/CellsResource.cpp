@@ -65,8 +65,8 @@ HttpResponse getCell(ApiRequest& request)
     return answerJson(readable(request.session->cells(), request.principal, kind, request.ids[0]).text);
 }
 
-// What hangs on a monitoring would be lost with it, and belongs to a sub-category of its category: it has to be deleted
-// first, each by its own request. `what` names what cannot be done before.
+// What hangs on a monitoring would be lost with it, and belongs to a sub-category of its category: it has to
+// be deleted first, each by its own request. `what` names what cannot be done before.
 void requireNothingMeasured(const Session& session, const StoredDocument& cell, const std::string& what)
 {
     DocumentQuery query;
@@ -88,8 +88,8 @@ void requireNothingMeasured(const Session& session, const StoredDocument& cell, 
     }
 }
 
-// PUT cells/{id}: changes the members that are sent and answers the whole monitoring. Its times change with its
-// content only.
+// PUT cells/{id}: changes the members that are sent and answers the whole monitoring. Its times change with
+// its content only.
 HttpResponse updateCell(ApiRequest& request)
 {
     const Parameters parameters(request.http, {});

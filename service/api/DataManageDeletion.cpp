@@ -48,8 +48,8 @@ std::string dependentsOf(const Session& session, const StoredDocument& dataManag
     return names;
 }
 
-// DELETE dataManages/{id}: answers what was deleted. With cascade=true everything goes that was delivered for its
-// monitoring and sub-category or followed from that; without, it must be alone.
+// DELETE dataManages/{id}: answers what was deleted. With cascade=true everything goes that was delivered for
+// its monitoring and sub-category or followed from that; without, it must be alone.
 HttpResponse deleteDataManage(ApiRequest& request)
 {
     const Parameters parameters(request.http, {"cascade"});

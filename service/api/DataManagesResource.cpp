@@ -1,7 +1,7 @@
 #include "api/Listing.h"
 #include "api/Resources.h"
-#include "store/StoreError.h"
 #include "json/JsonText.h"
+#include "store/StoreError.h"
 
 #include <simdjson.h>
 
@@ -53,9 +53,9 @@ private:
     std::unordered_map<std::string, std::string> m_texts;
 };
 
-// GET projects/{project}/dataManages: what was delivered for each monitoring and sub-category, the latest delivery
-// first, of those of one millisecond the newest data manage. `expand` adds "subCategory" with its category, alias and
-// name.
+// GET projects/{project}/dataManages: what was delivered for each monitoring and sub-category, the latest
+// delivery first, of those of one millisecond the newest data manage. `expand` adds "subCategory" with its
+// category, alias and name.
 HttpResponse listDataManages(ApiRequest& request)
 {
     SubCategories subCategories(request.session->subCategories());
@@ -67,8 +67,8 @@ HttpResponse listDataManages(ApiRequest& request)
     return answerListing(request, request.ids[0], request.session->dataManages(), list);
 }
 
-// GET dataManages/{id}/historyDatas: the deliveries one by one, newest first; identifiers rise with time whatever the
-// clock does.
+// GET dataManages/{id}/historyDatas: the deliveries one by one, newest first; identifiers rise with time
+// whatever the clock does.
 HttpResponse listHistory(ApiRequest& request)
 {
     return answerListingOf(request, {request.session->dataManages(), "data manage"},

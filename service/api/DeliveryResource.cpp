@@ -35,8 +35,8 @@ std::string takeIn(ApiRequest& request)
     return std::move(result.points);
 }
 
-// POST pointLocations: takes in an array of points with their samples, or an array of such arrays, and answers what
-// names each point and what is counted of it. All or nothing.
+// POST pointLocations: takes in an array of points with their samples, or an array of such arrays, and
+// answers what names each point and what is counted of it. All or nothing.
 HttpResponse postDelivery(ApiRequest& request)
 {
     const Parameters parameters(request.http, {});

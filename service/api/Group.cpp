@@ -3,9 +3,9 @@
 #include "analysis/Assign.h"
 #include "api/ApiError.h"
 #include "api/JsonBody.h"
-#include "store/StoreError.h"
 #include "json/JsonText.h"
 #include "json/StoredText.h"
+#include "store/StoreError.h"
 
 namespace monitorservice {
 

@@ -74,8 +74,8 @@ HttpResponse getGroup(ApiRequest& request)
     return answerJson(readable(request.session->groups(), request.principal, kind, request.ids[0]).text);
 }
 
-// PUT groupSettings/{id}: changes the members that are sent and answers the whole group. Its times change with its
-// content only.
+// PUT groupSettings/{id}: changes the members that are sent and answers the whole group. Its times change
+// with its content only.
 HttpResponse updateGroup(ApiRequest& request)
 {
     const Parameters parameters(request.http, {});

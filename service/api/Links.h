@@ -19,8 +19,8 @@ struct Link
     }
 };
 
-/// What a client sends of links: the types that are named, and the links of these types. A type may be named without a
-/// link: there shall be none of it.
+/// What a client sends of links: the types that are named, and the links of these types. A type may be named
+/// without a link: there shall be none of it.
 struct SentLinks
 {
     std::vector<std::string> types;

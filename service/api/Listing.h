@@ -12,8 +12,8 @@ namespace monitorservice {
 /// What a request for a list asks for, by the parameters where, skip, limit, only_count, expand and order.
 struct ListParameters
 {
-    /// Throws ApiError 400 or QueryError for a parameter that is wrong, and ApiError 404 when the caller may read
-    /// nothing in the project.
+    /// Throws ApiError 400 or QueryError for a parameter that is wrong, and ApiError 404 when the caller may
+    /// read nothing in the project.
     ListParameters(const ApiRequest& request, const std::string& project);
     ListParameters(const ListParameters&) = delete;
     ListParameters& operator=(const ListParameters&) = delete;
@@ -34,8 +34,9 @@ struct ListKind
     std::function<std::string(std::string_view document)> expanded = nullptr;
 };
 
-/// Answers a list of a project's documents, as ListParameters says: an array of those in categories that the caller
-/// may read, or their number as {"count": N}. Throws ApiError 413 when the array is longer than an answer may be.
+/// Answers a list of a project's documents, as ListParameters says: an array of those in categories that the
+/// caller may read, or their number as {"count": N}. Throws ApiError 413 when the array is longer than an
+/// answer may be.
 HttpResponse answerListing(const ApiRequest& request, const std::string& project, const Documents& documents,
                            const ListKind& kind = {});
 
@@ -46,7 +47,8 @@ struct ListParent
     const char* kind; ///< for the message when there is none that the caller may read
 };
 
-/// Answers a list of what belongs to one document, as answerListing() does. Throws ApiError 404 without that document.
+/// Answers a list of what belongs to one document, as answerListing() does. Throws ApiError 404 without that
+/// document.
 HttpResponse answerListingOf(const ApiRequest& request, const ListParent& parent, const Documents& documents,
                              const char* order = nullptr);
 

@@ -14,7 +14,8 @@ namespace monitorservice {
 class Parameters
 {
 public:
-    /// Throws for a parameter that is not among `known`, or that is given twice. The request must outlive the object.
+    /// Throws for a parameter that is not among `known`, or that is given twice. The request must outlive the
+    /// object.
     Parameters(const HttpRequest& request, std::initializer_list<std::string_view> known);
 
     /// Null when it is absent.

@@ -71,9 +71,10 @@ std::vector<std::int64_t> keysOf(PointSelection& selection)
     return keys;
 }
 
-// PUT pointLocations?where: replaces all relations of every point that matches and that the bearer may read and edit, in
-// every project; answers the number of these points. 403 when points match that the bearer may read, but none to edit.
-// Where only editing is allowed nothing is done: the number would tell what may not be read.
+// PUT pointLocations?where: replaces all relations of every point that matches and that the bearer may read
+// and edit, in every project; answers the number of these points. 403 when points match that the bearer may
+// read, but none to edit. Where only editing is allowed nothing is done: the number would tell what may not
+// be read.
 HttpResponse replaceLinks(ApiRequest& request)
 {
     const Parameters parameters(request.http, {"where"});

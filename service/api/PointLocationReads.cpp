@@ -9,8 +9,8 @@ namespace monitorservice {
 
 namespace {
 
-// GET projects/{project}/pointLocations: the points with their samples, as PointSelection chooses them. `expand` is
-// accepted; relations are always there.
+// GET projects/{project}/pointLocations: the points with their samples, as PointSelection chooses them.
+// `expand` is accepted; relations are always there.
 HttpResponse listPoints(ApiRequest& request)
 {
     const ListParameters parameters(request, request.ids[0]);

@@ -25,8 +25,8 @@ struct RouteMatch
     std::vector<std::string> ids;
 };
 
-/// The handler for the method and the path's segments from the second on. Throws ApiError 404 when no route has the path, and
-/// 405 with Allow when the one that has it does not know the method.
+/// The handler for the method and the path's segments from the second on. Throws ApiError 404 when no route
+/// has the path, and 405 with Allow when the one that has it does not know the method.
 RouteMatch findRoute(const std::vector<Route>& routes, const HttpRequest& request);
 
 } // namespace monitorservice

@@ -63,8 +63,8 @@ Where whereIn(const Parameters& parameters)
     return condition == nullptr ? Where() : Where::parse(*condition);
 }
 
-// GET projects/{project}/normal_statistics: for each day of the project's time zone the last chosen sample of each
-// point, see DailyStatistics.
+// GET projects/{project}/normal_statistics: for each day of the project's time zone the last chosen sample of
+// each point, see DailyStatistics.
 HttpResponse getNormalStatistics(ApiRequest& request)
 {
     const Parameters parameters(request.http, {"where", "expand"});

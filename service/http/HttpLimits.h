@@ -23,7 +23,8 @@ struct HttpLimits
     std::size_t mostConnections = 4096;
     /// Handlers of requests that only read (GET, HEAD) that run at a time.
     std::size_t readerThreads = 8;
-    /// Handlers of other requests that run at a time. They may wait for one another; reads do not wait for them.
+    /// Handlers of other requests that run at a time. They may wait for one another; reads do not wait for
+    /// them.
     std::size_t writerThreads = 4;
 
     /// From the connection's opening or the last answer to the next request's first byte.

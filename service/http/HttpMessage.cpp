@@ -9,8 +9,9 @@ HttpResponse errorResponse(unsigned status, std::string_view message)
     HttpResponse response;
     response.status = status;
     response.body = JsonObjectWriter().text("message", message).integer("status", status).finish();
-    if (status == 503)
+    if (status == 503) {
         response.headers.emplace_back("Retry-After", "1");
+    }
     return response;
 }
 

@@ -24,9 +24,9 @@ using boost::system::error_code;
 
 namespace {
 
-/// Connections beyond the limit that are still told so; any further one is closed without a word.
+// Connections beyond the limit that are still told so; any further one is closed without a word.
 constexpr std::size_t mostRefusals = 64;
-/// Descriptors for everything that is not a connection.
+// Descriptors for everything that is not a connection.
 constexpr std::size_t otherDescriptors = 64;
 
 HttpLimits withinDescriptors(HttpLimits limits)
@@ -37,7 +37,7 @@ HttpLimits withinDescriptors(HttpLimits limits)
     return limits;
 }
 
-/// How often deadlines are looked at: often enough that none is exceeded by much.
+// How often deadlines are looked at: often enough that none is exceeded by much.
 std::chrono::milliseconds watchInterval(const HttpLimits& limits)
 {
     const auto shortest = std::min({limits.idleDeadline, limits.headerDeadline, limits.bodyDeadline,
@@ -53,8 +53,9 @@ void open(tcp::acceptor& acceptor, const ListenAddress& address)
     // There the option would let a second process take the port over.
     acceptor.set_option(asio::socket_base::reuse_address(true));
 #endif
-    if (endpoint.protocol() == tcp::v6())
+    if (endpoint.protocol() == tcp::v6()) {
         acceptor.set_option(asio::ip::v6_only(false));
+    }
     acceptor.bind(endpoint);
     acceptor.listen();
 }
@@ -90,8 +91,9 @@ public:
     {
         {
             const std::lock_guard<std::mutex> lock(m_mutex);
-            if (m_isStopRequested)
+            if (m_isStopRequested) {
                 return;
+            }
             m_isStopRequested = true;
             m_signals.reset();
         }
@@ -101,12 +103,14 @@ public:
     void stopOnSignal()
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        if (m_isStopRequested || m_signals)
+        if (m_isStopRequested || m_signals) {
             return;
+        }
         m_signals.emplace(m_sessions.io, SIGINT, SIGTERM);
         m_signals->async_wait([this](const error_code& error, int /*signal*/) {
-            if (!error)
+            if (!error) {
                 stop();
+            }
         });
     }
 
@@ -141,37 +145,43 @@ private:
     void accept()
     {
         m_acceptor.async_accept([this](const error_code& error, tcp::socket socket) {
-            if (!m_acceptor.is_open())
+            if (!m_acceptor.is_open()) {
                 return;
-            if (error && error != asio::error::connection_aborted)
+            }
+            if (error && error != asio::error::connection_aborted) {
                 return acceptLater();
+            }
             // Asked for first, so that the loop outlives whatever happens to this connection.
             accept();
-            if (!error)
+            if (!error) {
                 welcome(std::move(socket));
+            }
         });
     }
 
-    /// No descriptor is free, for instance: asking again at once would ask in a circle.
+    // No descriptor is free, for instance: asking again at once would ask in a circle.
     void acceptLater()
     {
         m_acceptPause.expires_after(std::chrono::milliseconds(50));
         m_acceptPause.async_wait([this](const error_code& error) {
-            if (!error && m_acceptor.is_open())
+            if (!error && m_acceptor.is_open()) {
                 accept();
+            }
         });
     }
 
     void welcome(tcp::socket socket)
     {
         const std::size_t open = m_sessions.open.size();
-        if (open >= m_sessions.limits.mostConnections + mostRefusals)
+        if (open >= m_sessions.limits.mostConnections + mostRefusals) {
             return;
+        }
         const auto session = std::make_shared<HttpSession>(m_sessions, std::move(socket));
-        if (open >= m_sessions.limits.mostConnections)
+        if (open >= m_sessions.limits.mostConnections) {
             session->refuse(RefusedRequest(503, "the service has too many connections"));
-        else
+        } else {
             session->start();
+        }
     }
 
     void watch()
@@ -181,13 +191,15 @@ private:
             const auto now = HttpSession::Clock::now();
             const bool isOver = m_sessions.isStopping && (m_sessions.open.empty() || now >= m_stopDeadline);
             for (HttpSession* session : m_sessions.open) {
-                if (isOver)
+                if (isOver) {
                     session->close();
-                else
+                } else {
                     session->checkDeadline(now);
+                }
             }
-            if (!isOver)
+            if (!isOver) {
                 watch();
+            }
         });
     }
 
@@ -198,10 +210,12 @@ private:
         error_code ignored;
         m_acceptor.close(ignored);
         m_acceptPause.cancel();
-        for (HttpSession* session : m_sessions.open)
+        for (HttpSession* session : m_sessions.open) {
             session->closeIfIdle();
-        if (m_sessions.open.empty())
+        }
+        if (m_sessions.open.empty()) {
             m_watch.cancel();
+        }
     }
 
     HttpSessions m_sessions;
@@ -211,7 +225,7 @@ private:
     asio::steady_timer m_acceptPause{m_sessions.io};
     HttpSession::Clock::time_point m_stopDeadline;
     std::uint16_t m_port = 0;
-    std::mutex m_mutex; ///< guards the two that follow
+    std::mutex m_mutex; // guards the two that follow
     bool m_isStopRequested = false;
     std::optional<asio::signal_set> m_signals;
     std::once_flag m_joined;

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "HttpLimits.h"
-#include "HttpMessage.h"
-#include "ListenAddress.h"
+#include "http/HttpLimits.h"
+#include "http/HttpMessage.h"
+#include "http/ListenAddress.h"
 
 #include <array>
 #include <atomic>
@@ -38,7 +38,7 @@ public:
     ///
     /// Throws std::runtime_error, "cannot listen on 127.0.0.1:8080: Address already in use", when it cannot.
     ///
-    /// @param counters shared with whoever reports them; its own when null
+    /// `counters` is shared with whoever reports them; the server has its own when it is null.
     HttpServer(const ListenAddress& address, const HttpLimits& limits, HttpHandler handler,
                std::shared_ptr<HttpCounters> counters = nullptr);
     /// Stops and joins.

@@ -20,7 +20,7 @@ namespace {
 
 constexpr std::size_t smallestRead = 2 * 1024;
 constexpr std::size_t largestRead = 64 * 1024;
-/// A chunk's line with its extensions, or the trailer fields after the last chunk.
+// A chunk's line with its extensions, or the trailer fields after the last chunk.
 constexpr std::size_t longestChunkLine = 16 * 1024;
 
 std::string_view textOf(const boost::beast::flat_buffer& buffer)
@@ -33,15 +33,16 @@ bool isControl(char c)
     return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
 }
 
-/// Of control characters the extensions of a chunk may hold a tab alone (RFC 9112, 7.1.1). Beast lets any stand in quotes;
-/// another reader might take a line feed there for the line's end, and see other requests.
+// Of control characters the extensions of a chunk may hold a tab alone (RFC 9112, 7.1.1). Beast lets any
+// stand in quotes; another reader might take a line feed there for the line's end, and see other requests.
 void checkChunkExtensions(std::uint64_t /*size*/, boost::beast::string_view extensions, error_code& error)
 {
-    if (std::any_of(extensions.begin(), extensions.end(), [](char c) { return isControl(c) && c != '\t'; }))
+    if (std::any_of(extensions.begin(), extensions.end(), [](char c) { return isControl(c) && c != '\t'; })) {
         error = http::error::bad_chunk_extension;
+    }
 }
 
-/// One line of the log, whatever bytes a message has.
+// One line of the log, whatever bytes a message has.
 void logFailure(const std::string& method, std::string_view target, std::string_view reason)
 {
     // The query is left out: what was asked for is no business of a log.
@@ -57,7 +58,7 @@ bool isSendable(std::string_view text)
     return std::none_of(text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
 }
 
-/// A handler's answer that would break the framing becomes a 500.
+// A handler's answer that would break the framing becomes a 500.
 HttpResponse checked(HttpResponse&& response, const RequestHead& head)
 {
     const bool isSound =
@@ -65,18 +66,20 @@ HttpResponse checked(HttpResponse&& response, const RequestHead& head)
         std::all_of(response.headers.begin(), response.headers.end(), [](const auto& header) {
             return !header.first.empty() && isSendable(header.first) && isSendable(header.second);
         });
-    if (isSound)
+    if (isSound) {
         return std::move(response);
+    }
     logFailure(head.method, head.target, "its answer has a bad status or header");
     return errorResponse(500, "internal error");
 }
 
-/// What a header that does not end within its limit is refused with.
+// What a header that does not end within its limit is refused with.
 RefusedRequest tooLarge(std::string_view head)
 {
     const std::string limit = " than " + std::to_string(head.size()) + " bytes";
-    if (head.find('\n') == std::string_view::npos)
+    if (head.find('\n') == std::string_view::npos) {
         return {414, "the address is longer" + limit};
+    }
     return {431, "the header is larger" + limit};
 }
 
@@ -107,8 +110,9 @@ HttpSession::~HttpSession()
     releaseBody();
     --m_sessions.counters->openConnections;
     m_sessions.open.erase(this);
-    if (m_sessions.isStopping && m_sessions.open.empty() && m_sessions.onDrained)
+    if (m_sessions.isStopping && m_sessions.open.empty() && m_sessions.onDrained) {
         m_sessions.onDrained();
+    }
 }
 
 void HttpSession::start()
@@ -139,8 +143,9 @@ bool HttpSession::hasProgressed()
 
 void HttpSession::checkDeadline(Clock::time_point now)
 {
-    if (m_phase == Phase::Handling || now < m_deadline)
+    if (m_phase == Phase::Handling || now < m_deadline) {
         return;
+    }
     const bool mayGoOn =
         (m_phase == Phase::Writing || (m_phase == Phase::Body && now < m_bodyDeadline)) && hasProgressed();
     if (mayGoOn) {
@@ -154,15 +159,17 @@ void HttpSession::checkDeadline(Clock::time_point now)
         return;
     }
     // What a client does not take is dropped rather than left to the system, which would hold it for minutes.
-    if (m_phase == Phase::Writing)
+    if (m_phase == Phase::Writing) {
         m_socket.set_option(asio::socket_base::linger(true, 0), ignored);
+    }
     close();
 }
 
 void HttpSession::closeIfIdle()
 {
-    if (m_phase == Phase::Idle)
+    if (m_phase == Phase::Idle) {
         close();
+    }
 }
 
 void HttpSession::close()
@@ -183,17 +190,21 @@ void HttpSession::readMore(Continuation continuation)
 
 void HttpSession::received(const error_code& error, std::size_t size, Continuation continuation)
 {
-    if (m_isOverdue)
+    if (m_isOverdue) {
         return refuse(RefusedRequest(408, "the request did not arrive in time"));
+    }
     // A client that has closed its side in the middle of a request may still read what was wrong.
-    if (error == asio::error::eof && (m_phase == Phase::Header || m_phase == Phase::Body))
+    if (error == asio::error::eof && (m_phase == Phase::Header || m_phase == Phase::Body)) {
         return refuse(RefusedRequest(400, "the request ends before it is complete"));
-    if (error)
+    }
+    if (error) {
         return close();
+    }
     m_buffer.commit(size);
     m_bytesMoved += size;
-    if (m_phase == Phase::Idle)
+    if (m_phase == Phase::Idle) {
         enter(Phase::Header, m_sessions.limits.headerDeadline);
+    }
     (this->*continuation)();
 }
 
@@ -206,10 +217,12 @@ void HttpSession::awaitRequest()
         enter(Phase::Header, m_sessions.limits.headerDeadline);
         return readHead();
     }
-    if (m_sessions.isStopping)
+    if (m_sessions.isStopping) {
         return linger();
-    if (m_buffer.capacity() > smallestRead)
+    }
+    if (m_buffer.capacity() > smallestRead) {
         m_buffer.shrink_to_fit();
+    }
     enter(Phase::Idle, m_sessions.limits.idleDeadline);
     readMore(&HttpSession::readHead);
 }
@@ -219,20 +232,25 @@ void HttpSession::readHead()
     // An empty line before a request is what some clients send after a body (RFC 9112, section 2.2).
     while (textOf(m_buffer).substr(0, 2) == "\r\n") {
         m_buffer.consume(2);
-        if (m_buffer.size() == 0)
+        if (m_buffer.size() == 0) {
             return awaitRequest();
+        }
     }
-    if (textOf(m_buffer) == "\r")
+    if (textOf(m_buffer) == "\r") {
         return readMore(&HttpSession::readHead);
+    }
     try {
-        // What lies beyond the limit is not looked at: how much of it has arrived is chance, and the answer must not be.
+        // What lies beyond the limit is not looked at: how much of it has arrived is chance, and the answer
+        // must not be.
         const std::size_t largest = m_sessions.limits.largestHeader;
         const std::string_view text = textOf(m_buffer).substr(0, largest);
         const std::optional<std::size_t> end = findHeadEnd(text, m_headExamined);
-        if (!end && text.size() == largest)
+        if (!end && text.size() == largest) {
             throw tooLarge(text);
-        if (!end)
+        }
+        if (!end) {
             return readMore(&HttpSession::readHead);
+        }
         takeHead(text.substr(0, *end));
     } catch (const RefusedRequest& refusal) {
         return refuse(refusal);
@@ -251,8 +269,9 @@ void HttpSession::takeHead(std::string_view text)
     m_parser->body_limit(m_sessions.limits.largestBody);
     error_code error;
     const std::size_t size = m_parser->put(asio::const_buffer(text.data(), text.size()), error);
-    if (error || size != text.size() || !m_parser->is_header_done())
+    if (error || size != text.size() || !m_parser->is_header_done()) {
         throw RefusedRequest(400, "the header is malformed");
+    }
     m_buffer.consume(size);
 }
 
@@ -262,8 +281,9 @@ void HttpSession::beginBody()
     m_bodyDeadline = Clock::now() + m_sessions.limits.bodyDeadline;
     m_deadline = std::min(m_deadline, m_bodyDeadline);
     // A client that has begun to send its body does not wait to be told to.
-    if (m_head.expectsContinue && !m_parser->is_done() && m_buffer.size() == 0)
+    if (m_head.expectsContinue && !m_parser->is_done() && m_buffer.size() == 0) {
         return sendContinue();
+    }
     readBody();
 }
 
@@ -286,8 +306,9 @@ void HttpSession::readBody()
         releaseBody();
         return refuse(refusal);
     }
-    if (m_parser->is_done())
+    if (m_parser->is_done()) {
         return handle();
+    }
     readMore(&HttpSession::readBody);
 }
 
@@ -296,16 +317,20 @@ void HttpSession::takeBody()
     while (!m_parser->is_done() && m_buffer.size() > 0) {
         error_code error;
         m_buffer.consume(m_parser->put(asio::const_buffer(m_buffer.data()), error));
-        if (error == http::error::need_more)
+        if (error == http::error::need_more) {
             break;
-        if (error == http::error::body_limit)
+        }
+        if (error == http::error::body_limit) {
             throw RefusedRequest(413, "the body is larger than " +
                                           std::to_string(m_sessions.limits.largestBody) + " bytes");
-        if (error)
+        }
+        if (error) {
             throw RefusedRequest(400, "the body's chunks are malformed");
+        }
     }
-    if (!m_parser->is_done() && m_buffer.size() > longestChunkLine)
+    if (!m_parser->is_done() && m_buffer.size() > longestChunkLine) {
         throw RefusedRequest(400, "a chunk's extensions or the trailer fields are too long");
+    }
 }
 
 void HttpSession::chargeBody()
@@ -313,8 +338,9 @@ void HttpSession::chargeBody()
     const std::size_t size = m_parser->get().body().size();
     m_sessions.counters->bodyBytes += size - m_bodyCharge;
     m_bodyCharge = size;
-    if (m_sessions.counters->bodyBytes > m_sessions.limits.largestBodiesTogether)
+    if (m_sessions.counters->bodyBytes > m_sessions.limits.largestBodiesTogether) {
         throw RefusedRequest(503, "the service is receiving too many large bodies");
+    }
 }
 
 void HttpSession::releaseBody()
@@ -368,8 +394,9 @@ HttpResponse HttpSession::callHandler(HttpRequest&& request) const
 
 void HttpSession::respond(HttpResponse&& response)
 {
-    if (!m_socket.is_open())
+    if (!m_socket.is_open()) {
         return;
+    }
     ++m_sessions.counters->answers.at(response.status / 100);
     const bool hasBody = response.status != 204 && response.status != 304;
     m_head.isKeptAlive = m_head.isKeptAlive && !m_sessions.isStopping;
@@ -377,14 +404,17 @@ void HttpSession::respond(HttpResponse&& response)
     m_response.emplace(static_cast<http::status>(response.status), 11);
     m_response->set(http::field::date, m_sessions.currentDate());
     if (hasBody) {
-        if (!response.contentType.empty())
+        if (!response.contentType.empty()) {
             m_response->set(http::field::content_type, response.contentType);
+        }
         m_response->content_length(response.body.size());
-        if (m_head.method != "HEAD")
+        if (m_head.method != "HEAD") {
             m_response->body() = std::move(response.body);
+        }
     }
-    for (const auto& [name, value] : response.headers)
+    for (const auto& [name, value] : response.headers) {
         m_response->insert(name, value);
+    }
     m_response->keep_alive(m_head.isKeptAlive);
     m_serializer.emplace(*m_response);
     enter(Phase::Writing, m_sessions.limits.progressDeadline);
@@ -401,27 +431,31 @@ void HttpSession::writeMore()
 
 void HttpSession::written(const error_code& error, std::size_t size)
 {
-    if (error)
+    if (error) {
         return close();
+    }
     m_bytesMoved += size;
-    if (!m_serializer->is_done())
+    if (!m_serializer->is_done()) {
         return writeMore();
+    }
     m_serializer.reset();
     m_response.reset();
-    if (m_head.isKeptAlive)
+    if (m_head.isKeptAlive) {
         awaitRequest();
-    else
+    } else {
         linger();
+    }
 }
 
-/// Closes without losing the answer: were the socket closed while bytes of the client are unread, the system
-/// would reset the connection and the client might never see what was sent (RFC 9112, section 9.6).
+// Closes without losing the answer: were the socket closed while bytes of the client are unread, the system
+// would reset the connection and the client might never see what was sent (RFC 9112, section 9.6).
 void HttpSession::linger()
 {
     error_code error;
     m_socket.shutdown(asio::ip::tcp::socket::shutdown_send, error);
-    if (error)
+    if (error) {
         return close();
+    }
     m_isOverdue = false;
     enter(Phase::Lingering, m_sessions.limits.lingerDeadline);
     discard();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "HttpLimits.h"
+#include "http/HttpLimits.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -24,11 +24,9 @@ struct RequestHead
     bool expectsContinue = false;
 };
 
-/// Looks for the empty line that ends a header.
-///
-/// @param text what has arrived
-/// @param examined how much of it earlier calls have examined; brought up to date
-/// @return the header's length with its empty line, or nullopt when more must arrive
+/// Looks for the empty line that ends a header in `text`, what has arrived so far. `examined` is how much of
+/// it earlier calls have examined, and is brought up to date. Gives the header's length with its empty line;
+/// nothing when more must arrive.
 ///
 /// Throws RefusedRequest(400) as soon as a line ends in a bare LF or the first byte cannot begin a method.
 std::optional<std::size_t> findHeadEnd(std::string_view text, std::size_t& examined);

@@ -7,8 +7,8 @@
 
 namespace monitorservice {
 
-/// Appends the text as a JSON string (RFC 8259, section 7), quotes included. Characters outside ASCII stay as they
-/// are; the text must be valid UTF-8.
+/// Appends the text as a JSON string (RFC 8259, section 7), quotes included. Characters outside ASCII stay as
+/// they are; the text must be valid UTF-8.
 void appendJsonString(std::string& out, std::string_view text);
 
 /// Appends a finite number in the shortest form that reads back as the same.

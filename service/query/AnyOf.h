@@ -7,8 +7,9 @@ template <typename Range, typename Predicate>
 bool anyOf(const Range& range, Predicate predicate)
 {
     for (const auto& member : range) {
-        if (predicate(member))
+        if (predicate(member)) {
             return true;
+        }
     }
     return false;
 }

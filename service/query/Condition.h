@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Timestamp.h"
+#include "query/Timestamp.h"
 
 #include <simdjson.h>
 

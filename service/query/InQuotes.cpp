@@ -1,4 +1,4 @@
-#include "InQuotes.h"
+#include "query/InQuotes.h"
 
 #include <cstddef>
 
@@ -7,14 +7,16 @@ namespace monitorservice {
 std::string shortened(std::string_view text)
 {
     constexpr std::size_t longest = 100;
-    if (text.size() <= longest)
+    if (text.size() <= longest) {
         return std::string(text);
+    }
     std::size_t end = longest;
     const auto continuesCharacter = [](char byte) {
         return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
     };
-    while (end > 0 && continuesCharacter(text[end]))
+    while (end > 0 && continuesCharacter(text[end])) {
         --end;
+    }
     return std::string(text.substr(0, end)) + "…";
 }
 

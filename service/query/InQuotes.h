@@ -5,10 +5,10 @@
 
 namespace monitorservice {
 
-/// Valid UTF-8 \a text for a message: cut between two characters, with an ellipsis, when it is long.
+/// Valid UTF-8 `text` for a message: cut between two characters, with an ellipsis, when it is long.
 std::string shortened(std::string_view text);
 
-/// Valid UTF-8 \a text between quotation marks for a message, shortened when it is long.
+/// Valid UTF-8 `text` between quotation marks for a message, shortened when it is long.
 std::string inQuotes(std::string_view text);
 
 } // namespace monitorservice

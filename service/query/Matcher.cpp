@@ -1,8 +1,8 @@
-#include "Matcher.h"
+#include "query/Matcher.h"
 
-#include "AnyOf.h"
-#include "PathReach.h"
-#include "Values.h"
+#include "query/AnyOf.h"
+#include "query/PathReach.h"
+#include "query/Values.h"
 
 #include <algorithm>
 
@@ -12,14 +12,15 @@ namespace dom = simdjson::dom;
 
 namespace {
 
-/// Whether \a accepts holds for a value that the condition's path reaches, or for a member of a list that it
-/// reaches.
+// Whether `accepts` holds for a value that the condition's path reaches, or for a member of a list that it
+// reaches.
 template <typename Accepts>
 bool anyReached(const Condition& condition, dom::element document, Accepts accepts)
 {
     const auto acceptsOrHolds = [&accepts](dom::element value) {
-        if (accepts(value))
+        if (accepts(value)) {
             return true;
+        }
         dom::array members;
         return value.get(members) == simdjson::SUCCESS && anyOf(members, accepts);
     };
@@ -31,8 +32,9 @@ bool isOneOf(const Condition& condition, dom::element document)
     const auto accepts = [&condition](dom::element value) {
         return contains(condition.operands, makeOperand(value));
     };
-    if (anyReached(condition, document, accepts))
+    if (anyReached(condition, document, accepts)) {
         return true;
+    }
     const bool wantsNull = std::any_of(condition.operands.begin(), condition.operands.end(),
                                        [](const Operand& operand) { return operand.value.is_null(); });
     return wantsNull && reach(document, condition.names, [](dom::element) { return false; }).missing;
@@ -48,8 +50,9 @@ bool isInOrder(const Condition& condition, dom::element document)
     const Operand& operand = condition.operands.front();
     return anyReached(condition, document, [&condition, &operand](dom::element value) {
         const std::optional<int> position = order(makeOperand(value), operand);
-        if (!position)
+        if (!position) {
             return false;
+        }
         switch (condition.operation) {
         case Operator::GreaterOrEqual:
             return *position >= 0;

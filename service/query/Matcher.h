@@ -1,7 +1,7 @@
 #pragma once
 
-#include "PatternSearch.h"
-#include "Where.h"
+#include "query/PatternSearch.h"
+#include "query/Where.h"
 
 #include <simdjson.h>
 
@@ -14,7 +14,7 @@ namespace monitorservice {
 class Matcher
 {
 public:
-    explicit Matcher(Where where, std::uint64_t stepBudget = PatternSearch::kDefaultStepBudget);
+    explicit Matcher(Where where, std::uint64_t stepBudget = PatternSearch::defaultStepBudget);
 
     /// Throws QueryError with status 422, naming the pattern, when a pattern takes too many steps on this
     /// document or the budget of the query is used up.

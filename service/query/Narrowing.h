@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Where.h"
+#include "query/Where.h"
 
 #include <cstdint>
 #include <memory>
@@ -73,15 +73,15 @@ struct Narrowing
     /// the matcher must see each row, unless there are patterns.
     bool exact = true;
 
-    /// Not exact, but what is left are patterns on uniform columns of texts: of the selected rows those match in
-    /// whose columns all of these are found; NULL has none. Empty when other conditions are left, too.
+    /// Not exact, but what is left are patterns on uniform columns of texts: of the selected rows those match
+    /// in whose columns all of these are found; NULL has none. Empty when other conditions are left, too.
     std::vector<ColumnPattern> patterns;
 };
 
 Narrowing narrow(const Where& where, const std::vector<NarrowableField>& fields);
 
 /// The SQL expression of a generated column that keeps the promise of FieldKind::Text, not uniform, for the
-/// top-level member \a member of the JSON text column \a documentColumn, whatever the documents hold.
+/// top-level member `member` of the JSON text column `documentColumn`, whatever the documents hold.
 std::string generatedTextColumn(std::string_view documentColumn, std::string_view member);
 
 } // namespace monitorservice

@@ -1,7 +1,7 @@
-#include "Order.h"
+#include "query/Order.h"
 
-#include "InQuotes.h"
-#include "QueryError.h"
+#include "query/InQuotes.h"
+#include "query/QueryError.h"
 
 #include <algorithm>
 
@@ -18,13 +18,15 @@ OrderTerm readTerm(std::string_view text, const std::vector<SortableField>& fiel
 {
     const bool falling = !text.empty() && text.front() == '-';
     const std::string_view path = text.substr(falling ? 1 : 0);
-    if (path.empty())
+    if (path.empty()) {
         refuse("a name is missing");
+    }
     const auto field = std::find_if(fields.begin(), fields.end(), [path](const SortableField& candidate) {
         return candidate.path == path;
     });
-    if (field == fields.end())
+    if (field == fields.end()) {
         refuse("cannot order by " + inQuotes(path));
+    }
     return {field->sql, falling};
 }
 
@@ -39,8 +41,9 @@ std::vector<OrderTerm> parseOrder(std::string_view text, const std::vector<Sorta
         OrderTerm term = readTerm(part, fields);
         const bool twice = std::any_of(terms.begin(), terms.end(),
                                        [&term](const OrderTerm& earlier) { return earlier.sql == term.sql; });
-        if (twice)
+        if (twice) {
             refuse(inQuotes(part) + " orders by the same field again");
+        }
         terms.push_back(std::move(term));
         begin = end + 1;
     }
@@ -55,8 +58,9 @@ std::string orderBy(const std::vector<OrderTerm>& terms, std::string_view identi
         sql += term.sql + (term.falling ? " DESC, " : ", ");
         byIdentifier = byIdentifier || term.sql == identifierColumn;
     }
-    if (byIdentifier)
+    if (byIdentifier) {
         return sql.substr(0, sql.size() - 2);
+    }
     return sql + std::string(identifierColumn);
 }
 

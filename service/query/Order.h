@@ -22,11 +22,11 @@ struct OrderTerm
 };
 
 /// Reads the value of an order parameter, `-createdAt,name`: paths, the most significant first, `-` for
-/// falling. Throws QueryError with status 400 for a path that is not in \a fields, an empty one, or one given
+/// falling. Throws QueryError with status 400 for a path that is not in `fields`, an empty one, or one given
 /// twice.
 std::vector<OrderTerm> parseOrder(std::string_view text, const std::vector<SortableField>& fields);
 
-/// `ORDER BY ...` for the terms, with ties broken by rising \a identifierColumn.
+/// `ORDER BY ...` for the terms, with ties broken by rising `identifierColumn`.
 std::string orderBy(const std::vector<OrderTerm>& terms, std::string_view identifierColumn);
 
 } // namespace monitorservice

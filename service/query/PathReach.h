@@ -49,11 +49,13 @@ private:
             return m_accepts(place);
         }
         simdjson::dom::object object;
-        if (place.get(object) == simdjson::SUCCESS)
+        if (place.get(object) == simdjson::SUCCESS) {
             return followMember(object, depth, false);
+        }
         simdjson::dom::array list;
-        if (place.get(list) == simdjson::SUCCESS)
+        if (place.get(list) == simdjson::SUCCESS) {
             return followList(list, depth);
+        }
         m_endedEarly = true;
         return false;
     }
@@ -61,8 +63,9 @@ private:
     bool followMember(simdjson::dom::object object, std::size_t depth, bool optional)
     {
         simdjson::dom::element member;
-        if (object.at_key(m_names[depth]).get(member) == simdjson::SUCCESS)
+        if (object.at_key(m_names[depth]).get(member) == simdjson::SUCCESS) {
             return follow(member, depth + 1);
+        }
         m_endedEarly = m_endedEarly || !optional;
         return false;
     }
@@ -72,16 +75,19 @@ private:
         const std::optional<std::size_t> position = listPosition(m_names[depth]);
         if (position) {
             simdjson::dom::element member;
-            if (list.at(*position).get(member) != simdjson::SUCCESS)
+            if (list.at(*position).get(member) != simdjson::SUCCESS) {
                 m_endedEarly = true;
-            else if (follow(member, depth + 1))
+            } else if (follow(member, depth + 1)) {
                 return true;
+            }
         }
         for (const simdjson::dom::element member : list) {
             simdjson::dom::object object;
             // A number is a position first: that objects have no member of that name is nothing missing.
-            if (member.get(object) == simdjson::SUCCESS && followMember(object, depth, position.has_value()))
+            if (member.get(object) == simdjson::SUCCESS &&
+                followMember(object, depth, position.has_value())) {
                 return true;
+            }
         }
         return false;
     }
@@ -92,7 +98,7 @@ private:
     bool m_reachedAny = false;
 };
 
-/// Calls \a accepts with each value that the path reaches, until it returns true.
+/// Calls `accepts` with each value that the path reaches, until it returns true.
 template <typename Accepts>
 Reached reach(simdjson::dom::element document, const std::vector<std::string>& names, Accepts accepts)
 {

@@ -1,7 +1,7 @@
-#include "Pattern.h"
+#include "query/Pattern.h"
 
-#include "InQuotes.h"
-#include "QueryError.h"
+#include "query/InQuotes.h"
+#include "query/QueryError.h"
 
 #define PCRE2_CODE_UNIT_WIDTH 8
 #include <pcre2.h>
@@ -15,11 +15,11 @@ namespace monitorservice {
 namespace {
 
 // \C could split a character.
-constexpr std::uint32_t kBaseOptions = PCRE2_UTF | PCRE2_UCP | PCRE2_NEVER_BACKSLASH_C;
+constexpr std::uint32_t baseOptions = PCRE2_UTF | PCRE2_UCP | PCRE2_NEVER_BACKSLASH_C;
 
 std::uint32_t readOptions(std::string_view letters, std::string_view path)
 {
-    std::uint32_t options = kBaseOptions;
+    std::uint32_t options = baseOptions;
     for (const char letter : letters) {
         switch (letter) {
         case 'i':
@@ -70,9 +70,10 @@ Pattern::Code Pattern::compiled(std::uint32_t options) const
     PCRE2_SIZE offset = 0;
     Code code(pcre2_compile(reinterpret_cast<PCRE2_SPTR>(m_text.data()), m_text.size(), options, &error,
                             &offset, nullptr));
-    if (!code)
+    if (!code) {
         throw QueryError(400, "where: pattern " + inQuotes(m_text) + " at " + inQuotes(m_path) + ": " +
                                   message(error) + " (at byte " + std::to_string(offset) + ")");
+    }
     // Where there is no just-in-time compiler, the interpreter gives the same answers.
     pcre2_jit_compile(code.get(), PCRE2_JIT_COMPLETE);
     return code;

@@ -15,8 +15,8 @@ namespace monitorservice {
 class Pattern
 {
 public:
-    /// \a options: letters of `imsx`, with the meaning of Perl's modifiers. Throws QueryError with status
-    /// 400, naming \a path, when a letter is unknown or the pattern cannot be compiled.
+    /// `options`: letters of `imsx`, with the meaning of Perl's modifiers. Throws QueryError with status
+    /// 400, naming `path`, when a letter is unknown or the pattern cannot be compiled.
     Pattern(std::string_view text, std::string_view options, std::string_view path);
 
     const std::string& text() const { return m_text; }

@@ -1,8 +1,8 @@
-#include "PatternSearch.h"
+#include "query/PatternSearch.h"
 
-#include "InQuotes.h"
-#include "Pattern.h"
-#include "QueryError.h"
+#include "query/InQuotes.h"
+#include "query/Pattern.h"
+#include "query/QueryError.h"
 
 #define PCRE2_CODE_UNIT_WIDTH 8
 #include <pcre2.h>
@@ -14,24 +14,24 @@ namespace monitorservice {
 
 namespace {
 
-constexpr std::uint32_t kMatchLimit = 5'000'000;
-constexpr std::uint32_t kHeapLimitKibibytes = 20 * 1024;
+constexpr std::uint32_t matchLimit = 5'000'000;
+constexpr std::uint32_t heapLimitKibibytes = 20 * 1024;
 
 // A search that is over before this limit at each place of the text, as most are, need not be counted.
-constexpr std::uint32_t kUncountedMatchLimit = 4;
-constexpr std::size_t kLongestUncountedText = 256;
-constexpr std::size_t kLongestUncountedPattern = 128;
+constexpr std::uint32_t uncountedMatchLimit = 4;
+constexpr std::size_t longestUncountedText = 256;
+constexpr std::size_t longestUncountedPattern = 128;
 // So many characters may be looked at for each step of the budget: a hundred thousand names, also at worst.
-constexpr std::uint64_t kUncountedCharactersPerStep = 20;
+constexpr std::uint64_t uncountedCharactersPerStep = 20;
 
-constexpr std::size_t kSmallestStack = 32 * 1024;
-constexpr std::size_t kLargestStack = 1024 * 1024;
+constexpr std::size_t smallestStack = 32 * 1024;
+constexpr std::size_t largestStack = 1024 * 1024;
 
-/// How many characters a search may look at, at worst, before it meets the limit: at each place of the text the
-/// pattern's, and the rest of the text as often as the limit allows.
+// How many characters a search may look at, at worst, before it meets the limit: at each place of the text
+// the pattern's, and the rest of the text as often as the limit allows.
 std::uint64_t mostCharacters(const Pattern& pattern, std::string_view subject)
 {
-    return (subject.size() + 1) * (pattern.text().size() + kUncountedMatchLimit * subject.size() / 2);
+    return (subject.size() + 1) * (pattern.text().size() + uncountedMatchLimit * subject.size() / 2);
 }
 
 int match(const pcre2_code* code, std::string_view subject, pcre2_match_data* data,
@@ -41,12 +41,12 @@ int match(const pcre2_code* code, std::string_view subject, pcre2_match_data* da
                        context);
 }
 
-/// What one search has used of the budget.
+// What one search has used of the budget.
 struct StepCount
 {
     std::uint64_t& left;
 
-    /// Charged for each step besides the distance: an item that fails reads on in silence.
+    // Charged for each step besides the distance: an item that fails reads on in silence.
     std::uint64_t perStep;
 
     std::size_t position = 0;
@@ -58,7 +58,7 @@ struct StepCount
     }
 };
 
-/// PCRE2 calls this before each item of a pattern that it tries.
+// PCRE2 calls this before each item of a pattern that it tries.
 int countStep(pcre2_callout_block* block, void* data)
 {
     auto& count = *static_cast<StepCount*>(data);
@@ -87,28 +87,30 @@ void PatternSearch::Free::operator()(pcre2_match_data* data) const
 }
 
 PatternSearch::PatternSearch(std::uint64_t stepBudget)
-    : m_stepsLeft(stepBudget), m_uncountedLeft(stepBudget * kUncountedCharactersPerStep)
+    : m_stepsLeft(stepBudget), m_uncountedLeft(stepBudget * uncountedCharactersPerStep)
 {
 }
 
 void PatternSearch::prepare()
 {
-    m_stack.reset(pcre2_jit_stack_create(kSmallestStack, kLargestStack, nullptr));
-    m_counted = limited(kMatchLimit);
-    m_uncounted = limited(kUncountedMatchLimit);
+    m_stack.reset(pcre2_jit_stack_create(smallestStack, largestStack, nullptr));
+    m_counted = limited(matchLimit);
+    m_uncounted = limited(uncountedMatchLimit);
     m_data.reset(pcre2_match_data_create(1, nullptr));
-    if (!m_data)
+    if (!m_data) {
         throw std::bad_alloc();
+    }
 }
 
-PatternSearch::Context PatternSearch::limited(std::uint32_t matchLimit) const
+PatternSearch::Context PatternSearch::limited(std::uint32_t limit) const
 {
     Context context(pcre2_match_context_create(nullptr));
-    if (!context)
+    if (!context) {
         throw std::bad_alloc();
-    pcre2_set_match_limit(context.get(), matchLimit);
-    pcre2_set_depth_limit(context.get(), matchLimit);
-    pcre2_set_heap_limit(context.get(), kHeapLimitKibibytes);
+    }
+    pcre2_set_match_limit(context.get(), limit);
+    pcre2_set_depth_limit(context.get(), limit);
+    pcre2_set_heap_limit(context.get(), heapLimitKibibytes);
     // No stack, as where there is no just-in-time compiler: PCRE2 then uses its own small one.
     pcre2_jit_stack_assign(context.get(), nullptr, m_stack.get());
     return context;
@@ -116,19 +118,21 @@ PatternSearch::Context PatternSearch::limited(std::uint32_t matchLimit) const
 
 bool PatternSearch::finds(const Pattern& pattern, std::string_view subject)
 {
-    if (!m_data)
+    if (!m_data) {
         prepare();
+    }
     const std::optional<bool> found = findsUncounted(pattern, subject);
     return found ? *found : findsCounted(pattern, subject);
 }
 
-/// Nothing when it takes too many steps, or might.
+// Nothing when it takes too many steps, or might.
 std::optional<bool> PatternSearch::findsUncounted(const Pattern& pattern, std::string_view subject)
 {
     const std::uint64_t characters = mostCharacters(pattern, subject);
-    if (subject.size() > kLongestUncountedText || pattern.text().size() > kLongestUncountedPattern ||
-        characters > m_uncountedLeft)
+    if (subject.size() > longestUncountedText || pattern.text().size() > longestUncountedPattern ||
+        characters > m_uncountedLeft) {
         return std::nullopt;
+    }
     m_uncountedLeft -= characters;
     const int result = match(pattern.uncounted(), subject, m_data.get(), m_uncounted.get());
     return result >= 0 || result == PCRE2_ERROR_NOMATCH ? std::optional(result >= 0) : std::nullopt;
@@ -142,9 +146,10 @@ bool PatternSearch::findsCounted(const Pattern& pattern, std::string_view subjec
         pcre2_set_callout(m_counted.get(), countStep, &count);
         result = match(pattern.counted(), subject, m_data.get(), m_counted.get());
     }
-    if (result < 0 && result != PCRE2_ERROR_NOMATCH)
+    if (result < 0 && result != PCRE2_ERROR_NOMATCH) {
         throw QueryError(422, "where: pattern " + inQuotes(pattern.text()) + " at " +
                                   inQuotes(pattern.path()) + " takes too many steps");
+    }
     return result >= 0;
 }
 

@@ -16,17 +16,18 @@ class Pattern;
 /// Searches texts for patterns with one budget of steps for all searches. Steps are counted, not time, so the
 /// same query over the same data always has the same answer. For use by one thread.
 ///
-/// Counting takes most of the time of an ordinary search. So each search of a short text for a short pattern is first
-/// tried without, with a small limit, as long as what such searches may cost at worst stays within bounds.
+/// Counting takes most of the time of an ordinary search. So each search of a short text for a short pattern
+/// is first tried without, with a small limit, as long as what such searches may cost at worst stays within
+/// bounds.
 class PatternSearch
 {
 public:
     /// About half a second on a machine of 2020.
-    static constexpr std::uint64_t kDefaultStepBudget = 50'000'000;
+    static constexpr std::uint64_t defaultStepBudget = 50'000'000;
 
-    explicit PatternSearch(std::uint64_t stepBudget = kDefaultStepBudget);
+    explicit PatternSearch(std::uint64_t stepBudget = defaultStepBudget);
 
-    /// Whether \a pattern is found anywhere in \a subject, which is valid UTF-8. Throws QueryError with
+    /// Whether `pattern` is found anywhere in `subject`, which is valid UTF-8. Throws QueryError with
     /// status 422 when the search ends at a limit.
     bool finds(const Pattern& pattern, std::string_view subject);
 

@@ -26,7 +26,7 @@ struct Timestamp
 /// after. Everything else, local times and dates alone included, is nullopt.
 std::optional<Timestamp> parseTimestamp(std::string_view text);
 
-/// Negative when \a left is before \a right, 0 when they are the same instant, positive when it is after.
+/// Negative when `left` is before `right`, 0 when they are the same instant, positive when it is after.
 int compare(const Timestamp& left, const Timestamp& right);
 
 } // namespace monitorservice

@@ -1,6 +1,6 @@
-#include "Values.h"
+#include "query/Values.h"
 
-#include "AnyOf.h"
+#include "query/AnyOf.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -19,20 +19,23 @@ int compareSame(Number left, Number right)
     return left < right ? -1 : (right < left ? 1 : 0);
 }
 
-/// Exact, where converting the integer to double would round it.
+// Exact, where converting the integer to double would round it.
 template <typename Integer>
 int compareWithDouble(Integer left, double right)
 {
     // Both powers of two are exact doubles; within them the double's whole part fits the integer.
     constexpr double twoTo63 = 9223372036854775808.0;
     constexpr bool isSigned = std::is_signed_v<Integer>;
-    if (right >= (isSigned ? twoTo63 : 2 * twoTo63))
+    if (right >= (isSigned ? twoTo63 : 2 * twoTo63)) {
         return -1;
-    if (right < (isSigned ? -twoTo63 : 0.0))
+    }
+    if (right < (isSigned ? -twoTo63 : 0.0)) {
         return 1;
+    }
     const auto whole = static_cast<Integer>(right);
-    if (left != whole)
+    if (left != whole) {
         return left < whole ? -1 : 1;
+    }
     return compareSame(0.0, right - static_cast<double>(whole));
 }
 
@@ -44,17 +47,22 @@ int compareNumbers(dom::element left, dom::element right)
     };
     const bool leftIsDouble = left.type() == dom::element_type::DOUBLE;
     const bool rightIsDouble = right.type() == dom::element_type::DOUBLE;
-    if (leftIsDouble && rightIsDouble)
+    if (leftIsDouble && rightIsDouble) {
         return compareSame(left.get_double().value_unsafe(), right.get_double().value_unsafe());
-    if (leftIsDouble)
+    }
+    if (leftIsDouble) {
         return -withDouble(right, left.get_double().value_unsafe());
-    if (rightIsDouble)
+    }
+    if (rightIsDouble) {
         return withDouble(left, right.get_double().value_unsafe());
-    if (left.is_int64() && right.is_int64())
+    }
+    if (left.is_int64() && right.is_int64()) {
         return compareSame(left.get_int64().value_unsafe(), right.get_int64().value_unsafe());
+    }
     // An integer that does not fit int64 is above every one that does.
-    if (left.is_int64() || right.is_int64())
+    if (left.is_int64() || right.is_int64()) {
         return left.is_int64() ? -1 : 1;
+    }
     return compareSame(left.get_uint64().value_unsafe(), right.get_uint64().value_unsafe());
 }
 
@@ -65,16 +73,18 @@ std::string_view text(const Operand& operand)
 
 int compareTexts(const Operand& left, const Operand& right)
 {
-    if (left.instant && right.instant)
+    if (left.instant && right.instant) {
         return compare(*left.instant, *right.instant);
+    }
     // UTF-8 bytes, compared unsigned, order as code points.
     return text(left).compare(text(right));
 }
 
 bool equalLists(dom::array wanted, dom::array found)
 {
-    if (wanted.size() != found.size())
+    if (wanted.size() != found.size()) {
         return false;
+    }
     dom::array::iterator other = found.begin();
     return !anyOf(wanted, [&other](dom::element value) {
         const bool same = equal(makeOperand(value), makeOperand(*other));
@@ -85,8 +95,9 @@ bool equalLists(dom::array wanted, dom::array found)
 
 bool equalObjects(dom::object wanted, dom::object found)
 {
-    if (wanted.size() != found.size())
+    if (wanted.size() != found.size()) {
         return false;
+    }
     return !anyOf(wanted, [&found](const dom::key_value_pair& member) {
         dom::element value;
         return found.at_key(member.key).get(value) != simdjson::SUCCESS ||
@@ -94,7 +105,7 @@ bool equalObjects(dom::object wanted, dom::object found)
     });
 }
 
-/// The kinds that sortForLookup() separates; within all but the last, values have one order.
+// The kinds that sortForLookup() separates; within all but the last, values have one order.
 enum class LookupKind
 {
     Instant,
@@ -105,10 +116,12 @@ enum class LookupKind
 
 LookupKind lookupKind(const Operand& operand)
 {
-    if (operand.instant)
+    if (operand.instant) {
         return LookupKind::Instant;
-    if (operand.value.is_string())
+    }
+    if (operand.value.is_string()) {
         return LookupKind::Text;
+    }
     return operand.value.is_number() ? LookupKind::Number : LookupKind::Other;
 }
 
@@ -116,8 +129,9 @@ bool isBefore(const Operand& left, const Operand& right)
 {
     const LookupKind leftKind = lookupKind(left);
     const LookupKind rightKind = lookupKind(right);
-    if (leftKind != rightKind)
+    if (leftKind != rightKind) {
         return leftKind < rightKind;
+    }
     return leftKind != LookupKind::Other && order(left, right).value_or(0) < 0;
 }
 
@@ -126,31 +140,38 @@ bool isBefore(const Operand& left, const Operand& right)
 Operand makeOperand(dom::element value)
 {
     Operand operand{value, std::nullopt};
-    if (value.is_string())
+    if (value.is_string()) {
         operand.instant = parseTimestamp(text(operand));
+    }
     return operand;
 }
 
 bool equal(const Operand& wanted, const Operand& found)
 {
-    if (wanted.value.is_array() && found.value.is_array())
+    if (wanted.value.is_array() && found.value.is_array()) {
         return equalLists(wanted.value.get_array().value_unsafe(), found.value.get_array().value_unsafe());
-    if (wanted.value.is_object() && found.value.is_object())
+    }
+    if (wanted.value.is_object() && found.value.is_object()) {
         return equalObjects(wanted.value.get_object().value_unsafe(),
                             found.value.get_object().value_unsafe());
-    if (wanted.value.is_null())
+    }
+    if (wanted.value.is_null()) {
         return found.value.is_null();
+    }
     return order(wanted, found) == 0;
 }
 
 std::optional<int> order(const Operand& left, const Operand& right)
 {
-    if (left.value.is_number() && right.value.is_number())
+    if (left.value.is_number() && right.value.is_number()) {
         return compareNumbers(left.value, right.value);
-    if (left.value.is_string() && right.value.is_string())
+    }
+    if (left.value.is_string() && right.value.is_string()) {
         return compareTexts(left, right);
-    if (left.value.is_bool() && right.value.is_bool())
+    }
+    if (left.value.is_bool() && right.value.is_bool()) {
         return compareSame(left.value.get_bool().value_unsafe(), right.value.get_bool().value_unsafe());
+    }
     return std::nullopt;
 }
 

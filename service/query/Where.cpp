@@ -1,6 +1,6 @@
-#include "Where.h"
+#include "query/Where.h"
 
-#include "Matcher.h"
+#include "query/Matcher.h"
 
 #include <algorithm>
 
@@ -33,13 +33,15 @@ Where Where::readAs(std::string_view member, const std::vector<std::string>& ins
 {
     Where result = *this;
     for (Condition& condition : result.m_conditions) {
-        if (condition.names.front() != member)
+        if (condition.names.front() != member) {
             continue;
+        }
         condition.names.erase(condition.names.begin());
         condition.names.insert(condition.names.begin(), instead.begin(), instead.end());
         condition.path.clear();
-        for (const std::string& name : condition.names)
+        for (const std::string& name : condition.names) {
             condition.path += (condition.path.empty() ? "" : ".") + name;
+        }
     }
     return result;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Condition.h"
+#include "query/Condition.h"
 
 #include <simdjson.h>
 
@@ -19,18 +19,18 @@ namespace monitorservice {
 class Where
 {
 public:
-    static constexpr std::size_t kMaximumBytes = 8 * 1024;
-    static constexpr std::size_t kMaximumDepth = 8;
-    static constexpr std::size_t kMaximumListMembers = 1000;
-    static constexpr std::size_t kMaximumPatterns = 32;
+    static constexpr std::size_t maximumBytes = 8 * 1024;
+    static constexpr std::size_t maximumDepth = 8;
+    static constexpr std::size_t maximumListMembers = 1000;
+    static constexpr std::size_t maximumPatterns = 32;
 
     /// The where document that every document matches, `{}`.
     Where() = default;
 
-    /// Throws QueryError with status 400 when \a json is not a where document.
+    /// Throws QueryError with status 400 when `json` is not a where document.
     static Where parse(std::string_view json);
 
-    /// Whether \a document matches. The definition of what a where document means; for more than one document
+    /// Whether `document` matches. The definition of what a where document means; for more than one document
     /// use a Matcher, whose step budget covers them together. Throws QueryError with status 422 when a
     /// pattern takes too many steps.
     bool matches(simdjson::dom::element document) const;
@@ -48,8 +48,8 @@ public:
     /// asked of its point.
     std::pair<Where, Where> split(const std::vector<std::string_view>& paths) const;
 
-    /// The same conditions, with the names \a instead put for the first name of every path that begins with
-    /// \a member: for documents that hold under another name what they are asked for.
+    /// The same conditions, with the names `instead` put for the first name of every path that begins with
+    /// `member`: for documents that hold under another name what they are asked for.
     Where readAs(std::string_view member, const std::vector<std::string>& instead) const;
 
 private:

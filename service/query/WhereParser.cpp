@@ -1,9 +1,9 @@
-#include "AnyOf.h"
-#include "InQuotes.h"
-#include "Pattern.h"
-#include "QueryError.h"
-#include "Values.h"
-#include "Where.h"
+#include "query/AnyOf.h"
+#include "query/InQuotes.h"
+#include "query/Pattern.h"
+#include "query/QueryError.h"
+#include "query/Values.h"
+#include "query/Where.h"
 
 #include <algorithm>
 #include <array>
@@ -33,51 +33,59 @@ bool isOperator(std::string_view key)
 std::vector<std::string_view> sortedKeys(dom::object object)
 {
     std::vector<std::string_view> keys;
-    for (const dom::key_value_pair& member : object)
+    for (const dom::key_value_pair& member : object) {
         keys.push_back(member.key);
+    }
     std::sort(keys.begin(), keys.end());
     return keys;
 }
 
-/// Refuses what is wrong anywhere in a where document, whatever it means: depth, long lists, keys given
-/// twice. Recurses no deeper than the depth that it allows.
+// Refuses what is wrong anywhere in a where document, whatever it means: depth, long lists, keys given
+// twice. Recurses no deeper than the depth that it allows.
 void checkShape(dom::element value, std::size_t depth)
 {
     dom::array list;
     dom::object object;
     const bool isList = value.get(list) == simdjson::SUCCESS;
     const bool isObject = value.get(object) == simdjson::SUCCESS;
-    if ((isList || isObject) && depth > Where::kMaximumDepth)
-        refuse("nested deeper than " + std::to_string(Where::kMaximumDepth));
+    if ((isList || isObject) && depth > Where::maximumDepth) {
+        refuse("nested deeper than " + std::to_string(Where::maximumDepth));
+    }
     if (isList) {
-        if (list.size() > Where::kMaximumListMembers)
-            refuse("a list has more than " + std::to_string(Where::kMaximumListMembers) + " members");
-        for (const dom::element member : list)
+        if (list.size() > Where::maximumListMembers) {
+            refuse("a list has more than " + std::to_string(Where::maximumListMembers) + " members");
+        }
+        for (const dom::element member : list) {
             checkShape(member, depth + 1);
+        }
     }
     if (isObject) {
         const std::vector<std::string_view> keys = sortedKeys(object);
         const auto twice = std::adjacent_find(keys.begin(), keys.end());
-        if (twice != keys.end())
+        if (twice != keys.end()) {
             refuse("the key " + inQuotes(*twice) + " is given twice");
-        for (const dom::key_value_pair& member : object)
+        }
+        for (const dom::key_value_pair& member : object) {
             checkShape(member.value, depth + 1);
+        }
     }
 }
 
-/// Refuses operators within a value, where they would be taken for member names and match nothing.
+// Refuses operators within a value, where they would be taken for member names and match nothing.
 void checkValue(dom::element value, std::string_view path)
 {
     dom::array list;
     if (value.get(list) == simdjson::SUCCESS) {
-        for (const dom::element member : list)
+        for (const dom::element member : list) {
             checkValue(member, path);
+        }
     }
     dom::object object;
     if (value.get(object) == simdjson::SUCCESS) {
         for (const dom::key_value_pair& member : object) {
-            if (isOperator(member.key))
+            if (isOperator(member.key)) {
                 refuse("operator " + inQuotes(member.key) + " within a value", path);
+            }
             checkValue(member.value, path);
         }
     }
@@ -89,18 +97,21 @@ std::vector<std::string> splitPath(std::string_view path)
     for (std::size_t begin = 0; begin <= path.size();) {
         const std::size_t end = std::min(path.find('.', begin), path.size());
         names.emplace_back(path.substr(begin, end - begin));
-        if (names.back().empty())
+        if (names.back().empty()) {
             refuse("empty name in the path", path);
-        if (isOperator(names.back()))
+        }
+        if (isOperator(names.back())) {
             refuse("unknown operator " + inQuotes(names.back()), path);
+        }
         begin = end + 1;
     }
-    if (names.size() > Where::kMaximumDepth)
-        refuse("more than " + std::to_string(Where::kMaximumDepth) + " names in the path", path);
+    if (names.size() > Where::maximumDepth) {
+        refuse("more than " + std::to_string(Where::maximumDepth) + " names in the path", path);
+    }
     return names;
 }
 
-/// Reads the conditions on one path.
+// Reads the conditions on one path.
 class PathConditions
 {
 public:
@@ -112,10 +123,11 @@ public:
     void read(dom::element value)
     {
         dom::object object;
-        if (value.get(object) == simdjson::SUCCESS && hasOperator(object))
+        if (value.get(object) == simdjson::SUCCESS && hasOperator(object)) {
             readOperators(object);
-        else
+        } else {
             addComparison(Operator::Equal, value);
+        }
     }
 
 private:
@@ -127,18 +139,20 @@ private:
     void readOperators(dom::object operators)
     {
         for (const dom::key_value_pair& member : operators) {
-            if (!isOperator(member.key))
+            if (!isOperator(member.key)) {
                 refuse("plain key " + inQuotes(member.key) + " among operators", m_path);
-            if (member.key == "$regex")
+            }
+            if (member.key == "$regex") {
                 addRegex(member.value, operators);
-            else if (member.key == "$options")
+            } else if (member.key == "$options") {
                 checkOptions(operators);
-            else if (member.key == "$exists")
+            } else if (member.key == "$exists") {
                 addExists(member.value);
-            else if (member.key == "$in" || member.key == "$nin")
+            } else if (member.key == "$in" || member.key == "$nin") {
                 addMembership(member.key, member.value);
-            else
+            } else {
                 addComparison(comparison(member.key), member.value);
+            }
         }
     }
 
@@ -156,8 +170,9 @@ private:
                                                    {"$ne", Operator::NotEqual}}};
         const auto* const found = std::find_if(comparisons.begin(), comparisons.end(),
                                                [key](const Name& candidate) { return candidate.key == key; });
-        if (found == comparisons.end())
+        if (found == comparisons.end()) {
             refuse("unknown operator " + inQuotes(key), m_path);
+        }
         return found->operation;
     }
 
@@ -172,8 +187,9 @@ private:
                 includesEqual ? std::vector<Operand>{makeOperand(value)} : std::vector<Operand>{});
             return;
         }
-        if (needsOrder && (value.is_array() || value.is_object()))
+        if (needsOrder && (value.is_array() || value.is_object())) {
             refuse("lists and objects have no order", m_path);
+        }
         checkValue(value, m_path);
         add(operation, {makeOperand(value)});
     }
@@ -181,20 +197,23 @@ private:
     void addMembership(std::string_view key, dom::element value)
     {
         dom::array list;
-        if (value.get(list) != simdjson::SUCCESS)
+        if (value.get(list) != simdjson::SUCCESS) {
             refuse(std::string(key) + " needs a list", m_path);
+        }
         checkValue(value, m_path);
         std::vector<Operand> operands;
-        for (const dom::element member : list)
+        for (const dom::element member : list) {
             operands.push_back(makeOperand(member));
+        }
         sortForLookup(operands);
         add(key == "$in" ? Operator::In : Operator::NotIn, std::move(operands));
     }
 
     void addExists(dom::element value)
     {
-        if (!value.is_bool())
+        if (!value.is_bool()) {
             refuse("$exists needs true or false", m_path);
+        }
         add(Operator::Exists, {makeOperand(value)});
     }
 
@@ -203,24 +222,28 @@ private:
         const auto patterns =
             std::count_if(m_conditions.begin(), m_conditions.end(),
                           [](const Condition& condition) { return condition.pattern != nullptr; });
-        if (static_cast<std::size_t>(patterns) == Where::kMaximumPatterns)
-            refuse("more than " + std::to_string(Where::kMaximumPatterns) + " patterns", m_path);
+        if (static_cast<std::size_t>(patterns) == Where::maximumPatterns) {
+            refuse("more than " + std::to_string(Where::maximumPatterns) + " patterns", m_path);
+        }
         std::string_view text;
-        if (value.get(text) != simdjson::SUCCESS)
+        if (value.get(text) != simdjson::SUCCESS) {
             refuse("$regex needs a text", m_path);
+        }
         std::string_view options;
         dom::element optionsValue;
         if (operators.at_key("$options").get(optionsValue) == simdjson::SUCCESS &&
-            optionsValue.get(options) != simdjson::SUCCESS)
+            optionsValue.get(options) != simdjson::SUCCESS) {
             refuse("$options needs a text", m_path);
+        }
         add(Operator::Regex, {}).pattern = std::make_shared<const Pattern>(text, options, m_path);
     }
 
     void checkOptions(dom::object operators) const
     {
         dom::element regex;
-        if (operators.at_key("$regex").get(regex) != simdjson::SUCCESS)
+        if (operators.at_key("$regex").get(regex) != simdjson::SUCCESS) {
             refuse("$options without $regex", m_path);
+        }
     }
 
     Condition& add(Operator operation, std::vector<Operand> operands)
@@ -236,18 +259,22 @@ private:
 
 dom::object parseObject(std::string_view json, dom::document& values)
 {
-    if (json.size() > Where::kMaximumBytes)
-        refuse("longer than " + std::to_string(Where::kMaximumBytes) + " bytes");
+    if (json.size() > Where::maximumBytes) {
+        refuse("longer than " + std::to_string(Where::maximumBytes) + " bytes");
+    }
     thread_local dom::parser parser;
     dom::element root;
     const simdjson::error_code error = parser.parse_into_document(values, json.data(), json.size()).get(root);
-    if (error == simdjson::DEPTH_ERROR)
-        refuse("nested deeper than " + std::to_string(Where::kMaximumDepth));
-    if (error != simdjson::SUCCESS)
+    if (error == simdjson::DEPTH_ERROR) {
+        refuse("nested deeper than " + std::to_string(Where::maximumDepth));
+    }
+    if (error != simdjson::SUCCESS) {
         refuse(std::string("not valid JSON: ") + simdjson::error_message(error));
+    }
     dom::object object;
-    if (root.get(object) != simdjson::SUCCESS)
+    if (root.get(object) != simdjson::SUCCESS) {
         refuse("not a JSON object");
+    }
     checkShape(root, 1);
     return object;
 }
@@ -261,8 +288,9 @@ Where Where::parse(std::string_view json)
     Where where;
     where.m_values = values;
     for (const dom::key_value_pair& member : object) {
-        if (isOperator(member.key))
+        if (isOperator(member.key)) {
             refuse("unknown operator " + inQuotes(member.key));
+        }
         PathConditions(member.key, where.m_conditions).read(member.value);
     }
     return where;

@@ -2,7 +2,8 @@
 
 namespace monitorservice {
 
-// The lists in a document are left to the matcher: looking into them with SQL's json_each takes ten times as long.
+// The lists in a document are left to the matcher: looking into them with SQL's json_each takes ten times as
+// long.
 const DocumentTable& cellTable()
 {
     static const DocumentTable table{

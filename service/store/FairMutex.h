@@ -8,8 +8,8 @@
 
 namespace monitorservice {
 
-/// A mutex that is given to those who wait in the order in which they came; std::timed_mutex goes to whoever is
-/// fastest, so that somebody may wait without end. For std::unique_lock with a time to wait.
+/// A mutex that is given to those who wait in the order in which they came; std::timed_mutex goes to whoever
+/// is fastest, so that somebody may wait without end. For std::unique_lock with a time to wait.
 class FairMutex
 {
 public:

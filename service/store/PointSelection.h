@@ -33,12 +33,13 @@ struct DayValue
 
 /// The points that a query chooses, and the samples that it chooses of each.
 ///
-/// The conditions of the query on "time" and "data.timeFlag" are asked of every sample: of a point those are chosen that
-/// meet all of these conditions. When there are such conditions, a point without a chosen sample is not chosen. All
-/// other conditions are asked of the point's document with its "category", its relations as "entity", their identifiers
-/// as "uuid", and, where a condition asks for that, its samples as "data".
+/// The conditions of the query on "time" and "data.timeFlag" are asked of every sample: of a point those are
+/// chosen that meet all of these conditions. When there are such conditions, a point without a chosen sample
+/// is not chosen. All other conditions are asked of the point's document with its "category", its relations
+/// as "entity", their identifiers as "uuid", and, where a condition asks for that, its samples as "data".
 ///
-/// Every member may throw StoreError and QueryError; the patterns of the query have one budget for all of them.
+/// Every member may throw StoreError and QueryError; the patterns of the query have one budget for all of
+/// them.
 class PointSelection
 {
 public:
@@ -57,8 +58,8 @@ public:
     virtual void visit(const PointVisitor& visitor) = 0;
     /// The point's chosen samples in the order of time and count.
     virtual void visitSamples(std::int64_t point, const SampleVisitor& visitor) = 0;
-    /// The last chosen sample of each day, days rising. Whole days are read from what is kept of each day, not from
-    /// the samples, unless a sample's flag or an unusual condition on its time matters.
+    /// The last chosen sample of each day, days rising. Whole days are read from what is kept of each day,
+    /// not from the samples, unless a sample's flag or an unusual condition on its time matters.
     virtual void visitDays(std::int64_t point, const DayVisitor& visitor) = 0;
 };
 

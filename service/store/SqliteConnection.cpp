@@ -64,8 +64,8 @@ SQLite::Database open(const std::filesystem::path& file, SqliteConnection::Acces
 {
     const int mode =
         access == SqliteConnection::Access::Write ? SQLite::OPEN_READWRITE : SQLite::OPEN_READONLY;
-    // Otherwise every allocation takes a lock of the whole process, to keep statistics that nobody reads. Refused,
-    // without harm, once SQLite is in use.
+    // Otherwise every allocation takes a lock of the whole process, to keep statistics that nobody reads.
+    // Refused, without harm, once SQLite is in use.
     static const int withoutStatistics = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
     static_cast<void>(withoutStatistics);
     return translated([&] {
@@ -184,7 +184,8 @@ SqliteConnection::SqliteConnection(const std::filesystem::path& file, Access acc
     // With the write-ahead log, FULL is what makes a commit survive a loss of power.
     execute("PRAGMA synchronous = FULL");
     if (access == Access::Write) {
-        // A delivery to many points changes many pages; those that do not fit are written before their last change.
+        // A delivery to many points changes many pages; those that do not fit are written before their last
+        // change.
         execute("PRAGMA cache_size = -32000");
     }
 }

@@ -17,7 +17,8 @@ namespace monitorservice {
 
 class SqliteConnection;
 
-/// A prepared statement in use; goes back to its connection, reset, when destroyed. Every member throws StoreError.
+/// A prepared statement in use; goes back to its connection, reset, when destroyed. Every member throws
+/// StoreError.
 class SqliteStatement
 {
 public:

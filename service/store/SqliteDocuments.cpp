@@ -13,8 +13,8 @@ namespace monitorservice {
 
 namespace {
 
-// What a condition becomes in SQL: the rows to look at, and whether each of them is known to match. Otherwise patterns in
-// columns tell, or without any the document.
+// What a condition becomes in SQL: the rows to look at, and whether each of them is known to match. Otherwise
+// patterns in columns tell, or without any the document.
 struct Selection
 {
     std::string sql;
@@ -78,7 +78,7 @@ public:
         }
     }
 
-    /// What to select: the identifier, and what the matcher looks at.
+    // What to select: the identifier, and what the matcher looks at.
     const std::string& columns() const { return m_columns; }
 
     bool matches(const SqliteStatement& row)

@@ -10,7 +10,8 @@
 
 namespace monitorservice {
 
-/// A table whose rows are JSON documents: project, id, document, and a column for each member that is queried.
+/// A table whose rows are JSON documents: project, id, document, and a column for each member that is
+/// queried.
 struct DocumentTable
 {
     std::string name;

@@ -12,8 +12,8 @@ struct sqlite3_value;
 
 namespace monitorservice {
 
-/// A condition that statements of one connection can use under a name and that is computed here, as long as the object
-/// lives. There is one of a name at a time.
+/// A condition that statements of one connection can use under a name and that is computed here, as long as
+/// the object lives. There is one of a name at a time.
 class SqliteFunction
 {
 public:

@@ -1,10 +1,10 @@
 #include "store/SqlitePointSelection.h"
 
+#include "json/JsonText.h"
 #include "query/Matcher.h"
 #include "query/Order.h"
 #include "store/SampleText.h"
 #include "store/SqliteDocuments.h"
-#include "json/JsonText.h"
 
 #include <simdjson.h>
 
@@ -216,9 +216,9 @@ void SqlitePointSelection::selectPoints(const Where& where, const DocumentQuery&
     }
     m_points.append(" AND (" + narrowing.sql + ")", narrowing.values);
     if (!matches.text.empty()) {
-        // Points out of reach must not cost steps of a pattern, or their number would tell about them. SQLite evaluates
-        // the terms of an AND in any order, and where a column equals a value puts the value in its place everywhere:
-        // hence CASE, whose order is kept, and the point looked up by its key once more.
+        // Points out of reach must not cost steps of a pattern, or their number would tell about them. SQLite
+        // evaluates the terms of an AND in any order, and where a column equals a value puts the value in its
+        // place everywhere: hence CASE, whose order is kept, and the point looked up by its key once more.
         const Sql reachOfKey = reachOf(query, "r");
         m_points.append(" AND CASE WHEN EXISTS (SELECT 1 FROM " + table.view +
                             " AS r WHERE r.point = p.point AND " + reachOfKey.text + ")",

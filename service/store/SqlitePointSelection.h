@@ -14,8 +14,8 @@
 
 namespace monitorservice {
 
-/// Selects in SQL alone: what SQL cannot decide it asks the matcher, through functions that live as long as the
-/// selection. One selection at a time on a connection.
+/// Selects in SQL alone: what SQL cannot decide it asks the matcher, through functions that live as long as
+/// the selection. One selection at a time on a connection.
 class SqlitePointSelection final : public PointSelection
 {
 public:

@@ -8,7 +8,8 @@ namespace monitorservice {
 
 namespace {
 
-// "RKMD": tells the service's files from those of other applications (https://www.sqlite.org/pragma.html#pragma_application_id).
+// "RKMD": tells the service's files from those of other applications
+// (https://www.sqlite.org/pragma.html#pragma_application_id).
 constexpr std::int64_t applicationId = 0x524b4d44;
 
 std::string timeColumn(const std::string& name, const std::string& member)
@@ -236,9 +237,9 @@ CREATE UNIQUE INDEX grants_by_token ON grants (token, project, ifnull(category, 
 
 // Points are asked for by name without their monitoring, and by sub-category.
 //
-// Without figures of its tables the planner holds any two keys to be equally narrow, and reads all points of a project to
-// find those of a monitoring. The figures are given here, as those of a large site: ANALYZE would take those of the day, so
-// that the same request might be answered in another way tomorrow.
+// Without figures of its tables the planner holds any two keys to be equally narrow, and reads all points of
+// a project to find those of a monitoring. The figures are given here, as those of a large site: ANALYZE
+// would take those of the day, so that the same request might be answered in another way tomorrow.
 // (https://www.sqlite.org/optoverview.html#manual_control_of_query_plans_using_sqlite_stat_tables)
 std::string secondVersion()
 {

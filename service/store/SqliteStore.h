@@ -21,13 +21,13 @@ struct SqliteStoreOptions
     Clock clock = systemNow;
 };
 
-/// The store in one SQLite file with its write-ahead log beside it. One connection writes; every session that only
-/// reads has a connection of its own from a pool. Several processes may use the file at once.
+/// The store in one SQLite file with its write-ahead log beside it. One connection writes; every session that
+/// only reads has a connection of its own from a pool. Several processes may use the file at once.
 class SqliteStore final : public Store
 {
 public:
-    /// Opens the file and brings it to the current version. Throws StoreError with StoreFailure::CannotOpen and a
-    /// message that names the file when it cannot.
+    /// Opens the file and brings it to the current version. Throws StoreError with StoreFailure::CannotOpen
+    /// and a message that names the file when it cannot.
     explicit SqliteStore(std::filesystem::path file, SqliteStoreOptions options = {});
     /// Moves the write-ahead log into the file, as far as other processes let it.
     ~SqliteStore() override;

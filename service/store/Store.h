@@ -21,8 +21,8 @@ struct DocumentQuery
 {
     std::string project;
     std::optional<std::vector<std::string>> categories; ///< only these; nothing: every category
-    /// Only those that belong to this document: to a monitoring, a data manage, an alarm or an alarm detail, as the
-    /// kind says. Not for cells and sub-categories.
+    /// Only those that belong to this document: to a monitoring, a data manage, an alarm or an alarm detail,
+    /// as the kind says. Not for cells and sub-categories.
     std::optional<std::string> parent = std::nullopt;
     const Where* where = nullptr; ///< null: no condition
     /// As parseOrder() reads it; ties, and no order at all, are settled by rising identifier.
@@ -141,19 +141,21 @@ public:
     /// Gives the point's key. The document's "_id" and "projectId" are `id` and `project`.
     virtual std::int64_t insertPoint(const std::string& project, const std::string& id,
                                      const std::string& document) = 0;
-    /// `lastTime` is the time of the point's latest sample, "lastDate" in the document; nothing when it has none.
+    /// `lastTime` is the time of the point's latest sample, "lastDate" in the document; nothing when it has
+    /// none.
     virtual void replacePoint(std::int64_t point, const std::string& document,
                               const std::optional<Instant>& lastTime) = 0;
-    /// Gives the point these relations, a JSON array as it is stored, and writes the change down; false when it has
-    /// them already and nothing is changed. A clock that was set back does not make a change older than the one before.
+    /// Gives the point these relations, a JSON array as it is stored, and writes the change down; false when
+    /// it has them already and nothing is changed. A clock that was set back does not make a change older
+    /// than the one before.
     virtual bool replaceLinks(std::int64_t point, const std::string& links, Instant when,
                               const std::string& who) = 0;
     /// Points and samples by a condition. The session must outlive the selection, and has one at a time.
     virtual std::unique_ptr<PointSelection> select(const DocumentQuery& query) const = 0;
 
     virtual std::optional<Sample> findSample(std::int64_t point, Instant time, std::int32_t count) const = 0;
-    /// Samples from the first instant to before the second, in the order of time and count; a call ends before the
-    /// next one of this kind on the same session begins.
+    /// Samples from the first instant to before the second, in the order of time and count; a call ends
+    /// before the next one of this kind on the same session begins.
     virtual void visitSamples(std::int64_t point, Instant from, Instant before,
                               const SampleVisitor& visitor) const = 0;
     /// False when the point has a sample of this time and count; nothing is changed then.
@@ -166,17 +168,17 @@ public:
                            const DayVisitor& visitor) const = 0;
     /// The latest day before the one named that has samples.
     virtual std::optional<DaySummary> latestDayBefore(std::int64_t point, std::int64_t day) const = 0;
-    /// Adds samples to a day: their number to its own; the last of them becomes the day's last one unless that is
-    /// later. One that is as late replaces it: it is the same sample with a corrected value.
+    /// Adds samples to a day: their number to its own; the last of them becomes the day's last one unless
+    /// that is later. One that is as late replaces it: it is the same sample with a corrected value.
     virtual void addToDay(std::int64_t point, const DaySummary& added) = 0;
 
-    /// Removes all that was delivered for the monitoring and sub-category or followed from it: points, samples, days,
-    /// the data manage with its history, alarms with their details. Groups stay.
+    /// Removes all that was delivered for the monitoring and sub-category or followed from it: points,
+    /// samples, days, the data manage with its history, alarms with their details. Groups stay.
     virtual void removeDelivered(const std::string& cell, const std::string& subCategory) = 0;
 };
 
-/// One transaction: everything it reads is of one moment, everything it writes comes to be at once with commit(),
-/// or not at all. To be used and destroyed by the thread that began it.
+/// One transaction: everything it reads is of one moment, everything it writes comes to be at once with
+/// commit(), or not at all. To be used and destroyed by the thread that began it.
 class Session
 {
 public:
@@ -218,8 +220,8 @@ public:
 
     /// The time at which the session began.
     virtual Instant now() const = 0;
-    /// An identifier greater than every one given before, by whatever process. Lost with the session if that is
-    /// not committed, and given anew then.
+    /// An identifier greater than every one given before, by whatever process. Lost with the session if that
+    /// is not committed, and given anew then.
     virtual std::string newIdentifier() = 0;
     /// Returns when the changes survive a loss of power. The session is over then.
     virtual void commit() = 0;
@@ -236,8 +238,8 @@ public:
 
     /// A session that only reads; it neither waits for writers nor holds them up.
     virtual std::unique_ptr<const Session> read() = 0;
-    /// A session that may write. There is one at a time: waits for its turn, which goes in the order of asking, then
-    /// StoreFailure::Busy.
+    /// A session that may write. There is one at a time: waits for its turn, which goes in the order of
+    /// asking, then StoreFailure::Busy.
     virtual std::unique_ptr<Session> write() = 0;
 };
 

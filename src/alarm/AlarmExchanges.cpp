@@ -45,8 +45,9 @@ bool fetchAlarmDetails(const RKAlarmDetailCondition& condition, int skip, int li
 bool fetchAlarmDepths(const QString& detailId, const QString& depth, QList<AlarmThree>& depths)
 {
     QString url = resourceUrl("alarmDetails/%1/threeDetails").arg(detailId);
-    if (!depth.isEmpty())
+    if (!depth.isEmpty()) {
         url = (url + QLatin1String("?where={\"depth\":\"%1\"}")).arg(depth);
+    }
     return appendRecords(url, depths, construct<AlarmThree>);
 }
 

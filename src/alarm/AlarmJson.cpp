@@ -1,7 +1,6 @@
 // The constructors that build alarm records from a reply object.
 
 #include "RKAlarm.h"
-
 #include "frame/Companions.h"
 #include "frame/JsonKey.h"
 

@@ -17,8 +17,8 @@
 
 namespace {
 
-/// What is needed after an exchange is copied before it: an argument may be a member of the record that the
-/// exchange overwrites, or belong to a cache that events change while the request waits.
+// What is needed after an exchange is copied before it: an argument may be a member of the record that the
+// exchange overwrites, or belong to a cache that events change while the request waits.
 template <typename Value>
 Value ownCopy(const Value& value)
 {
@@ -27,8 +27,9 @@ Value ownCopy(const Value& value)
 
 void appendByCell(QMap<QString, QList<RKPointLocation>>& cache, const QList<RKPointLocation>& points)
 {
-    for (const RKPointLocation& point : points)
+    for (const RKPointLocation& point : points) {
         cache[point.cellId].append(point);
+    }
 }
 
 } // namespace
@@ -75,8 +76,9 @@ bool RKMonitoringData::canEditMonitoring(const QString& category)
 
 bool RKMonitoringData::createMonitoring(RKMonitoring& monitoring)
 {
-    if (!rk::createMonitoring(monitoring))
+    if (!rk::createMonitoring(monitoring)) {
         return false;
+    }
     m_monitorings.insert(monitoring.id, monitoring);
     return true;
 }
@@ -89,8 +91,9 @@ bool RKMonitoringData::deleteMonitoring(const QString& id)
 bool RKMonitoringData::updateMonitoring(RKMonitoring& monitoring)
 {
     const RKMonitoring cached = m_monitorings[monitoring.id];
-    if (!rk::updateMonitoring(cached, monitoring))
+    if (!rk::updateMonitoring(cached, monitoring)) {
         return false;
+    }
     m_monitorings.insert(monitoring.id, monitoring);
     return true;
 }
@@ -102,8 +105,9 @@ bool RKMonitoringData::getMonitoringById(const QString& id, RKMonitoring& monito
         return true;
     }
     const QString key = ownCopy(id);
-    if (!rk::fetchMonitoring(key, monitoring))
+    if (!rk::fetchMonitoring(key, monitoring)) {
         return false;
+    }
     m_monitorings.insert(key, monitoring);
     return true;
 }
@@ -116,13 +120,15 @@ bool RKMonitoringData::getMonitoringByModelId(const QString& modelId, QList<RKMo
 QString RKMonitoringData::getMonitoringName(const QString& id)
 {
     const auto cached = m_monitorings.constFind(id);
-    if (cached != m_monitorings.constEnd())
+    if (cached != m_monitorings.constEnd()) {
         return cached->name;
+    }
 
     const QString key = ownCopy(id);
     RKMonitoring monitoring;
-    if (!rk::fetchMonitoring(key, monitoring))
+    if (!rk::fetchMonitoring(key, monitoring)) {
         return QString();
+    }
     m_monitorings.insert(key, monitoring);
     return monitoring.name;
 }
@@ -137,8 +143,9 @@ bool RKMonitoringData::getMonitoringRangeData(const RKMonitoringCondition& condi
 {
     if (rk::fetchMonitorings(condition, skip, limit, monitorings)) {
         m_monitorings.clear();
-        for (const RKMonitoring& monitoring : qAsConst(monitorings))
+        for (const RKMonitoring& monitoring : qAsConst(monitorings)) {
             m_monitorings.insert(monitoring.id, monitoring);
+        }
     }
     // A failed page is no news here: callers see it in an unchanged list.
     return true;
@@ -160,11 +167,13 @@ bool RKMonitoringData::getMonitoringSubCategory(const QString& category,
                                                 QList<RKMonitoringSubCategory>& subCategories)
 {
     const QString key = ownCopy(category);
-    if (!rk::fetchSubCategories(key, subCategories))
+    if (!rk::fetchSubCategories(key, subCategories)) {
         return false;
+    }
     m_subCategoryLists.insert(key, subCategories);
-    for (const RKMonitoringSubCategory& subCategory : qAsConst(subCategories))
+    for (const RKMonitoringSubCategory& subCategory : qAsConst(subCategories)) {
         m_subCategories.insert(subCategory.id, subCategory);
+    }
     return true;
 }
 
@@ -175,8 +184,9 @@ bool RKMonitoringData::getSubCategoryById(const QString& id, RKMonitoringSubCate
         subCategory = *cached;
         return true;
     }
-    if (!rk::fetchSubCategory(id, subCategory))
+    if (!rk::fetchSubCategory(id, subCategory)) {
         return false;
+    }
     m_subCategories.insert(subCategory.id, subCategory);
     return true;
 }
@@ -186,8 +196,9 @@ bool RKMonitoringData::getSubCategoryById(const QString& id, RKMonitoringSubCate
 bool RKMonitoringData::createPointLocation(const QList<RKPointLocation>& points)
 {
     const QList<RKPointLocation> created = ownCopy(points);
-    if (!rk::createPointLocations(created))
+    if (!rk::createPointLocations(created)) {
         return false;
+    }
     appendByCell(m_pointLocations, created);
     return true;
 }
@@ -195,10 +206,12 @@ bool RKMonitoringData::createPointLocation(const QList<RKPointLocation>& points)
 bool RKMonitoringData::createPointLocation(const QList<QList<RKPointLocation>>& batches, QString& message)
 {
     const QList<QList<RKPointLocation>> created = ownCopy(batches);
-    if (!rk::createPointLocations(created, message))
+    if (!rk::createPointLocations(created, message)) {
         return false;
-    for (const QList<RKPointLocation>& batch : created)
+    }
+    for (const QList<RKPointLocation>& batch : created) {
         appendByCell(m_pointLocations, batch);
+    }
     return true;
 }
 
@@ -212,8 +225,9 @@ bool RKMonitoringData::getPointLocation(RKPointLocationCondition& condition, QLi
             return true;
         }
     }
-    if (!rk::fetchPointLocations(condition, points))
+    if (!rk::fetchPointLocations(condition, points)) {
         return false;
+    }
     // Appended, not replaced: what a cell's entry holds is every point read or created so far.
     appendByCell(m_pointLocations, points);
     return true;
@@ -240,12 +254,15 @@ bool RKMonitoringData::updatePointLocation(const RKPointLocationCondition& condi
 {
     const RKPointLocationCondition asked = ownCopy(condition);
     const QMap<QString, QStringList> newLinks = ownCopy(links);
-    if (!rk::updatePointLocationLinks(asked, newLinks))
+    if (!rk::updatePointLocationLinks(asked, newLinks)) {
         return false;
+    }
     const QSet<QString> names(asked.names.begin(), asked.names.end());
-    for (RKPointLocation& point : m_pointLocations[asked.cellId])
-        if (names.contains(point.name))
+    for (RKPointLocation& point : m_pointLocations[asked.cellId]) {
+        if (names.contains(point.name)) {
             point.links = newLinks;
+        }
+    }
     return true;
 }
 
@@ -267,8 +284,9 @@ bool RKMonitoringData::getDepthPointLocation(const RKPointLocationCondition& con
 
 bool RKMonitoringData::createGroup(PointLocSetting& group)
 {
-    if (!rk::createGroup(group))
+    if (!rk::createGroup(group)) {
         return false;
+    }
     m_groups[group.cellId].append(group);
     return true;
 }
@@ -277,8 +295,9 @@ bool RKMonitoringData::deleteGroup(const QString& id)
 {
     const QString deleted = ownCopy(id);
     QString cellId;
-    if (!rk::deleteGroup(deleted, cellId))
+    if (!rk::deleteGroup(deleted, cellId)) {
         return false;
+    }
     QList<PointLocSetting>& groups = m_groups[cellId];
     groups.erase(std::remove_if(groups.begin(), groups.end(),
                                 [&deleted](const PointLocSetting& group) { return group.id == deleted; }),
@@ -288,14 +307,16 @@ bool RKMonitoringData::deleteGroup(const QString& id)
 
 bool RKMonitoringData::updateGroup(const PointLocSetting& old, PointLocSetting& updated)
 {
-    if (!rk::updateGroup(old, updated))
+    if (!rk::updateGroup(old, updated)) {
         return false;
+    }
     QList<PointLocSetting>& groups = m_groups[updated.cellId];
     const auto cached = std::find_if(groups.begin(), groups.end(), [&updated](const PointLocSetting& group) {
         return group.id == updated.id;
     });
-    if (cached != groups.end())
+    if (cached != groups.end()) {
         *cached = updated;
+    }
     return true;
 }
 
@@ -314,8 +335,9 @@ bool RKMonitoringData::getGroupsByCellId(const QString& cellId, QList<PointLocSe
         }
     }
     const QString key = ownCopy(cellId);
-    if (!rk::fetchGroupsOfCell(key, groups))
+    if (!rk::fetchGroupsOfCell(key, groups)) {
         return false;
+    }
     m_groups.insert(key, groups);
     return true;
 }
@@ -327,8 +349,9 @@ bool RKMonitoringData::getDataManageById(QString id, // NOLINT(performance-unnec
                                          RKDataManage& dataManage)
 {
     const auto cached = m_dataManages.constFind(id);
-    if (cached == m_dataManages.constEnd())
+    if (cached == m_dataManages.constEnd()) {
         return false;
+    }
     dataManage = *cached;
     return true;
 }
@@ -341,10 +364,12 @@ bool RKMonitoringData::getDataManageRangeCount(const RKDataManageCondition& cond
 bool RKMonitoringData::getDataManageRangeData(const RKDataManageCondition& condition, int skip, int limit,
                                               QList<RKDataManage>& dataManages)
 {
-    if (!rk::fetchDataManages(condition, skip, limit, dataManages))
+    if (!rk::fetchDataManages(condition, skip, limit, dataManages)) {
         return false;
-    for (const RKDataManage& dataManage : qAsConst(dataManages))
+    }
+    for (const RKDataManage& dataManage : qAsConst(dataManages)) {
         m_dataManages.insert(dataManage.id, dataManage);
+    }
     return true;
 }
 

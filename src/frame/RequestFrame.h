@@ -53,11 +53,12 @@ struct ListAnswer
     bool isSuccessful = false;
 };
 
-/// GET of a list. When it returns, the exchange is gone, and with it the text and the document that the objects came in.
+/// GET of a list. When it returns, the exchange is gone, and with it the text and the document that the
+/// objects came in.
 ListAnswer getList(const QString& url);
 
-/// GET of a list: calls `use(object)` with each object of the reply, in its order. An object is freed after its use, so
-/// that records take the place of the document instead of standing beside it.
+/// GET of a list: calls `use(object)` with each object of the reply, in its order. An object is freed after
+/// its use, so that records take the place of the document instead of standing beside it.
 template <typename Use>
 bool forEachObject(const QString& url, Use use)
 {

@@ -30,15 +30,17 @@ bool createPointLocations(const QList<RKPointLocation>& points)
 bool createPointLocations(const QList<QList<RKPointLocation>>& batches, QString& message)
 {
     QJsonArray body;
-    for (const QList<RKPointLocation>& batch : batches)
+    for (const QList<RKPointLocation>& batch : batches) {
         body.append(bodyOf(batch));
+    }
     const Exchange exchange = Exchange::post(resourceUrl("pointLocations"), body);
 
     const QNetworkReply::NetworkError error = exchange.error();
-    if (error == QNetworkReply::InternalServerError)
+    if (error == QNetworkReply::InternalServerError) {
         message = exchange.object().value(jsonKey("message")).toString();
-    else if (error == QNetworkReply::UnknownServerError)
+    } else if (error == QNetworkReply::UnknownServerError) {
         message = QStringLiteral("Connection closed prematurely");
+    }
     return exchange.isSuccessful();
 }
 
@@ -66,8 +68,9 @@ bool fetchNewestPointLocation(const RKPointLocationCondition& condition, RKPoint
     const QString url =
         projectUrl("projects/%1/pointLocations?where=%2&expand=true&order=-data.time&limit=1&skip=0");
     const ListAnswer answer = getList(url.arg(buildWhere(condition)));
-    if (!answer.objects.isEmpty())
+    if (!answer.objects.isEmpty()) {
         pointLocationFromJson(answer.objects.first(), point);
+    }
     return answer.isSuccessful;
 }
 

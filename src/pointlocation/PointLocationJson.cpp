@@ -63,7 +63,7 @@ QJsonObject sampleToJson(const RKPointLocationData& sample)
 
 namespace {
 
-/// Appends the samples of a point's "data".
+// Appends the samples of a point's "data".
 void samplesFromJson(const QCborArray& elements, QList<RKPointLocationData>& samples)
 {
     samples.reserve(samples.size() + int(elements.size()));
@@ -74,10 +74,11 @@ void samplesFromJson(const QCborArray& elements, QList<RKPointLocationData>& sam
         RKPointLocationData& sample = samples.last();
         sampleFromJson(element.toMap(), sample);
         // Time slots are few: neighbours in the same one share its text.
-        if (sample.timeFlag == timeFlag)
+        if (sample.timeFlag == timeFlag) {
             sample.timeFlag = timeFlag;
-        else
+        } else {
             timeFlag = sample.timeFlag;
+        }
     }
 }
 
@@ -125,8 +126,9 @@ void pointLocationToJson(const RKPointLocation& record, QJsonObject& body)
     body.insert(key::links, RKPub::linksEntityToJsonArray(record.links));
 
     QJsonArray samples;
-    for (const RKPointLocationData& sample : record.data)
+    for (const RKPointLocationData& sample : record.data) {
         samples.append(sampleToJson(sample));
+    }
     body.insert(key::data, samples);
 }
 

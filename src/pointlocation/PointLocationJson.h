@@ -5,13 +5,13 @@
 #include <QCborMap>
 #include <QJsonObject>
 
-// The two directions are not symmetric: a point's relations are read from "entity" and written as "links", and
-// each direction has members that the other ignores.
+// The two directions are not symmetric: a point's relations are read from "entity" and written as "links",
+// and each direction has members that the other ignores.
 
 namespace rk {
 
-/// Fills `sample` from an element of a point's "data". A QCborMap shares the memory of the QJsonObject that it is made
-/// from, but finds one of a few keys in half the time.
+/// Fills `sample` from an element of a point's "data". A QCborMap shares the memory of the QJsonObject that
+/// it is made from, but finds one of a few keys in half the time.
 void sampleFromJson(const QCborMap& object, RKPointLocationData& sample);
 QJsonObject sampleToJson(const RKPointLocationData& sample);
 

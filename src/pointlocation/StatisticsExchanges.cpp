@@ -13,8 +13,9 @@ QList<RKPointLocationChartData> chartEntries(const QJsonArray& elements)
 {
     QList<RKPointLocationChartData> entries;
     entries.reserve(elements.size());
-    for (const QJsonValue& element : elements)
+    for (const QJsonValue& element : elements) {
         entries.append(chartEntryFromJson(element.toObject()));
+    }
     return entries;
 }
 
@@ -22,7 +23,8 @@ bool fetchStatistics(const char* pathTemplate, const RKPointLocationCondition& c
                      DailyChartData& chartData)
 {
     return forEachObject(projectUrl(pathTemplate).arg(buildWhere(condition)), [&](const QJsonObject& day) {
-        // The day as written, in whatever offset: the service has already cut days in the project's time zone.
+        // The day as written, in whatever offset: the service has already cut days in the project's time
+        // zone.
         const QDate date = RKPub::getDateTimeByQString(day.value(jsonKey("time")).toString()).date();
         chartData.insert(date, chartEntries(day.value(jsonKey("data")).toArray()));
     });

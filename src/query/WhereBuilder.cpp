@@ -12,26 +12,30 @@ namespace {
 
 void restrictTime(QJsonObject& document, QLatin1String key, const RKTimePeriod& period)
 {
-    if (!period.isAllTime)
+    if (!period.isAllTime) {
         document.insert(key, timeRangeClause(period));
+    }
 }
 
 void restrictToMatch(QJsonObject& document, QLatin1String key, const QString& pattern)
 {
-    if (!pattern.isEmpty())
+    if (!pattern.isEmpty()) {
         document.insert(key, textMatchClause(pattern));
+    }
 }
 
 void restrictToText(QJsonObject& document, QLatin1String key, const QString& text)
 {
-    if (!text.isEmpty())
+    if (!text.isEmpty()) {
         document.insert(key, text);
+    }
 }
 
 void restrictToMembers(QJsonObject& document, QLatin1String key, const QStringList& texts)
 {
-    if (!texts.isEmpty())
+    if (!texts.isEmpty()) {
         document.insert(key, membershipClause(texts));
+    }
 }
 
 } // namespace
@@ -82,8 +86,9 @@ QString buildWhere(const RKAlarmCondition& condition)
     QJsonObject document;
     restrictTime(document, jsonKey("createdAt"), condition);
     restrictToMatch(document, jsonKey("name"), condition.name);
-    if (!condition.isAllCell)
+    if (!condition.isAllCell) {
         restrictToMembers(document, jsonKey("cellId"), condition.cellIds);
+    }
     if (!condition.isAllCategory) {
         restrictToMembers(document, jsonKey("category"), condition.categories);
         restrictToMembers(document, jsonKey("subCategory"), condition.subCategories);
@@ -124,8 +129,9 @@ QString buildWhere(const RKPointLocationCondition& condition)
     restrictTime(document, jsonKey("time"), condition);
     restrictToText(document, jsonKey("cellId"), condition.cellId);
     restrictToMembers(document, jsonKey("name"), condition.names);
-    if (condition.onlyTimeFlagA)
+    if (condition.onlyTimeFlagA) {
         document.insert(jsonKey("data.timeFlag"), jsonKey("A"));
+    }
     return whereText(document);
 }
 

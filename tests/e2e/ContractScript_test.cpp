@@ -3,13 +3,12 @@
 
 #include <NetworkEventLoop.h>
 #include <NetworkManager.h>
-#include <RKBaseApi.h>
-#include <RKMonitoringData.h>
-#include <RKSoftCache.h>
-
 #include <QFile>
 #include <QJsonArray>
 #include <QTcpServer>
+#include <RKBaseApi.h>
+#include <RKMonitoringData.h>
+#include <RKSoftCache.h>
 
 #include <gmock/gmock.h>
 
@@ -42,7 +41,7 @@ protected:
         writeSomething();
     }
 
-    /// What was there before: a monitoring with a group, two deliveries and an alarm.
+    // What was there before: a monitoring with a group, two deliveries and an alarm.
     void writeSomething()
     {
         RKMonitoringData& data = *RKMonitoringData::instance();
@@ -72,7 +71,7 @@ protected:
         }
     }
 
-    /// Everything that the project holds, as the service words it.
+    // Everything that the project holds, as the service words it.
     QList<QJsonArray> holdings() const
     {
         QList<QJsonArray> lists;

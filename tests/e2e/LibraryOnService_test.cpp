@@ -2,17 +2,17 @@
 #include "Text.h"
 
 #include <NetworkManager.h>
+#include <QTimer>
 #include <RKBaseApi.h>
 #include <RKMonitoringData.h>
 #include <RKSoftCache.h>
-
-#include <QTimer>
 
 #include <gtest/gtest.h>
 
 #include <chrono>
 
-// The library while the service's rights change, and while it dies. What holds against any service is in contract/.
+// The library while the service's rights change, and while it dies. What holds against any service is in
+// contract/.
 
 namespace {
 
@@ -57,8 +57,9 @@ protected:
         data.getMonitoringRangeData(condition, 0, 1000, monitorings);
         EXPECT_EQ(lastStatus(), 200) << m_exchanges.last().errorText.toStdString();
         QStringList names;
-        for (const RKMonitoring& monitoring : qAsConst(monitorings))
+        for (const RKMonitoring& monitoring : qAsConst(monitorings)) {
             names.append(monitoring.name);
+        }
         return names;
     }
 
@@ -87,9 +88,10 @@ TEST_F(LibraryOnService, CategoriesAreTheServices)
 
 TEST_F(LibraryOnService, SubCategoriesAreTheOperators)
 {
-    for (const QString& category : categories())
+    for (const QString& category : categories()) {
         service().admin({"subcategory"_q, "create"_q, "--project"_q, project, "--category"_q, category,
                          "--name"_q, "Rain"_q, "--alias"_q, "R"_q});
+    }
     for (const QString& category : categories()) {
         QList<RKMonitoringSubCategory> subCategories;
         ASSERT_TRUE(data.getMonitoringSubCategory(category, subCategories));

@@ -1,9 +1,8 @@
-// Fifty clients at once: readers of everything and writers of deliveries. It prints what it measured; what it asserts
-// is that no answer is wrong and that nothing delivered is lost.
-
-#include "ServiceTest.h"
+// Fifty clients at once: readers of everything and writers of deliveries. It prints what it measured; what it
+// asserts is that no answer is wrong and that nothing delivered is lost.
 
 #include "Process.h"
+#include "ServiceTest.h"
 #include "Text.h"
 #include "service/http/RawClient.h"
 
@@ -35,7 +34,7 @@ constexpr int writers = 4;
 constexpr int pointsPerCell = 10;
 constexpr int samplesPerPoint = 50; // of one delivery
 
-/// One client's connection, and what it measured.
+// One client's connection, and what it measured.
 class Client
 {
 public:
@@ -49,8 +48,9 @@ public:
     {
         const std::string encoded = QUrl(target).toEncoded().toStdString();
         std::string text = method + " /monitor-service/" + encoded + m_head;
-        if (!body.isEmpty())
+        if (!body.isEmpty()) {
             text += "Content-Length: " + std::to_string(body.size()) + "\r\n";
+        }
         text += "\r\n" + body.toStdString();
         const Clock::time_point begin = Clock::now();
         m_connection.send(text);
@@ -61,18 +61,19 @@ public:
         return answer;
     }
 
-    std::vector<qint64> microseconds; ///< of each request
+    std::vector<qint64> microseconds; // of each request
     int toldToRetry = 0;
-    std::vector<std::string> wrong; ///< answers that no client should get
+    std::vector<std::string> wrong; // answers that no client should get
 
 private:
     void judge(const QString& target, const RawAnswer& answer)
     {
         const bool isRetry = answer.status == 503 && answer.fields.count("retry-after") == 1;
         toldToRetry += isRetry ? 1 : 0;
-        if ((answer.status >= 300 && !isRetry) || answer.body.find("locked") != std::string::npos)
+        if ((answer.status >= 300 && !isRetry) || answer.body.find("locked") != std::string::npos) {
             wrong.push_back(target.toStdString() + ": " + answer.statusLine + ' ' +
                             answer.body.substr(0, 300));
+        }
     }
 
     RawClient m_connection;
@@ -115,7 +116,7 @@ protected:
             .toString();
     }
 
-    /// Delivery `number` of a cell: each of its points goes on from where the one before ended.
+    // Delivery `number` of a cell: each of its points goes on from where the one before ended.
     QByteArray delivery(const QString& cell, const QString& subCategory, int number) const
     {
         QJsonArray points;
@@ -139,7 +140,7 @@ protected:
         return QJsonDocument(points).toJson(QJsonDocument::Compact);
     }
 
-    /// The reads of an engineer's day, in turn.
+    // The reads of an engineer's day, in turn.
     std::vector<QString> reads(const std::vector<QString>& cells) const
     {
         std::vector<QString> targets{
@@ -188,8 +189,9 @@ TEST_F(Load, FiftyClients)
 
     std::vector<int> delivered(writers, 1);
     std::vector<std::unique_ptr<Client>> clients;
-    for (int i = 0; i < readers + writers; ++i)
+    for (int i = 0; i < readers + writers; ++i) {
         clients.push_back(std::make_unique<Client>(port(), i < writers ? editor.text : reader.text));
+    }
     const Clock::time_point begin = Clock::now();
     const Clock::time_point end = begin + duration;
     std::vector<std::thread> threads;
@@ -202,20 +204,23 @@ TEST_F(Load, FiftyClients)
                 while (Clock::now() < end) {
                     const RawAnswer answer =
                         client.request("POST", "pointLocations"_q, delivery(cell, subCategory, number));
-                    if (answer.status == 200)
+                    if (answer.status == 200) {
                         ++number;
-                    else
+                    } else {
                         std::this_thread::sleep_for(std::chrono::milliseconds(100));
+                    }
                 }
             } else {
                 const std::vector<QString> targets = reads(cells);
-                for (std::size_t at = static_cast<std::size_t>(i) * 7; Clock::now() < end; ++at)
+                for (std::size_t at = static_cast<std::size_t>(i) * 7; Clock::now() < end; ++at) {
                     client.request("GET", targets[at % targets.size()]);
+                }
             }
         });
     }
-    for (std::thread& thread : threads)
+    for (std::thread& thread : threads) {
         thread.join();
+    }
     const double seconds = std::chrono::duration<double>(Clock::now() - begin).count();
     const qint64 memoryAfter = residentMemory(service().processId());
 
@@ -240,8 +245,9 @@ TEST_F(Load, FiftyClients)
             R"(projects/%1/pointLocations?where={"cellId":"%2"}&expand=true)"_q.arg(project, cells[i]));
         const QJsonArray points = QJsonDocument::fromJson(QByteArray::fromStdString(answer.body)).array();
         ASSERT_EQ(points.size(), pointsPerCell);
-        for (const QJsonValue& point : points)
+        for (const QJsonValue& point : points) {
             EXPECT_EQ(point.toObject().value("data"_q).toArray().size(), delivered[i] * samplesPerPoint);
+        }
     }
     EXPECT_THAT(first.wrong, testing::IsEmpty());
 }

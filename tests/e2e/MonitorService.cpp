@@ -90,8 +90,9 @@ QString MonitorService::admin(const QStringList& arguments) const
     EXPECT_EQ(process.exitCode(), 0) << qPrintable(arguments.join(QLatin1Char(' '))) << ": "
                                      << process.readAllStandardError().constData();
     QString output = QString::fromUtf8(process.readAllStandardOutput());
-    if (output.endsWith(QLatin1Char('\n')))
+    if (output.endsWith(QLatin1Char('\n'))) {
         output.chop(1);
+    }
     return output;
 }
 
@@ -124,8 +125,9 @@ MonitorService::Token MonitorService::createToken(const QString& owner, const QS
                           project,
                           QStringLiteral("--role"),
                           role};
-    if (!category.isEmpty())
+    if (!category.isEmpty()) {
         arguments << QStringLiteral("--category") << category;
+    }
     admin(arguments);
     return token;
 }

@@ -28,8 +28,9 @@ const QString program = QStringLiteral(RKMON_PROGRAM);
 
 void waitForEnd(QProcess& process)
 {
-    if (process.state() == QProcess::NotRunning)
+    if (process.state() == QProcess::NotRunning) {
         return;
+    }
     QEventLoop loop;
     QObject::connect(&process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), &loop,
                      &QEventLoop::quit);
@@ -43,7 +44,7 @@ void waitForEnd(QProcess& process)
 }
 
 #ifdef Q_OS_UNIX
-/// A process whose standard streams are the other end of a pseudo-terminal.
+// A process whose standard streams are the other end of a pseudo-terminal.
 class TerminalProcess : public QProcess
 {
 public:
@@ -86,8 +87,9 @@ public:
         QByteArray piece(4096, '\0');
         for (;;) {
             const ssize_t length = ::read(m_master, piece.data(), static_cast<size_t>(piece.size()));
-            if (length <= 0)
+            if (length <= 0) {
                 return text;
+            }
             text.append(piece.constData(), static_cast<int>(length));
         }
     }
@@ -96,8 +98,9 @@ protected:
     void setupChildProcess() override
     {
         setsid();
-        for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
             dup2(m_slave, stream);
+        }
     }
 
 private:
@@ -122,11 +125,14 @@ Program::Program() : m_environment(QProcessEnvironment::systemEnvironment())
 {
     EXPECT_TRUE(m_folder.isValid());
     const QStringList names = m_environment.keys();
-    for (const QString& name : names)
-        if (name.startsWith("RKMON_"_q) || name.endsWith("_proxy"_q, Qt::CaseInsensitive))
+    for (const QString& name : names) {
+        if (name.startsWith("RKMON_"_q) || name.endsWith("_proxy"_q, Qt::CaseInsensitive)) {
             m_environment.remove(name);
-    for (const QString& name : {"NO_COLOR"_q, "COLUMNS"_q})
+        }
+    }
+    for (const QString& name : {"NO_COLOR"_q, "COLUMNS"_q}) {
         m_environment.remove(name);
+    }
     m_environment.insert("XDG_CONFIG_HOME"_q, m_folder.path());
     m_environment.insert("TZ"_q, "UTC"_q);
     m_environment.insert("TERM"_q, "xterm"_q);
@@ -192,8 +198,9 @@ Result Program::runOnTerminal(const QStringList& arguments, int columns, const Q
 #ifdef Q_OS_UNIX
     TerminalProcess process(columns);
     process.setProcessEnvironment(m_environment);
-    if (!typed.isEmpty())
+    if (!typed.isEmpty()) {
         process.type(typed);
+    }
     process.start(program, arguments);
     EXPECT_TRUE(process.waitForStarted(patience));
     result = finish(process);

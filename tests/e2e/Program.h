@@ -24,8 +24,8 @@ struct Result
     QJsonObject object() const;
 };
 
-/// Runs rkmon as a user would, with an environment and a configuration folder of its own. The test's own events
-/// run meanwhile, so that a server in the test can answer.
+/// Runs rkmon as a user would, with an environment and a configuration folder of its own. The test's own
+/// events run meanwhile, so that a server in the test can answer.
 class Program
 {
 public:

@@ -15,8 +15,9 @@ protected:
         const Result result = rkmon.run(QStringList{"monitoring"_q, "list"_q, "--json"_q} + more);
         EXPECT_EQ(result.code, 0) << result.messages.toStdString();
         QStringList names;
-        for (const QJsonValue& monitoring : result.array())
+        for (const QJsonValue& monitoring : result.array()) {
             names.append(monitoring.toObject().value("name"_q).toString());
+        }
         return names;
     }
 
@@ -149,8 +150,9 @@ TEST_F(RkmonCommands, ConditionsMeanWhatWasTyped)
 {
     const QStringList names{"5%1"_q,         "5%2"_q, "501"_q, "5%L1 & \"x\""_q, "a+b c?d=e#f/g\\h"_q,
                             "склон 边坡 😀"_q};
-    for (const QString& name : names)
+    for (const QString& name : names) {
         created(name);
+    }
     for (const QString& name : names) {
         EXPECT_EQ(namesListed({"--exact-name"_q, name}), QStringList{name});
         EXPECT_EQ(counted({"--exact-name"_q, name}), "1\n"_q);
@@ -178,8 +180,9 @@ TEST_F(RkmonCommands, ListsByTimeOfCreation)
 
 TEST_F(RkmonCommands, PagesAndSaysWhatIsLeft)
 {
-    for (const char* name : {"a", "b", "c", "d", "e"})
+    for (const char* name : {"a", "b", "c", "d", "e"}) {
         created(QString::fromUtf8(name));
+    }
     const Result page =
         rkmon.run({"monitoring"_q, "list"_q, "--skip"_q, "1"_q, "--limit"_q, "2"_q, "--json"_q});
     EXPECT_EQ(page.array().size(), 2);

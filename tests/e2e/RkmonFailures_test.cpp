@@ -12,8 +12,8 @@
 #include <csignal>
 #endif
 
-// What rkmon says, and the status it ends with, when something is wrong: the wrong address, the wrong token, a
-// service that breaks off, is silent or talks nonsense.
+// What rkmon says, and the status it ends with, when something is wrong: the wrong address, the wrong token,
+// a service that breaks off, is silent or talks nonsense.
 
 namespace {
 
@@ -24,7 +24,7 @@ class RkmonFailures : public RkmonTest
 protected:
     RkmonFailures() { actAs(editor); }
 
-    /// Every command that asks the service something.
+    // Every command that asks the service something.
     static QList<QStringList> requests()
     {
         return {{"monitoring"_q, "list"_q},
@@ -66,7 +66,7 @@ protected:
                 {"can"_q, "delete"_q, "Slope"_q}};
     }
 
-    /// Expects `code`, no output and one line that contains `words`, whatever is asked.
+    // Expects `code`, no output and one line that contains `words`, whatever is asked.
     void expectAlways(
         int code, const QString& words, const QStringList& more = {},
         const std::function<void()>& prepare = [] {})
@@ -142,10 +142,11 @@ TEST_F(RkmonFailures, GarbageForAnAnswer)
                                     ScriptServer::httpAnswer(200, "[{\"_id\": "),
                                     ScriptServer::httpAnswer(200, "\xff\xfe"),
                                     ScriptServer::httpAnswer(200, "7")};
-    for (const QByteArray& answer : garbage)
+    for (const QByteArray& answer : garbage) {
         expectAlways(1, "makes no sense"_q, {}, [&] {
             server.answerRaw({ScriptServer::Step::bytes(answer), ScriptServer::Step::fin()});
         });
+    }
     EXPECT_TRUE(server.isUsedUp());
 }
 
@@ -154,8 +155,9 @@ TEST_F(RkmonFailures, AnswerWithoutContent)
     ScriptServer server;
     rkmon.configure(server.baseAddress(), project, editor.text);
     for (const QStringList& request : requests()) {
-        if (request.contains("delete"_q) && request.contains("--yes"_q))
+        if (request.contains("delete"_q) && request.contains("--yes"_q)) {
             continue; // needs none
+        }
         server.answerRaw({ScriptServer::Step::bytes(ScriptServer::httpAnswer(200, ""))});
         const Result result = rkmon.run(request);
         EXPECT_EQ(result.code, 1) << request.join(QLatin1Char(' ')).toStdString();
@@ -420,8 +422,9 @@ TEST_F(RkmonFailures, ConfigurationFileIsRead)
     config.write(
         "base-api=%1\nproject=%2\ntoken-file=token\n"_q.arg(service().baseAddress(), project).toUtf8());
     config.close();
-    for (const QString& variable : {"RKMON_BASE_API"_q, "RKMON_PROJECT"_q, "RKMON_TOKEN_FILE"_q})
+    for (const QString& variable : {"RKMON_BASE_API"_q, "RKMON_PROJECT"_q, "RKMON_TOKEN_FILE"_q}) {
         rkmon.removeVariable(variable);
+    }
     const Result result = rkmon.run({"monitoring"_q, "count"_q, "--config"_q, file});
     EXPECT_EQ(result.code, 0) << result.messages.toStdString();
 }

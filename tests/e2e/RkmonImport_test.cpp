@@ -50,7 +50,7 @@ protected:
             more);
     }
 
-    /// The result of a command that must succeed.
+    // The result of a command that must succeed.
     Result done(const QStringList& arguments) const
     {
         const Result result = rkmon.run(arguments);
@@ -82,7 +82,7 @@ double number(const QJsonValue& object, const char* key)
     return object.toObject().value(QLatin1String(key)).toDouble(std::nan(""));
 }
 
-/// Readings of a file of the sample, taken apart by the simplest means: name, depth, time, count, value.
+// Readings of a file of the sample, taken apart by the simplest means: name, depth, time, count, value.
 QList<QStringList> rowsOf(const QString& path)
 {
     QFile file(path);
@@ -90,12 +90,13 @@ QList<QStringList> rowsOf(const QString& path)
     QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     lines.removeFirst();
     QList<QStringList> rows;
-    for (const QString& line : lines)
+    for (const QString& line : lines) {
         rows.append(line.split(QLatin1Char(',')));
+    }
     return rows;
 }
 
-/// The day of an alarm's reading on the clock of the bluff, as text.
+// The day of an alarm's reading on the clock of the bluff, as text.
 QString siteDay(const QJsonValue& detail)
 {
     constexpr int offset = -8 * 3600; // seconds
@@ -166,8 +167,9 @@ TEST_F(RkmonImport, TakesTheFileOfASpreadsheetAndNamesItsBadLine)
 {
     created("VH"_q);
     QByteArray content = "\xef\xbb\xbfname;depth;time;count;value\r\n";
-    for (int line = 2; line <= 800; ++line)
+    for (int line = 2; line <= 800; ++line) {
         content += "W1;20;2015-12-18T00:00:00-08:00;" + QByteArray::number(line) + ";0,25\r\n";
+    }
     QByteArray broken = content;
     broken.replace("W1;20;2015-12-18T00:00:00-08:00;700;", "W1;20;2015-12-32T00:00:00-08:00;700;");
     const QString bad = write("bad.csv", broken);
@@ -473,8 +475,9 @@ TEST_F(RkmonImport, StatisticsAreShownAndDrawn)
     QFile file(svg);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QByteArray content = file.readAll();
-    for (const char* label : {"Value (mm)", "Date (UTC-08:00)", "I1, 2.5", "S1"})
+    for (const char* label : {"Value (mm)", "Date (UTC-08:00)", "I1, 2.5", "S1"}) {
         EXPECT_TRUE(content.contains(label)) << label;
+    }
     EXPECT_EQ(rkmon.run({"stats"_q, "normal"_q, "--cell"_q, "VH"_q, "--plot"_q, "a.pdf"_q}).code, 2);
     EXPECT_EQ(rkmon.run({"stats"_q, "normal"_q, "--cell"_q, "VH"_q, "--name"_q, "none"_q, "--draw"_q}).code,
               4);
@@ -524,15 +527,18 @@ TEST_F(RkmonImport, TheSampleOfARealSite)
         EXPECT_EQ(result.object().value("points"_q).toInt(), 23);
         EXPECT_EQ(result.object().value("newPoints"_q).toInt(-1), run == 0 ? 23 : 0);
         int held = 0;
-        for (const char* station : {"VH", "LS-a", "LS-b", "M1", "M2"})
+        for (const char* station : {"VH", "LS-a", "LS-b", "M1", "M2"}) {
             held += samplesHeld(QString::fromUtf8(station));
+        }
         EXPECT_EQ(held, 30912);
 
         // The rain of 21 December, and what it brought and left; worked out from the files.
         QStringList found;
-        for (const QJsonValue& alarm : listed({"alarm"_q, "list"_q}))
-            for (const QJsonValue& detail : listed({"alarm"_q, "detail"_q, text(alarm, "id")}))
+        for (const QJsonValue& alarm : listed({"alarm"_q, "list"_q})) {
+            for (const QJsonValue& detail : listed({"alarm"_q, "detail"_q, text(alarm, "id")})) {
                 found.append("%1 %2"_q.arg(siteDay(detail), text(detail, "pointName")));
+            }
+        }
         found.sort();
         EXPECT_EQ(found, (QStringList{"2015-12-21 LS-a-W1"_q, "2015-12-21 VH-W5"_q, "2015-12-26 LS-b-W1"_q,
                                       "2015-12-31 LS-a-W1"_q}));
@@ -556,18 +562,21 @@ TEST_F(RkmonImport, SumsAndDaysOfTheSampleAreThoseOfItsFiles)
     ASSERT_EQ(import(files, "LS-a"_q).code, 0);
 
     QMap<QString, double> held;
-    for (const QJsonValue& sample : listed({"point"_q, "list"_q, "--cell"_q, "LS-a"_q, "--samples"_q}))
+    for (const QJsonValue& sample : listed({"point"_q, "list"_q, "--cell"_q, "LS-a"_q, "--samples"_q})) {
         held[text(sample, "name") + QLatin1Char('@') + text(sample, "depth")] += number(sample, "value");
+    }
     ASSERT_EQ(held.keys(), sums.keys());
-    for (const QString& point : sums.keys())
+    for (const QString& point : sums.keys()) {
         EXPECT_NEAR(held[point], sums[point], 1e-9) << point.toStdString();
+    }
 
     for (const char* statistic : {"normal", "depth"}) {
         QMap<QString, QMap<QString, double>> shown;
         for (const QJsonValue& entry :
-             listed({"stats"_q, QString::fromUtf8(statistic), "--cell"_q, "LS-a"_q}))
+             listed({"stats"_q, QString::fromUtf8(statistic), "--cell"_q, "LS-a"_q})) {
             shown[text(entry, "day")][text(entry, "name") + QLatin1Char('@') + text(entry, "depth")] =
                 number(entry, "value");
+        }
         EXPECT_EQ(shown, lastOfDay) << statistic;
     }
 }
@@ -589,12 +598,14 @@ TEST_F(RkmonImport, AGeneratedExcavationRaisesTwoPoints)
 
     QStringList over;
     QString inclinometer;
-    for (const QJsonValue& alarm : listed({"alarm"_q, "list"_q}))
+    for (const QJsonValue& alarm : listed({"alarm"_q, "list"_q})) {
         for (const QJsonValue& detail : listed({"alarm"_q, "detail"_q, text(alarm, "id")})) {
             over.append(text(detail, "pointName"));
-            if (detail.toObject().value("isInclinometer"_q).toBool())
+            if (detail.toObject().value("isInclinometer"_q).toBool()) {
                 inclinometer = text(detail, "id");
+            }
         }
+    }
     over.removeDuplicates();
     over.sort();
     EXPECT_EQ(over, (QStringList{"IN001"_q, "SP0002"_q}));

@@ -181,8 +181,9 @@ TEST_F(RkmonOutput, BrokenPipeEndsQuietly)
 
 TEST_F(RkmonOutput, FullDiskIsAFailure)
 {
-    if (!QFileInfo::exists("/dev/full"_q))
+    if (!QFileInfo::exists("/dev/full"_q)) {
         GTEST_SKIP() << "no /dev/full here";
+    }
     const Result result = rkmon.runShell("rkmon monitoring list > /dev/full"_q);
     EXPECT_EQ(result.code, 1);
     EXPECT_TRUE(result.messages.startsWith("rkmon: cannot write the result: "_q))

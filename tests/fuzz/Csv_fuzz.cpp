@@ -1,8 +1,7 @@
-// Input: a letter that chooses how the file is said to be written, then a file of readings. Every row must be a reading,
-// a repeated one or a problem, and a row that was taken must say what the file says.
+// Input: a letter that chooses how the file is said to be written, then a file of readings. Every row must be
+// a reading, a repeated one or a problem, and a row that was taken must say what the file says.
 
 #include "Fuzzer.h"
-
 #include "import/Deliveries.h"
 #include "import/MeasuredFile.h"
 
@@ -21,25 +20,29 @@ MeasuredFileFormat formatOf(unsigned choice)
 {
     constexpr std::array<char, 3> delimiters{',', ';', '\t'};
     MeasuredFileFormat format;
-    if ((choice & 3U) != 0)
+    if ((choice & 3U) != 0) {
         format.delimiter = delimiters.at((choice & 3U) - 1);
-    if ((choice & 4U) != 0)
+    }
+    if ((choice & 4U) != 0) {
         format.decimalSign = QLatin1Char((choice & 8U) != 0 ? ',' : '.');
-    if ((choice & 64U) != 0)
+    }
+    if ((choice & 64U) != 0) {
         format.utcOffset = QStringLiteral("+01:00");
+    }
     return format;
 }
 
-/// Counts the records of delimited text one character at a time (RFC 4180); empty lines are none. Only for text whose
-/// quotes begin fields and are closed.
+// Counts the records of delimited text one character at a time (RFC 4180); empty lines are none. Only for
+// text whose quotes begin fields and are closed.
 int recordCount(const std::string& text)
 {
     int count = 0;
     bool isQuoted = false;
     bool isEmpty = true;
     for (const char c : text) {
-        if (c == '"')
+        if (c == '"') {
             isQuoted = !isQuoted;
+        }
         const bool ends = !isQuoted && (c == '\n' || c == '\r');
         count += ends && !isEmpty ? 1 : 0;
         isEmpty = ends;
@@ -55,8 +58,9 @@ QStringList problemLines(const MeasuredFile& file)
 int conflictCount(const MeasuredFile& file)
 {
     int count = 0;
-    for (const QString& line : problemLines(file))
+    for (const QString& line : problemLines(file)) {
         count += line.contains(QStringLiteral(" has another value on line ")) ? 1 : 0;
+    }
     return count;
 }
 
@@ -83,7 +87,7 @@ void checkReadings(const MeasuredFile& file)
     require(count == file.readingCount, "the readings are counted");
 }
 
-/// Rows as they are cut where no quote can hide a line end or a delimiter, by line.
+// Rows as they are cut where no quote can hide a line end or a delimiter, by line.
 QHash<int, QStringList> plainRows(const QByteArray& content, char delimiter)
 {
     QHash<int, QStringList> rows;
@@ -91,8 +95,9 @@ QHash<int, QStringList> plainRows(const QByteArray& content, char delimiter)
     for (QByteArray text : QByteArray(content).replace("\r\n", "\n").replace('\r', '\n').split('\n')) {
         ++line;
         QStringList fields;
-        for (const QByteArray& field : text.split(delimiter))
+        for (const QByteArray& field : text.split(delimiter)) {
             fields.append(QString::fromUtf8(field).trimmed());
+        }
         rows.insert(line, fields);
     }
     return rows;
@@ -100,33 +105,39 @@ QHash<int, QStringList> plainRows(const QByteArray& content, char delimiter)
 
 char delimiterOf(const MeasuredFileFormat& format, const QByteArray& content)
 {
-    if (format.delimiter)
+    if (format.delimiter) {
         return *format.delimiter;
+    }
     // All five columns are named, so the one that parts them stands in the header.
     const QByteArray header = QByteArray(content).replace('\r', '\n').trimmed().split('\n').first();
     for (const char delimiter : {',', ';', '\t'}) {
         QStringList titles;
-        for (const QByteArray& title : header.split(delimiter))
+        for (const QByteArray& title : header.split(delimiter)) {
             titles.append(QString::fromUtf8(title).trimmed().toLower());
-        if (titles.contains(QStringLiteral("value")) && titles.contains(QStringLiteral("name")))
+        }
+        if (titles.contains(QStringLiteral("value")) && titles.contains(QStringLiteral("name"))) {
             return delimiter;
+        }
     }
     return ',';
 }
 
-/// Compares each reading with its row, read by other means.
+// Compares each reading with its row, read by other means.
 void checkAgainstRows(const MeasuredFile& file, QByteArray content, const MeasuredFileFormat& format)
 {
-    if (content.startsWith("\xef\xbb\xbf"))
+    if (content.startsWith("\xef\xbb\xbf")) {
         content.remove(0, 3);
+    }
     const QHash<int, QStringList> rows = plainRows(content, delimiterOf(format, content));
     int headerLine = 1;
-    while (rows.value(headerLine).size() < 5)
+    while (rows.value(headerLine).size() < 5) {
         ++headerLine;
+    }
     QStringList titles;
-    for (const QString& title : rows.value(headerLine))
+    for (const QString& title : rows.value(headerLine)) {
         titles.append(title.toLower());
-    for (const MeasuredPoint& point : file.points)
+    }
+    for (const MeasuredPoint& point : file.points) {
         for (const Reading& reading : point.readings) {
             const QStringList row = rows.value(reading.line);
             const auto field = [&](const char* title) {
@@ -145,6 +156,7 @@ void checkAgainstRows(const MeasuredFile& file, QByteArray content, const Measur
             require(field("depth").isEmpty() == point.depth.isEmpty(), "a reading has its row's depth",
                     [&] { return detail; });
         }
+    }
 }
 
 void checkDeliveries(const MeasuredFile& file)
@@ -156,9 +168,11 @@ void checkDeliveries(const MeasuredFile& file)
     int sent = 0;
     for (const QList<Delivery>& request : requestsOf(deliveries, largest)) {
         int samples = 0;
-        for (const Delivery& delivery : request)
-            for (const RKPointLocation& point : delivery.points)
+        for (const Delivery& delivery : request) {
+            for (const RKPointLocation& point : delivery.points) {
                 samples += point.data.size();
+            }
+        }
         require(samples <= largest, "a request is bounded");
         sent += samples;
     }
@@ -169,8 +183,9 @@ void checkDeliveries(const MeasuredFile& file)
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    if (size == 0)
+    if (size == 0) {
         return 0;
+    }
     const MeasuredFileFormat format = formatOf(data[0]);
     const QByteArray content(reinterpret_cast<const char*>(data + 1), static_cast<int>(size - 1));
     const MeasuredFile file = readMeasuredFile(QStringLiteral("f"), content, format);
@@ -188,9 +203,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
                 "every row is a reading, repeated, or a problem",
                 [&] { return problemLines(file).join(QLatin1Char('\n')).toStdString(); });
     }
-    if (isGood && !hasQuotes)
+    if (isGood && !hasQuotes) {
         checkAgainstRows(file, content, format);
-    if (isGood)
+    }
+    if (isGood) {
         checkDeliveries(file);
+    }
     return 0;
 }

@@ -1,14 +1,12 @@
-// Input: a letter that chooses the local time zone, then a text. What is read must be what a slow reading by the book
-// finds, and must come back when it is written. The service's reading, which is another program, must agree. Sixteen
-// bytes and more are also taken as an instant and an offset that are written and read.
+// Input: a letter that chooses the local time zone, then a text. What is read must be what a slow reading by
+// the book finds, and must come back when it is written. The service's reading, which is another program,
+// must agree. Sixteen bytes and more are also taken as an instant and an offset that are written and read.
 
 #include "Fuzzer.h"
-
-#include <RKPub.h>
-
 #include "query/Timestamp.h"
 
 #include <QTimeZone>
+#include <RKPub.h>
 
 #include <array>
 #include <cstring>
@@ -28,8 +26,9 @@ void setLocalZone(unsigned choice)
                                                   "Asia/Beirut",  "Pacific/Apia"};
     static const char* present = nullptr;
     const char* const wanted = zones[choice % zones.size()];
-    if (wanted == present)
+    if (wanted == present) {
         return;
+    }
     present = wanted;
 #ifdef Q_OS_UNIX
     qputenv("TZ", wanted);
@@ -44,13 +43,14 @@ struct CivilTime
     std::optional<int> offsetMinutes;
 };
 
-/// The number in a part of the text that must be digits.
+// The number in a part of the text that must be digits.
 std::optional<int> digits(std::string_view text)
 {
     int number = 0;
     for (const char c : text) {
-        if (c < '0' || c > '9')
+        if (c < '0' || c > '9') {
             return std::nullopt;
+        }
         number = number * 10 + (c - '0');
     }
     return number;
@@ -69,14 +69,16 @@ int daysOf(int year, int month)
 
 bool readDate(std::string_view text, CivilTime& time)
 {
-    if (text.size() != 10 || text[4] != '-' || text[7] != '-')
+    if (text.size() != 10 || text[4] != '-' || text[7] != '-') {
         return false;
+    }
     const auto year = digits(text.substr(0, 4));
     const auto month = digits(text.substr(5, 2));
     const auto day = digits(text.substr(8, 2));
     if (!year || !month || !day || *year < 1 || *month < 1 || *month > 12 || *day < 1 ||
-        *day > daysOf(*year, *month))
+        *day > daysOf(*year, *month)) {
         return false;
+    }
     time.year = *year;
     time.month = *month;
     time.day = *day;
@@ -85,13 +87,15 @@ bool readDate(std::string_view text, CivilTime& time)
 
 bool readClock(std::string_view text, CivilTime& time)
 {
-    if (text.size() != 8 || text[2] != ':' || text[5] != ':')
+    if (text.size() != 8 || text[2] != ':' || text[5] != ':') {
         return false;
+    }
     const auto hour = digits(text.substr(0, 2));
     const auto minute = digits(text.substr(3, 2));
     const auto second = digits(text.substr(6, 2));
-    if (!hour || !minute || !second || *hour > 23 || *minute > 59 || *second > 59)
+    if (!hour || !minute || !second || *hour > 23 || *minute > 59 || *second > 59) {
         return false;
+    }
     time.hour = *hour;
     time.minute = *minute;
     time.second = *second;
@@ -105,57 +109,68 @@ bool readOffset(std::string_view text, CivilTime& time)
         return true;
     }
     std::string plain(text);
-    if (plain.size() == 6 && plain[3] == ':')
+    if (plain.size() == 6 && plain[3] == ':') {
         plain.erase(3, 1);
-    if (plain.size() != 5 || (plain[0] != '+' && plain[0] != '-'))
+    }
+    if (plain.size() != 5 || (plain[0] != '+' && plain[0] != '-')) {
         return false;
+    }
     const auto hours = digits(plain.substr(1, 2));
     const auto minutes = digits(plain.substr(3, 2));
-    if (!hours || !minutes || *minutes > 59 || *hours * 60 + *minutes > 14 * 60)
+    if (!hours || !minutes || *minutes > 59 || *hours * 60 + *minutes > 14 * 60) {
         return false;
+    }
     time.offsetMinutes = (plain[0] == '-' ? -1 : 1) * (*hours * 60 + *minutes);
     return true;
 }
 
-/// ISO 8601 as RKPub.h describes it.
+// ISO 8601 as RKPub.h describes it.
 std::optional<CivilTime> readByTheBook(std::string_view text)
 {
     CivilTime time;
-    if (!readDate(text.substr(0, 10), time))
+    if (!readDate(text.substr(0, 10), time)) {
         return std::nullopt;
+    }
     time.isDateAlone = text.size() == 10;
-    if (time.isDateAlone)
+    if (time.isDateAlone) {
         return time;
-    if (text.size() < 19 || text[10] != 'T' || !readClock(text.substr(11, 8), time))
+    }
+    if (text.size() < 19 || text[10] != 'T' || !readClock(text.substr(11, 8), time)) {
         return std::nullopt;
+    }
     std::string_view rest = text.substr(19);
     if (!rest.empty() && rest[0] == '.') {
         const std::string_view fraction = rest.substr(1, rest.find_first_not_of("0123456789", 1) - 1);
-        if (fraction.empty())
+        if (fraction.empty()) {
             return std::nullopt;
+        }
         time.millisecond = *digits((std::string(fraction) + "00").substr(0, 3));
         rest.remove_prefix(1 + fraction.size());
     }
-    if (!rest.empty() && !readOffset(rest, time))
+    if (!rest.empty() && !readOffset(rest, time)) {
         return std::nullopt;
+    }
     return time;
 }
 
-/// Day by day from 1970, year by year before and behind.
+// Day by day from 1970, year by year before and behind.
 qint64 instantOf(const CivilTime& time)
 {
     qint64 days = time.day - 1;
-    for (int month = 1; month < time.month; ++month)
+    for (int month = 1; month < time.month; ++month) {
         days += daysOf(time.year, month);
-    for (int year = 1970; year < time.year; ++year)
+    }
+    for (int year = 1970; year < time.year; ++year) {
         days += isLeapYear(year) ? 366 : 365;
-    for (int year = time.year; year < 1970; ++year)
+    }
+    for (int year = time.year; year < 1970; ++year) {
         days -= isLeapYear(year) ? 366 : 365;
+    }
     const qint64 minutes = (days * 24 + time.hour) * 60 + time.minute - time.offsetMinutes.value_or(0);
     return (minutes * 60 + time.second) * 1000 + time.millisecond;
 }
 
-/// Whether the clocks of the local zone skip the time, as the C library says.
+// Whether the clocks of the local zone skip the time, as the C library says.
 bool isSkipped(const CivilTime& time)
 {
     std::tm wanted{};
@@ -197,12 +212,13 @@ void checkLocalTime(const QDateTime& read, const CivilTime& expected, const std:
     const QDate date(expected.year, expected.month, expected.day);
     require(read.timeSpec() == Qt::LocalTime && read.date() == date, "a local time is on its day",
             [&] { return text; });
-    if (!expected.isDateAlone)
+    if (!expected.isDateAlone) {
         require(read.time() == QTime(expected.hour, expected.minute, expected.second, expected.millisecond),
                 "a local time is at its clock", [&] { return text; });
-    else
+    } else {
         require(!isPlain || isSkipped(expected) || read.time() == QTime(0, 0),
                 "a date alone is its first moment", [&] { return text; });
+    }
 }
 
 void checkServiceAgrees(const std::string& text, const QDateTime& read,
@@ -234,10 +250,11 @@ void checkWritten(const QDateTime& time, bool isExact)
     textAgain.replace(QStringLiteral("+00:00"), QStringLiteral("Z"));
     require(RKPub::getQStringByDateTime(again) == textAgain, "it is written the same again",
             [&] { return text.toStdString(); });
-    if (isExact)
+    if (isExact) {
         require(again.date() == time.date() && again.time() == time.time() &&
                     again.offsetFromUtc() == time.offsetFromUtc(),
                 "it is read with its day, clock and offset", [&] { return text.toStdString(); });
+    }
 }
 
 void checkText(std::string_view bytes)
@@ -246,13 +263,15 @@ void checkText(std::string_view bytes)
     const QDateTime read = RKPub::getDateTimeByQString(QString::fromLatin1(text.data(), int(text.size())));
     const std::optional<CivilTime> expected = readByTheBook(text);
     require(expected || !read.isValid(), "nothing else is read", [&] { return text; });
-    if (expected && expected->offsetMinutes)
+    if (expected && expected->offsetMinutes) {
         checkOffsetTime(read, *expected, text);
-    else if (expected)
+    } else if (expected) {
         checkLocalTime(read, *expected, text);
+    }
     checkServiceAgrees(text, read, expected);
-    if (read.isValid())
+    if (read.isValid()) {
         checkWritten(read, expected->offsetMinutes.has_value());
+    }
 }
 
 void checkInstant(const std::uint8_t* data)
@@ -271,11 +290,13 @@ void checkInstant(const std::uint8_t* data)
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    if (size == 0)
+    if (size == 0) {
         return 0;
+    }
     setLocalZone(data[0]);
     checkText({reinterpret_cast<const char*>(data + 1), size - 1});
-    if (size >= 16)
+    if (size >= 16) {
         checkInstant(data);
+    }
     return 0;
 }

@@ -1,8 +1,7 @@
-// Input: the body of a delivery. It is taken whole, each sample as it was sent, or refused with a reason that can be sent
-// to the client. What was sent is read a second time by another JSON library.
+// Input: the body of a delivery. It is taken whole, each sample as it was sent, or refused with a reason that
+// can be sent to the client. What was sent is read a second time by another JSON library.
 
 #include "Fuzzer.h"
-
 #include "analysis/DeliveryParser.h"
 #include "analysis/DeliveryRefusal.h"
 #include "query/Timestamp.h"
@@ -23,7 +22,7 @@ namespace {
 using fuzz::require;
 using Json = nlohmann::json;
 
-/// Nothing when it is refused.
+// Nothing when it is refused.
 std::optional<Delivery> taken(const std::string& body)
 {
     try {
@@ -49,7 +48,7 @@ PointName nameOf(const Json& element)
             element.value("depth", std::string())};
 }
 
-/// The sample of the point's delivery that was sent so.
+// The sample of the point's delivery that was sent so.
 const DeliveredSample* find(const DeliveredPoint& point, const Timestamp& time, std::int64_t count)
 {
     const auto found = std::find_if(point.samples.begin(), point.samples.end(), [&](const auto& sample) {
@@ -70,15 +69,16 @@ void checkSample(const Delivery& delivery, const DeliveredPoint& point, const Js
             "it has the flag sent", [&] { return sent.dump(); });
 }
 
-/// The elements of a delivery, those of inner arrays too.
+// The elements of a delivery, those of inner arrays too.
 std::vector<Json> elementsOf(const Json& body)
 {
     std::vector<Json> elements;
     for (const Json& element : body) {
-        if (element.is_array())
+        if (element.is_array()) {
             elements.insert(elements.end(), element.begin(), element.end());
-        else
+        } else {
             elements.push_back(element);
+        }
     }
     return elements;
 }
@@ -86,8 +86,9 @@ std::vector<Json> elementsOf(const Json& body)
 std::size_t rowsOf(const Delivery& delivery)
 {
     std::size_t rows = 0;
-    for (const DeliveredPoint& point : delivery.points)
+    for (const DeliveredPoint& point : delivery.points) {
         rows += point.rows;
+    }
     return rows;
 }
 
@@ -98,15 +99,17 @@ void checkAgainstSent(const Delivery& delivery, const std::string& body)
     const std::vector<Json> elements = elementsOf(sent);
     require(elements.size() == delivery.elements.size(), "every element is taken");
     std::map<PointName, const DeliveredPoint*> points;
-    for (const DeliveredPoint& point : delivery.points)
+    for (const DeliveredPoint& point : delivery.points) {
         require(points.emplace(nameOf(point), &point).second, "each point is there once");
+    }
     std::map<PointName, double> initialValues;
     std::size_t rows = 0;
     for (const Json& element : elements) {
         const auto point = points.find(nameOf(element));
         require(point != points.end(), "every point sent is there", [&] { return element.dump(); });
-        if (const double initialValue = element.value("initialValue", 0.0); initialValue != 0.0)
+        if (const double initialValue = element.value("initialValue", 0.0); initialValue != 0.0) {
             initialValues[nameOf(element)] = initialValue;
+        }
         for (const Json& sample : element.value("data", Json::array())) {
             checkSample(delivery, *point->second, sample);
             ++rows;
@@ -134,7 +137,7 @@ void checkOrder(const Delivery& delivery)
     }
 }
 
-/// The same elements sent twice make the same points with the same samples.
+// The same elements sent twice make the same points with the same samples.
 void checkRepeated(const Delivery& delivery, const std::string& body)
 {
     const std::size_t begin = body.find('[');
@@ -159,16 +162,19 @@ void checkRepeated(const Delivery& delivery, const std::string& body)
 void tryInput(const std::string& body)
 {
     constexpr std::size_t longest = 64 * 1024; // twice as much stays below every bound
-    if (body.size() > longest)
+    if (body.size() > longest) {
         return;
+    }
     isNestedDelivery(body);
     const std::optional<Delivery> delivery = taken(body);
-    if (!delivery)
+    if (!delivery) {
         return;
+    }
     checkAgainstSent(*delivery, body);
     checkOrder(*delivery);
-    if (!delivery->elements.empty())
+    if (!delivery->elements.empty()) {
         checkRepeated(*delivery, body);
+    }
 }
 
 } // namespace

@@ -1,15 +1,12 @@
-// Input: what a client sends on one connection. The session must answer the same however the bytes are cut, and a handler
-// must see no request but those that a lenient reader of HTTP/1.1 sees too: where two readers could cut the bytes
-// differently, one request could be hidden in another.
+// Input: what a client sends on one connection. The session must answer the same however the bytes are cut,
+// and a handler must see no request but those that a lenient reader of HTTP/1.1 sees too: where two readers
+// could cut the bytes differently, one request could be hidden in another.
 
 #include "Fuzzer.h"
-
 #include "http/HttpSession.h"
 
 #include <boost/asio/executor_work_guard.hpp>
-
 #include <simdjson.h>
-
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -54,14 +51,14 @@ HttpLimits limits()
     return limits;
 }
 
-/// What came of one connection.
+// What came of one connection.
 struct Exchange
 {
     std::vector<Seen> seen;
     std::string answers;
 };
 
-/// A socket pair's end that the client holds.
+// A socket pair's end that the client holds.
 class ClientEnd
 {
 public:
@@ -80,15 +77,16 @@ public:
     {
         std::array<char, 16'384> bytes;
         ssize_t size = 0;
-        while ((size = ::recv(m_descriptor, bytes.data(), bytes.size(), MSG_DONTWAIT)) > 0)
+        while ((size = ::recv(m_descriptor, bytes.data(), bytes.size(), MSG_DONTWAIT)) > 0) {
             received.append(bytes.data(), static_cast<std::size_t>(size));
+        }
     }
 
 private:
     int m_descriptor;
 };
 
-/// The sessions of a server without the server: one connection at a time, driven from here.
+// The sessions of a server without the server: one connection at a time, driven from here.
 class Driver
 {
 public:
@@ -99,7 +97,7 @@ public:
     {
     }
 
-    /// Sends the bytes in two parts, cut at a place.
+    // Sends the bytes in two parts, cut at a place.
     Exchange exchange(std::string_view bytes, std::size_t cut)
     {
         m_exchange = {};
@@ -128,10 +126,12 @@ public:
 private:
     HttpResponse answer(HttpRequest&& request)
     {
-        for (const std::string& segment : request.path)
+        for (const std::string& segment : request.path) {
             require(isText(segment), "a segment of the path is text");
-        for (const auto& [name, value] : request.parameters)
+        }
+        for (const auto& [name, value] : request.parameters) {
             require(isText(name) && isText(value), "a parameter is text");
+        }
         HttpResponse response;
         response.body = request.target;
         const std::lock_guard<std::mutex> lock(m_mutex);
@@ -150,8 +150,8 @@ private:
     asio::executor_work_guard<asio::io_context::executor_type> m_work{m_sessions.io.get_executor()};
 };
 
-/// Reads requests as a forgiving proxy might: lines may end in LF alone, blanks may stand anywhere around names and
-/// values, and the last of repeated fields counts.
+// Reads requests as a forgiving proxy might: lines may end in LF alone, blanks may stand anywhere around
+// names and values, and the last of repeated fields counts.
 class LenientReader
 {
 public:
@@ -160,19 +160,23 @@ public:
     std::optional<Seen> next()
     {
         std::optional<std::string_view> line = takeLine();
-        while (line && line->empty())
+        while (line && line->empty()) {
             line = takeLine();
-        if (!line)
+        }
+        if (!line) {
             return std::nullopt;
+        }
         Seen seen;
         const std::size_t methodEnd = line->find(' ');
         const std::size_t targetEnd = line->rfind(' ');
-        if (methodEnd == std::string_view::npos || targetEnd == methodEnd)
+        if (methodEnd == std::string_view::npos || targetEnd == methodEnd) {
             return std::nullopt;
+        }
         seen.method = line->substr(0, methodEnd);
         seen.target = line->substr(methodEnd + 1, targetEnd - methodEnd - 1);
-        if (seen.method == "HEAD")
+        if (seen.method == "HEAD") {
             seen.method = "GET";
+        }
         return readFields() && readBody(seen.body) ? std::optional(seen) : std::nullopt;
     }
 
@@ -180,12 +184,14 @@ private:
     std::optional<std::string_view> takeLine()
     {
         const std::size_t end = m_rest.find('\n');
-        if (end == std::string_view::npos)
+        if (end == std::string_view::npos) {
             return std::nullopt;
+        }
         std::string_view line = m_rest.substr(0, end);
         m_rest.remove_prefix(end + 1);
-        if (!line.empty() && line.back() == '\r')
+        if (!line.empty() && line.back() == '\r') {
             line.remove_suffix(1);
+        }
         return line;
     }
 
@@ -193,8 +199,9 @@ private:
     {
         std::string result;
         for (const char c : text) {
-            if (!std::isspace(static_cast<unsigned char>(c)))
+            if (!std::isspace(static_cast<unsigned char>(c))) {
                 result += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+            }
         }
         return result;
     }
@@ -204,49 +211,58 @@ private:
         m_length.clear();
         m_isChunked = false;
         for (auto line = takeLine(); line; line = takeLine()) {
-            if (line->empty())
+            if (line->empty()) {
                 return true;
+            }
             const std::size_t colon = std::min(line->find(':'), line->size());
             const std::string name = lowered(line->substr(0, colon));
             const std::string value = lowered(line->substr(std::min(colon + 1, line->size())));
-            if (name == "content-length")
+            if (name == "content-length") {
                 m_length = value;
-            if (name == "transfer-encoding")
+            }
+            if (name == "transfer-encoding") {
                 m_isChunked = m_isChunked || value.find("chunked") != std::string::npos;
+            }
         }
         return false;
     }
 
     bool readBody(std::string& body)
     {
-        if (!m_isChunked)
+        if (!m_isChunked) {
             return take(m_length.empty() ? 0 : std::strtoull(m_length.c_str(), nullptr, 10), body);
+        }
         for (;;) {
             const std::optional<std::string_view> line = takeLine();
-            if (!line)
+            if (!line) {
                 return false;
+            }
             const std::size_t size = std::strtoull(std::string(*line).c_str(), nullptr, 16);
-            if (size == 0)
+            if (size == 0) {
                 return skipTrailer();
+            }
             std::string lineEnd;
-            if (!take(size, body) || !take(m_rest.substr(0, 1) == "\r" ? 2 : 1, lineEnd))
+            if (!take(size, body) || !take(m_rest.substr(0, 1) == "\r" ? 2 : 1, lineEnd)) {
                 return false;
+            }
         }
     }
 
     bool skipTrailer()
     {
         for (auto line = takeLine(); line; line = takeLine()) {
-            if (line->empty())
+            if (line->empty()) {
                 return true;
+            }
         }
         return false;
     }
 
     bool take(std::size_t size, std::string& bytes)
     {
-        if (size > m_rest.size())
+        if (size > m_rest.size()) {
             return false;
+        }
         bytes += m_rest.substr(0, size);
         m_rest.remove_prefix(size);
         return true;
@@ -275,7 +291,7 @@ void eraseAll(std::string& text, std::string_view begin, std::string_view end)
     }
 }
 
-/// The answers without what may differ: the time, and whether a client was told to go on.
+// The answers without what may differ: the time, and whether a client was told to go on.
 std::string comparable(std::string answers)
 {
     eraseAll(answers, "HTTP/1.1 100 ", "\r\n\r\n");
@@ -283,7 +299,7 @@ std::string comparable(std::string answers)
     return answers;
 }
 
-/// Each request seen has its answer; at most one more, a refusal, ends the connection.
+// Each request seen has its answer; at most one more, a refusal, ends the connection.
 void checkAnswers(const Exchange& exchange)
 {
     std::string answers = comparable(exchange.answers);
@@ -302,8 +318,9 @@ void checkAnswers(const Exchange& exchange)
                 "what no handler saw is refused", [&] { return head; });
         answers.erase(0, headEnd + 4);
         // The answer to a HEAD has no body; what it would be, the target, begins otherwise than an answer.
-        if (answers.rfind("HTTP/1.1 ", 0) != 0)
+        if (answers.rfind("HTTP/1.1 ", 0) != 0) {
             answers.erase(0, length);
+        }
         ++count;
     }
     require(count == exchange.seen.size() || count == exchange.seen.size() + 1,
@@ -313,15 +330,17 @@ void checkAnswers(const Exchange& exchange)
 void tryInput(std::string_view bytes)
 {
     static Driver driver;
-    if (bytes.size() > longestInput)
+    if (bytes.size() > longestInput) {
         return;
+    }
     const Exchange whole = driver.exchange(bytes, 0);
     checkFraming(bytes, whole.seen);
     checkAnswers(whole);
     // The place follows from the input, so that a finding can be repeated.
     std::size_t hash = bytes.size();
-    for (const char c : bytes)
+    for (const char c : bytes) {
         hash = hash * 31 + static_cast<unsigned char>(c);
+    }
     const Exchange cut = driver.exchange(bytes, bytes.empty() ? 0 : hash % bytes.size());
     require(cut.seen == whole.seen && comparable(cut.answers) == comparable(whole.answers),
             "the bytes are answered the same however they are cut",

@@ -52,9 +52,10 @@ void checkReference(const ProjectFile& project, const QString& monitoring, const
 
 void checkValues(const ProjectFile& project)
 {
-    for (const RKMonitoring& monitoring : project.monitorings)
+    for (const RKMonitoring& monitoring : project.monitorings) {
         require(!monitoring.name.trimmed().isEmpty() && project.categories.contains(monitoring.category),
                 "a monitoring has a name and a known category");
+    }
     for (const PlannedGroup& group : project.groups) {
         checkReference(project, group.monitoring, group.subCategory);
         const PointLocSetting& setting = group.setting;
@@ -82,29 +83,33 @@ QJsonObject writtenGroup(const PlannedGroup& group)
             {key("totalLimit"), group.setting.totalVar}};
 }
 
-/// The project as a file that says the same.
+// The project as a file that says the same.
 QByteArray written(const ProjectFile& project)
 {
     QJsonArray subCategories;
     for (const RKMonitoringSubCategory& subCategory : project.subCategories) {
         QJsonObject object{{key("category"), subCategory.category}, {key("name"), subCategory.name}};
-        if (!subCategory.alias.isEmpty())
+        if (!subCategory.alias.isEmpty()) {
             object.insert(key("alias"), subCategory.alias);
+        }
         subCategories.append(object);
     }
     QJsonArray monitorings;
-    for (const RKMonitoring& monitoring : project.monitorings)
+    for (const RKMonitoring& monitoring : project.monitorings) {
         monitorings.append(QJsonObject{{key("name"), monitoring.name},
                                        {key("category"), monitoring.category},
                                        {key("alarmTo"), QJsonArray::fromStringList(monitoring.alarmTo)}});
+    }
     QJsonArray groups;
-    for (const PlannedGroup& group : project.groups)
+    for (const PlannedGroup& group : project.groups) {
         groups.append(writtenGroup(group));
+    }
     QJsonArray files;
-    for (const PlannedFile& file : project.files)
+    for (const PlannedFile& file : project.files) {
         files.append(QJsonObject{{key("file"), file.path},
                                  {key("monitoring"), file.monitoring},
                                  {key("subCategory"), file.subCategory}});
+    }
     const QJsonObject root{{key("categories"), QJsonArray::fromStringList(project.categories)},
                            {key("subCategories"), subCategories},
                            {key("monitorings"), monitorings},
@@ -115,7 +120,8 @@ QByteArray written(const ProjectFile& project)
 
 } // namespace
 
-/// Asked by the leak checker, which finds what Qt 5.15's JSON parser loses of an object that gives one key twice.
+// Asked by the leak checker, which finds what Qt 5.15's JSON parser loses of an object that gives one key
+// twice.
 extern "C" int __lsan_is_turned_off()
 {
     return 1;

@@ -1,8 +1,8 @@
-// Input: a JSON object, or an array of two. Every record is read from it, whatever its members hold, written, and read
-// again. Reading a record leaves nothing of what was in it before. An array's text may be cut into pieces that threads parse.
+// Input: a JSON object, or an array of two. Every record is read from it, whatever its members hold, written,
+// and read again. Reading a record leaves nothing of what was in it before. An array's text may be cut into
+// pieces that threads parse.
 
 #include "Fuzzer.h"
-
 #include "ParallelJson.h"
 #include "RKAlarm.h"
 #include "datamanage/DataManageJson.h"
@@ -39,7 +39,7 @@ double numberOf(const QJsonObject& object, const char* key)
     return value.isDouble() ? value.toDouble() : 0.0;
 }
 
-/// The number when it is whole and fits, else 0.
+// The number when it is whole and fits, else 0.
 qint32 integerOf(const QJsonObject& object, const char* key)
 {
     const double number = numberOf(object, key);
@@ -53,14 +53,15 @@ bool isSame(double left, double right)
     return left == right; // JSON has no NaN
 }
 
-/// Equal to the offset: the calendar day counts.
+// Equal to the offset: the calendar day counts.
 bool isSame(const QDateTime& left, const QDateTime& right)
 {
     return left.isValid() == right.isValid() &&
            (!left.isValid() || (left == right && left.date() == right.date() && left.time() == right.time()));
 }
 
-/// What a time is after it was written: a year that four digits cannot hold is lost (a local time at their very edge).
+// What a time is after it was written: a year that four digits cannot hold is lost (a local time at their
+// very edge).
 QDateTime written(const QDateTime& time)
 {
     return RKPub::getDateTimeByQString(RKPub::getQStringByDateTime(time));
@@ -151,10 +152,11 @@ void checkSample(const QJsonObject& object)
 void checkSamples(const QList<RKPointLocationData>& left, const QList<RKPointLocationData>& right)
 {
     require(left.size() == right.size(), "no sample is lost");
-    for (int i = 0; i < left.size(); ++i)
+    for (int i = 0; i < left.size(); ++i) {
         require(left[i].count == right[i].count && isSame(left[i].value, right[i].value) &&
                     left[i].timeFlag == right[i].timeFlag && isSame(written(left[i].time), right[i].time),
                 "a point's samples are read back in their order");
+    }
 }
 
 void checkPointLocation(const QJsonObject& object)
@@ -163,8 +165,9 @@ void checkPointLocation(const QJsonObject& object)
     rk::pointLocationFromJson(object, record);
     const QJsonArray samples = memberOf(object, "data").toArray();
     require(record.data.size() == samples.size(), "a point has a sample per element of its data");
-    for (const QJsonValue& sample : samples)
+    for (const QJsonValue& sample : samples) {
         checkSample(sample.toObject());
+    }
     require(isSame(record.initialValue, integerOf(object, "initialValue")) &&
                 record.lastCount == integerOf(object, "lastCount") && record.depth == textOf(object, "depth"),
             "a point's numbers are read");
@@ -236,7 +239,7 @@ void checkLinks(const QJsonObject& object)
     }
 }
 
-/// Equal as numbers: QJsonObject::insert rounds a whole number above 2^53, which the parser keeps.
+// Equal as numbers: QJsonObject::insert rounds a whole number above 2^53, which the parser keeps.
 bool isSame(const QJsonValue& left, const QJsonValue& right)
 {
     return left == right || (left.isDouble() && right.isDouble() && left.toDouble() == right.toDouble());
@@ -252,11 +255,12 @@ void checkDifference(const QJsonObject& before, const QJsonObject& after)
                 "only what differs is left");
         merged.insert(member.key(), member.value());
     }
-    for (auto member = after.constBegin(); member != after.constEnd(); ++member)
+    for (auto member = after.constBegin(); member != after.constEnd(); ++member) {
         require(isSame(merged.value(member.key()), member.value()), "a difference makes the one the other");
+    }
 }
 
-/// One thread is enough here: which of them takes a piece makes no difference.
+// One thread is enough here: which of them takes a piece makes no difference.
 void checkPieces(const QByteArray& text, const QJsonDocument& document)
 {
     for (const int pieceSize : {1, 100}) {
@@ -279,7 +283,8 @@ void checkEveryRecord(const QJsonObject& object)
 
 } // namespace
 
-/// Asked by the leak checker, which finds what Qt 5.15's JSON parser loses of an object that gives one key twice.
+// Asked by the leak checker, which finds what Qt 5.15's JSON parser loses of an object that gives one key
+// twice.
 extern "C" int __lsan_is_turned_off()
 {
     return 1;

@@ -1,5 +1,5 @@
-// Stands in for libFuzzer where there is none: tries each file of the folders that the command line names, so that
-// every input that once broke something stays a test.
+// Stands in for libFuzzer where there is none: tries each file of the folders that the command line names, so
+// that every input that once broke something stays a test.
 
 #include "Fuzzer.h"
 
@@ -17,8 +17,9 @@ std::vector<std::filesystem::path> filesOf(const std::filesystem::path& folder)
 {
     std::vector<std::filesystem::path> files;
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        if (entry.is_regular_file())
+        if (entry.is_regular_file()) {
             files.push_back(entry.path());
+        }
     }
     std::sort(files.begin(), files.end());
     return files;
@@ -27,8 +28,9 @@ std::vector<std::filesystem::path> filesOf(const std::filesystem::path& folder)
 Bytes contentOf(const std::filesystem::path& path)
 {
     std::ifstream file(path, std::ios::binary);
-    if (!file)
+    if (!file) {
         throw std::runtime_error("cannot read " + path.string());
+    }
     Bytes bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     bytes.shrink_to_fit(); // so that the sanitizers see a read behind the end
     return bytes;

@@ -1,8 +1,8 @@
-// Input: lines. The first is a path, each further one "name=value" of a parameter. What the URL is made of must come
-// out again where it is taken apart as RFC 3986 says. The input is also encoded whole, as UTF-8 and as UTF-16.
+// Input: lines. The first is a path, each further one "name=value" of a parameter. What the URL is made of
+// must come out again where it is taken apart as RFC 3986 says. The input is also encoded whole, as UTF-8 and
+// as UTF-16.
 
 #include "Fuzzer.h"
-
 #include "UrlEncoding.h"
 
 #include <QJsonDocument>
@@ -33,7 +33,7 @@ int hexDigit(char digit)
     return static_cast<int>(found - digits);
 }
 
-/// RFC 3986, 2.1, of text that is made of what an address may hold.
+// RFC 3986, 2.1, of text that is made of what an address may hold.
 QString decoded(const QByteArray& encoded)
 {
     QByteArray bytes;
@@ -59,18 +59,19 @@ QByteArray withoutBase(const QByteArray& url)
     return url.mid(base.size());
 }
 
-/// Text with U+FFFD for each half of a surrogate pair.
+// Text with U+FFFD for each half of a surrogate pair.
 QString wellFormed(const QString& text)
 {
     QString result;
     for (const uint character : text.toUcs4()) {
         const bool isHalf = character >= 0xD800 && character <= 0xDFFF;
-        if (QChar::requiresSurrogates(character))
+        if (QChar::requiresSurrogates(character)) {
             result.append(QChar(QChar::highSurrogate(character)))
                 .append(QChar(QChar::lowSurrogate(character)));
-        else
+        } else {
             result.append(isHalf ? QChar(QChar::ReplacementCharacter)
                                  : QChar(static_cast<ushort>(character)));
+        }
     }
     return result;
 }
@@ -95,9 +96,11 @@ const QStringList& parameterNames()
 
 bool beginsParameter(const QString& text, QChar mark)
 {
-    for (const QString& name : parameterNames())
-        if (text.contains(mark + name + QLatin1Char('=')))
+    for (const QString& name : parameterNames()) {
+        if (text.contains(mark + name + QLatin1Char('='))) {
             return true;
+        }
+    }
     return text.contains(mark + QStringLiteral("category=")) || text.contains(mark + QStringLiteral("key="));
 }
 
@@ -106,13 +109,14 @@ using Parameters = QVector<QPair<QString, QString>>;
 QString composed(const QString& path, const Parameters& parameters)
 {
     QString text = path;
-    for (int i = 0; i < parameters.size(); ++i)
+    for (int i = 0; i < parameters.size(); ++i) {
         text +=
             QLatin1Char(i == 0 ? '?' : '&') + parameters[i].first + QLatin1Char('=') + parameters[i].second;
+    }
     return text;
 }
 
-/// Takes the address apart at "?", "&" and "=", then decodes: what it is made of must be there.
+// Takes the address apart at "?", "&" and "=", then decodes: what it is made of must be there.
 void checkParts(const QString& path, const Parameters& parameters)
 {
     const QByteArray encoded = withoutBase(encodedUrl(base + composed(path, parameters), base));
@@ -120,8 +124,9 @@ void checkParts(const QString& path, const Parameters& parameters)
     require(decoded(encoded.left(queryMark < 0 ? encoded.size() : queryMark)) == path,
             "the path arrives as it was typed", [&] { return encoded.toStdString(); });
     require((queryMark < 0) == parameters.isEmpty(), "a query is there when there are parameters");
-    if (queryMark < 0)
+    if (queryMark < 0) {
         return;
+    }
     const QList<QByteArray> pieces = encoded.mid(queryMark + 1).split('&');
     require(pieces.size() == parameters.size(), "no parameter is added or lost",
             [&] { return encoded.toStdString(); });
@@ -133,7 +138,7 @@ void checkParts(const QString& path, const Parameters& parameters)
     }
 }
 
-/// The parameters that the lines name and that raw text can hold unambiguously, as the library writes them.
+// The parameters that the lines name and that raw text can hold unambiguously, as the library writes them.
 Parameters parametersOf(const QStringList& lines)
 {
     Parameters parameters;
@@ -141,22 +146,25 @@ Parameters parametersOf(const QStringList& lines)
         const int mark = line.indexOf(QLatin1Char('='));
         const QString name = line.left(mark);
         const QString value = line.mid(mark + 1);
-        if (mark < 0 || !parameterNames().contains(name))
+        if (mark < 0 || !parameterNames().contains(name)) {
             continue;
+        }
         const bool isWhere = name == QStringLiteral("where");
         const bool isObject = value.startsWith(QLatin1Char('{')) && value.endsWith(QLatin1Char('}')) &&
                               QJsonDocument::fromJson(value.toUtf8()).isObject();
-        if (isWhere ? isObject : !beginsParameter(value, QLatin1Char('&')))
+        if (isWhere ? isObject : !beginsParameter(value, QLatin1Char('&'))) {
             parameters.append({name, value});
+        }
     }
     return parameters;
 }
 
 void checkPermissionQuery(const QString& path, const QString& category)
 {
-    for (const char* const action : {"create", "edit", "delete"})
+    for (const char* const action : {"create", "edit", "delete"}) {
         checkParts(path, {{QStringLiteral("category"), category},
                           {QStringLiteral("key"), QString::fromLatin1(action)}});
+    }
 }
 
 } // namespace
@@ -166,15 +174,18 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     const QString text = QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<int>(size));
     checkWhole(text);
     QString units;
-    for (std::size_t i = 0; i + 1 < size; i += 2)
+    for (std::size_t i = 0; i + 1 < size; i += 2) {
         units += QChar(static_cast<ushort>(data[i] | data[i + 1] << 8U));
+    }
     checkWhole(units);
 
     QStringList lines = text.split(QLatin1Char('\n'));
     const QString path = lines.takeFirst();
-    if (!beginsParameter(path, QLatin1Char('?')))
+    if (!beginsParameter(path, QLatin1Char('?'))) {
         checkParts(path, parametersOf(lines));
-    if (!lines.isEmpty() && !beginsParameter(path, QLatin1Char('?')))
+    }
+    if (!lines.isEmpty() && !beginsParameter(path, QLatin1Char('?'))) {
         checkPermissionQuery(path, lines.join(QLatin1Char('\n')));
+    }
     return 0;
 }

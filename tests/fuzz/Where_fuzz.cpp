@@ -1,9 +1,8 @@
-// Input: a where document on the first line, then a document per line. What the matcher says must hold together, and the
-// rows that SQL is narrowed to must hold every row that matches; no other when narrowing says that it is exact, or when the
-// patterns that it leaves are found in the columns.
+// Input: a where document on the first line, then a document per line. What the matcher says must hold
+// together, and the rows that SQL is narrowed to must hold every row that matches; no other when narrowing
+// says that it is exact, or when the patterns that it leaves are found in the columns.
 
 #include "Fuzzer.h"
-
 #include "query/AnyOf.h"
 #include "query/Matcher.h"
 #include "query/Narrowing.h"
@@ -28,29 +27,33 @@ namespace dom = simdjson::dom;
 constexpr std::size_t mostDocuments = 8;
 constexpr std::size_t longestDocument = 2048;
 
-/// What the service keeps: objects without a key given twice and without halves of surrogate pairs.
+// What the service keeps: objects without a key given twice and without halves of surrogate pairs.
 bool isStorable(dom::element value)
 {
     dom::array list;
-    if (value.get(list) == simdjson::SUCCESS)
+    if (value.get(list) == simdjson::SUCCESS) {
         return !anyOf(list, [](dom::element member) { return !isStorable(member); });
+    }
     std::string_view text;
-    if (value.get(text) == simdjson::SUCCESS)
+    if (value.get(text) == simdjson::SUCCESS) {
         return simdjson::validate_utf8(text);
+    }
     dom::object object;
-    if (value.get(object) != simdjson::SUCCESS)
+    if (value.get(object) != simdjson::SUCCESS) {
         return true;
+    }
     std::vector<std::string_view> keys;
     for (const dom::key_value_pair& member : object) {
-        if (!isStorable(member.value) || !simdjson::validate_utf8(member.key))
+        if (!isStorable(member.value) || !simdjson::validate_utf8(member.key)) {
             return false;
+        }
         keys.push_back(member.key);
     }
     std::sort(keys.begin(), keys.end());
     return std::adjacent_find(keys.begin(), keys.end()) == keys.end();
 }
 
-/// A table of one document, with columns as the store makes them.
+// A table of one document, with columns as the store makes them.
 class Row
 {
 public:
@@ -66,7 +69,7 @@ public:
                                         "typeof(created_ms) <> 'blob' FROM cells");
     }
 
-    /// False when SQLite does not take the text for JSON.
+    // False when SQLite does not take the text for JSON.
     bool set(std::string_view json, dom::element document)
     {
         m_delete->exec();
@@ -83,7 +86,7 @@ public:
         return true;
     }
 
-    /// Whether the document keeps what narrowing may be promised of the columns.
+    // Whether the document keeps what narrowing may be promised of the columns.
     bool isUniform()
     {
         m_isUniform->reset();
@@ -106,7 +109,7 @@ public:
         return statement.executeStep();
     }
 
-    /// Whether the patterns that are left are found in the columns; nothing when one takes too many steps.
+    // Whether the patterns that are left are found in the columns; nothing when one takes too many steps.
     std::optional<bool> holdsPatterns(const Narrowing& narrowing)
     {
         PatternSearch search;
@@ -126,15 +129,17 @@ private:
     void bindTime(const simdjson::simdjson_result<dom::element>& member)
     {
         m_insert->bind(2);
-        if (member.error() != simdjson::SUCCESS || member.is_null())
+        if (member.error() != simdjson::SUCCESS || member.is_null()) {
             return;
+        }
         std::string_view text;
         const bool isText = member.get(text) == simdjson::SUCCESS;
         const std::optional<Timestamp> time = isText ? parseTimestamp(text) : std::nullopt;
-        if (time)
+        if (time) {
             m_insert->bind(2, time->milliseconds);
-        else
+        } else {
             m_insert->bind(2, "", 0);
+        }
     }
 
     SQLite::Database m_database{":memory:", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE};
@@ -154,7 +159,7 @@ std::vector<NarrowableField> fields(bool uniform)
              FieldKind::TextSet, false}};
 }
 
-/// Nothing when a pattern takes too many steps.
+// Nothing when a pattern takes too many steps.
 std::optional<bool> matches(const Where& where, dom::element document)
 {
     try {
@@ -178,7 +183,7 @@ std::optional<Where> parsed(std::string_view json)
     }
 }
 
-/// The conditions one by one must say what they say together.
+// The conditions one by one must say what they say together.
 void checkConjunction(const Where& where, dom::element document, bool together)
 {
     bool each = true;
@@ -186,8 +191,9 @@ void checkConjunction(const Where& where, dom::element document, bool together)
         const auto [asked, others] = where.split({condition.path});
         const std::optional<bool> first = matches(asked, document);
         const std::optional<bool> second = matches(others, document);
-        if (!first || !second)
+        if (!first || !second) {
             return;
+        }
         require((*first && *second) == together, "parts of a where document say what the whole says");
         each = each && *first;
     }
@@ -200,15 +206,16 @@ std::string quoted(std::string_view text)
     for (const char c : text) {
         constexpr std::string_view digits = "0123456789abcdef";
         const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x20 || c == '"' || c == '\\')
+        if (byte < 0x20 || c == '"' || c == '\\') {
             result.append("\\u00").append(1, digits[byte >> 4U]).append(1, digits[byte & 15U]);
-        else
+        } else {
             result += c;
+        }
     }
     return result + "\"";
 }
 
-/// "equals", "is one of", "is not" and "is none of" the same value.
+// "equals", "is one of", "is not" and "is none of" the same value.
 void checkOpposites(std::string_view json, dom::element document)
 {
     dom::parser parser;
@@ -223,8 +230,9 @@ void checkOpposites(std::string_view json, dom::element document)
         const std::optional<bool> isNot = ask(R"("$ne":)", "");
         const std::optional<bool> isIn = ask(R"("$in":[)", "]");
         const std::optional<bool> isNotIn = ask(R"("$nin":[)", "]");
-        if (!equalWhere || !isNot || !isIn || !isNotIn)
+        if (!equalWhere || !isNot || !isIn || !isNotIn) {
             continue;
+        }
         const std::optional<bool> isEqual = matches(*equalWhere, document);
         require(isEqual && *isEqual != *isNot && *isIn == *isEqual && *isNotIn != *isIn,
                 "equal, $ne, $in and $nin agree", [&] { return value; });
@@ -237,28 +245,33 @@ void checkDocument(std::string_view whereText, const Where& where, std::string_v
     dom::parser parser;
     dom::element document;
     if (parser.parse(json.data(), json.size()).get(document) != simdjson::SUCCESS || !document.is_object() ||
-        !isStorable(document))
+        !isStorable(document)) {
         return;
+    }
     const std::optional<bool> isMatch = matches(where, document);
-    if (!isMatch)
+    if (!isMatch) {
         return;
+    }
     checkConjunction(where, document, *isMatch);
     checkOpposites(whereText, document);
-    if (!row.set(json, document))
+    if (!row.set(json, document)) {
         return;
+    }
     const Narrowing odd = narrow(where, fields(false));
     require(!*isMatch || row.isSelectedBy(odd), "SQL loses no row that matches", [&] { return odd.sql; });
     require(!odd.exact || row.isSelectedBy(odd) == *isMatch, "exact narrowing selects what matches",
             [&] { return odd.sql; });
-    if (!row.isUniform())
+    if (!row.isUniform()) {
         return;
+    }
     const Narrowing uniform = narrow(where, fields(true));
     require(!*isMatch || row.isSelectedBy(uniform), "SQL loses no uniform row that matches",
             [&] { return uniform.sql; });
     require(!uniform.exact || row.isSelectedBy(uniform) == *isMatch,
             "exact narrowing selects the uniform rows that match", [&] { return uniform.sql; });
-    if (uniform.patterns.empty() || !row.isSelectedBy(uniform))
+    if (uniform.patterns.empty() || !row.isSelectedBy(uniform)) {
         return;
+    }
     const std::optional<bool> holds = row.holdsPatterns(uniform);
     require(!holds || *holds == *isMatch, "patterns tell which selected rows match",
             [&] { return std::string(whereText); });
@@ -269,13 +282,15 @@ void tryInput(std::string_view input)
     const std::size_t end = std::min(input.find('\n'), input.size());
     const std::string whereText(input.substr(0, end));
     const std::optional<Where> where = parsed(whereText);
-    if (!where)
+    if (!where) {
         return;
+    }
     input.remove_prefix(std::min(end + 1, input.size()));
     for (std::size_t i = 0; i < mostDocuments && !input.empty(); ++i) {
         const std::size_t lineEnd = std::min(input.find('\n'), input.size());
-        if (lineEnd <= longestDocument)
+        if (lineEnd <= longestDocument) {
             checkDocument(whereText, *where, std::string(input.substr(0, lineEnd)));
+        }
         input.remove_prefix(std::min(lineEnd + 1, input.size()));
     }
 }

@@ -1,5 +1,5 @@
-// Reads pairs {"doc": "...", "where": "..."}, one JSON object a line, both members JSON documents as text, and writes
-// what the matcher says of each: true, false, or why it refuses the where document.
+// Reads pairs {"doc": "...", "where": "..."}, one JSON object a line, both members JSON documents as text,
+// and writes what the matcher says of each: true, false, or why it refuses the where document.
 
 #include "query/QueryError.h"
 #include "query/Where.h"

@@ -3,7 +3,6 @@
 #include <QByteArray>
 
 #include <gtest/gtest.h>
-
 #include <zlib.h>
 
 /// The text compressed; `windowBits` says how it is wrapped, as zlib.h describes for deflateInit2.

@@ -4,11 +4,10 @@
 #include "ScriptServer.h"
 #include "Text.h"
 
-#include <RKBaseApi.h>
-#include <RKSoftCache.h>
-
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <RKBaseApi.h>
+#include <RKSoftCache.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

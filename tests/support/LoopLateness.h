@@ -6,8 +6,8 @@
 
 #include <algorithm>
 
-/// How late the thread's event loop has been since this was made, in milliseconds altogether: what a busy machine
-/// adds to whatever is waited for. A timer of 5 ms measures it.
+/// How late the thread's event loop has been since this was made, in milliseconds altogether: what a busy
+/// machine adds to whatever is waited for. A timer of 5 ms measures it.
 class LoopLateness
 {
 public:

@@ -9,7 +9,8 @@
 #include <ostream>
 #include <vector>
 
-/// One operation with an answer that makes it succeed, for tests that run all of them through the same events.
+/// One operation with an answer that makes it succeed, for tests that run all of them through the same
+/// events.
 struct Operation
 {
     const char* name;

@@ -60,11 +60,13 @@ struct PlainServer::Sockets
             boost::system::error_code error;
             acceptor.accept(socket, error);
             const std::lock_guard<std::mutex> lock(mutex);
-            if (error || isEnding)
+            if (error || isEnding) {
                 return;
+            }
             connections.remove_if([](Connection& connection) {
-                if (!connection.isOver)
+                if (!connection.isOver) {
                     return false;
+                }
                 connection.thread.join();
                 return true;
             });
@@ -84,22 +86,26 @@ struct PlainServer::Sockets
             boost::system::error_code error;
             const std::size_t head =
                 asio::read_until(socket, asio::dynamic_buffer(received), "\r\n\r\n", error);
-            if (error)
+            if (error) {
                 return;
+            }
             const std::size_t whole = head + bodySize(received.substr(0, head));
             if (received.size() < whole) {
                 asio::read(socket, asio::dynamic_buffer(received),
                            asio::transfer_exactly(whole - received.size()), error);
-                if (error)
+                if (error) {
                     return;
+                }
             }
             received.erase(0, whole);
             ++requests;
-            if (const std::chrono::microseconds time = delay; time.count() > 0)
+            if (const std::chrono::microseconds time = delay; time.count() > 0) {
                 std::this_thread::sleep_for(time);
+            }
             asio::write(socket, asio::buffer(*currentAnswer()), error);
-            if (error)
+            if (error) {
                 return;
+            }
         }
     }
 
@@ -111,7 +117,7 @@ struct PlainServer::Sockets
 
     asio::io_context context;
     tcp::acceptor acceptor;
-    std::mutex mutex; ///< of what follows
+    std::mutex mutex; // of what follows
     Answer answer;
     bool isEnding = false;
     std::list<Connection> connections;
@@ -140,8 +146,9 @@ PlainServer::~PlainServer()
     boost::system::error_code ignored;
     last.connect(m_sockets->acceptor.local_endpoint(), ignored);
     m_sockets->accepting.join();
-    for (Connection& connection : m_sockets->connections)
+    for (Connection& connection : m_sockets->connections) {
         connection.thread.join();
+    }
 }
 
 void PlainServer::setBody(const QByteArray& body)

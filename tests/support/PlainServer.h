@@ -6,8 +6,9 @@
 #include <cstdint>
 #include <memory>
 
-/// An HTTP/1.1 server of blocking sockets in threads of its own, without Qt's event loop: as fast as one can be,
-/// so that what is measured is the client. Every request gets the same answer on a connection that stays open.
+/// An HTTP/1.1 server of blocking sockets in threads of its own, without Qt's event loop: as fast as one can
+/// be, so that what is measured is the client. Every request gets the same answer on a connection that stays
+/// open.
 class PlainServer
 {
 public:

@@ -11,8 +11,9 @@
 inline qint64 residentMemory(qint64 process)
 {
     QFile file(QStringLiteral("/proc/%1/statm").arg(process));
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         return 0;
+    }
     constexpr qint64 page = 4096;
     return file.readAll().split(' ').value(1).toLongLong() * page;
 }

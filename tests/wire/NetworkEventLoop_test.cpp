@@ -18,7 +18,7 @@ namespace {
 using namespace std::chrono_literals;
 using Step = ScriptServer::Step;
 
-/// Runs something in the next turn of the event loop.
+// Runs something in the next turn of the event loop.
 class Soon
 {
 public:
@@ -39,7 +39,7 @@ class NetworkEventLoopTest : public NetworkFixture
 protected:
     QString getText() { return get().object.value(QLatin1String("a")).toString(); }
 
-    /// Runs `work` inside an event loop that it ends.
+    // Runs `work` inside an event loop that it ends.
     template <typename Work>
     void runInApplication(Work work)
     {
@@ -48,14 +48,15 @@ protected:
     }
 };
 
-/// A reply of another maker: finishes with these bytes in the next turn of the event loop, or never.
+// A reply of another maker: finishes with these bytes in the next turn of the event loop, or never.
 class ForeignReply : public QNetworkReply
 {
 public:
     explicit ForeignReply(const QByteArray& body, NetworkError error = NoError)
         : _body(body), _soon(std::in_place, [this, error] {
-              if (error != NoError)
+              if (error != NoError) {
                   setError(error, QStringLiteral("foreign"));
+              }
               finish();
           })
     {
@@ -122,14 +123,15 @@ TEST_F(NetworkEventLoopTest, ReadsObjectsListsAndArrays)
     EXPECT_TRUE(server.isUsedUp());
 }
 
-/// Large ones are parsed on several threads.
+// Large ones are parsed on several threads.
 TEST_F(NetworkEventLoopTest, ReadsAListOfAnySizeInItsOrder)
 {
     constexpr int count = 30'000;
     QByteArray body = "[";
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         body += (i == 0 ? "" : ", ") + QByteArray(R"({"id": )") + QByteArray::number(i) +
                 R"(, "data": [1.5, "},{"]})";
+    }
     server.answerJson(200, body + "]");
     server.answerJson(200, body + ",]");
     server.answerJson(200, body);
@@ -138,8 +140,9 @@ TEST_F(NetworkEventLoopTest, ReadsAListOfAnySizeInItsOrder)
     EXPECT_TRUE(outcome.isSuccessful);
     EXPECT_EQ(outcome.array, QJsonDocument::fromJson(body + "]").array());
     ASSERT_EQ(outcome.objectList.size(), count);
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         ASSERT_EQ(outcome.objectList.at(i).value(QLatin1String("id")).toInt(), i);
+    }
     for (int i = 0; i < 2; ++i) {
         const Outcome cut = get();
         EXPECT_EQ(cut.error, QNetworkReply::ProtocolFailure);
@@ -220,10 +223,11 @@ TEST_F(NetworkEventLoopTest, AReplyDeletedDuringTheWaitFails)
         server.neverAnswer();
         QNetworkReply* reply = manager.get(url());
         server.onRequest = [&] {
-            if (later)
+            if (later) {
                 reply->deleteLater();
-            else
+            } else {
                 std::unique_ptr<QNetworkReply>(reply).reset();
+            }
         };
         NetworkEventLoop wait(reply, nullptr);
         EXPECT_EQ(wait.exec(QEventLoop::AllEvents), -1);
@@ -290,8 +294,9 @@ TEST_F(NetworkEventLoopTest, AParentTakesWaitAndReplyWithIt)
 TEST_F(NetworkEventLoopTest, ManyOperationsInOneSlotHoldOneReplyAtATime)
 {
     constexpr int operations = 3000;
-    for (int i = 0; i < operations; ++i)
+    for (int i = 0; i < operations; ++i) {
         server.answerJson(200, "{}");
+    }
     int alive = 0;
     int most = 0;
     int successful = 0;
@@ -356,8 +361,9 @@ TEST_F(NetworkEventLoopTest, TheOuterWaitMayFinishFirst)
 TEST_F(NetworkEventLoopTest, WaitsNestDeeply)
 {
     constexpr int depth = 20;
-    for (int i = 0; i < depth; ++i)
+    for (int i = 0; i < depth; ++i) {
         server.answerJson(200, "{\"a\":\"" + QByteArray::number(i) + "\"}");
+    }
     QStringList answers;
     std::function<void()> descend = [&] {
         const int level = server.requestCount();
@@ -384,8 +390,9 @@ TEST_F(NetworkEventLoopTest, AFinishedSlotMayWaitForAnotherReplyThatFinishesInTh
     QPointer<QNetworkReply> second = manager.get(url());
     QString inner;
     QObject::connect(first, &QNetworkReply::finished, [&] {
-        if (second)
+        if (second) {
             inner = waitFor(second).object.value(QLatin1String("a")).toString();
+        }
     });
     waitFor(first);
     EXPECT_FALSE(inner.isEmpty());
@@ -511,7 +518,8 @@ TEST_F(NetworkEventLoopTest, AThreadOfItsOwnMayWait)
     server.answerJson(200, R"({"a":"thread"})");
     QString text;
     QEventLoop loop;
-    // Not a QThread: its end is told before the thread's own storage is freed, which the leak check may then find.
+    // Not a QThread: its end is told before the thread's own storage is freed, which the leak check may then
+    // find.
     std::thread thread([&] {
         text = getText();
         QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);

@@ -4,12 +4,11 @@
 
 #include <NetworkEventLoop.h>
 #include <NetworkManager.h>
-#include <RKBaseApi.h>
-
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QList>
 #include <QString>
+#include <RKBaseApi.h>
 
 #include <gmock/gmock.h>
 
@@ -47,8 +46,9 @@ protected:
         wait.exec(QEventLoop::AllEvents);
         Outcome outcome = {wait.isSuccessful(), wait.error(), wait.object(),
                            wait.objectList(),   wait.array(), QString()};
-        if (!exchanges.isEmpty())
+        if (!exchanges.isEmpty()) {
             outcome.errorText = exchanges.last().errorText;
+        }
         return outcome;
     }
 

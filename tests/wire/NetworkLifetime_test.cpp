@@ -22,7 +22,7 @@ private:
     QCoreApplication _application;
 };
 
-/// Its server is made when the application is there.
+// Its server is made when the application is there.
 bool operationSucceeds()
 {
     ScriptServer server;

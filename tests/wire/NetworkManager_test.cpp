@@ -20,14 +20,15 @@ using Step = ScriptServer::Step;
 using testing::HasSubstr;
 using testing::Not;
 
-/// The requests as method, target and connection number.
+// The requests as method, target and connection number.
 std::vector<std::string> wire(const ScriptServer& server)
 {
     std::vector<std::string> lines;
     const QList<ScriptServer::Request> requests = server.requests();
-    for (const ScriptServer::Request& request : requests)
+    for (const ScriptServer::Request& request : requests) {
         lines.push_back((request.method + ' ' + request.target + ' ' + QByteArray::number(request.connection))
                             .toStdString());
+    }
     return lines;
 }
 
@@ -36,7 +37,7 @@ const QList<QByteArray> gzipHeaders = {"Content-Type: application/json", "Conten
 class NetworkManagerTest : public NetworkFixture
 {
 protected:
-    /// One GET whose answer is these bytes and then a FIN.
+    // One GET whose answer is these bytes and then a FIN.
     Outcome getRaw(const QByteArray& answer)
     {
         server.answerRaw({Step::bytes(answer), Step::fin()});
@@ -97,8 +98,9 @@ TEST_F(NetworkManagerTest, SendsEachMethodWithItsBody)
 TEST_F(NetworkManagerTest, SendsALargeBodyWhole)
 {
     QJsonArray points;
-    for (int i = 0; i < 200000; ++i)
+    for (int i = 0; i < 200000; ++i) {
         points.append(QStringLiteral("point %1").arg(i));
+    }
     server.answerJson(200, "{}");
     EXPECT_TRUE(waitFor(manager.postJson(url(), points)).isSuccessful);
     ASSERT_EQ(server.requestCount(), 1);
@@ -110,8 +112,9 @@ TEST_F(NetworkManagerTest, SendsALargeBodyWhole)
 
 TEST_F(NetworkManagerTest, KeepsItsConnection)
 {
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
         server.answerJson(200, "{}");
+    }
     get();
     post();
     put();
@@ -132,8 +135,9 @@ TEST_F(NetworkManagerTest, DoesNotCollapseDotSegments)
 
 TEST_F(NetworkManagerTest, NoMethodIsRepeatedOnAFreshConnection)
 {
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
         server.answerRaw({Step::fin()});
+    }
     expectFailureWithoutBody(get(), QNetworkReply::RemoteHostClosedError);
     expectFailureWithoutBody(post(), QNetworkReply::RemoteHostClosedError);
     expectFailureWithoutBody(put(), QNetworkReply::RemoteHostClosedError);
@@ -144,8 +148,9 @@ TEST_F(NetworkManagerTest, NoMethodIsRepeatedOnAFreshConnection)
 
 TEST_F(NetworkManagerTest, NoMethodIsRepeatedAfterAReset)
 {
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
         server.answerRaw({Step::reset()});
+    }
     expectFailureWithoutBody(get(), QNetworkReply::RemoteHostClosedError);
     expectFailureWithoutBody(post(), QNetworkReply::RemoteHostClosedError);
     expectFailureWithoutBody(put(), QNetworkReply::RemoteHostClosedError);
@@ -203,8 +208,9 @@ TEST_F(NetworkManagerTest, AGetIsSentOnceMoreWhenTheKeptConnectionCloses)
 TEST_F(NetworkManagerTest, AGetIsSentTwiceAtMost)
 {
     // Three connections are kept, and each closes when it is used again.
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i) {
         server.answerRaw({Step::pause(50), Step::bytes(ScriptServer::httpAnswer(200, "{}"))});
+    }
     QNetworkReply* first = manager.get(url());
     QNetworkReply* second = manager.get(url());
     waitFor(manager.get(url()));
@@ -212,8 +218,9 @@ TEST_F(NetworkManagerTest, AGetIsSentTwiceAtMost)
     waitFor(second);
     ASSERT_EQ(server.connectionCount(), 3);
 
-    for (int i = 0; i < 2; ++i)
+    for (int i = 0; i < 2; ++i) {
         server.answerRaw({Step::fin()});
+    }
     expectFailureWithoutBody(get(), QNetworkReply::RemoteHostClosedError);
     EXPECT_EQ(server.requestCount(), 5);
     EXPECT_TRUE(server.isUsedUp());
@@ -382,8 +389,9 @@ TEST_F(NetworkManagerTest, BytesThatAreNoHttpFail)
 TEST_F(NetworkManagerTest, AnEndlessHeadFails)
 {
     QByteArray head = "HTTP/1.1 200 OK\r\n";
-    for (int i = 0; i < 300; ++i)
+    for (int i = 0; i < 300; ++i) {
         head += "X-Fill: " + QByteArray(1000, 'x') + "\r\n";
+    }
     // One line may be as long as libcurl takes, which then claims to be out of memory.
     for (const QByteArray& endless :
          {head, "HTTP/1.1 200 OK\r\nX-Fill: " + QByteArray(300000, 'x') + "\r\n"}) {
@@ -462,8 +470,9 @@ TEST_F(NetworkManagerTest, TheLimitHoldsAfterDecompression)
 TEST_F(NetworkManagerTest, ReadsALargeReply)
 {
     QByteArray body = "[";
-    for (int i = 0; i < 300000; ++i)
+    for (int i = 0; i < 300000; ++i) {
         body += R"({"name":"settlement point"},)";
+    }
     body += "{}]";
     server.answerJson(200, body);
     const Outcome outcome = get();
@@ -540,9 +549,10 @@ TEST_F(NetworkManagerTest, AnUnknownHostIsAFailure)
 
 TEST_F(NetworkManagerTest, AnAddressThatIsNoneIsAFailure)
 {
-    for (const char* address : {"", "monitor-service/categories", "ftp://h/", "file:///etc/hostname"})
+    for (const char* address : {"", "monitor-service/categories", "ftp://h/", "file:///etc/hostname"}) {
         expectFailureWithoutBody(waitFor(manager.get(QString::fromLatin1(address))),
                                  QNetworkReply::ProtocolUnknownError);
+    }
     expectFailureWithoutBody(waitFor(manager.get(QStringLiteral("http:///x"))),
                              QNetworkReply::ProtocolUnknownError);
     expectFailureWithoutBody(waitFor(manager.get(QStringLiteral("http://h:port/x"))),
@@ -626,8 +636,9 @@ TEST_F(NetworkManagerTest, RefusesATokenThatIsNoHeaderText)
     ASSERT_TRUE(manager.setBearerToken(QStringLiteral("good")));
     for (const QString& token : {QStringLiteral("a\r\nX: y"), QStringLiteral("a\n"), QStringLiteral("a\r"),
                                  QString(QChar(0)), QStringLiteral("a\tb"), QStringLiteral("a\x7F"),
-                                 QStringLiteral("\u00E9"), QStringLiteral("\u6C34")})
+                                 QStringLiteral("\u00E9"), QStringLiteral("\u6C34")}) {
         EXPECT_FALSE(manager.setBearerToken(token));
+    }
     server.answerJson(200, "{}");
     get();
     EXPECT_EQ(server.requests().first().header("Authorization"), "Bearer good");
@@ -696,8 +707,9 @@ QStringList logged;
 
 void keepLog(QtMsgType /*type*/, const QMessageLogContext& context, const QString& text)
 {
-    if (QLatin1String(context.category) == QLatin1String("rk.network"))
+    if (QLatin1String(context.category) == QLatin1String("rk.network")) {
         logged.append(text);
+    }
 }
 
 } // namespace
@@ -779,12 +791,13 @@ TEST_F(NetworkManagerTest, AReplyMayBeDeletedByItsOwnSignals)
         QPointer<QNetworkReply> reply = manager.get(url());
         QEventLoop loop;
         QObject::connect(reply, &QObject::destroyed, &loop, &QEventLoop::quit);
-        if (i == 0)
+        if (i == 0) {
             QObject::connect(reply, &QNetworkReply::finished,
                              [&] { std::unique_ptr<QNetworkReply>(reply.data()).reset(); });
-        else
+        } else {
             QObject::connect(reply, &QNetworkReply::metaDataChanged,
                              [&] { std::unique_ptr<QNetworkReply>(reply.data()).reset(); });
+        }
         loop.exec();
         EXPECT_FALSE(reply);
     }

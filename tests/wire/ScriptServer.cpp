@@ -19,12 +19,13 @@ namespace {
 
 const QByteArray headEnd = QByteArrayLiteral("\r\n\r\n");
 
-/// Takes one whole request off the front of `received`; nothing while it is incomplete.
+// Takes one whole request off the front of `received`; nothing while it is incomplete.
 std::optional<ScriptServer::Request> takeRequest(QByteArray& received)
 {
     const int end = received.indexOf(headEnd);
-    if (end < 0)
+    if (end < 0) {
         return std::nullopt;
+    }
 
     ScriptServer::Request request;
     const QList<QByteArray> lines = received.left(end).split('\n');
@@ -39,14 +40,15 @@ std::optional<ScriptServer::Request> takeRequest(QByteArray& received)
 
     const int length = request.header("Content-Length").toInt();
     const int whole = end + headEnd.size() + length;
-    if (received.size() < whole)
+    if (received.size() < whole) {
         return std::nullopt;
+    }
     request.body = received.mid(end + headEnd.size(), length);
     received.remove(0, whole);
     return request;
 }
 
-/// Makes the next close send a reset instead of a FIN (socket(7), SO_LINGER).
+// Makes the next close send a reset instead of a FIN (socket(7), SO_LINGER).
 void closeByReset(QTcpSocket* socket)
 {
     struct linger option = {};
@@ -63,7 +65,7 @@ void closeByReset(QTcpSocket* socket)
 
 constexpr int usualBacklog = 50;
 
-/// How many connections the system keeps that nobody has accepted yet, about (listen(2)).
+// How many connections the system keeps that nobody has accepted yet, about (listen(2)).
 void setBacklog(qintptr listener, int count)
 {
 #ifdef Q_OS_WIN
@@ -73,7 +75,7 @@ void setBacklog(qintptr listener, int count)
 #endif
 }
 
-/// Percent-encoded UTF-8 as text. QString::fromUtf8 is no help: it stops at a NUL and drops a leading U+FEFF.
+// Percent-encoded UTF-8 as text. QString::fromUtf8 is no help: it stops at a NUL and drops a leading U+FEFF.
 QString decoded(const QByteArray& text)
 {
     const QByteArray bytes = QByteArray::fromPercentEncoding(text);
@@ -86,8 +88,9 @@ QString decoded(const QByteArray& text)
 QByteArray ScriptServer::Request::header(const QByteArray& name) const
 {
     for (const auto& [key, value] : headers) {
-        if (key.compare(name, Qt::CaseInsensitive) == 0)
+        if (key.compare(name, Qt::CaseInsensitive) == 0) {
             return value;
+        }
     }
     return {};
 }
@@ -101,15 +104,17 @@ ScriptServer::ScriptServer()
 ScriptServer::~ScriptServer()
 {
     const QList<QTcpSocket*> sockets = m_connections.keys();
-    for (QTcpSocket* socket : sockets)
+    for (QTcpSocket* socket : sockets) {
         socket->disconnect(this);
+    }
 }
 
 void ScriptServer::listen(quint16 port)
 {
     // A port given up a moment ago may have been taken by somebody else.
-    if (!m_listener.listen(QHostAddress::LocalHost, port) && !m_listener.listen(QHostAddress::LocalHost))
+    if (!m_listener.listen(QHostAddress::LocalHost, port) && !m_listener.listen(QHostAddress::LocalHost)) {
         qFatal("the script server cannot listen: %s", qPrintable(m_listener.errorString()));
+    }
 }
 
 void ScriptServer::Listener::incomingConnection(qintptr descriptor)
@@ -121,8 +126,9 @@ void ScriptServer::Listener::incomingConnection(qintptr descriptor)
     auto socket = std::make_unique<QSslSocket>();
     socket->setLocalCertificate(certificate);
     socket->setPrivateKey(key);
-    if (!socket->setSocketDescriptor(descriptor))
+    if (!socket->setSocketDescriptor(descriptor)) {
         return;
+    }
     socket->startServerEncryption();
     socket->setParent(this);
     addPendingConnection(socket.release());
@@ -145,18 +151,20 @@ void ScriptServer::setArrival(Arrival arrival)
         // Whoever connects while the queue is still full waits for a second.
         runEventsUntil([&] { return m_connectionsAccepted >= accepted + static_cast<int>(waiting) - 1; });
     }
-    if (m_arrival == Arrival::Refused)
+    if (m_arrival == Arrival::Refused) {
         listen(m_portGivenUp);
+    }
     m_arrival = arrival;
-    if (arrival == Arrival::NotAccepted)
+    if (arrival == Arrival::NotAccepted) {
         fillBacklog();
+    }
     if (arrival == Arrival::Refused) {
         m_portGivenUp = port();
         m_listener.close();
     }
 }
 
-/// Connects to itself without accepting until the system takes no more.
+// Connects to itself without accepting until the system takes no more.
 void ScriptServer::fillBacklog()
 {
     constexpr int enough = 300; // where the system cannot be told to keep the queue short
@@ -165,16 +173,18 @@ void ScriptServer::fillBacklog()
     for (int i = 0; i < enough; ++i) {
         m_backlog.push_back(std::make_unique<QTcpSocket>());
         m_backlog.back()->connectToHost(QHostAddress(QHostAddress::LocalHost), port());
-        if (!m_backlog.back()->waitForConnected(100))
+        if (!m_backlog.back()->waitForConnected(100)) {
             return;
+        }
     }
 }
 
 void ScriptServer::hangUp()
 {
     const QList<QTcpSocket*> sockets = m_connections.keys();
-    for (QTcpSocket* socket : sockets)
+    for (QTcpSocket* socket : sockets) {
         socket->disconnectFromHost();
+    }
 }
 
 QString ScriptServer::baseAddress() const
@@ -208,21 +218,25 @@ void ScriptServer::neverAnswer()
 QByteArray ScriptServer::httpAnswer(int status, const QByteArray& body, const QList<QByteArray>& headerLines)
 {
     QByteArray answer = "HTTP/1.1 " + QByteArray::number(status) + " Scripted\r\n";
-    for (const QByteArray& line : headerLines)
+    for (const QByteArray& line : headerLines) {
         answer += line + "\r\n";
+    }
     // RFC 9110, 8.6: a 204 has no Content-Length.
-    if (status != 204)
+    if (status != 204) {
         answer += "Content-Length: " + QByteArray::number(body.size()) + "\r\n";
+    }
     return answer + "\r\n" + body;
 }
 
 int ScriptServer::unansweredSteps() const
 {
     int count = 0;
-    for (const QList<Step>& answer : m_script)
+    for (const QList<Step>& answer : m_script) {
         count += answer.size();
-    for (const Connection& connection : m_connections)
+    }
+    for (const Connection& connection : m_connections) {
         count += connection.steps.size();
+    }
     return count;
 }
 
@@ -232,8 +246,9 @@ bool ScriptServer::runEventsUntil(const std::function<bool()>& done)
     QTimer limit;
     limit.setSingleShot(true);
     limit.start(10000);
-    while (!done() && limit.isActive())
+    while (!done() && limit.isActive()) {
         loop.processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+    }
     return done();
 }
 
@@ -247,8 +262,9 @@ QList<QPair<QString, QString>> ScriptServer::decodedQuery(const QByteArray& targ
 {
     QList<QPair<QString, QString>> query;
     const int question = target.indexOf('?');
-    if (question < 0)
+    if (question < 0) {
         return query;
+    }
     const QList<QByteArray> parts = target.mid(question + 1).split('&');
     for (const QByteArray& part : parts) {
         const int equals = part.indexOf('=');
@@ -287,8 +303,9 @@ void ScriptServer::accept()
 
 void ScriptServer::read(QTcpSocket* socket)
 {
-    if (!m_connections.contains(socket))
+    if (!m_connections.contains(socket)) {
         return;
+    }
     const QByteArray arrived = socket->readAll();
     m_bytesReceived += arrived.size();
     m_connections[socket].received += arrived;
@@ -299,8 +316,9 @@ void ScriptServer::read(QTcpSocket* socket)
     // An answer is finished before the next request of the same connection is looked at.
     while (m_connections.contains(socket) && !m_connections[socket].answering) {
         std::optional<Request> request = takeRequest(m_connections[socket].received);
-        if (!request)
+        if (!request) {
             return;
+        }
         request->connection = m_connections[socket].number;
         m_requests.append(*request);
         m_connections[socket].answering = true;
@@ -310,8 +328,9 @@ void ScriptServer::read(QTcpSocket* socket)
             answerJson(500, R"({"message":"no answer is scripted for this request"})");
         }
         m_connections[socket].steps.append(m_script.dequeue());
-        if (const std::function<void()> call = onRequest) // a copy: it may replace itself
+        if (const std::function<void()> call = onRequest) { // a copy: it may replace itself
             call();
+        }
         play(socket);
     }
 }
@@ -338,8 +357,9 @@ void ScriptServer::play(QTcpSocket* socket)
             return;
         }
     }
-    if (m_connections.contains(socket))
+    if (m_connections.contains(socket)) {
         m_connections[socket].answering = false;
+    }
 }
 
 void ScriptServer::drop(QTcpSocket* socket)

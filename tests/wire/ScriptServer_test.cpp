@@ -13,7 +13,7 @@ using Step = ScriptServer::Step;
 using testing::ElementsAre;
 using testing::Pair;
 
-/// A client of plain bytes.
+// A client of plain bytes.
 class Client
 {
 public:
@@ -24,7 +24,7 @@ public:
 
     void send(const QByteArray& bytes) { _socket.write(bytes); }
 
-    /// What has arrived once `done` holds; everything so far after five seconds.
+    // What has arrived once `done` holds; everything so far after five seconds.
     template <typename Done>
     QByteArray receiveUntil(Done done)
     {
@@ -84,8 +84,9 @@ TEST(ScriptServer, WaitsForTheWholeRequest)
     client.send("PUT / HTTP/1.1\r\nContent-Length: 4\r\n\r\nab");
     ASSERT_TRUE(client.socket().waitForConnected());
     client.socket().flush();
-    for (int i = 0; i < 20; ++i)
+    for (int i = 0; i < 20; ++i) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    }
     EXPECT_EQ(server.requestCount(), 0);
     client.send("cd");
     client.receive("\r\n\r\n1");

@@ -1,12 +1,12 @@
-// The token goes to the service and nowhere else. Each test sends one that would be recognised wherever it turned up.
+// The token goes to the service and nowhere else. Each test sends one that would be recognised wherever it
+// turned up.
 
 #include "../support/Text.h"
 #include "NetworkFixture.h"
 
+#include <QLoggingCategory>
 #include <RKMonitoringData.h>
 #include <RKSoftCache.h>
-
-#include <QLoggingCategory>
 
 namespace {
 
@@ -14,7 +14,7 @@ using Step = ScriptServer::Step;
 
 const QString canary = QStringLiteral("Canary-t0ken~+/=.x");
 
-/// Everything that was logged, by whomever.
+// Everything that was logged, by whomever.
 QStringList logged;
 
 void keepLog(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& text)
@@ -45,14 +45,16 @@ protected:
         return text.contains(canary.left(8)) || text.contains(canary.right(8));
     }
 
-    /// Neither the observer nor the log nor these texts hold it; the service has got it once per request.
+    // Neither the observer nor the log nor these texts hold it; the service has got it once per request.
     void expectUnheard(const QStringList& texts = {}) const
     {
         QStringList heard = texts + logged;
-        for (const NetworkExchange& exchange : exchanges)
+        for (const NetworkExchange& exchange : exchanges) {
             heard << exchange.url << exchange.errorText;
-        for (const QString& text : qAsConst(heard))
+        }
+        for (const QString& text : qAsConst(heard)) {
             EXPECT_FALSE(holdsToken(text)) << text.toStdString();
+        }
         for (const auto& request : server.requests()) {
             EXPECT_EQ(request.header("Authorization"), "Bearer " + canary.toLatin1());
             EXPECT_FALSE(holdsToken(QString::fromLatin1(request.target)));
@@ -65,7 +67,7 @@ private:
     QtMessageHandler m_handlerBefore = nullptr;
 };
 
-/// All that is said of a reply.
+// All that is said of a reply.
 QStringList saidOf(QNetworkReply* reply)
 {
     return {reply->errorString(), reply->url().toString(), reply->request().url().toString(),
@@ -168,8 +170,9 @@ TEST_F(Token, GoesToNoOtherOrigin)
         other.answerJson(200, "{}");
         EXPECT_TRUE(waitFor(manager.get(address)).isSuccessful) << address.toStdString();
         const ScriptServer::Request request = other.requests().last();
-        for (const auto& [name, value] : request.headers)
+        for (const auto& [name, value] : request.headers) {
             EXPECT_FALSE(holdsToken(QString::fromLatin1(value))) << name.toStdString();
+        }
     }
     expectUnheard();
     EXPECT_TRUE(other.isUsedUp());
@@ -185,8 +188,9 @@ TEST_F(Token, IsNotShownToAProxyThatOnlyTunnels)
     ASSERT_EQ(proxy.requestCount(), 1);
     const ScriptServer::Request request = proxy.requests().first();
     EXPECT_EQ(request.method, "CONNECT");
-    for (const auto& [name, value] : request.headers)
+    for (const auto& [name, value] : request.headers) {
         EXPECT_FALSE(holdsToken(QString::fromLatin1(value))) << name.toStdString();
+    }
     expectUnheard();
 }
 
@@ -204,21 +208,25 @@ TEST_F(Token, APasswordInTheAddressIsNotSaidEither)
         reply->abort();
         NetworkEventLoop wait(reply, nullptr);
         EXPECT_FALSE(data.deleteMonitoring("c5"_q));
-        for (const QString& text : saidOf(reply))
+        for (const QString& text : saidOf(reply)) {
             EXPECT_FALSE(holdsToken(text)) << text.toStdString();
+        }
     }
-    for (const NetworkExchange& exchange : qAsConst(exchanges))
+    for (const NetworkExchange& exchange : qAsConst(exchanges)) {
         EXPECT_FALSE(holdsToken(exchange.url + exchange.errorText)) << exchange.errorText.toStdString();
-    for (const QString& text : qAsConst(logged))
+    }
+    for (const QString& text : qAsConst(logged)) {
         EXPECT_FALSE(holdsToken(text)) << text.toStdString();
+    }
 }
 
 TEST_F(Token, WithALineBreakOrAnotherStrangeCharacterIsRefused)
 {
     // Every character that a header must not hold, at the beginning, inside and at the end.
     for (uint c = 0; c < 0x3000; ++c) {
-        if (c >= 0x20 && c < 0x7F)
+        if (c >= 0x20 && c < 0x7F) {
             continue;
+        }
         for (const int at : {0, 6, canary.size()}) {
             QString token = canary;
             token.insert(at, QChar(c));

@@ -12,13 +12,15 @@ namespace {
 
 constexpr int rounds = 700; // of three texts each
 
-/// Reserved characters, what JSON escapes, controls, several scripts, emoji, and pieces that look like parameters.
+// Reserved characters, what JSON escapes, controls, several scripts, emoji, and pieces that look like
+// parameters.
 const QStringList& pieces()
 {
     static const QStringList all = [] {
         QStringList list;
-        for (int c = 0; c < 0x80; ++c)
+        for (int c = 0; c < 0x80; ++c) {
             list << QString(QChar(c));
+        }
         list << QStringLiteral("&key=") << QStringLiteral("&where={") << QStringLiteral("&skip=1")
              << QStringLiteral("?category=") << QStringLiteral("%41") << QStringLiteral("%2F")
              << QStringLiteral("\"}") << QStringLiteral("\\\"") << QStringLiteral("/../")
@@ -51,12 +53,13 @@ protected:
     {
         QString text;
         const int length = random.bounded(1, 16);
-        for (int i = 0; i < length; ++i)
+        for (int i = 0; i < length; ++i) {
             text += pieces().at(random.bounded(pieces().size()));
+        }
         return text;
     }
 
-    /// The target of the one request that this raw text becomes.
+    // The target of the one request that this raw text becomes.
     QByteArray sent(const QString& rest)
     {
         server.answerJson(200, "{}");
@@ -90,16 +93,18 @@ TEST_F(UrlRoundTripTest, NamesCategoriesAndIdentifiersArriveAsTyped)
         const Query page = {{QStringLiteral("where"), name},
                             {QStringLiteral("skip"), QStringLiteral("0")},
                             {QStringLiteral("limit"), QStringLiteral("20")}};
-        if (ScriptServer::decodedQuery(target) != page)
+        if (ScriptServer::decodedQuery(target) != page) {
             ++differences;
+        }
 
         const QString category = randomText();
         target =
             sent(QStringLiteral("projects/p7/auth?category=") + category + QStringLiteral("&key=create"));
         const Query permission = {{QStringLiteral("category"), category},
                                   {QStringLiteral("key"), QStringLiteral("create")}};
-        if (ScriptServer::decodedQuery(target) != permission)
+        if (ScriptServer::decodedQuery(target) != permission) {
             ++differences;
+        }
 
         // An identifier in which a parameter begins cannot be told from the parameter.
         QString identifier = randomText();
@@ -107,8 +112,9 @@ TEST_F(UrlRoundTripTest, NamesCategoriesAndIdentifiersArriveAsTyped)
         target = sent(QStringLiteral("dataManages/") + identifier + QStringLiteral("?cascade=true"));
         const Query cascade = {{QStringLiteral("cascade"), QStringLiteral("true")}};
         if (ScriptServer::decodedPath(target) != QStringLiteral("/dataManages/") + identifier ||
-            ScriptServer::decodedQuery(target) != cascade)
+            ScriptServer::decodedQuery(target) != cascade) {
             ++differences;
+        }
         ASSERT_EQ(differences, 0)
             << "seed " << seed << ", round " << i << ": "
             << QJsonDocument(QJsonArray{name, category, identifier}).toJson().toStdString();
@@ -123,8 +129,9 @@ TEST_F(UrlRoundTripTest, EveryUnicodeCharacterArrivesAsTyped)
     for (uint begin = 0; begin < 0x110000; begin += step) {
         QString text;
         for (uint c = begin; c < begin + step; ++c) {
-            if (!QChar::isSurrogate(c))
+            if (!QChar::isSurrogate(c)) {
                 text += QString::fromUcs4(&c, 1);
+            }
         }
         const QByteArray target = sent(QStringLiteral("auth?category=") + text + QStringLiteral("&key=edit"));
         const Query permission = {{QStringLiteral("category"), text},

@@ -8,12 +8,13 @@ namespace {
 
 constexpr char quote = '"';
 
-/// False when `bytes` are not UTF-8.
+// False when `bytes` are not UTF-8.
 bool decode(const QByteArray& bytes, QString& text)
 {
     text = QString::fromUtf8(bytes);
-    if (!text.contains(QChar::ReplacementCharacter))
+    if (!text.contains(QChar::ReplacementCharacter)) {
         return true;
+    }
     // The character may stand in the text itself.
     static QTextCodec* const codec = QTextCodec::codecForName("UTF-8");
     QTextCodec::ConverterState state;
@@ -30,10 +31,12 @@ RecordReader::RecordReader(const QByteArray& content, char delimiter)
 
 bool RecordReader::next(Record& record)
 {
-    while (m_next != m_end && atLineEnd())
+    while (m_next != m_end && atLineEnd()) {
         skipLineEnd();
-    if (m_next == m_end)
+    }
+    if (m_next == m_end) {
         return false;
+    }
     record.line = m_line;
     record.fields.clear();
     record.problem.clear();
@@ -52,8 +55,9 @@ void RecordReader::readRecord(Record& record)
             return;
         }
         appendField(field, record);
-        if (m_next == m_end)
+        if (m_next == m_end) {
             return;
+        }
         if (*m_next != m_delimiter) {
             skipLineEnd();
             return;
@@ -71,8 +75,9 @@ bool RecordReader::readQuotedField(QByteArray& field, Record& record)
         if (*m_next == quote) {
             ++m_next;
             isClosed = m_next == m_end || *m_next != quote;
-            if (!isClosed)
+            if (!isClosed) {
                 field += *m_next++;
+            }
         } else if (atLineEnd()) {
             field += '\n';
             skipLineEnd();
@@ -80,10 +85,11 @@ bool RecordReader::readQuotedField(QByteArray& field, Record& record)
             field += *m_next++;
         }
     }
-    if (!isClosed)
+    if (!isClosed) {
         record.problem = QStringLiteral("a quote that opens on line %1 is never closed").arg(firstLine);
-    else if (m_next != m_end && *m_next != m_delimiter && !atLineEnd())
+    } else if (m_next != m_end && *m_next != m_delimiter && !atLineEnd()) {
         record.problem = QStringLiteral("text follows a closing quote");
+    }
     return record.problem.isEmpty();
 }
 
@@ -104,8 +110,9 @@ bool RecordReader::readBareField(QByteArray& field, Record& record)
 void RecordReader::appendField(const QByteArray& field, Record& record) const
 {
     QString text;
-    if (!decode(field, text) && record.problem.isEmpty())
+    if (!decode(field, text) && record.problem.isEmpty()) {
         record.problem = QStringLiteral("the text is not UTF-8");
+    }
     record.fields.append(text.trimmed());
 }
 
@@ -116,16 +123,19 @@ bool RecordReader::atLineEnd() const
 
 void RecordReader::skipLine()
 {
-    while (m_next != m_end && !atLineEnd())
+    while (m_next != m_end && !atLineEnd()) {
         ++m_next;
-    if (m_next != m_end)
+    }
+    if (m_next != m_end) {
         skipLineEnd();
+    }
 }
 
 void RecordReader::skipLineEnd()
 {
-    if (*m_next++ == '\r' && m_next != m_end && *m_next == '\n')
+    if (*m_next++ == '\r' && m_next != m_end && *m_next == '\n') {
         ++m_next;
+    }
     ++m_line;
 }
 

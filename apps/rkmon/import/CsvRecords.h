@@ -16,8 +16,8 @@ struct Record
     QString problem;
 };
 
-/// Takes UTF-8 text apart, record by record. Empty lines are passed over. After a record with a problem it goes
-/// on with the next line.
+/// Takes UTF-8 text apart, record by record. Empty lines are passed over. After a record with a problem it
+/// goes on with the next line.
 class RecordReader
 {
 public:

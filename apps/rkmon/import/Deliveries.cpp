@@ -6,7 +6,7 @@
 
 namespace {
 
-/// A reading's place in a file.
+// A reading's place in a file.
 struct Place
 {
     int point;
@@ -18,14 +18,16 @@ const Reading& readingAt(const MeasuredFile& file, const Place& place)
     return file.points[place.point].readings[place.reading];
 }
 
-/// All readings of the file in time order; at one time in the order of the points.
+// All readings of the file in time order; at one time in the order of the points.
 QVector<Place> placesInTime(const MeasuredFile& file)
 {
     QVector<Place> places;
     places.reserve(file.readingCount);
-    for (int point = 0; point < file.points.size(); ++point)
-        for (int reading = 0; reading < file.points[point].readings.size(); ++reading)
+    for (int point = 0; point < file.points.size(); ++point) {
+        for (int reading = 0; reading < file.points[point].readings.size(); ++reading) {
             places.append({point, reading});
+        }
+    }
     std::stable_sort(places.begin(), places.end(), [&](const Place& left, const Place& right) {
         return readingAt(file, left).sample.time < readingAt(file, right).sample.time;
     });
@@ -35,18 +37,20 @@ QVector<Place> placesInTime(const MeasuredFile& file)
 QHash<PointKey, Reading> earliestReadings(const QList<PlacedFile>& files)
 {
     QHash<PointKey, Reading> earliest;
-    for (const PlacedFile& placed : files)
+    for (const PlacedFile& placed : files) {
         for (const MeasuredPoint& point : placed.file.points) {
             const PointKey key{placed.target, point.name, point.depth};
             const Reading& first = point.readings.constFirst();
             const auto found = earliest.constFind(key);
-            if (found == earliest.constEnd() || first.sample.time < found->sample.time)
+            if (found == earliest.constEnd() || first.sample.time < found->sample.time) {
                 earliest.insert(key, first);
+            }
         }
+    }
     return earliest;
 }
 
-/// Makes the deliveries of one file.
+// Makes the deliveries of one file.
 class Parting
 {
 public:
@@ -60,8 +64,9 @@ public:
     {
         for (const Place& place : placesInTime(m_placed.file)) {
             const Reading& reading = readingAt(m_placed.file, place);
-            if (mustBegin())
+            if (mustBegin()) {
                 begin(reading.sample.time);
+            }
             add(place, reading);
         }
         return m_deliveries;
@@ -115,7 +120,7 @@ private:
     QVector<int> m_indexes; // of the delivery's points, by the file's; -1: not in it yet
 };
 
-/// What identifies a sample, and where it was first seen.
+// What identifies a sample, and where it was first seen.
 struct SampleKey
 {
     int point;
@@ -139,18 +144,20 @@ struct Seen
     const Reading* reading;
 };
 
-/// Points that more than one file measures, numbered: only those can be contradicted.
+// Points that more than one file measures, numbered: only those can be contradicted.
 QHash<PointKey, int> sharedPoints(const QList<PlacedFile>& files)
 {
     QSet<PointKey> once;
     QHash<PointKey, int> shared;
-    for (const PlacedFile& placed : files)
+    for (const PlacedFile& placed : files) {
         for (const MeasuredPoint& point : placed.file.points) {
             const PointKey key{placed.target, point.name, point.depth};
-            if (once.contains(key) && !shared.contains(key))
+            if (once.contains(key) && !shared.contains(key)) {
                 shared.insert(key, shared.size());
+            }
             once.insert(key);
         }
+    }
     return shared;
 }
 
@@ -177,10 +184,11 @@ QList<Delivery> deliveriesOf(const QList<PlacedFile>& files, const QSet<PointKey
 {
     const QHash<PointKey, Reading> earliest = earliestReadings(files);
     QList<Delivery> deliveries;
-    for (const PlacedFile& placed : files)
+    for (const PlacedFile& placed : files) {
         deliveries.append(Parting(placed, earliest, known, largest).deliveries());
-    // Limits are checked for days behind those held before: an older delivery that came after a newer one would never
-    // be checked.
+    }
+    // Limits are checked for days behind those held before: an older delivery that came after a newer one
+    // would never be checked.
     std::stable_sort(deliveries.begin(), deliveries.end(), [](const Delivery& left, const Delivery& right) {
         return left.firstTime < right.firstTime;
     });
@@ -217,16 +225,18 @@ QStringList contradictions(const QList<PlacedFile>& files)
         Problems problems;
         for (const MeasuredPoint& point : placed.file.points) {
             const int number = shared.value({placed.target, point.name, point.depth}, -1);
-            if (number < 0)
+            if (number < 0) {
                 continue;
+            }
             for (const Reading& reading : point.readings) {
                 const SampleKey key{number, reading.sample.time.toMSecsSinceEpoch(), reading.sample.count};
                 const auto found = seen.constFind(key);
-                if (found == seen.constEnd())
+                if (found == seen.constEnd()) {
                     seen.insert(key, {&placed.file, &reading});
-                else if (found->reading->sample.value != reading.sample.value ||
-                         found->reading->sample.timeFlag != reading.sample.timeFlag)
+                } else if (found->reading->sample.value != reading.sample.value ||
+                           found->reading->sample.timeFlag != reading.sample.timeFlag) {
                     problems.add(reading.line, contradiction(point, reading, *found));
+                }
             }
         }
         lines.append(problems.lines(placed.file.path));
@@ -237,8 +247,10 @@ QStringList contradictions(const QList<PlacedFile>& files)
 QSet<PointKey> pointsOf(const QList<PlacedFile>& files)
 {
     QSet<PointKey> points;
-    for (const PlacedFile& placed : files)
-        for (const MeasuredPoint& point : placed.file.points)
+    for (const PlacedFile& placed : files) {
+        for (const MeasuredPoint& point : placed.file.points) {
             points.insert({placed.target, point.name, point.depth});
+        }
+    }
     return points;
 }

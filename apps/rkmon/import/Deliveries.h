@@ -2,13 +2,12 @@
 
 #include "import/MeasuredFile.h"
 
-#include <RKPointLocation.h>
-
 #include <QHash>
 #include <QList>
 #include <QSet>
 #include <QString>
 #include <QVector>
+#include <RKPointLocation.h>
 
 /// Where the readings of a file belong.
 struct DeliveryTarget
@@ -40,8 +39,8 @@ struct Delivery
     QDateTime firstTime;
 };
 
-/// Names a point of a sub-category: a monitoring's points of equal name and depth in different sub-categories are
-/// different points.
+/// Names a point of a sub-category: a monitoring's points of equal name and depth in different sub-categories
+/// are different points.
 struct PointKey
 {
     DeliveryTarget target;
@@ -59,15 +58,15 @@ uint qHash(const PointKey& key, uint seed = 0);
 /// Samples that go into one request at most.
 constexpr int largestRequest = 50'000;
 
-/// The deliveries of all files, oldest readings first: one per file. A delivery of more than `largest` samples is parted in time order.
-/// A point that is not in `known` gets its earliest reading of all files as initial value; the others get none,
-/// which leaves theirs alone.
+/// The deliveries of all files, oldest readings first: one per file. A delivery of more than `largest`
+/// samples is parted in time order. A point that is not in `known` gets its earliest reading of all files as
+/// initial value; the others get none, which leaves theirs alone.
 QList<Delivery> deliveriesOf(const QList<PlacedFile>& files, const QSet<PointKey>& known,
                              int largest = largestRequest);
 
-/// The same deliveries by request: in order, at most `largest` samples each, and never two of one monitoring: the
-/// service takes a request as one delivery per target, and the time of a point's creation tells its sub-category only if
-/// it was made alone (PointOrigins).
+/// The same deliveries by request: in order, at most `largest` samples each, and never two of one monitoring:
+/// the service takes a request as one delivery per target, and the time of a point's creation tells its
+/// sub-category only if it was made alone (PointOrigins).
 QList<QList<Delivery>> requestsOf(const QList<Delivery>& deliveries, int largest = largestRequest);
 
 /// A reading that another file of the same target contradicts: "FILE:LINE: reason"; as many as are kept.

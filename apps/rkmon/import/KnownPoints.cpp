@@ -8,13 +8,13 @@
 
 namespace {
 
-/// Names of one request; the service takes a condition of 8 KB.
+// Names of one request; the service takes a condition of 8 KB.
 constexpr int largestNames = 4000;
 
-/// Name and depth.
+// Name and depth.
 using Place = QPair<QString, QString>;
 
-/// The data that the service holds of a monitoring: one for each sub-category.
+// The data that the service holds of a monitoring: one for each sub-category.
 QList<RKDataManage> dataHeld(Session& session, const QString& cellId)
 {
     RKDataManageCondition condition;
@@ -35,12 +35,13 @@ QList<RKDataManage> dataHeld(Session& session, const QString& cellId)
     return pages::readAll(QStringLiteral("data held"), readPage, readCount);
 }
 
-/// Names of the points, in portions that a request can hold.
+// Names of the points, in portions that a request can hold.
 QList<QStringList> namePortions(const QList<PointKey>& points)
 {
     QStringList names;
-    for (const PointKey& point : points)
+    for (const PointKey& point : points) {
         names.append(point.name);
+    }
     names.removeDuplicates();
     names.sort();
     QList<QStringList> portions;
@@ -57,8 +58,8 @@ QList<QStringList> namePortions(const QList<PointKey>& points)
     return portions;
 }
 
-/// Identifiers of a monitoring's points with these names. The statistic tells them with one entry per day, where
-/// reading the points would bring every sample.
+// Identifiers of a monitoring's points with these names. The statistic tells them with one entry per day,
+// where reading the points would bring every sample.
 QHash<Place, QSet<QString>> pointsMeasured(Session& session, const QString& cellId,
                                            const QList<QStringList>& portions)
 {
@@ -70,60 +71,71 @@ QHash<Place, QSet<QString>> pointsMeasured(Session& session, const QString& cell
         QMap<QDate, QList<RKPointLocationChartData>> days;
         session.ask(QStringLiteral("find the points that are there already"),
                     [&] { return session.projectData().getNormalPointLocation(condition, days); });
-        for (const QList<RKPointLocationChartData>& day : qAsConst(days))
-            for (const RKPointLocationChartData& entry : day)
+        for (const QList<RKPointLocationChartData>& day : qAsConst(days)) {
+            for (const RKPointLocationChartData& entry : day) {
                 measured[{entry.name, entry.depth}].insert(entry.id);
+            }
+        }
     }
     return measured;
 }
 
-/// Whether one of the points `ids`, all called alike, is that of `point`. When that cannot be told it is taken to be: an
-/// initial value that is replaced by mistake would hide how far the point has moved.
+// Whether one of the points `ids`, all called alike, is that of `point`. When that cannot be told it is taken
+// to be: an initial value that is replaced by mistake would hide how far the point has moved.
 bool isAmong(Session& session, const PointKey& point, const QSet<QString>& ids, const PointOrigins& origins)
 {
     bool isPossible = false;
     for (const QString& id : ids) {
         const QSet<QString> subCategories = origins.subCategoriesOf(id);
-        if (!subCategories.contains(point.target.subCategoryId))
+        if (!subCategories.contains(point.target.subCategoryId)) {
             continue;
-        if (subCategories.size() == 1)
+        }
+        if (subCategories.size() == 1) {
             return true;
+        }
         isPossible = true;
     }
-    if (isPossible)
+    if (isPossible) {
         session.note(QStringLiteral("warning: %1 is taken for a point that is there already, so it gets no "
                                     "initial value")
                          .arg(pointText(point.name, point.depth)));
+    }
     return isPossible;
 }
 
-/// Those of `points` that are known; all are of `cellId`.
+// Those of `points` that are known; all are of `cellId`.
 QSet<PointKey> knownOfCell(Session& session, const QString& cellId, const QList<PointKey>& points)
 {
     const QList<RKDataManage> held = dataHeld(session, cellId);
     QList<PointKey> concerned;
-    for (const PointKey& point : points)
+    for (const PointKey& point : points) {
         if (std::any_of(held.cbegin(), held.cend(), [&](const RKDataManage& data) {
                 return data.subCategoryId == point.target.subCategoryId;
-            }))
+            })) {
             concerned.append(point);
+        }
+    }
     const QHash<Place, QSet<QString>> measured = pointsMeasured(session, cellId, namePortions(concerned));
 
     QSet<PointKey> known;
     QList<PointKey> unclear;
     for (const PointKey& point : qAsConst(concerned)) {
         const int count = measured.value({point.name, point.depth}).size();
-        if (count == held.size()) // one in each sub-category
+        if (count == held.size()) { // one in each sub-category
             known.insert(point);
-        else if (count > 0)
+        } else if (count > 0) {
             unclear.append(point);
+        }
     }
-    if (unclear.isEmpty())
+    if (unclear.isEmpty()) {
         return known;
+    }
     const PointOrigins origins(session, cellId, namePortions(unclear), held);
-    for (const PointKey& point : qAsConst(unclear))
-        if (isAmong(session, point, measured.value({point.name, point.depth}), origins))
+    for (const PointKey& point : qAsConst(unclear)) {
+        if (isAmong(session, point, measured.value({point.name, point.depth}), origins)) {
             known.insert(point);
+        }
+    }
     return known;
 }
 
@@ -132,10 +144,12 @@ QSet<PointKey> knownOfCell(Session& session, const QString& cellId, const QList<
 QSet<PointKey> knownPoints(Session& session, const QSet<PointKey>& points)
 {
     QMap<QString, QList<PointKey>> cells;
-    for (const PointKey& point : points)
+    for (const PointKey& point : points) {
         cells[point.target.cellId].append(point);
+    }
     QSet<PointKey> known;
-    for (auto cell = cells.cbegin(); cell != cells.cend(); ++cell)
+    for (auto cell = cells.cbegin(); cell != cells.cend(); ++cell) {
         known.unite(knownOfCell(session, cell.key(), *cell));
+    }
     return known;
 }

@@ -4,11 +4,10 @@
 #include "import/CsvRecords.h"
 #include "import/MeasuredValues.h"
 
-#include <RKPub.h>
-
 #include <QFile>
 #include <QHash>
 #include <QPair>
+#include <RKPub.h>
 
 #include <algorithm>
 #include <array>
@@ -34,7 +33,7 @@ struct Header
 {
     char delimiter = ',';
     int line = 1;
-    /// Field of each column; -1 where the file has none.
+    // Field of each column; -1 where the file has none.
     std::array<int, ColumnCount> fields{-1, -1, -1, -1, -1, -1};
     int fieldCount = 0;
 
@@ -47,13 +46,15 @@ struct Header
 
 int columnOf(const QString& title)
 {
-    for (int column = 0; column < ColumnCount; ++column)
-        if (title.compare(QLatin1String(columnNames[column]), Qt::CaseInsensitive) == 0)
+    for (int column = 0; column < ColumnCount; ++column) {
+        if (title.compare(QLatin1String(columnNames[column]), Qt::CaseInsensitive) == 0) {
             return column;
+        }
+    }
     return -1;
 }
 
-/// The header as `delimiter` parts it; problems go to `file`.
+// The header as `delimiter` parts it; problems go to `file`.
 Header readHeader(const QByteArray& content, char delimiter, MeasuredFile& file)
 {
     Header header;
@@ -65,22 +66,24 @@ Header readHeader(const QByteArray& content, char delimiter, MeasuredFile& file)
     }
     header.line = record.line;
     header.fieldCount = record.fields.size();
-    if (!record.problem.isEmpty())
+    if (!record.problem.isEmpty()) {
         file.problems.add(record.line, record.problem);
+    }
     for (int field = 0; field < record.fields.size(); ++field) {
         const int column = columnOf(record.fields[field]);
-        if (column < 0)
+        if (column < 0) {
             file.ignoredColumns.append(record.fields[field]);
-        else if (header.fields[column] >= 0)
+        } else if (header.fields[column] >= 0) {
             file.problems.add(record.line,
                               QStringLiteral("the column \"%1\" is named twice").arg(record.fields[field]));
-        else
+        } else {
             header.fields[column] = field;
+        }
     }
     return header;
 }
 
-/// The delimiter under which the first line names most columns.
+// The delimiter under which the first line names most columns.
 char detectedDelimiter(const QByteArray& content)
 {
     char best = delimiters.front();
@@ -99,18 +102,21 @@ char detectedDelimiter(const QByteArray& content)
 void requireColumns(const Header& header, MeasuredFile& file)
 {
     QStringList missing;
-    for (int column = Name; column <= Value; ++column)
-        if (header.fields[column] < 0)
+    for (int column = Name; column <= Value; ++column) {
+        if (header.fields[column] < 0) {
             missing.append(QLatin1String(columnNames[column]));
-    if (!missing.isEmpty())
+        }
+    }
+    if (!missing.isEmpty()) {
         file.problems.add(
             header.line,
             QStringLiteral(
                 "the header names no column \"%1\"; it must name name, depth, time, count and value")
                 .arg(missing.join(QStringLiteral("\", \""))));
+    }
 }
 
-/// Reads the rows below a header into a file.
+// Reads the rows below a header into a file.
 class RowReader
 {
 public:
@@ -123,14 +129,17 @@ public:
     void read()
     {
         m_decimalSign = m_format.decimalSign ? *m_format.decimalSign : detectedDecimalSign();
-        if (!m_file.problems.isEmpty())
+        if (!m_file.problems.isEmpty()) {
             return;
+        }
         csv::RecordReader records = rows();
         csv::Record record;
-        while (records.next(record))
+        while (records.next(record)) {
             readRow(record);
-        for (MeasuredPoint& point : m_file.points)
+        }
+        for (MeasuredPoint& point : m_file.points) {
             sortReadings(point);
+        }
     }
 
 private:
@@ -173,24 +182,28 @@ QChar RowReader::detectedDecimalSign()
     values::DecimalSignDetection detection;
     csv::RecordReader records = rows();
     csv::Record record;
-    while (records.next(record))
+    while (records.next(record)) {
         if (isWhole(record)) {
             detection.look(field(record, Value), record.line);
             detection.look(field(record, Depth), record.line);
         }
+    }
     const values::DecimalSignDetection::Result result = detection.result();
-    if (!result.problem.isEmpty())
+    if (!result.problem.isEmpty()) {
         m_file.problems.add(result.line, result.problem);
+    }
     return result.sign;
 }
 
 QString RowReader::formProblem(const csv::Record& record) const
 {
-    if (!record.problem.isEmpty())
+    if (!record.problem.isEmpty()) {
         return record.problem;
+    }
     const int excess = record.fields.size() - m_header.fieldCount;
-    if (excess == 0)
+    if (excess == 0) {
         return QString();
+    }
     const QString counts = QStringLiteral("%1 fields, but the header names %2")
                                .arg(record.fields.size())
                                .arg(m_header.fieldCount);
@@ -208,18 +221,24 @@ void RowReader::readRow(const csv::Record& record)
     QString name;
     QString depth;
     QString problem = formProblem(record);
-    if (problem.isEmpty())
+    if (problem.isEmpty()) {
         problem = values::readName(field(record, Name), name);
-    if (problem.isEmpty())
+    }
+    if (problem.isEmpty()) {
         problem = values::readDepth(field(record, Depth), m_decimalSign, depth);
-    if (problem.isEmpty())
+    }
+    if (problem.isEmpty()) {
         problem = values::readTime(field(record, Time), m_format.utcOffset, reading.sample.time);
-    if (problem.isEmpty())
+    }
+    if (problem.isEmpty()) {
         problem = values::readCount(field(record, Count), reading.sample.count);
-    if (problem.isEmpty())
+    }
+    if (problem.isEmpty()) {
         problem = values::readValue(field(record, Value), m_decimalSign, reading.sample.value);
-    if (problem.isEmpty())
+    }
+    if (problem.isEmpty()) {
         problem = values::readTimeFlag(field(record, TimeFlag), reading.sample.timeFlag);
+    }
     if (!problem.isEmpty()) {
         m_file.problems.add(record.line, problem);
         return;
@@ -268,20 +287,22 @@ void RowReader::sortReadings(MeasuredPoint& point)
             continue;
         }
         const RKPointLocationData& first = kept.constLast().sample;
-        if (first.value != reading.sample.value || first.timeFlag != reading.sample.timeFlag)
+        if (first.value != reading.sample.value || first.timeFlag != reading.sample.timeFlag) {
             reportConflict(point, kept.constLast(), reading);
+        }
         ++m_file.repeatedCount;
         --m_file.readingCount;
     }
     point.readings = kept;
 }
 
-/// The content as UTF-8 without its mark; a problem of the file when it is something else.
+// The content as UTF-8 without its mark; a problem of the file when it is something else.
 QByteArray textOf(const QByteArray& content, MeasuredFile& file)
 {
     const QByteArray mark("\xef\xbb\xbf");
-    if (content.startsWith("\xff\xfe") || content.startsWith("\xfe\xff") || content.contains('\0'))
+    if (content.startsWith("\xff\xfe") || content.startsWith("\xfe\xff") || content.contains('\0')) {
         file.problems.add(1, QStringLiteral("the file is not UTF-8 text (UTF-16?); save it as UTF-8"));
+    }
     return content.startsWith(mark) ? content.mid(mark.size()) : content;
 }
 
@@ -293,27 +314,32 @@ MeasuredFile readMeasuredFile(const QString& path, const QByteArray& content,
     MeasuredFile file;
     file.path = path;
     const QByteArray text = textOf(content, file);
-    if (!file.problems.isEmpty())
+    if (!file.problems.isEmpty()) {
         return file;
+    }
     const char delimiter = format.delimiter ? *format.delimiter : detectedDelimiter(text);
     const Header header = readHeader(text, delimiter, file);
-    if (file.problems.isEmpty())
+    if (file.problems.isEmpty()) {
         requireColumns(header, file);
-    if (file.problems.isEmpty())
+    }
+    if (file.problems.isEmpty()) {
         RowReader(text, header, format, file).read();
+    }
     return file;
 }
 
 MeasuredFile readMeasuredFile(const QString& path, const MeasuredFileFormat& format)
 {
     QFile source(path);
-    if (!source.open(QIODevice::ReadOnly))
+    if (!source.open(QIODevice::ReadOnly)) {
         throw Failure(ExitCode::Usage,
                       QStringLiteral("cannot open \"%1\": %2").arg(path, source.errorString()));
+    }
     const QByteArray content = source.readAll();
-    if (source.error() != QFileDevice::NoError)
+    if (source.error() != QFileDevice::NoError) {
         throw Failure(ExitCode::Failed,
                       QStringLiteral("cannot read \"%1\": %2").arg(path, source.errorString()));
+    }
     return readMeasuredFile(path, content, format);
 }
 

@@ -2,14 +2,13 @@
 
 #include "import/Problems.h"
 
-#include <RKPointLocation.h>
-
 #include <QByteArray>
 #include <QChar>
 #include <QList>
 #include <QString>
 #include <QStringList>
 #include <QVector>
+#include <RKPointLocation.h>
 
 #include <optional>
 
@@ -53,8 +52,9 @@ struct MeasuredFile
     Problems problems;
 };
 
-/// Reads `content`, the readings of a file at `path`: a header that names the columns name, depth, time, count,
-/// value and perhaps timeFlag, in any order and case, then one row per reading (RFC 4180). Every row is checked.
+/// Reads `content`, the readings of a file at `path`: a header that names the columns name, depth, time,
+/// count, value and perhaps timeFlag, in any order and case, then one row per reading (RFC 4180). Every row
+/// is checked.
 MeasuredFile readMeasuredFile(const QString& path, const QByteArray& content,
                               const MeasuredFileFormat& format);
 

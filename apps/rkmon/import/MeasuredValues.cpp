@@ -1,8 +1,7 @@
 #include "import/MeasuredValues.h"
 
-#include <RKPub.h>
-
 #include <QRegularExpression>
+#include <RKPub.h>
 
 #include <algorithm>
 #include <cmath>
@@ -18,43 +17,49 @@ bool holdsControlCharacter(const QString& text)
                        [](QChar character) { return character.category() == QChar::Other_Control; });
 }
 
-/// Digits from `index` on; returns how many, and leaves `index` behind them.
+// Digits from `index` on; returns how many, and leaves `index` behind them.
 int skipDigits(const QString& text, int& index)
 {
     const int begin = index;
-    while (index < text.size() && text[index] >= QLatin1Char('0') && text[index] <= QLatin1Char('9'))
+    while (index < text.size() && text[index] >= QLatin1Char('0') && text[index] <= QLatin1Char('9')) {
         ++index;
+    }
     return index - begin;
 }
 
 void skipSign(const QString& text, int& index)
 {
-    if (index < text.size() && (text[index] == QLatin1Char('-') || text[index] == QLatin1Char('+')))
+    if (index < text.size() && (text[index] == QLatin1Char('-') || text[index] == QLatin1Char('+'))) {
         ++index;
+    }
 }
 
-/// Digits with at most one decimal sign, and perhaps an exponent; no other way to write a number.
+// Digits with at most one decimal sign, and perhaps an exponent; no other way to write a number.
 bool isNumber(const QString& text, QChar decimalSign)
 {
     int index = 0;
     skipSign(text, index);
     int digits = skipDigits(text, index);
-    if (index < text.size() && text[index] == decimalSign)
+    if (index < text.size() && text[index] == decimalSign) {
         digits += skipDigits(text, ++index);
-    if (digits == 0)
+    }
+    if (digits == 0) {
         return false;
+    }
     if (index < text.size() && text[index].toLower() == QLatin1Char('e')) {
         skipSign(text, ++index);
-        if (skipDigits(text, index) == 0)
+        if (skipDigits(text, index) == 0) {
             return false;
+        }
     }
     return index == text.size();
 }
 
 QString readNumber(const char* what, QString text, QChar decimalSign, double& number)
 {
-    if (text.isEmpty())
+    if (text.isEmpty()) {
         return QStringLiteral("the %1 is empty").arg(QLatin1String(what));
+    }
     if (!isNumber(text, decimalSign)) {
         const QString problem = QStringLiteral("%1 \"%2\" is not a number").arg(QLatin1String(what), text);
         const QLatin1Char other(decimalSign == QLatin1Char(',') ? '.' : ',');
@@ -72,10 +77,12 @@ QString readNumber(const char* what, QString text, QChar decimalSign, double& nu
 
 QString readName(const QString& text, QString& name)
 {
-    if (text.isEmpty())
+    if (text.isEmpty()) {
         return QStringLiteral("the name is empty");
-    if (holdsControlCharacter(text))
+    }
+    if (holdsControlCharacter(text)) {
         return QStringLiteral("the name holds a control character");
+    }
     name = text;
     return QString();
 }
@@ -83,12 +90,14 @@ QString readName(const QString& text, QString& name)
 QString readDepth(const QString& text, QChar decimalSign, QString& depth)
 {
     depth.clear();
-    if (text.isEmpty())
+    if (text.isEmpty()) {
         return QString();
+    }
     double number = 0.0;
     const QString problem = readNumber("depth", text, decimalSign, number);
-    if (problem.isEmpty())
+    if (problem.isEmpty()) {
         depth = QString::number(number + 0.0, 'g', QLocale::FloatingPointShortest); // + 0.0: no "-0"
+    }
     return problem;
 }
 
@@ -98,17 +107,20 @@ QString readTime(const QString& text, const QString& utcOffset, QDateTime& time)
         QStringLiteral("\\A(\\d{4}-\\d{2}-\\d{2})(?:[T ](\\d{2}:\\d{2})(:\\d{2}(?:\\.\\d+)?)?)? "
                        "?(Z|[+-]\\d{2}:?\\d{2})?\\z"));
     const QString example = QStringLiteral("2015-12-18T00:15:00-08:00");
-    if (text.isEmpty())
+    if (text.isEmpty()) {
         return QStringLiteral("the time is empty");
+    }
     const QRegularExpressionMatch match = form.match(text);
-    if (!match.hasMatch())
+    if (!match.hasMatch()) {
         return QStringLiteral("time \"%1\" is not one like %2").arg(text, example);
+    }
     const QString offset = match.capturedLength(4) > 0 ? match.captured(4) : utcOffset;
-    if (offset.isEmpty())
+    if (offset.isEmpty()) {
         return QStringLiteral(
                    "time \"%1\" does not tell its offset from UTC, as %2 does; --utc-offset says it "
                    "for all")
             .arg(text, example);
+    }
     const QString clock = match.capturedLength(2) > 0 ? match.captured(2) : QStringLiteral("00:00");
     const QString seconds = match.capturedLength(3) > 0 ? match.captured(3) : QStringLiteral(":00");
     time = RKPub::getDateTimeByQString(match.captured(1) + QLatin1Char('T') + clock + seconds + offset);
@@ -134,8 +146,9 @@ QString readValue(const QString& text, QChar decimalSign, double& value)
 
 QString readTimeFlag(const QString& text, QString& timeFlag)
 {
-    if (holdsControlCharacter(text))
+    if (holdsControlCharacter(text)) {
         return QStringLiteral("the timeFlag holds a control character");
+    }
     timeFlag = text;
     return QString();
 }
@@ -151,12 +164,15 @@ void DecimalSignDetection::look(const QString& number, int line)
     static const QRegularExpression thousands(QStringLiteral("\\A[+-]?[1-9]\\d{0,2},\\d{3}\\z"));
     const QLatin1Char point('.');
     const QLatin1Char comma(',');
-    if (m_pointLine == 0 && number.contains(point) && isNumber(number, point))
+    if (m_pointLine == 0 && number.contains(point) && isNumber(number, point)) {
         m_pointLine = line;
-    if (!number.contains(comma) || !isNumber(number, comma))
+    }
+    if (!number.contains(comma) || !isNumber(number, comma)) {
         return;
-    if (m_commaLine == 0)
+    }
+    if (m_commaLine == 0) {
         m_commaLine = line;
+    }
     m_mayBeThousands = m_mayBeThousands && thousands.match(number).hasMatch();
 }
 
@@ -164,20 +180,23 @@ DecimalSignDetection::Result DecimalSignDetection::result() const
 {
     const QLatin1Char point('.');
     const QLatin1Char comma(',');
-    if (m_commaLine == 0)
+    if (m_commaLine == 0) {
         return {point, QString(), 0};
-    if (m_pointLine != 0)
+    }
+    if (m_pointLine != 0) {
         return {
             point,
             QStringLiteral("the file has numbers with a comma (as here) and with a point (line %1): which is "
                            "the decimal sign? --decimal says it")
                 .arg(m_pointLine),
             m_commaLine};
-    if (m_mayBeThousands)
+    }
+    if (m_mayBeThousands) {
         return {comma,
                 QStringLiteral("the comma may part decimals or thousands in every number of the file: "
                                "--decimal comma or --decimal point says which"),
                 m_commaLine};
+    }
     return {comma, QString(), 0};
 }
 

@@ -4,7 +4,8 @@
 #include <QDateTime>
 #include <QString>
 
-/// The fields of a reading as a file writes them. Each function returns what is wrong, in words; empty: nothing.
+/// The fields of a reading as a file writes them. Each function returns what is wrong, in words; empty:
+/// nothing.
 namespace values {
 
 /// Not empty, without control characters.
@@ -13,8 +14,8 @@ QString readName(const QString& text, QString& name);
 /// A number, made the shortest decimal text so that 2.5 and 2,50 are one depth; empty stays empty.
 QString readDepth(const QString& text, QChar decimalSign, QString& depth);
 
-/// ISO 8601, the date alone included; seconds may be left out, and a blank may stand for the "T". A time without
-/// an offset from UTC counts in `utcOffset` ("+01:00"), and is refused when that is empty.
+/// ISO 8601, the date alone included; seconds may be left out, and a blank may stand for the "T". A time
+/// without an offset from UTC counts in `utcOffset` ("+01:00"), and is refused when that is empty.
 QString readTime(const QString& text, const QString& utcOffset, QDateTime& time);
 
 /// A whole number from 0 to 2147483647.

@@ -31,7 +31,7 @@ struct ImportOptions
     bool isDryRun = false;
 };
 
-/// A file to read, with its place in the project file when there is one.
+// A file to read, with its place in the project file when there is one.
 struct Source
 {
     QString path;
@@ -41,59 +41,71 @@ struct Source
 MeasuredFileFormat formatOf(const ImportOptions& options)
 {
     MeasuredFileFormat format;
-    if (options.delimiter == QLatin1String("comma"))
+    if (options.delimiter == QLatin1String("comma")) {
         format.delimiter = ',';
-    else if (options.delimiter == QLatin1String("semicolon"))
+    } else if (options.delimiter == QLatin1String("semicolon")) {
         format.delimiter = ';';
-    else if (options.delimiter == QLatin1String("tab"))
+    } else if (options.delimiter == QLatin1String("tab")) {
         format.delimiter = '\t';
-    if (!options.decimal.isEmpty())
+    }
+    if (!options.decimal.isEmpty()) {
         format.decimalSign = QLatin1Char(options.decimal == QLatin1String("comma") ? ',' : '.');
-    if (!options.utcOffset.isEmpty() && !values::isUtcOffset(options.utcOffset))
+    }
+    if (!options.utcOffset.isEmpty() && !values::isUtcOffset(options.utcOffset)) {
         throw Failure(
             ExitCode::Usage,
             QStringLiteral("--utc-offset: \"%1\" is not an offset like +01:00").arg(options.utcOffset));
+    }
     format.utcOffset = options.utcOffset;
     return format;
 }
 
-/// The planned files that `path` could be; files are told apart by where they are, not by how they are called.
+// The planned files that `path` could be; files are told apart by where they are, not by how they are called.
 PlannedFile plannedFor(const ProjectFile& project, const QString& path, const QString& projectPath)
 {
     const QFileInfo wanted(path);
-    for (const PlannedFile& planned : project.files)
-        if (QFileInfo(planned.path) == wanted)
+    for (const PlannedFile& planned : project.files) {
+        if (QFileInfo(planned.path) == wanted) {
             return planned;
+        }
+    }
     throw Failure(ExitCode::Usage, QStringLiteral("%1 is not among the files of %2").arg(path, projectPath));
 }
 
 QList<Source> plannedSources(const ImportOptions& options, const ProjectFile& project)
 {
     QList<Source> sources;
-    for (const QString& path : options.files)
+    for (const QString& path : options.files) {
         sources.append({path, plannedFor(project, path, options.projectFile)});
-    if (options.files.isEmpty())
-        for (const PlannedFile& planned : project.files)
+    }
+    if (options.files.isEmpty()) {
+        for (const PlannedFile& planned : project.files) {
             sources.append({planned.path, planned});
+        }
+    }
     return sources;
 }
 
 void requireEachOnce(const QList<Source>& sources)
 {
-    for (int i = 0; i < sources.size(); ++i)
-        for (int j = 0; j < i; ++j)
-            if (QFileInfo(sources[i].path) == QFileInfo(sources[j].path))
+    for (int i = 0; i < sources.size(); ++i) {
+        for (int j = 0; j < i; ++j) {
+            if (QFileInfo(sources[i].path) == QFileInfo(sources[j].path)) {
                 throw Failure(ExitCode::Usage, QStringLiteral("%1 is named twice").arg(sources[i].path));
+            }
+        }
+    }
 }
 
 [[noreturn]] void refuse(const QStringList& problems)
 {
-    for (const QString& problem : problems)
+    for (const QString& problem : problems) {
         writePlainMessage(problem);
+    }
     throw Failure(ExitCode::Failed, QStringLiteral("nothing was sent: see the bad rows above"));
 }
 
-/// Every file, checked; ends the command when a row of any is bad.
+// Every file, checked; ends the command when a row of any is bad.
 QList<PlacedFile> readFiles(Session& session, const QList<Source>& sources, const ImportOptions& options)
 {
     const MeasuredFileFormat format = formatOf(options);
@@ -102,29 +114,33 @@ QList<PlacedFile> readFiles(Session& session, const QList<Source>& sources, cons
     for (const Source& source : sources) {
         const MeasuredFile file = readMeasuredFile(source.path, format);
         problems.append(file.problems.lines(source.path));
-        for (const QString& column : file.ignoredColumns)
+        for (const QString& column : file.ignoredColumns) {
             session.note(
                 QStringLiteral("warning: %1: the column \"%2\" is not read").arg(source.path, column));
-        if (file.repeatedCount > 0)
+        }
+        if (file.repeatedCount > 0) {
             session.note(
                 QStringLiteral("%1: %2 rows repeat others").arg(source.path).arg(file.repeatedCount));
-        if (file.problems.isEmpty() && file.readingCount == 0)
+        }
+        if (file.problems.isEmpty() && file.readingCount == 0) {
             session.note(QStringLiteral("%1: no readings").arg(source.path));
+        }
         files.append({file, {}});
     }
-    if (!problems.isEmpty())
+    if (!problems.isEmpty()) {
         refuse(problems);
+    }
     return files;
 }
 
-/// What was or would be sent.
+// What was or would be sent.
 struct Summary
 {
     int files = 0;
     int points = 0;
     int samples = 0;
     int deliveries = 0;
-    /// Unknown in a dry run.
+    // Unknown in a dry run.
     std::optional<int> newPoints;
     bool isSent = false;
 };
@@ -142,7 +158,7 @@ Sheet summarySheet(const Summary& summary)
         {{summary.files, summary.points, newPoints, summary.samples, summary.deliveries, summary.isSent}}};
 }
 
-/// The service's words about element [i][j] of a request, with the file that element i comes from.
+// The service's words about element [i][j] of a request, with the file that element i comes from.
 QString explained(const QString& message, const QList<Delivery>& request)
 {
     static const QRegularExpression element(QStringLiteral("\\[(\\d+)\\]\\[\\d+\\]"));
@@ -153,12 +169,13 @@ QString explained(const QString& message, const QList<Delivery>& request)
                : message;
 }
 
-/// The files that the deliveries come from.
+// The files that the deliveries come from.
 QString pathsOf(const QList<Delivery>& request)
 {
     QStringList paths;
-    for (const Delivery& delivery : request)
+    for (const Delivery& delivery : request) {
         paths.append(delivery.path);
+    }
     paths.removeDuplicates();
     constexpr int shown = 3;
     const QString more =
@@ -169,8 +186,9 @@ QString pathsOf(const QList<Delivery>& request)
 void send(Session& session, const QList<Delivery>& request)
 {
     QList<QList<RKPointLocation>> batches;
-    for (const Delivery& delivery : request)
+    for (const Delivery& delivery : request) {
         batches.append(delivery.points);
+    }
     QString message;
     try {
         session.ask(
@@ -179,8 +197,9 @@ void send(Session& session, const QList<Delivery>& request)
             Repetition::IsHarmless);
     } catch (const Failure& failure) {
         // A refused delivery is the one internal server error whose words are meant for the sender.
-        if (failure.code() != ExitCode::Failed || message.isEmpty())
+        if (failure.code() != ExitCode::Failed || message.isEmpty()) {
             throw;
+        }
         throw Failure(
             ExitCode::Failed,
             QStringLiteral("the service refused %1: %2").arg(pathsOf(request), explained(message, request)));
@@ -197,35 +216,38 @@ void sendAll(Session& session, const QList<Delivery>& deliveries, int sampleCoun
         try {
             send(session, request);
         } catch (const Failure& failure) {
-            if (sent == 0)
+            if (sent == 0) {
                 throw;
+            }
             throw Failure(failure.code(), QStringLiteral("%1; %2 of %3 samples had been delivered before")
                                               .arg(failure.message())
                                               .arg(sent)
                                               .arg(sampleCount));
         }
-        for (const Delivery& delivery : request)
+        for (const Delivery& delivery : request) {
             sent += delivery.sampleCount;
+        }
         progress.show(sent);
     }
 }
 
-/// Runs what changes the service. After a break it says what is true of everything in an import: whether or not the
-/// change was carried out, going on with the same import is safe.
+// Runs what changes the service. After a break it says what is true of everything in an import: whether or
+// not the change was carried out, going on with the same import is safe.
 template <typename Work>
 void changeRepeatably(Work work)
 {
     try {
         work();
     } catch (const Failure& failure) {
-        if (failure.code() != ExitCode::NoConnection)
+        if (failure.code() != ExitCode::NoConnection) {
             throw;
+        }
         throw Failure(failure.code(),
                       failure.message() + QStringLiteral("; the import can be repeated safely"));
     }
 }
 
-/// The rest of an import once every file has its target.
+// The rest of an import once every file has its target.
 ExitCode deliver(Session& session, const QList<PlacedFile>& files, bool isDryRun)
 {
     const QSet<PointKey> points = pointsOf(files);
@@ -234,15 +256,18 @@ ExitCode deliver(Session& session, const QList<PlacedFile>& files, bool isDryRun
     Summary summary;
     summary.files = files.size();
     summary.points = points.size();
-    if (!isDryRun)
+    if (!isDryRun) {
         summary.newPoints = points.size() - known.size();
+    }
     summary.deliveries = deliveries.size();
-    for (const Delivery& delivery : deliveries)
+    for (const Delivery& delivery : deliveries) {
         summary.samples += delivery.sampleCount;
-    if (isDryRun)
+    }
+    if (isDryRun) {
         session.note(QStringLiteral("all rows are good; nothing was sent"));
-    else
+    } else {
         changeRepeatably([&] { sendAll(session, deliveries, summary.samples); });
+    }
     summary.isSent = !isDryRun;
     session.output().addRecord(summarySheet(summary));
     return ExitCode::Success;
@@ -251,8 +276,9 @@ ExitCode deliver(Session& session, const QList<PlacedFile>& files, bool isDryRun
 void requireNoContradiction(const QList<PlacedFile>& files)
 {
     const QStringList problems = contradictions(files);
-    if (!problems.isEmpty())
+    if (!problems.isEmpty()) {
         refuse(problems);
+    }
 }
 
 ExitCode importProject(Session& session, const ImportOptions& options)
@@ -264,14 +290,16 @@ ExitCode importProject(Session& session, const ImportOptions& options)
     ProjectSetUp setUp(session, project);
     setUp.find();
     const auto place = [&] {
-        for (int i = 0; i < files.size(); ++i)
+        for (int i = 0; i < files.size(); ++i) {
             files[i].target = setUp.target(sources[i].planned);
+        }
     };
     place();
     requireNoContradiction(files);
     if (options.isDryRun) {
-        for (const QString& name : setUp.missingMonitorings())
+        for (const QString& name : setUp.missingMonitorings()) {
             session.note(QStringLiteral("would create monitoring \"%1\"").arg(name));
+        }
     } else {
         changeRepeatably([&] { setUp.createMissing(); });
         place();
@@ -282,28 +310,33 @@ ExitCode importProject(Session& session, const ImportOptions& options)
 ExitCode importFiles(Session& session, const ImportOptions& options)
 {
     QList<Source> sources;
-    for (const QString& path : options.files)
+    for (const QString& path : options.files) {
         sources.append({path, {}});
+    }
     requireEachOnce(sources);
     QList<PlacedFile> files = readFiles(session, sources, options);
     const RKMonitoring monitoring = lookup::monitoring(session, options.cell);
     const QString subCategory = lookup::subCategory(session, monitoring.category, options.subCategory).id;
-    for (PlacedFile& file : files)
+    for (PlacedFile& file : files) {
         file.target = {monitoring.id, subCategory};
+    }
     requireNoContradiction(files);
     return deliver(session, files, options.isDryRun);
 }
 
 ExitCode importPoints(Session& session, const ImportOptions& options)
 {
-    if (!options.projectFile.isEmpty())
+    if (!options.projectFile.isEmpty()) {
         return importProject(session, options);
-    if (options.files.isEmpty())
+    }
+    if (options.files.isEmpty()) {
         throw Failure(ExitCode::Usage, QStringLiteral("which files? Name them, or a --project-file"));
-    if (options.cell.isEmpty() || options.subCategory.isEmpty())
+    }
+    if (options.cell.isEmpty() || options.subCategory.isEmpty()) {
         throw Failure(ExitCode::Usage,
                       QStringLiteral("where do the readings belong? --cell and --sub-category "
                                      "say it, or --project-file"));
+    }
     return importFiles(session, options);
 }
 

@@ -5,10 +5,12 @@
 PointOrigins::PointOrigins(Session& session, const QString& cellId, const QList<QStringList>& namePortions,
                            const QList<RKDataManage>& held)
 {
-    for (const QStringList& names : namePortions)
+    for (const QStringList& names : namePortions) {
         readPoints(session, cellId, names);
-    for (const RKDataManage& data : held)
+    }
+    for (const RKDataManage& data : held) {
         readDeliveries(session, data);
+    }
 }
 
 void PointOrigins::readPoints(Session& session, const QString& cellId, const QStringList& names)
@@ -19,8 +21,9 @@ void PointOrigins::readPoints(Session& session, const QString& cellId, const QSt
     QList<RKPointLocation> points;
     session.ask(QStringLiteral("read the points that are there already"),
                 [&] { return session.projectData().getPointLocation(condition, points, false); });
-    for (const RKPointLocation& point : qAsConst(points))
+    for (const RKPointLocation& point : qAsConst(points)) {
         m_pointTimes.insert(point.id, point.createdAt.toMSecsSinceEpoch());
+    }
     session.data().clear(); // their samples
 }
 
@@ -35,10 +38,12 @@ void PointOrigins::readDeliveries(Session& session, const RKDataManage& data)
         session.ask(QStringLiteral("list the deliveries of %1").arg(data.id), [&] {
             return session.projectData().getHistoryRangeData(condition, skip, pageRows, page);
         });
-        for (const HistoryData& entry : qAsConst(page))
+        for (const HistoryData& entry : qAsConst(page)) {
             m_subCategoriesByTime[entry.createdAt.toMSecsSinceEpoch()].insert(data.subCategoryId);
-        if (page.size() < pageRows)
+        }
+        if (page.size() < pageRows) {
             return;
+        }
     }
 }
 

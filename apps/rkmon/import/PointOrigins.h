@@ -8,8 +8,8 @@
 #include <QString>
 #include <QStringList>
 
-/// Tells which sub-category points of a monitoring belong to. The library reads no point's sub-category, but a point
-/// and the delivery that made it have the same time of creation.
+/// Tells which sub-category points of a monitoring belong to. The library reads no point's sub-category, but
+/// a point and the delivery that made it have the same time of creation.
 class PointOrigins
 {
 public:
@@ -17,8 +17,8 @@ public:
     PointOrigins(Session& session, const QString& cellId, const QList<QStringList>& namePortions,
                  const QList<RKDataManage>& held);
 
-    /// Sub-categories that a delivery went to when the point was made: as a rule one. All of them when the point could not
-    /// be read.
+    /// Sub-categories that a delivery went to when the point was made: as a rule one. All of them when the
+    /// point could not be read.
     QSet<QString> subCategoriesOf(const QString& pointId) const;
 
 private:

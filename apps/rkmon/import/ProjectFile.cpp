@@ -17,14 +17,15 @@ namespace {
 constexpr qint32 inUnits = 0;
 constexpr qint32 inPercent = 1;
 
-/// An object of the file, read member by member: what is wrong is told with the member's place.
+// An object of the file, read member by member: what is wrong is told with the member's place.
 class Node
 {
 public:
     Node(const QString& file, const QString& place, const QJsonValue& value) : m_file(file), m_place(place)
     {
-        if (!value.isObject())
+        if (!value.isObject()) {
             fail(QStringLiteral("must be an object"));
+        }
         m_object = value.toObject();
     }
 
@@ -39,8 +40,9 @@ public:
     {
         const QJsonValue value = m_object.value(QLatin1String(member));
         const QString text = value.toString();
-        if (!value.isString() || text.trimmed().isEmpty())
+        if (!value.isString() || text.trimmed().isEmpty()) {
             failAt(member, QStringLiteral("must be a text that is not empty"));
+        }
         return text;
     }
 
@@ -49,13 +51,14 @@ public:
         return has(member) ? text(member) : otherwise;
     }
 
-    /// Not negative; 0 when it is not there.
+    // Not negative; 0 when it is not there.
     double limit(const char* member) const
     {
         const QJsonValue value = m_object.value(QLatin1String(member));
         const double number = value.toDouble(0.0);
-        if ((!value.isUndefined() && !value.isDouble()) || number < 0.0 || !std::isfinite(number))
+        if ((!value.isUndefined() && !value.isDouble()) || number < 0.0 || !std::isfinite(number)) {
             failAt(member, QStringLiteral("must be a number that is not negative"));
+        }
         return number;
     }
 
@@ -64,8 +67,9 @@ public:
         QStringList result;
         const QJsonArray elements = array(member);
         for (const QJsonValue& element : elements) {
-            if (!element.isString() || element.toString().trimmed().isEmpty())
+            if (!element.isString() || element.toString().trimmed().isEmpty()) {
                 failAt(member, QStringLiteral("must be a list of texts that are not empty"));
+            }
             result.append(element.toString());
         }
         return result;
@@ -75,19 +79,22 @@ public:
     {
         QList<Node> result;
         const QJsonArray elements = array(member);
-        for (const QJsonValue& element : elements)
+        for (const QJsonValue& element : elements) {
             result.append(
                 Node(m_file, QStringLiteral("%1[%2]").arg(placeOf(member)).arg(result.size()), element));
+        }
         return result;
     }
 
-    /// A misspelt member would otherwise be silently without effect.
+    // A misspelt member would otherwise be silently without effect.
     void allowOnly(const QStringList& members) const
     {
-        for (const QString& member : m_object.keys())
-            if (!members.contains(member))
+        for (const QString& member : m_object.keys()) {
+            if (!members.contains(member)) {
                 fail(QStringLiteral("has an unknown member \"%1\"; known are %2")
                          .arg(member, members.join(QStringLiteral(", "))));
+            }
+        }
     }
 
     bool has(const char* member) const { return m_object.contains(QLatin1String(member)); }
@@ -107,8 +114,9 @@ private:
     QJsonArray array(const char* member) const
     {
         const QJsonValue value = m_object.value(QLatin1String(member));
-        if (!value.isUndefined() && !value.isArray())
+        if (!value.isUndefined() && !value.isArray()) {
             failAt(member, QStringLiteral("must be a list"));
+        }
         return value.toArray();
     }
 
@@ -126,8 +134,9 @@ QString listOf(const QStringList& members)
 QString requireKnown(const Node& node, const char* member, const QStringList& known)
 {
     const QString text = node.text(member);
-    if (!known.contains(text))
+    if (!known.contains(text)) {
         node.failAt(member, QStringLiteral("\"%1\" must be %2").arg(text, listOf(known)));
+    }
     return text;
 }
 
@@ -138,12 +147,14 @@ RKMonitoringSubCategory subCategoryOf(const Node& node, const ProjectFile& proje
     subCategory.category = requireKnown(node, "category", project.categories);
     subCategory.name = node.text("name");
     subCategory.alias = node.textOr("alias", QString());
-    if (project.subCategory(subCategory.category, subCategory.name) != nullptr)
+    if (project.subCategory(subCategory.category, subCategory.name) != nullptr) {
         node.failAt("name", QStringLiteral("\"%1\" stands there twice").arg(subCategory.name));
+    }
     // Files and groups may name it by either, and must not mean two.
     if (!subCategory.alias.isEmpty() &&
-        project.subCategory(subCategory.category, subCategory.alias) != nullptr)
+        project.subCategory(subCategory.category, subCategory.alias) != nullptr) {
         node.failAt("alias", QStringLiteral("\"%1\" stands there twice").arg(subCategory.alias));
+    }
     return subCategory;
 }
 
@@ -154,22 +165,25 @@ RKMonitoring monitoringOf(const Node& node, const ProjectFile& project)
     monitoring.name = node.text("name");
     monitoring.category = requireKnown(node, "category", project.categories);
     monitoring.alarmTo = node.texts("alarmTo");
-    if (project.monitoring(monitoring.name) != nullptr)
+    if (project.monitoring(monitoring.name) != nullptr) {
         node.failAt("name", QStringLiteral("\"%1\" stands there twice").arg(monitoring.name));
+    }
     return monitoring;
 }
 
-/// Checks that `node` names a monitoring and a sub-category of its category.
+// Checks that `node` names a monitoring and a sub-category of its category.
 void requireTarget(const Node& node, const ProjectFile& project)
 {
     const QString name = node.text("monitoring");
     const RKMonitoring* monitoring = project.monitoring(name);
-    if (monitoring == nullptr)
+    if (monitoring == nullptr) {
         node.failAt("monitoring", QStringLiteral("\"%1\" is not among the monitorings").arg(name));
+    }
     const QString subCategory = node.text("subCategory");
-    if (project.subCategory(monitoring->category, subCategory) == nullptr)
+    if (project.subCategory(monitoring->category, subCategory) == nullptr) {
         node.failAt("subCategory", QStringLiteral("\"%1\" is not among the sub-categories of \"%2\"")
                                        .arg(subCategory, monitoring->category));
+    }
 }
 
 PlannedGroup groupOf(const Node& node, const ProjectFile& project)
@@ -189,8 +203,9 @@ PlannedGroup groupOf(const Node& node, const ProjectFile& project)
     const QString percent = QStringLiteral("percent");
     const bool isPercent = node.has("dailyIn") && requireKnown(node, "dailyIn", {unit, percent}) == percent;
     group.setting.dayVarType = isPercent ? inPercent : inUnits;
-    if (group.setting.groupPoint.isEmpty())
+    if (group.setting.groupPoint.isEmpty()) {
         node.failAt("points", QStringLiteral("must name at least one point"));
+    }
     return group;
 }
 
@@ -243,23 +258,28 @@ ProjectFile readProjectFile(const QString& path, const QByteArray& content)
                     QStringLiteral("monitorings"), QStringLiteral("groups"), QStringLiteral("files")});
     ProjectFile project;
     project.categories = root.texts("categories");
-    for (const Node& node : root.nodes("subCategories"))
+    for (const Node& node : root.nodes("subCategories")) {
         project.subCategories.append(subCategoryOf(node, project));
-    for (const Node& node : root.nodes("monitorings"))
+    }
+    for (const Node& node : root.nodes("monitorings")) {
         project.monitorings.append(monitoringOf(node, project));
-    for (const Node& node : root.nodes("groups"))
+    }
+    for (const Node& node : root.nodes("groups")) {
         project.groups.append(groupOf(node, project));
+    }
     const QDir folder = QFileInfo(path).dir();
-    for (const Node& node : root.nodes("files"))
+    for (const Node& node : root.nodes("files")) {
         project.files.append(fileOf(node, project, folder));
+    }
     return project;
 }
 
 ProjectFile readProjectFile(const QString& path)
 {
     QFile source(path);
-    if (!source.open(QIODevice::ReadOnly))
+    if (!source.open(QIODevice::ReadOnly)) {
         throw Failure(ExitCode::Usage,
                       QStringLiteral("cannot open \"%1\": %2").arg(path, source.errorString()));
+    }
     return readProjectFile(path, source.readAll());
 }

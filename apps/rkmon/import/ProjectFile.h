@@ -1,13 +1,13 @@
 #pragma once
 
-#include <PointLocSetting.h>
-#include <RKMonitoring.h>
-#include <RKMonitoringSubCategory.h>
-
 #include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <RKMonitoring.h>
+#include <RKMonitoringSubCategory.h>
+
+#include <PointLocSetting.h>
 
 /// A threshold group as a project file describes it.
 struct PlannedGroup
@@ -42,8 +42,9 @@ struct ProjectFile
     const RKMonitoringSubCategory* subCategory(const QString& category, const QString& text) const;
 };
 
-/// Reads the JSON of a project file; `path` is for messages and for finding the files beside it. Throws a usage
-/// Failure that names the member when something is missing, of the wrong kind, unknown, or refers to nothing.
+/// Reads the JSON of a project file; `path` is for messages and for finding the files beside it. Throws a
+/// usage Failure that names the member when something is missing, of the wrong kind, unknown, or refers to
+/// nothing.
 ProjectFile readProjectFile(const QString& path, const QByteArray& content);
 
 /// The same from the file itself.

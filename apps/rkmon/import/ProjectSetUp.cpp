@@ -7,7 +7,7 @@
 
 namespace {
 
-/// `text` as one word of a shell.
+// `text` as one word of a shell.
 QString shellWord(QString text)
 {
     return QLatin1Char('\'') + text.replace(QLatin1Char('\''), QLatin1String("'\\''")) + QLatin1Char('\'');
@@ -26,15 +26,17 @@ ProjectSetUp::ProjectSetUp(Session& session, const ProjectFile& plan) : m_sessio
 void ProjectSetUp::find()
 {
     findSubCategories();
-    for (const RKMonitoring& planned : m_plan.monitorings)
+    for (const RKMonitoring& planned : m_plan.monitorings) {
         if (const auto found = lookup::monitoringNamed(m_session, planned.name)) {
-            if (found->category != planned.category)
+            if (found->category != planned.category) {
                 throw Failure(
                     ExitCode::Failed,
                     QStringLiteral("the monitoring \"%1\" is of category \"%2\", but planned in \"%3\"")
                         .arg(found->name, found->category, planned.category));
+            }
             m_monitorings.insert(found->name, *found);
         }
+    }
 }
 
 void ProjectSetUp::findSubCategories()
@@ -44,44 +46,51 @@ void ProjectSetUp::findSubCategories()
     m_session.ask(QStringLiteral("list categories"),
                   [&] { return m_session.data().getMonitoringCategory(categories); });
     for (const QString& category : m_plan.categories) {
-        if (categories.contains(category))
+        if (categories.contains(category)) {
             m_subCategories.insert(category, lookup::subCategories(m_session, category));
-        else
+        } else {
             commands.append(
                 QStringLiteral("monitor-service admin --data FILE category add %1").arg(shellWord(category)));
+        }
     }
-    for (const RKMonitoringSubCategory& planned : m_plan.subCategories)
+    for (const RKMonitoringSubCategory& planned : m_plan.subCategories) {
         if (!lookup::subCategoryAmong(m_subCategories.value(planned.category), planned.name)) {
             QString command =
                 QStringLiteral("monitor-service admin --data FILE subcategory create --project %1 "
                                "--category %2 --name %3")
                     .arg(m_session.project(), shellWord(planned.category), shellWord(planned.name));
-            if (!planned.alias.isEmpty())
+            if (!planned.alias.isEmpty()) {
                 command += QStringLiteral(" --alias ") + shellWord(planned.alias);
+            }
             commands.append(command);
         }
-    if (!commands.isEmpty())
+    }
+    if (!commands.isEmpty()) {
         throw Failure(
             ExitCode::Failed,
             QStringLiteral("categories or sub-categories are missing, which the service's administrator "
                            "makes by: %1")
                 .arg(commands.join(QStringLiteral("; "))));
+    }
 }
 
 QStringList ProjectSetUp::missingMonitorings() const
 {
     QStringList missing;
-    for (const RKMonitoring& planned : m_plan.monitorings)
-        if (!m_monitorings.contains(planned.name))
+    for (const RKMonitoring& planned : m_plan.monitorings) {
+        if (!m_monitorings.contains(planned.name)) {
             missing.append(planned.name);
+        }
+    }
     return missing;
 }
 
 void ProjectSetUp::createMissing()
 {
     createMonitorings();
-    for (const RKMonitoring& monitoring : qAsConst(m_monitorings))
+    for (const RKMonitoring& monitoring : qAsConst(m_monitorings)) {
         createGroups(monitoring);
+    }
 }
 
 // Creating again is harmless: what a repeated import finds it does not create.
@@ -89,8 +98,9 @@ void ProjectSetUp::createMissing()
 void ProjectSetUp::createMonitorings()
 {
     for (const RKMonitoring& planned : m_plan.monitorings) {
-        if (m_monitorings.contains(planned.name))
+        if (m_monitorings.contains(planned.name)) {
             continue;
+        }
         RKMonitoring monitoring = planned;
         m_session.ask(
             QStringLiteral("create monitoring \"%1\"").arg(planned.name),
@@ -106,8 +116,9 @@ void ProjectSetUp::createGroups(const RKMonitoring& monitoring)
     m_session.ask(QStringLiteral("list the groups of \"%1\"").arg(monitoring.name),
                   [&] { return m_session.data().getGroupsByCellId(monitoring.id, known, false); });
     for (const PlannedGroup& planned : m_plan.groups) {
-        if (planned.monitoring != monitoring.name)
+        if (planned.monitoring != monitoring.name) {
             continue;
+        }
         PointLocSetting group = planned.setting;
         group.cellId = monitoring.id;
         group.subCategoryId = subCategoryId(planned.monitoring, planned.subCategory);

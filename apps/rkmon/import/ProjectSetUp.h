@@ -17,8 +17,8 @@ public:
     /// sub-category that is missing and the administrator's command that makes it.
     void find();
 
-    /// Creates the monitorings and threshold groups that are missing; tells of each, and of groups whose limits
-    /// are others than planned, which stay as they are.
+    /// Creates the monitorings and threshold groups that are missing; tells of each, and of groups whose
+    /// limits are others than planned, which stay as they are.
     void createMissing();
 
     /// Names of the planned monitorings that are not there yet.

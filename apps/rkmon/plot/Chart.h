@@ -18,7 +18,8 @@ struct Chart
     struct Curve
     {
         QString label;
-        /// Over time: milliseconds since 1970 on the clock of the site, and value. Over depth: value and depth.
+        /// Over time: milliseconds since 1970 on the clock of the site, and value. Over depth: value and
+        /// depth.
         QVector<QPointF> points;
     };
 

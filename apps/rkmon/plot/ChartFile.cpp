@@ -6,6 +6,15 @@
 #include "Failure.h"
 #include "plot/Chart.h"
 
+#include <QBuffer>
+#include <QFileInfo>
+#include <QFont>
+#include <QImage>
+#include <QPainter>
+#include <QPen>
+#include <QSaveFile>
+#include <QSvgGenerator>
+
 #include <qwt_date_scale_draw.h>
 #include <qwt_date_scale_engine.h>
 #include <qwt_legend.h>
@@ -17,15 +26,6 @@
 #include <qwt_plot_renderer.h>
 #include <qwt_symbol.h>
 #include <qwt_text.h>
-
-#include <QBuffer>
-#include <QFileInfo>
-#include <QFont>
-#include <QImage>
-#include <QPainter>
-#include <QPen>
-#include <QSaveFile>
-#include <QSvgGenerator>
 
 #include <algorithm>
 #include <array>
@@ -57,7 +57,7 @@ QwtText textOf(const QString& text, int pointSize, QFont::Weight weight = QFont:
     return result;
 }
 
-/// Colours that people with any kind of colour vision tell apart (Okabe and Ito, 2008).
+// Colours that people with any kind of colour vision tell apart (Okabe and Ito, 2008).
 QColor distinctColour(int index)
 {
     static const std::array<QColor, 7> colours{
@@ -66,7 +66,7 @@ QColor distinctColour(int index)
     return colours[static_cast<std::size_t>(index) % colours.size()];
 }
 
-/// From light to dark, the latest darkest.
+// From light to dark, the latest darkest.
 QColor sequentialColour(int index, int count)
 {
     const QColor first(253, 190, 110);
@@ -89,7 +89,7 @@ QColor colourOf(const Chart& chart, int curve)
                                                : sequentialColour(curve, chart.curves.size());
 }
 
-/// A chart as Qwt draws it.
+// A chart as Qwt draws it.
 class Drawing
 {
 public:
@@ -97,10 +97,12 @@ public:
     {
         addTitles();
         addGrid();
-        for (int curve = 0; curve < m_chart.curves.size(); ++curve)
+        for (int curve = 0; curve < m_chart.curves.size(); ++curve) {
             addCurve(curve);
-        for (const Chart::Limit& limit : m_chart.limits)
+        }
+        for (const Chart::Limit& limit : m_chart.limits) {
             addLimit(limit);
+        }
         scaleAxes();
         m_plot.insertLegend(std::make_unique<QwtLegend>().release(), QwtPlot::RightLegend);
         m_plot.legend()->setFont(fontOf(labelSize));
@@ -216,14 +218,16 @@ private:
     {
         std::vector<double> values;
         std::vector<double> others;
-        for (const Chart::Curve& curve : m_chart.curves)
+        for (const Chart::Curve& curve : m_chart.curves) {
             for (const QPointF& point : curve.points) {
                 values.push_back(isOverTime() ? point.y() : point.x());
                 others.push_back(isOverTime() ? point.x() : point.y());
             }
+        }
         // Limits are shown also while the values are far from them.
-        for (const Chart::Limit& limit : m_chart.limits)
+        for (const Chart::Limit& limit : m_chart.limits) {
             values.push_back(limit.value);
+        }
         scale(valueAxis(), values);
         if (isOverTime()) {
             // Ownership of both goes to the plot.
@@ -241,10 +245,12 @@ private:
     {
         auto draw = std::make_unique<QwtDateScaleDraw>(Qt::UTC);
         const QString day = QStringLiteral("yyyy-MM-dd");
-        for (const auto interval : {QwtDate::Day, QwtDate::Week})
+        for (const auto interval : {QwtDate::Day, QwtDate::Week}) {
             draw->setDateFormat(interval, day);
-        for (const auto interval : {QwtDate::Hour, QwtDate::Minute})
+        }
+        for (const auto interval : {QwtDate::Hour, QwtDate::Minute}) {
             draw->setDateFormat(interval, QStringLiteral("hh:mm\nyyyy-MM-dd"));
+        }
         draw->setDateFormat(QwtDate::Month, QStringLiteral("yyyy-MM"));
         draw->setDateFormat(QwtDate::Year, QStringLiteral("yyyy"));
         return draw;
@@ -252,8 +258,9 @@ private:
 
     void scale(int axis, const std::vector<double>& values)
     {
-        if (values.empty())
+        if (values.empty()) {
             return;
+        }
         constexpr int mostSteps = 8;
         const auto [least, most] = std::minmax_element(values.cbegin(), values.cend());
         double from = *least;
@@ -279,19 +286,22 @@ QByteArray formatOf(const QString& path)
 void requireChartPath(const QString& path)
 {
     const QByteArray format = formatOf(path);
-    if (format != "svg" && format != "png")
+    if (format != "svg" && format != "png") {
         throw Failure(ExitCode::Usage,
                       QStringLiteral("--plot: \"%1\" ends neither in .svg nor in .png").arg(path));
+    }
 }
 
 void writeChart(const Chart& chart, const QString& path)
 {
     Drawing drawing(chart);
     const QByteArray content = formatOf(path) == "svg" ? drawing.svg() : drawing.png();
-    if (content.isEmpty())
+    if (content.isEmpty()) {
         throw Failure(ExitCode::Failed, QStringLiteral("cannot draw the chart"));
+    }
     QSaveFile target(path);
-    if (!target.open(QIODevice::WriteOnly) || target.write(content) != content.size() || !target.commit())
+    if (!target.open(QIODevice::WriteOnly) || target.write(content) != content.size() || !target.commit()) {
         throw Failure(ExitCode::Failed,
                       QStringLiteral("cannot write \"%1\": %2").arg(path, target.errorString()));
+    }
 }

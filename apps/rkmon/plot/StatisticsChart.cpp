@@ -1,9 +1,8 @@
 #include "plot/StatisticsChart.h"
 
-#include <RKPub.h>
-
 #include <QHash>
 #include <QSet>
+#include <RKPub.h>
 
 #include <algorithm>
 #include <cmath>
@@ -12,7 +11,7 @@ namespace chart {
 
 namespace {
 
-/// The time as its own clock shows it, so that the axis tells the days that the site has.
+// The time as its own clock shows it, so that the axis tells the days that the site has.
 double clockOf(const QDateTime& time)
 {
     return static_cast<double>(QDateTime(time.date(), time.time(), Qt::UTC).toMSecsSinceEpoch());
@@ -28,13 +27,15 @@ QString offsetText(int seconds)
         .arg(minutes % 60, 2, 10, QLatin1Char('0'));
 }
 
-/// "Date", with the offset from UTC when all readings have the same.
+// "Date", with the offset from UTC when all readings have the same.
 QString dateLabel(const Days& days)
 {
     QSet<int> offsets;
-    for (const QList<RKPointLocationChartData>& day : days)
-        for (const RKPointLocationChartData& entry : day)
+    for (const QList<RKPointLocationChartData>& day : days) {
+        for (const RKPointLocationChartData& entry : day) {
             offsets.insert(entry.time.offsetFromUtc());
+        }
+    }
     return offsets.size() == 1 ? QStringLiteral("Date (%1)").arg(offsetText(*offsets.cbegin()))
                                : QStringLiteral("Date");
 }
@@ -52,7 +53,7 @@ Chart overTime(const Days& days)
     chart.kind = Chart::Kind::OverTime;
     chart.otherLabel = dateLabel(days);
     QHash<QString, int> indexes;
-    for (const QList<RKPointLocationChartData>& day : days)
+    for (const QList<RKPointLocationChartData>& day : days) {
         for (const RKPointLocationChartData& entry : day) {
             const QString name = label(entry.name, entry.depth);
             if (!indexes.contains(name)) {
@@ -61,6 +62,7 @@ Chart overTime(const Days& days)
             }
             chart.curves[indexes[name]].points.append({clockOf(entry.time), entry.value});
         }
+    }
     return chart;
 }
 
@@ -68,22 +70,26 @@ void addLimits(Chart& chart, const Days& days, const QList<PointLocSetting>& gro
                const QMap<QString, Reference>& references)
 {
     QMap<QString, QString> names; // by label
-    for (const QList<RKPointLocationChartData>& day : days)
-        for (const RKPointLocationChartData& entry : day)
+    for (const QList<RKPointLocationChartData>& day : days) {
+        for (const RKPointLocationChartData& entry : day) {
             names.insert(label(entry.name, entry.depth), entry.name);
+        }
+    }
     for (int curve = 0; curve < chart.curves.size(); ++curve) {
         const QString& name = chart.curves[curve].label;
         const auto reference = references.constFind(name);
         for (const PointLocSetting& group : groups) {
             const bool isLimited = group.totalVar > 0.0 && group.groupPoint.contains(names.value(name));
-            if (!isLimited || reference == references.constEnd())
+            if (!isLimited || reference == references.constEnd()) {
                 continue;
-            for (const double limit : {group.totalVar, -group.totalVar})
+            }
+            for (const double limit : {group.totalVar, -group.totalVar}) {
                 chart.limits.append(
                     {QStringLiteral("%1 %2%3")
                          .arg(name, limit > 0.0 ? QStringLiteral("+") : QString(QChar(0x2212)))
                          .arg(std::abs(limit)),
                      reference->value + limit, curve});
+            }
         }
     }
 }
@@ -97,13 +103,15 @@ Chart overDepth(const Days& days)
         for (const RKPointLocationChartData& entry : *day) {
             bool isNumber = false;
             const double depth = entry.depth.toDouble(&isNumber);
-            if (isNumber)
+            if (isNumber) {
                 curve.points.append({entry.value, depth});
+            }
         }
         std::stable_sort(curve.points.begin(), curve.points.end(),
                          [](const QPointF& left, const QPointF& right) { return left.y() < right.y(); });
-        if (!curve.points.isEmpty())
+        if (!curve.points.isEmpty()) {
             chart.curves.append(curve);
+        }
     }
     return chart;
 }
@@ -114,8 +122,9 @@ QStringList namesWithProfile(const Days& days)
     for (const QList<RKPointLocationChartData>& day : days) {
         QSet<QString> seen;
         for (const RKPointLocationChartData& entry : day) {
-            if (seen.contains(entry.name))
+            if (seen.contains(entry.name)) {
                 names.insert(entry.name);
+            }
             seen.insert(entry.name);
         }
     }
@@ -126,8 +135,9 @@ QStringList namesWithProfile(const Days& days)
 
 Days thinned(const Days& days, int most)
 {
-    if (days.size() <= most)
+    if (days.size() <= most) {
         return days;
+    }
     const QList<QDate> dates = days.keys();
     Days kept;
     for (int i = 0; i < most; ++i) {

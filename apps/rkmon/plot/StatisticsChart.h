@@ -2,13 +2,13 @@
 
 #include "plot/Chart.h"
 
-#include <PointLocSetting.h>
-#include <RKPointLocation.h>
-
 #include <QDate>
 #include <QList>
 #include <QMap>
 #include <QStringList>
+#include <RKPointLocation.h>
+
+#include <PointLocSetting.h>
 
 /// Charts of a monitoring's statistics.
 namespace chart {
@@ -26,8 +26,8 @@ struct Reference
 /// One curve per point and depth, at the times of the readings.
 Chart overTime(const Days& days);
 
-/// Adds the lines of initial value plus and minus limit, of every group that lists a curve's point. `references`
-/// are by the curves' labels.
+/// Adds the lines of initial value plus and minus limit, of every group that lists a curve's point.
+/// `references` are by the curves' labels.
 void addLimits(Chart& chart, const Days& days, const QList<PointLocSetting>& groups,
                const QMap<QString, Reference>& references);
 

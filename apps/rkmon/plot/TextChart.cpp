@@ -22,11 +22,12 @@ struct Range
         most = std::max(most, value);
     }
 
-    /// The step that `value` falls into, from 0 to `steps` - 1; the middle when all values are equal.
+    // The step that `value` falls into, from 0 to `steps` - 1; the middle when all values are equal.
     int step(double value, int steps) const
     {
-        if (most <= least)
+        if (most <= least) {
             return steps / 2;
+        }
         const double share = (value - least) / (most - least);
         return std::clamp(static_cast<int>(share * steps), 0, steps - 1);
     }
@@ -37,20 +38,22 @@ constexpr int leastCells = 10;
 int labelWidth(const Chart& chart)
 {
     int widest = 0;
-    for (const Chart::Curve& curve : chart.curves)
+    for (const Chart::Curve& curve : chart.curves) {
         widest = std::max(widest, display::width(display::escaped(curve.label)));
+    }
     return widest;
 }
 
-/// Bars for the last value in each step of time; a blank where there is none.
+// Bars for the last value in each step of time; a blank where there is none.
 QString bars(const Chart::Curve& curve, const Range& times, const Range& values, int cells)
 {
     constexpr ushort lowestBar = 0x2581;
     constexpr int heights = 8;
     QString line(cells, QLatin1Char(' '));
-    for (const QPointF& point : curve.points)
+    for (const QPointF& point : curve.points) {
         line[times.step(point.x(), cells)] =
             QChar(static_cast<ushort>(lowestBar + values.step(point.y(), heights)));
+    }
     return line;
 }
 
@@ -58,16 +61,19 @@ QStringList overTime(const Chart& chart, int width)
 {
     constexpr int numberWidth = 12;
     Range times;
-    for (const Chart::Curve& curve : chart.curves)
-        for (const QPointF& point : curve.points)
+    for (const Chart::Curve& curve : chart.curves) {
+        for (const QPointF& point : curve.points) {
             times.include(point.x());
+        }
+    }
     const int labels = labelWidth(chart);
     const int cells = std::max(leastCells, width - labels - 2 * numberWidth - 2);
     QStringList lines;
     for (const Chart::Curve& curve : chart.curves) {
         Range values;
-        for (const QPointF& point : curve.points)
+        for (const QPointF& point : curve.points) {
             values.include(point.y());
+        }
         lines.append(QStringLiteral("%1  %2 %3 %4")
                          .arg(display::padded(display::escaped(curve.label), labels),
                               QString::number(values.least).rightJustified(numberWidth - 2),
@@ -76,13 +82,14 @@ QStringList overTime(const Chart& chart, int width)
     return lines;
 }
 
-/// Marks the values of `curve` on the line of their depth.
+// Marks the values of `curve` on the line of their depth.
 void mark(const Chart::Curve& curve, QChar sign, const Range& values, int cells, QMap<double, QString>& lines)
 {
     for (const QPointF& point : curve.points) {
         QString& line = lines[point.y()];
-        if (line.isEmpty())
+        if (line.isEmpty()) {
             line = QString(cells, QLatin1Char(' '));
+        }
         line[values.step(point.x(), cells)] = sign;
     }
 }
@@ -95,9 +102,11 @@ QStringList overDepth(const Chart& chart, int width)
     const Chart::Curve& earliest = chart.curves.constFirst();
     const Chart::Curve& latest = chart.curves.constLast();
     Range values;
-    for (const Chart::Curve* curve : {&earliest, &latest})
-        for (const QPointF& point : curve->points)
+    for (const Chart::Curve* curve : {&earliest, &latest}) {
+        for (const QPointF& point : curve->points) {
             values.include(point.x());
+        }
+    }
     const int cells = std::max(leastCells, width - depthWidth - 3);
     QMap<double, QString> marked; // by depth, rising: downwards
     mark(earliest, first, values, cells, marked);
@@ -107,11 +116,12 @@ QStringList overDepth(const Chart& chart, int width)
         QString::number(values.least) +
         QString::number(values.most).rightJustified(cells - QString::number(values.least).size());
     QStringList lines{QString(depthWidth + 2, QLatin1Char(' ')) + ends};
-    for (auto line = marked.cbegin(); line != marked.cend(); ++line)
+    for (auto line = marked.cbegin(); line != marked.cend(); ++line) {
         lines.append(QStringLiteral("%1 %2%3")
                          .arg(QString::number(line.key()).rightJustified(depthWidth))
                          .arg(QChar(0x2502))
                          .arg(*line));
+    }
     lines.append(QStringLiteral("%1 %2   %3 %4").arg(first).arg(earliest.label).arg(last).arg(latest.label));
     return lines;
 }
@@ -120,7 +130,8 @@ QStringList overDepth(const Chart& chart, int width)
 
 QStringList textChart(const Chart& chart, int width)
 {
-    if (chart.curves.isEmpty())
+    if (chart.curves.isEmpty()) {
         return {};
+    }
     return chart.kind == Chart::Kind::OverTime ? overTime(chart, width) : overDepth(chart, width);
 }

@@ -35,10 +35,10 @@ struct NetworkExchange
 /// URLs are given raw, as text without percent-encoding: the base address of RKBaseApi stands as configured,
 /// and everything after it is encoded so that each character arrives as it was typed (RFC 3986).
 ///
-/// A request is sent at most once, except a GET whose kept connection ended before the first line of an answer
-/// had arrived, which is sent once more. Redirects are not followed. An exchange succeeds when the whole answer
-/// arrived with a 2xx status and its body is JSON (an object or an array), or is empty and the request was not a
-/// GET; everything else is a failure with one of Qt's own codes.
+/// A request is sent at most once, except a GET whose kept connection ended before the first line of an
+/// answer had arrived, which is sent once more. Redirects are not followed. An exchange succeeds when the
+/// whole answer arrived with a 2xx status and its body is JSON (an object or an array), or is empty and the
+/// request was not a GET; everything else is a failure with one of Qt's own codes.
 ///
 /// Every request returns a reply that has not finished yet, also when it cannot be sent; the reply belongs to
 /// the caller, as a rule to a NetworkEventLoop. Without a QCoreApplication the reply has failed already.
@@ -59,8 +59,8 @@ public:
     QNetworkReply* deleteResource(const QString& url);
 
     /// Cancels every exchange that the calling thread has under way, for a "Cancel" button: each fails with
-    /// OperationCanceledError as soon as its wait runs events again, and the operation that waits for it fails.
-    /// The service may have carried out a write that was cancelled.
+    /// OperationCanceledError as soon as its wait runs events again, and the operation that waits for it
+    /// fails. The service may have carried out a write that was cancelled.
     void abortAll();
 
     /// Sets the token that is sent as "Authorization: Bearer TOKEN" (RFC 6750) to the scheme, host and port

@@ -16,20 +16,22 @@ using Url = std::unique_ptr<CURLU, FreeUrl>;
 QByteArray part(const Url& url, CURLUPart which)
 {
     char* text = nullptr;
-    if (curl_url_get(url.get(), which, &text, CURLU_DEFAULT_PORT) != CURLUE_OK)
+    if (curl_url_get(url.get(), which, &text, CURLU_DEFAULT_PORT) != CURLUE_OK) {
         return {};
+    }
     QByteArray result(text);
     curl_free(text);
     return result.toLower();
 }
 
-/// "scheme host port"; empty when the URL cannot be read. libcurl reads it, so that what is compared is where
-/// the request goes.
+// "scheme host port"; empty when the URL cannot be read. libcurl reads it, so that what is compared is where
+// the request goes.
 QByteArray origin(const QByteArray& text)
 {
     const Url url(curl_url());
-    if (!url || curl_url_set(url.get(), CURLUPART_URL, text.constData(), CURLU_PATH_AS_IS) != CURLUE_OK)
+    if (!url || curl_url_set(url.get(), CURLUPART_URL, text.constData(), CURLU_PATH_AS_IS) != CURLUE_OK) {
         return {};
+    }
     return part(url, CURLUPART_SCHEME) + ' ' + part(url, CURLUPART_HOST) + ' ' + part(url, CURLUPART_PORT);
 }
 
@@ -45,9 +47,11 @@ bool isWebAddress(const QByteArray& url)
 
 bool haveSameOrigin(const QByteArray& url, const QByteArray& other)
 {
-    // The usual case, without reading either: behind a "/" that comes after the host nothing changes the host.
-    if (isWebAddress(other) && other.endsWith('/') && url.startsWith(other))
+    // The usual case, without reading either: behind a "/" that comes after the host nothing changes the
+    // host.
+    if (isWebAddress(other) && other.endsWith('/') && url.startsWith(other)) {
         return true;
+    }
     const QByteArray first = origin(url);
     return !first.isEmpty() && first == origin(other);
 }

@@ -16,8 +16,9 @@ CurlDriver* CurlDriver::ofThisThread()
     // Never freed: libcurl may be used until the last moment of the process.
     static const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
     static QThreadStorage<CurlDriver*> drivers; // deletes the main thread's with the QCoreApplication
-    if (initialised != CURLE_OK || !QCoreApplication::instance())
+    if (initialised != CURLE_OK || !QCoreApplication::instance()) {
         return nullptr;
+    }
     if (!drivers.hasLocalData()) {
         const QEventLoop makesTheDispatcher;  // which notifiers need, and a thread begins without
         drivers.setLocalData(new CurlDriver); // NOLINT(cppcoreguidelines-owning-memory): the storage owns it
@@ -58,8 +59,9 @@ CurlDriver::~CurlDriver()
 
 std::unique_ptr<CURL, CurlDriver::FreeEasy> CurlDriver::takeEasy()
 {
-    if (!m_spareEasy)
+    if (!m_spareEasy) {
         m_spareEasy.reset(curl_easy_init());
+    }
     CURL* easy = m_spareEasy.get();
     if (easy) {
         curl_easy_reset(easy);
@@ -71,8 +73,9 @@ std::unique_ptr<CURL, CurlDriver::FreeEasy> CurlDriver::takeEasy()
     return std::move(m_spareEasy);
 }
 
-/// Ends idle connections on which something has arrived: bytes that nobody asked for, which libcurl would take for the
-/// answer to the next request, or the peer's closing. libcurl drops an ended connection and opens another.
+// Ends idle connections on which something has arrived: bytes that nobody asked for, which libcurl would take
+// for the answer to the next request, or the peer's closing. libcurl drops an ended connection and opens
+// another.
 void CurlDriver::endStrayConnections()
 {
     for (auto& [socket, watch] : m_watches) {
@@ -97,8 +100,9 @@ void CurlDriver::start(HttpTransfer* transfer)
     m_running.append(transfer);
     // Sends at once what can be sent, instead of after another turn of the event loop.
     perform(CURL_SOCKET_TIMEOUT, 0);
-    if (!m_finished.isEmpty())
+    if (!m_finished.isEmpty()) {
         deliverSoon();
+    }
 }
 
 void CurlDriver::startFailed(HttpTransfer* transfer)
@@ -110,8 +114,9 @@ void CurlDriver::startFailed(HttpTransfer* transfer)
 
 void CurlDriver::cancel(HttpTransfer* transfer)
 {
-    if (m_running.removeOne(transfer))
+    if (m_running.removeOne(transfer)) {
         curl_multi_remove_handle(m_multi.get(), transfer->m_easy.get());
+    }
     m_finished.removeOne(transfer);
     transfer->m_driver = nullptr;
 }
@@ -125,8 +130,9 @@ void CurlDriver::abortAll()
                            QStringLiteral("the exchange was cancelled"));
         m_finished.append(transfer);
     }
-    if (!m_finished.isEmpty())
+    if (!m_finished.isEmpty()) {
         deliverSoon();
+    }
 }
 
 void CurlDriver::actOnSocket(curl_socket_t socket, int what)
@@ -141,18 +147,20 @@ void CurlDriver::actOnSocket(curl_socket_t socket, int what)
 
 void CurlDriver::actOnTime()
 {
-    if (m_due.hasExpired())
+    if (m_due.hasExpired()) {
         act(CURL_SOCKET_TIMEOUT, 0);
-    else
+    } else {
         armTimer();
+    }
 }
 
-/// libcurl moves its timer several times per request. A timer that is set already and goes off earlier is left alone: the
-/// event loop's timers cost more than going off in vain now and then.
+// libcurl moves its timer several times per request. A timer that is set already and goes off earlier is left
+// alone: the event loop's timers cost more than going off in vain now and then.
 void CurlDriver::armTimer()
 {
-    if (m_due.isForever() || (m_timer.isActive() && m_timer.remainingTime() <= m_due.remainingTime()))
+    if (m_due.isForever() || (m_timer.isActive() && m_timer.remainingTime() <= m_due.remainingTime())) {
         return;
+    }
     m_timer.start(static_cast<int>(m_due.remainingTime()));
 }
 
@@ -165,8 +173,9 @@ void CurlDriver::act(curl_socket_t socket, int what)
 void CurlDriver::perform(curl_socket_t socket, int what)
 {
     // libcurl's timer goes off once; when there is nothing more to wait for, libcurl does not say so.
-    if (socket == CURL_SOCKET_TIMEOUT)
+    if (socket == CURL_SOCKET_TIMEOUT) {
         m_due = QDeadlineTimer(QDeadlineTimer::Forever);
+    }
     int running = 0;
     curl_multi_socket_action(m_multi.get(), socket, what, &running);
     collectFinished();
@@ -177,8 +186,9 @@ void CurlDriver::collectFinished()
 {
     int left = 0;
     while (const CURLMsg* message = curl_multi_info_read(m_multi.get(), &left)) {
-        if (message->msg != CURLMSG_DONE)
+        if (message->msg != CURLMSG_DONE) {
             continue;
+        }
         const CURLcode code = message->data.result; // the message is gone once the handle is removed
         char* owner = nullptr;
         CURL* easy = message->easy_handle;
@@ -198,8 +208,9 @@ void CurlDriver::deliver()
     while (self && !m_finished.isEmpty()) {
         HttpTransfer* transfer = m_finished.takeFirst();
         // Its owner may wait for one of the others, which this loop cannot tell before the owner returns.
-        if (!m_finished.isEmpty())
+        if (!m_finished.isEmpty()) {
             deliverSoon();
+        }
         transfer->m_driver = nullptr;
         const std::function<void()> tell =
             std::move(transfer->m_whenFinished); // the transfer may go meanwhile
@@ -217,16 +228,21 @@ void CurlDriver::watch(curl_socket_t socket, int what)
     const bool reads = what == CURL_POLL_IN || what == CURL_POLL_INOUT;
     const bool writes = what == CURL_POLL_OUT || what == CURL_POLL_INOUT;
     Watch& watch = m_watches[socket];
-    if (reads && !watch.read)
+    if (reads && !watch.read) {
         watch.read = notifier(socket, true);
-    if (writes && !watch.write)
+    }
+    if (writes && !watch.write) {
         watch.write = notifier(socket, false);
+    }
     watch.isWanted = reads || writes;
-    // Between two requests a connection stays watched: turning a notifier off and on again wakes the event loop.
-    if (watch.read && (reads || !watch.isConnection || watch.isWanted))
+    // Between two requests a connection stays watched: turning a notifier off and on again wakes the event
+    // loop.
+    if (watch.read && (reads || !watch.isConnection || watch.isWanted)) {
         watch.read->setEnabled(reads);
-    if (watch.write)
+    }
+    if (watch.write) {
         watch.write->setEnabled(writes);
+    }
 }
 
 std::unique_ptr<QSocketNotifier> CurlDriver::notifier(curl_socket_t socket, bool forReading)
@@ -266,10 +282,12 @@ int CurlDriver::onSocketClosing(void* driver, curl_socket_t socket)
     if (found != watches.end()) {
         // Not deleted: this may be its own notification.
         Watch& watch = found->second;
-        if (watch.read)
+        if (watch.read) {
             watch.read->setEnabled(false);
-        if (watch.write)
+        }
+        if (watch.write) {
             watch.write->setEnabled(false);
+        }
         watch.isConnection = false;
         watch.isWanted = false;
     }

@@ -50,8 +50,8 @@ private:
     {
         void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
     };
-    /// Kept when libcurl is done with a socket, for the next request on the connection or the next socket of that
-    /// number.
+    /// Kept when libcurl is done with a socket, for the next request on the connection or the next socket of
+    /// that number.
     struct Watch
     {
         std::unique_ptr<QSocketNotifier> read;

@@ -76,14 +76,18 @@ QNetworkReply::NetworkError errorOfStatus(int status)
     default:
         break;
     }
-    if (status >= 200 && status < 300)
+    if (status >= 200 && status < 300) {
         return QNetworkReply::NoError;
+    }
     // A redirect is one more than the none that are followed.
-    if (status >= 300 && status < 400)
+    if (status >= 300 && status < 400) {
         return QNetworkReply::TooManyRedirectsError;
-    if (status >= 400 && status < 500)
+    }
+    if (status >= 400 && status < 500) {
         return QNetworkReply::UnknownContentError;
-    if (status >= 500 && status < 600)
+    }
+    if (status >= 500 && status < 600) {
         return QNetworkReply::UnknownServerError;
+    }
     return QNetworkReply::ProtocolFailure;
 }

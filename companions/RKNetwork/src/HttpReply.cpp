@@ -23,16 +23,19 @@ namespace {
 
 QNetworkAccessManager::Operation operationOf(const QByteArray& method)
 {
-    if (method == "POST")
+    if (method == "POST") {
         return QNetworkAccessManager::PostOperation;
-    if (method == "PUT")
+    }
+    if (method == "PUT") {
         return QNetworkAccessManager::PutOperation;
-    if (method == "DELETE")
+    }
+    if (method == "DELETE") {
         return QNetworkAccessManager::DeleteOperation;
+    }
     return QNetworkAccessManager::GetOperation;
 }
 
-/// The text cut to what a message can hold.
+// The text cut to what a message can hold.
 QString shortened(const QString& text)
 {
     constexpr int most = 500;
@@ -78,20 +81,23 @@ void HttpReply::start()
 
 HttpReply::~HttpReply()
 {
-    if (isFinished())
+    if (isFinished()) {
         return;
+    }
     m_transfer.cancel(); // first: the observer may run events
     fail(OperationCanceledError, QStringLiteral("the reply was deleted before it finished"));
     setFinished(true);
     // The application may be gone already, and whoever listened with it.
-    if (QCoreApplication::instance())
+    if (QCoreApplication::instance()) {
         report();
+    }
 }
 
 void HttpReply::abort()
 {
-    if (isFinished())
+    if (isFinished()) {
         return;
+    }
     m_transfer.cancel();
     fail(OperationCanceledError, QStringLiteral("the exchange was cancelled"));
     closeExchange();
@@ -105,8 +111,9 @@ qint64 HttpReply::bytesAvailable() const
 qint64 HttpReply::readData(char* data, qint64 size)
 {
     const qint64 left = m_body.size() - m_readPosition;
-    if (left == 0 && isFinished())
+    if (left == 0 && isFinished()) {
         return -1;
+    }
     const qint64 count = std::min(size, left);
     std::memcpy(data, m_body.constData() + m_readPosition, static_cast<size_t>(count));
     m_readPosition += static_cast<int>(count);
@@ -119,13 +126,14 @@ void HttpReply::whenTransferFinished()
     closeExchange();
 }
 
-/// Judges the answer: whole, then its status, then its body.
+// Judges the answer: whole, then its status, then its body.
 void HttpReply::readAnswer(const HttpAnswer& answer)
 {
     m_status = answer.status;
     m_bytesReceived = answer.bytesReceived;
-    for (const RawHeaderPair& header : answer.headers)
+    for (const RawHeaderPair& header : answer.headers) {
         setRawHeader(header.first, header.second);
+    }
     if (m_status != 0) {
         setAttribute(QNetworkRequest::HttpStatusCodeAttribute, m_status);
         setAttribute(QNetworkRequest::HttpReasonPhraseAttribute, QString::fromLatin1(answer.reason));
@@ -142,8 +150,9 @@ void HttpReply::readAnswer(const HttpAnswer& answer)
 
     m_body = answer.body;
     QJsonParseError parsing = {};
-    if (!m_body.isEmpty())
+    if (!m_body.isEmpty()) {
         m_document = parseJson(m_body, &parsing);
+    }
     const NetworkError error = errorOfStatus(m_status);
     if (error != NoError) {
         redactMessage();
@@ -161,33 +170,36 @@ void HttpReply::readAnswer(const HttpAnswer& answer)
 QString HttpReply::statusText(const HttpAnswer& answer) const
 {
     const QString message = m_document.object().value(QLatin1String("message")).toString();
-    if (!message.isEmpty())
+    if (!message.isEmpty()) {
         return message;
+    }
     const QString status = QStringLiteral("HTTP status %1 %2")
                                .arg(answer.status)
                                .arg(shortened(redacted(QString::fromLatin1(answer.reason))))
                                .trimmed();
     const QByteArray location = answer.header("Location");
-    if (answer.status < 300 || answer.status >= 400 || location.isEmpty())
+    if (answer.status < 300 || answer.status >= 400 || location.isEmpty()) {
         return status;
+    }
     return QStringLiteral("%1: the service redirects to \"%2\", and redirects are not followed")
         .arg(status, shortened(redacted(withoutSecrets(location))));
 }
 
-/// The text without the token, which a service or a proxy may have sent back. Comes before a text is cut: half a
-/// token would not be recognised.
+// The text without the token, which a service or a proxy may have sent back. Comes before a text is cut: half
+// a token would not be recognised.
 QString HttpReply::redacted(QString text) const
 {
     return m_secret.isEmpty() ? text : text.replace(m_secret, QStringLiteral("***"));
 }
 
-/// The same for the "message" of an error reply, which is shown to people.
+// The same for the "message" of an error reply, which is shown to people.
 void HttpReply::redactMessage()
 {
     QJsonObject object = m_document.object();
     const auto message = object.find(QLatin1String("message"));
-    if (m_secret.isEmpty() || message == object.end() || !message->toString().contains(m_secret))
+    if (m_secret.isEmpty() || message == object.end() || !message->toString().contains(m_secret)) {
         return;
+    }
     *message = redacted(message->toString());
     m_document.setObject(object);
 }
@@ -198,26 +210,31 @@ void HttpReply::fail(NetworkError error, const QString& text)
     setError(error, m_errorText);
 }
 
-/// The last act of an exchange. Each step may run code that deletes the reply.
+// The last act of an exchange. Each step may run code that deletes the reply.
 void HttpReply::closeExchange()
 {
     setFinished(true);
     const QPointer<HttpReply> self(this);
     report();
-    if (self && m_status != 0)
+    if (self && m_status != 0) {
         Q_EMIT metaDataChanged();
-    if (self && !m_body.isEmpty())
+    }
+    if (self && !m_body.isEmpty()) {
         Q_EMIT readyRead();
-    if (self && error() != NoError)
+    }
+    if (self && error() != NoError) {
         Q_EMIT errorOccurred(error());
-    if (self)
+    }
+    if (self) {
         Q_EMIT finished();
+    }
 }
 
 void HttpReply::report() const
 {
-    if (!m_observer && !networkLog().isDebugEnabled())
+    if (!m_observer && !networkLog().isDebugEnabled()) {
         return;
+    }
     NetworkExchange exchange;
     exchange.method = m_transfer.request().method;
     exchange.url = withoutSecrets(m_transfer.request().url);
@@ -229,6 +246,7 @@ void HttpReply::report() const
     qCDebug(networkLog).noquote() << exchange.method << exchange.url << exchange.httpStatus << exchange.error
                                   << exchange.bytesReceived << "bytes" << exchange.microseconds << "us"
                                   << exchange.errorText;
-    if (const NetworkObserver observer = m_observer) // a copy: the reply may go meanwhile
+    if (const NetworkObserver observer = m_observer) { // a copy: the reply may go meanwhile
         observer(exchange);
+    }
 }

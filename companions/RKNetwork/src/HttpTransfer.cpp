@@ -21,8 +21,9 @@ QString megabytes(qint64 bytes)
 QByteArray HttpAnswer::header(const char* name) const
 {
     for (const auto& [key, value] : headers) {
-        if (key.compare(name, Qt::CaseInsensitive) == 0)
+        if (key.compare(name, Qt::CaseInsensitive) == 0) {
             return value;
+        }
     }
     return {};
 }
@@ -40,16 +41,18 @@ HttpTransfer::~HttpTransfer()
 
 void HttpTransfer::cancel()
 {
-    if (m_driver)
+    if (m_driver) {
         m_driver->cancel(this);
+    }
 }
 
 bool HttpTransfer::prepare(std::unique_ptr<CURL, CurlDriver::FreeEasy> handle)
 {
     m_easy = std::move(handle);
     CURL* easy = m_easy.get();
-    if (!easy || !prepareHeaders())
+    if (!easy || !prepareHeaders()) {
         return false;
+    }
     curl_easy_setopt(easy, CURLOPT_PRIVATE, this);
     curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, m_errorText);
     curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
@@ -81,12 +84,14 @@ void HttpTransfer::prepareBody()
         curl_easy_setopt(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(m_request.body.size()));
         curl_easy_setopt(easy, CURLOPT_POSTFIELDS, m_request.body.constData()); // not copied
     }
-    if (m_request.method != "GET")
+    if (m_request.method != "GET") {
         curl_easy_setopt(easy, CURLOPT_CUSTOMREQUEST, m_request.method.constData());
+    }
     // A DELETE has no body whose loss would show; on a connection of its own it cannot meet one that the peer
     // is just closing, and so never fails for that reason alone.
-    if (m_request.method == "DELETE")
+    if (m_request.method == "DELETE") {
         curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, 1L);
+    }
 }
 
 void HttpTransfer::prepareBounds()
@@ -94,22 +99,26 @@ void HttpTransfer::prepareBounds()
     CURL* easy = m_easy.get();
     curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(m_request.deadline.count()));
     curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(m_request.connectTimeout.count()));
-    if (!m_request.caFile.isEmpty())
+    if (!m_request.caFile.isEmpty()) {
         curl_easy_setopt(easy, CURLOPT_CAINFO, m_request.caFile.constData());
-    if (m_request.proxy == "direct")
+    }
+    if (m_request.proxy == "direct") {
         curl_easy_setopt(easy, CURLOPT_NOPROXY, "*");
-    else if (!m_request.proxy.isEmpty())
+    } else if (!m_request.proxy.isEmpty()) {
         curl_easy_setopt(easy, CURLOPT_PROXY, m_request.proxy.constData());
+    }
 }
 
 bool HttpTransfer::prepareHeaders()
 {
     bool isComplete = addHeader("Accept: application/json") && addHeader("Accept-Encoding: gzip, deflate");
     // "Expect:" takes away libcurl's "Expect: 100-continue", which delays large bodies.
-    if (!m_request.body.isEmpty())
+    if (!m_request.body.isEmpty()) {
         isComplete = isComplete && addHeader("Content-Type: application/json") && addHeader("Expect:");
-    for (const QByteArray& line : qAsConst(m_request.headerLines))
+    }
+    for (const QByteArray& line : qAsConst(m_request.headerLines)) {
         isComplete = isComplete && addHeader(line.constData());
+    }
     curl_easy_setopt(m_easy.get(), CURLOPT_HTTPHEADER, m_headerList.get());
     return isComplete;
 }
@@ -117,8 +126,9 @@ bool HttpTransfer::prepareHeaders()
 bool HttpTransfer::addHeader(const char* line)
 {
     curl_slist* longer = curl_slist_append(m_headerList.get(), line);
-    if (!longer)
+    if (!longer) {
         return false;
+    }
     static_cast<void>(m_headerList.release()); // part of the longer list
     m_headerList.reset(longer);
     return true;
@@ -149,26 +159,31 @@ void HttpTransfer::failWith(QNetworkReply::NetworkError error, const QString& te
     m_answer.errorText = text;
 }
 
-/// The checks that libcurl leaves out: a head cut between two lines, compressed data that end too early, and a
-/// connection that ends where a body of unstated length should begin pass there as whole.
+// The checks that libcurl leaves out: a head cut between two lines, compressed data that end too early, and a
+// connection that ends where a body of unstated length should begin pass there as whole.
 CURLcode HttpTransfer::lastCheck(CURLcode code)
 {
     // libcurl says so of a line that is longer than it takes, too.
-    if (code == CURLE_OUT_OF_MEMORY && !m_headIsWhole && m_stop == Stop::None)
+    if (code == CURLE_OUT_OF_MEMORY && !m_headIsWhole && m_stop == Stop::None) {
         m_stop = Stop::HeadTooLarge;
-    if (code != CURLE_OK)
+    }
+    if (code != CURLE_OK) {
         return code;
-    if (!m_headIsWhole)
+    }
+    if (!m_headIsWhole) {
         return CURLE_PARTIAL_FILE;
+    }
     const bool hasContent = m_answer.status != 204 && m_answer.status != 304;
-    if (hasContent && !stopUnlessGood(m_decoder.finish()))
+    if (hasContent && !stopUnlessGood(m_decoder.finish())) {
         return CURLE_BAD_CONTENT_ENCODING;
-    if (hasContent && endsWithItsConnection() && m_answer.body.isEmpty())
+    }
+    if (hasContent && endsWithItsConnection() && m_answer.body.isEmpty()) {
         return CURLE_PARTIAL_FILE;
+    }
     return CURLE_OK;
 }
 
-/// Nothing but the end of the connection says where the body ends (RFC 9112, 6.3).
+// Nothing but the end of the connection says where the body ends (RFC 9112, 6.3).
 bool HttpTransfer::endsWithItsConnection() const
 {
     return m_answer.header("Content-Length").isNull() && m_answer.header("Transfer-Encoding").isNull();
@@ -199,10 +214,12 @@ QString HttpTransfer::describe(CURLcode code) const
     case Stop::OutOfMemory:
         return QStringLiteral("not enough memory for the reply");
     }
-    if (code == CURLE_PARTIAL_FILE && !m_headIsWhole)
+    if (code == CURLE_PARTIAL_FILE && !m_headIsWhole) {
         return QStringLiteral("the connection closed within the reply's header");
-    if (code == CURLE_PARTIAL_FILE && m_errorText[0] == '\0')
+    }
+    if (code == CURLE_PARTIAL_FILE && m_errorText[0] == '\0') {
         return QStringLiteral("the connection closed where the reply's body should begin");
+    }
     return QString::fromUtf8(m_errorText[0] != '\0' ? m_errorText : curl_easy_strerror(code));
 }
 
@@ -211,8 +228,9 @@ int HttpTransfer::onSending(void* transfer, char* /*peer*/, char* /*self*/, int 
 {
     auto* self = static_cast<HttpTransfer*>(transfer);
     const int most = self->m_request.method == "GET" ? 2 : 1;
-    if (++self->m_timesSent <= most)
+    if (++self->m_timesSent <= most) {
         return CURL_PREREQFUNC_OK;
+    }
     self->m_stop = Stop::Repeated;
     return CURL_PREREQFUNC_ABORT;
 }
@@ -253,14 +271,17 @@ bool HttpTransfer::takeHeadLine(const char* data, qint64 size)
         takeStatusLine(line);
         return true;
     }
-    if (m_headIsWhole) // a trailer of a chunked body
+    if (m_headIsWhole) { // a trailer of a chunked body
         return true;
-    if (!line.isEmpty())
+    }
+    if (!line.isEmpty()) {
         return takeHeader(line);
+    }
     // An interim answer (RFC 9110, 15.2) is followed by another head.
     m_headIsWhole = m_answer.status >= 200;
-    if (m_headIsWhole)
+    if (m_headIsWhole) {
         m_decoder = ContentDecoder(m_answer.header("Content-Encoding"), m_request.maximumReplySize);
+    }
     return true;
 }
 
@@ -277,8 +298,9 @@ void HttpTransfer::takeStatusLine(const QByteArray& line)
 bool HttpTransfer::takeHeader(const QByteArray& line)
 {
     const int colon = line.indexOf(':');
-    if (colon < 0)
+    if (colon < 0) {
         return true;
+    }
     const QByteArray name = line.left(colon).trimmed();
     const QByteArray value = line.mid(colon + 1).trimmed();
     const QByteArray earlier = m_answer.header(name.constData());
@@ -286,18 +308,19 @@ bool HttpTransfer::takeHeader(const QByteArray& line)
     return name.compare("Content-Length", Qt::CaseInsensitive) != 0 || takeLength(value, earlier);
 }
 
-/// RFC 9112, 6.3: a length that is no number, or that is stated twice and differently, cannot be trusted. libcurl
-/// takes what digits it finds, and reads to the end of the connection when they are too many.
+// RFC 9112, 6.3: a length that is no number, or that is stated twice and differently, cannot be trusted.
+// libcurl takes what digits it finds, and reads to the end of the connection when they are too many.
 bool HttpTransfer::takeLength(const QByteArray& value, const QByteArray& earlier)
 {
     bool isNumber = false;
     value.toLongLong(&isNumber);
     const bool hasDigitsOnly =
         std::all_of(value.begin(), value.end(), [](char c) { return c >= '0' && c <= '9'; });
-    if (!isNumber || !hasDigitsOnly)
+    if (!isNumber || !hasDigitsOnly) {
         m_stop = Stop::BadLength;
-    else if (!earlier.isNull() && earlier != value)
+    } else if (!earlier.isNull() && earlier != value) {
         m_stop = Stop::ContradictoryLength;
+    }
     return m_stop == Stop::None;
 }
 

@@ -23,13 +23,16 @@ NetworkEventLoop::~NetworkEventLoop()
 int NetworkEventLoop::exec(QEventLoop::ProcessEventsFlags flags)
 {
     const QPointer<NetworkEventLoop> self(this); // an event may delete the wait, too
-    if (m_reply && !m_reply->isFinished() && QCoreApplication::instance())
+    if (m_reply && !m_reply->isFinished() && QCoreApplication::instance()) {
         runEvents(flags & ~QEventLoop::ProcessEventsFlags(QEventLoop::ExcludeSocketNotifiers));
+    }
     const bool finished = self && m_reply && m_reply->isFinished();
-    if (self && m_reply && !finished)
+    if (self && m_reply && !finished) {
         m_reply->abort();
-    if (self)
+    }
+    if (self) {
         readReply();
+    }
     return finished ? 0 : -1;
 }
 
@@ -54,10 +57,12 @@ void NetworkEventLoop::runEvents(QEventLoop::ProcessEventsFlags flags)
     const CurlDriver* driver = CurlDriver::ofThisThread();
     const quint64 turns = driver ? driver->turns() : 0;
     loop.exec(flags);
-    if (!driver || CurlDriver::ofThisThread() != driver || driver->turns() != turns)
+    if (!driver || CurlDriver::ofThisThread() != driver || driver->turns() != turns) {
         return;
-    while (reply && !reply->isFinished())
+    }
+    while (reply && !reply->isFinished()) {
         loop.processEvents(flags | QEventLoop::WaitForMoreEvents);
+    }
 }
 
 void NetworkEventLoop::readReply()
@@ -73,8 +78,9 @@ void NetworkEventLoop::readReply()
     }
     const QByteArray text = m_reply->readAll();
     m_body = parseJson(text);
-    if (m_error == QNetworkReply::NoError && !text.isEmpty() && m_body.isNull())
+    if (m_error == QNetworkReply::NoError && !text.isEmpty() && m_body.isNull()) {
         m_error = QNetworkReply::ProtocolFailure;
+    }
 }
 
 bool NetworkEventLoop::isSuccessful() const
@@ -98,8 +104,9 @@ QList<QJsonObject> NetworkEventLoop::objectList() const
     QList<QJsonObject> objects;
     objects.reserve(elements.size());
     for (const QJsonValue& element : elements) {
-        if (!element.isObject())
+        if (!element.isObject()) {
             return {};
+        }
         objects.append(element.toObject());
     }
     return objects;

@@ -29,7 +29,7 @@ struct NetworkManager::Settings
 
 namespace {
 
-/// What libcurl takes: a long, which has 32 bits on some systems; 0 is no limit.
+// What libcurl takes: a long, which has 32 bits on some systems; 0 is no limit.
 std::chrono::milliseconds timeLimit(std::chrono::milliseconds time)
 {
     return std::clamp<std::chrono::milliseconds>(time, 0ms, std::chrono::hours(24 * 24));
@@ -80,8 +80,9 @@ QNetworkReply* NetworkManager::deleteResource(const QString& url)
 
 void NetworkManager::abortAll()
 {
-    if (CurlDriver* driver = CurlDriver::ofThisThread())
+    if (CurlDriver* driver = CurlDriver::ofThisThread()) {
         driver->abortAll();
+    }
 }
 
 QNetworkReply* NetworkManager::send(const QByteArray& method, const QString& url, const QByteArray& body)
@@ -97,16 +98,18 @@ QNetworkReply* NetworkManager::send(const QByteArray& method, const QString& url
     request.caFile = m_settings->caFile;
     request.proxy = m_settings->proxy;
     const QByteArray& token = m_settings->bearerToken;
-    if (!token.isEmpty() && haveSameOrigin(request.url, base.toUtf8()))
+    if (!token.isEmpty() && haveSameOrigin(request.url, base.toUtf8())) {
         request.headerLines.append("Authorization: Bearer " + token);
+    }
     // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the caller owns the reply, as with Qt's own manager
     return new HttpReply(std::move(request), m_settings->observer, token);
 }
 
 bool NetworkManager::setBearerToken(const QString& token)
 {
-    if (!mayStandInAHeader(token))
+    if (!mayStandInAHeader(token)) {
         return false;
+    }
     m_settings->bearerToken = token.toLatin1();
     return true;
 }

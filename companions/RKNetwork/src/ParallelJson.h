@@ -12,11 +12,11 @@ struct JsonSharing
     int threads = 0;               ///< with the calling one; 0 for one per core, at most 4
 };
 
-/// The document and the error that QJsonDocument::fromJson makes of the text. A large array of objects is parsed on
-/// several threads, all of which have ended when this returns.
+/// The document and the error that QJsonDocument::fromJson makes of the text. A large array of objects is
+/// parsed on several threads, all of which have ended when this returns.
 QJsonDocument parseJson(const QByteArray& text, QJsonParseError* error = nullptr,
                         const JsonSharing& sharing = JsonSharing());
 
-/// The elements of an array of nothing but objects, whose text is cut between them and parsed piece by piece. Empty when
-/// no place to cut it is found, or when one was wrong; nothing is known of the text then.
+/// The elements of an array of nothing but objects, whose text is cut between them and parsed piece by piece.
+/// Empty when no place to cut it is found, or when one was wrong; nothing is known of the text then.
 QJsonArray parseJsonPieces(const QByteArray& text, const JsonSharing& sharing);

@@ -14,6 +14,7 @@ QString RKBaseApi::getBaseApi() const
 void RKBaseApi::setBaseApi(const QString& address)
 {
     m_address = address;
-    if (!m_address.isEmpty() && !m_address.endsWith(QLatin1Char('/')))
+    if (!m_address.isEmpty() && !m_address.endsWith(QLatin1Char('/'))) {
         m_address += QLatin1Char('/');
+    }
 }

@@ -5,9 +5,10 @@
 #ifdef Q_OS_WIN
 #include <winsock2.h>
 #else
-#include <cerrno>
 #include <sys/socket.h>
 #include <unistd.h>
+
+#include <cerrno>
 #endif
 
 namespace {

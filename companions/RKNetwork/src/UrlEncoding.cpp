@@ -7,28 +7,29 @@
 
 namespace {
 
-/// The query parameters of the service's resources.
+// The query parameters of the service's resources.
 const std::array<QLatin1String, 10> parameterNames = {
     QLatin1String("where"),    QLatin1String("skip"),  QLatin1String("limit"), QLatin1String("only_count"),
     QLatin1String("expand"),   QLatin1String("order"), QLatin1String("type"),  QLatin1String("cascade"),
     QLatin1String("category"), QLatin1String("key")};
 
-/// RFC 3986, 2.3.
+// RFC 3986, 2.3.
 bool isUnreserved(char byte)
 {
     return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') ||
            byte == '-' || byte == '.' || byte == '_' || byte == '~';
 }
 
-/// The text as UTF-8; written out because QString::toUtf8 turns half a surrogate pair into a question mark.
+// The text as UTF-8; written out because QString::toUtf8 turns half a surrogate pair into a question mark.
 QByteArray utf8(QStringView text)
 {
     QString whole = text.toString();
     for (int i = 0; i < whole.size(); ++i) {
-        if (whole.at(i).isHighSurrogate() && i + 1 < whole.size() && whole.at(i + 1).isLowSurrogate())
+        if (whole.at(i).isHighSurrogate() && i + 1 < whole.size() && whole.at(i + 1).isLowSurrogate()) {
             ++i;
-        else if (whole.at(i).isSurrogate())
+        } else if (whole.at(i).isSurrogate()) {
             whole[i] = QChar(QChar::ReplacementCharacter);
+        }
     }
     return whole.toUtf8();
 }
@@ -53,7 +54,7 @@ void appendEncoded(QByteArray& out, QStringView text, bool keepSlash)
     out.truncate(static_cast<int>(next - out.constData()));
 }
 
-/// The parameter whose "name=" stands at `position`; empty when there is none.
+// The parameter whose "name=" stands at `position`; empty when there is none.
 QLatin1String parameterAt(QStringView text, qsizetype position)
 {
     const QStringView rest = text.mid(position);
@@ -65,17 +66,18 @@ QLatin1String parameterAt(QStringView text, qsizetype position)
     return found == parameterNames.end() ? QLatin1String() : *found;
 }
 
-/// Where `mark` next begins a parameter, from `position` on; the end of the text when it does not.
+// Where `mark` next begins a parameter, from `position` on; the end of the text when it does not.
 qsizetype nextParameter(QStringView text, QChar mark, qsizetype position)
 {
     for (qsizetype i = position; i < text.size(); ++i) {
-        if (text.at(i) == mark && !parameterAt(text, i + 1).isEmpty())
+        if (text.at(i) == mark && !parameterAt(text, i + 1).isEmpty()) {
             return i;
+        }
     }
     return text.size();
 }
 
-/// Behind the brace that closes the object which begins at `position`; -1 when it is never closed.
+// Behind the brace that closes the object which begins at `position`; -1 when it is never closed.
 qsizetype endOfObject(QStringView text, qsizetype position)
 {
     int depth = 0;
@@ -83,10 +85,11 @@ qsizetype endOfObject(QStringView text, qsizetype position)
     for (qsizetype i = position; i < text.size(); ++i) {
         const QChar c = text.at(i);
         if (inString) {
-            if (c == QLatin1Char('\\'))
+            if (c == QLatin1Char('\\')) {
                 ++i;
-            else if (c == QLatin1Char('"'))
+            } else if (c == QLatin1Char('"')) {
                 inString = false;
+            }
         } else if (c == QLatin1Char('"')) {
             inString = true;
         } else if (c == QLatin1Char('{')) {
@@ -100,8 +103,9 @@ qsizetype endOfObject(QStringView text, qsizetype position)
 
 qsizetype endOfWhere(QStringView text, qsizetype position)
 {
-    if (position >= text.size() || text.at(position) != QLatin1Char('{'))
+    if (position >= text.size() || text.at(position) != QLatin1Char('{')) {
         return text.size();
+    }
     const qsizetype end = endOfObject(text, position);
     const bool closed = end == text.size() || (end > 0 && text.at(end) == QLatin1Char('&') &&
                                                !parameterAt(text, end + 1).isEmpty());
@@ -110,30 +114,35 @@ qsizetype endOfWhere(QStringView text, qsizetype position)
 
 qsizetype endOfValue(QStringView text, QLatin1String name, qsizetype position)
 {
-    if (name == QLatin1String("where"))
+    if (name == QLatin1String("where")) {
         return endOfWhere(text, position);
+    }
     if (name == QLatin1String("category")) {
         const QString key = QStringLiteral("&key=");
         for (qsizetype i = text.size() - key.size(); i >= position; --i) {
-            if (text.mid(i).startsWith(key))
+            if (text.mid(i).startsWith(key)) {
                 return i;
+            }
         }
         return text.size();
     }
     return nextParameter(text, QLatin1Char('&'), position);
 }
 
-/// How much of the URL stands as it is.
+// How much of the URL stands as it is.
 int lengthOfBase(const QString& url, const QString& base)
 {
-    if (!base.isEmpty() && url.startsWith(base))
+    if (!base.isEmpty() && url.startsWith(base)) {
         return base.size();
+    }
     const int authority = url.indexOf(QLatin1String("://"));
-    if (authority < 0)
+    if (authority < 0) {
         return 0;
+    }
     for (int i = authority + 3; i < url.size(); ++i) {
-        if (url.at(i) == QLatin1Char('/') || url.at(i) == QLatin1Char('?'))
+        if (url.at(i) == QLatin1Char('/') || url.at(i) == QLatin1Char('?')) {
             return i;
+        }
     }
     return url.size();
 }

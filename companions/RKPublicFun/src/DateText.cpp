@@ -16,8 +16,8 @@ constexpr int hoursPerDay = 24;
 constexpr int greatestOffset =
     14 * minutesPerHour * secondsPerMinute; // seconds; no zone of today is farther from UTC
 
-/// What four characters may be: where the form has a digit, that digit or a lower one; where it has anything else,
-/// just that. Each takes 16 of 64 bits, the first one the lowest.
+// What four characters may be: where the form has a digit, that digit or a lower one; where it has anything
+// else, just that. Each takes 16 of 64 bits, the first one the lowest.
 struct Form
 {
     constexpr explicit Form(const char (&text)[5])
@@ -29,8 +29,8 @@ struct Form
         }
     }
 
-    quint64 zeros = 0; ///< exclusive or with these leaves digits as numbers and other characters as 0
-    quint64 spare = 0; ///< added to that, sets the highest bit of what is too high
+    quint64 zeros = 0; // exclusive or with these leaves digits as numbers and other characters as 0
+    quint64 spare = 0; // added to that, sets the highest bit of what is too high
 };
 
 namespace form {
@@ -43,7 +43,7 @@ constexpr Form milliseconds(".999");
 constexpr Form hoursAndMinutes("2959");
 } // namespace form
 
-/// Reads four characters at a time: their digits, weighted, in one multiplication.
+// Reads four characters at a time: their digits, weighted, in one multiplication.
 class FourDigits
 {
 public:
@@ -56,7 +56,7 @@ public:
         fits &= ((m_digits | (m_digits + form.spare)) & highestBits) == 0;
     }
 
-    /// The sum of the digits, each times its weight. A character that is no digit counts nothing.
+    // The sum of the digits, each times its weight. A character that is no digit counts nothing.
     int sum(int first, int second, int third, int fourth) const
     {
         const quint64 weights =
@@ -68,7 +68,7 @@ private:
     quint64 m_digits;
 };
 
-/// Reads a text from left to right. A refusal is final: the caller gives up the whole text.
+// Reads a text from left to right. A refusal is final: the caller gives up the whole text.
 class Reader
 {
 public:
@@ -85,7 +85,7 @@ public:
         return isThere;
     }
 
-    /// The next `count` characters, or null when fewer are left.
+    // The next `count` characters, or null when fewer are left.
     const QChar* peek(int count) const { return m_end - m_next < count ? nullptr : m_next; }
     const QChar* take(int count)
     {
@@ -96,11 +96,13 @@ public:
 
     bool readDigit(int& digit)
     {
-        if (atEnd())
+        if (atEnd()) {
             return false;
+        }
         digit = m_next->unicode() - u'0';
-        if (digit < 0 || digit > 9)
+        if (digit < 0 || digit > 9) {
             return false;
+        }
         ++m_next;
         return true;
     }
@@ -110,18 +112,20 @@ private:
     const QChar* m_end;
 };
 
-/// A date as days since 1970-01-01. QDate would take most of a reading's time for it.
+// A date as days since 1970-01-01. QDate would take most of a reading's time for it.
 bool readDate(Reader& reader, qint64& days)
 {
     const QChar* text = reader.take(10); // yyyy-MM-dd
-    if (!text)
+    if (!text) {
         return false;
+    }
     bool fits = true;
     const int year = FourDigits(text, form::year, fits).sum(1000, 100, 10, 1);
     const int month = FourDigits(text + 4, form::monthBetweenSigns, fits).sum(0, 10, 1, 0);
     const int day = FourDigits(text + 6, form::monthAndDay, fits).sum(0, 0, 10, 1);
-    if (!fits || year < 1 || month < 1 || month > 12)
+    if (!fits || year < 1 || month < 1 || month > 12) {
         return false;
+    }
 
     // Of the Gregorian calendar, before each month and in the year.
     static constexpr int daysBefore[2][13] = {{0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334, 365},
@@ -136,7 +140,7 @@ bool readDate(Reader& reader, qint64& days)
     return day >= 1 && dayOfYear <= daysBefore[isLeapYear][month];
 }
 
-/// Adds a fraction of a second to `milliseconds`.
+// Adds a fraction of a second to `milliseconds`.
 bool readFraction(Reader& reader, int& milliseconds)
 {
     int digit = 0;
@@ -153,26 +157,30 @@ bool readFraction(Reader& reader, int& milliseconds)
         }
     }
     // One digit, or two.
-    if (!reader.skip(u'.') || !reader.readDigit(digit))
+    if (!reader.skip(u'.') || !reader.readDigit(digit)) {
         return false;
+    }
     milliseconds += 100 * digit;
-    if (reader.readDigit(digit))
+    if (reader.readDigit(digit)) {
         milliseconds += 10 * digit;
+    }
     return true;
 }
 
-/// The time of day as milliseconds since its start.
+// The time of day as milliseconds since its start.
 bool readTime(Reader& reader, int& milliseconds)
 {
     const QChar* text = reader.take(8); // hh:mm:ss
-    if (!text)
+    if (!text) {
         return false;
+    }
     bool fits = true;
     const int minutes =
         FourDigits(text, form::hourAndMinute, fits).sum(10 * minutesPerHour, minutesPerHour, 0, 10);
     const int seconds = FourDigits(text + 4, form::minuteAndSecond, fits).sum(secondsPerMinute, 0, 10, 1);
-    if (!fits || minutes >= hoursPerDay * minutesPerHour)
+    if (!fits || minutes >= hoursPerDay * minutesPerHour) {
         return false;
+    }
     milliseconds = (minutes * secondsPerMinute + seconds) * millisecondsPerSecond;
     return !reader.isAt(u'.') || readFraction(reader, milliseconds);
 }
@@ -180,8 +188,9 @@ bool readTime(Reader& reader, int& milliseconds)
 bool readOffset(Reader& reader, int& seconds)
 {
     const int sign = reader.skip(u'-') ? -1 : 1;
-    if (sign > 0 && !reader.skip(u'+'))
+    if (sign > 0 && !reader.skip(u'+')) {
         return false;
+    }
     bool fits = true;
     int minutes = 0;
     if (const QChar* withColon = reader.take(5)) {
@@ -198,7 +207,7 @@ bool readOffset(Reader& reader, int& seconds)
     return fits && std::abs(seconds) <= greatestOffset;
 }
 
-/// Null instead of a time that is set but invalid, such as a local time that the clocks skip.
+// Null instead of a time that is set but invalid, such as a local time that the clocks skip.
 QDateTime validOrNull(const QDateTime& dateTime)
 {
     return dateTime.isValid() ? dateTime : QDateTime();
@@ -216,9 +225,10 @@ QDateTime atOffset(qint64 daysSinceEpoch, int timeOfDay, int offset)
     constexpr qint64 millisecondsPerDay =
         qint64(hoursPerDay) * minutesPerHour * secondsPerMinute * millisecondsPerSecond;
     const qint64 clock = daysSinceEpoch * millisecondsPerDay + timeOfDay;
-    if (offset != 0)
+    if (offset != 0) {
         return QDateTime::fromMSecsSinceEpoch(clock - qint64(offset) * millisecondsPerSecond,
                                               Qt::OffsetFromUTC, offset);
+    }
     // A copy that is set costs less still.
     static const QDateTime epoch = QDateTime::fromMSecsSinceEpoch(0, Qt::UTC);
     QDateTime dateTime = epoch;
@@ -226,7 +236,7 @@ QDateTime atOffset(qint64 daysSinceEpoch, int timeOfDay, int offset)
     return dateTime;
 }
 
-/// Writes digits and signs one after another into a text that is long enough.
+// Writes digits and signs one after another into a text that is long enough.
 class Writer
 {
 public:
@@ -237,8 +247,9 @@ public:
     void writeNumber(int digitCount, int number)
     {
         m_next += digitCount;
-        for (QChar* at = m_next; digitCount > 0; --digitCount, number /= 10)
+        for (QChar* at = m_next; digitCount > 0; --digitCount, number /= 10) {
             *--at = QChar(u'0' + number % 10);
+        }
     }
 
 private:
@@ -277,15 +288,16 @@ void writeOffset(Writer& writer, int seconds)
     writer.writeNumber(2, minutes % minutesPerHour);
 }
 
-/// The text of a valid time whose offset the format can hold.
+// The text of a valid time whose offset the format can hold.
 QString write(const QDateTime& dateTime, int offset)
 {
     int year = 0;
     int month = 0;
     int day = 0;
     dateTime.date().getDate(&year, &month, &day);
-    if (year < 1 || year > 9999)
+    if (year < 1 || year > 9999) {
         return {};
+    }
 
     const bool utc = dateTime.timeSpec() == Qt::UTC;
     constexpr int lengthToMilliseconds = 23;
@@ -293,10 +305,11 @@ QString write(const QDateTime& dateTime, int offset)
     Writer writer(text);
     writeDate(writer, year, month, day);
     writeTime(writer, dateTime.time().msecsSinceStartOfDay());
-    if (utc)
+    if (utc) {
         writer.write(u'Z');
-    else
+    } else {
         writeOffset(writer, offset);
+    }
     return text;
 }
 
@@ -304,14 +317,17 @@ QString write(const QDateTime& dateTime, int offset)
 
 QString getQStringByDateTime(const QDateTime& dateTime)
 {
-    if (!dateTime.isValid())
+    if (!dateTime.isValid()) {
         return {};
+    }
     const int offset = dateTime.offsetFromUtc();
-    if (std::abs(offset) > greatestOffset)
+    if (std::abs(offset) > greatestOffset) {
         return write(dateTime.toUTC(), 0);
+    }
     const int secondsTooMany = offset % secondsPerMinute;
-    if (secondsTooMany != 0)
+    if (secondsTooMany != 0) {
         return getQStringByDateTime(dateTime.toOffsetFromUtc(offset - secondsTooMany));
+    }
     return write(dateTime, offset);
 }
 
@@ -319,23 +335,29 @@ QDateTime getDateTimeByQString(const QString& text)
 {
     Reader reader(text);
     qint64 days = 0;
-    if (!readDate(reader, days))
+    if (!readDate(reader, days)) {
         return {};
-    if (reader.atEnd())
+    }
+    if (reader.atEnd()) {
         return validOrNull(dateOf(days).startOfDay());
+    }
 
     int timeOfDay = 0;
-    if (!reader.skip(u'T') || !readTime(reader, timeOfDay))
+    if (!reader.skip(u'T') || !readTime(reader, timeOfDay)) {
         return {};
-    if (reader.atEnd())
+    }
+    if (reader.atEnd()) {
         return validOrNull(
             QDateTime(dateOf(days), QTime::fromMSecsSinceStartOfDay(timeOfDay), Qt::LocalTime));
+    }
 
     int offset = 0;
-    if (!reader.skip(u'Z') && !readOffset(reader, offset))
+    if (!reader.skip(u'Z') && !readOffset(reader, offset)) {
         return {};
-    if (!reader.atEnd())
+    }
+    if (!reader.atEnd()) {
         return {};
+    }
     return atOffset(days, timeOfDay, offset);
 }
 

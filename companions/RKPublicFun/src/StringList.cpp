@@ -36,8 +36,9 @@ QStringList getStrListFromVarList(const QList<QVariant>& values)
 {
     QStringList texts;
     texts.reserve(values.size());
-    for (const QVariant& value : values)
+    for (const QVariant& value : values) {
         texts.append(textOf(value));
+    }
     return texts;
 }
 

@@ -2,12 +2,11 @@
 //   example http://127.0.0.1:8600/ PROJECT TOKEN
 
 #include <NetworkManager.h>
+#include <QCoreApplication>
+#include <QTextStream>
 #include <RKBaseApi.h>
 #include <RKMonitoringData.h>
 #include <RKSoftCache.h>
-
-#include <QCoreApplication>
-#include <QTextStream>
 
 int main(int argc, char** argv)
 {
@@ -17,9 +16,11 @@ int main(int argc, char** argv)
     NetworkManager::instance().setBearerToken(application.arguments().value(3));
 
     QList<QPair<QString, QString>> cells;
-    if (!RKMonitoringData::instance()->getCellIdAndName(cells))
+    if (!RKMonitoringData::instance()->getCellIdAndName(cells)) {
         return 1;
-    for (const auto& cell : cells)
+    }
+    for (const auto& cell : cells) {
         QTextStream(stdout) << cell.first << "  " << cell.second << '\n';
+    }
     return 0;
 }

@@ -27,7 +27,7 @@ protected:
         return measured;
     }
 
-    /// A quiet reading, one over the limits, and one of an inclinometer at three depths.
+    // A quiet reading, one over the limits, and one of an inclinometer at three depths.
     void raiseTwo()
     {
         deliver({measured("S1"_q, {}, sample(1, december(18), 1))});
@@ -74,7 +74,7 @@ protected:
         });
     }
 
-    /// The details of the latest alarm.
+    // The details of the latest alarm.
     RKAlarmDetailCondition ofLatest()
     {
         RKAlarmDetailCondition condition;
@@ -235,8 +235,9 @@ TEST_F(AlarmContract, GoWithTheirData)
 {
     raiseTwo();
     const RKAlarmDetailCondition condition = ofLatest();
-    for (const RKDataManage& dataManage : dataManagesOf(cellId))
+    for (const RKDataManage& dataManage : dataManagesOf(cellId)) {
         ASSERT_TRUE(data.deletePointData(dataManage.id)) << lastErrorText();
+    }
     EXPECT_EQ(countFound(ofOurCell()), 0);
     int count = -1;
     EXPECT_FALSE(data.getAlarmDetailRangeCount(condition, count));

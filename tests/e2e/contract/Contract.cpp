@@ -23,8 +23,9 @@ void Contract::TearDown()
 
 void ReaderContract::SetUp()
 {
-    if (deployment().readerToken.isEmpty())
+    if (deployment().readerToken.isEmpty()) {
         GTEST_SKIP() << "needs a token that may only read (RK_CONTRACT_READER_TOKEN_FILE)";
+    }
 }
 
 QString Contract::mine(const QString& name)
@@ -152,20 +153,23 @@ namespace {
 void removeMonitoring(RKMonitoringData& data, const RKMonitoring& monitoring, QStringList& left)
 {
     const auto check = [&](bool isDone, const QString& what) {
-        if (!isDone)
+        if (!isDone) {
             left.append("cannot remove %1 of \"%2\""_q.arg(what, monitoring.name));
+        }
     };
     QList<PointLocSetting> groups;
     check(data.getGroupsByCellId(monitoring.id, groups, false), "the groups"_q);
-    for (const PointLocSetting& group : qAsConst(groups))
+    for (const PointLocSetting& group : qAsConst(groups)) {
         check(data.deleteGroup(group.id), "group %1"_q.arg(group.id));
+    }
 
     RKDataManageCondition condition;
     condition.cellId = monitoring.id;
     QList<RKDataManage> dataManages;
     check(data.getDataManageRangeData(condition, 0, 1000, dataManages), "the data"_q);
-    for (const RKDataManage& dataManage : qAsConst(dataManages))
+    for (const RKDataManage& dataManage : qAsConst(dataManages)) {
         check(data.deletePointData(dataManage.id), "data manage %1"_q.arg(dataManage.id));
+    }
 
     check(data.deleteMonitoring(monitoring.id), "monitoring %1"_q.arg(monitoring.id));
 }
@@ -181,16 +185,20 @@ QStringList removeWhatWasCreated(const Deployment& deployment)
     QStringList left;
     while (left.isEmpty()) {
         int count = -1;
-        if (!data.getMonitoringRangeCount(marked, count))
+        if (!data.getMonitoringRangeCount(marked, count)) {
             left.append("cannot tell whether anything named \"%1\" is left"_q.arg(deployment.run));
-        if (count <= 0)
+        }
+        if (count <= 0) {
             break;
+        }
         QList<RKMonitoring> monitorings;
         data.getMonitoringRangeData(marked, 0, 100, monitorings);
-        if (monitorings.isEmpty())
+        if (monitorings.isEmpty()) {
             left.append("cannot read the monitorings named \"%1\""_q.arg(deployment.run));
-        for (const RKMonitoring& monitoring : qAsConst(monitorings))
+        }
+        for (const RKMonitoring& monitoring : qAsConst(monitorings)) {
             removeMonitoring(data, monitoring, left);
+        }
     }
     return left;
 }

@@ -5,7 +5,6 @@
 #include "Text.h"
 
 #include <NetworkManager.h>
-
 #include <QJsonObject>
 #include <QList>
 #include <QStringList>
@@ -13,8 +12,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-/// What the library promises, against the service of Deployment::current(). A test sees, and asserts, only what it
-/// has created itself; all of it is deleted at its end, whatever became of the test.
+/// What the library promises, against the service of Deployment::current(). A test sees, and asserts, only
+/// what it has created itself; all of it is deleted at its end, whatever became of the test.
 class Contract : public testing::Test
 {
 protected:
@@ -67,8 +66,8 @@ protected:
     void SetUp() override;
 };
 
-/// 10:00 UTC and later on a day of December 2015. Within ten minutes from then it is the same calendar day in every
-/// zone, so the days of a project can be told without its zone.
+/// 10:00 UTC and later on a day of December 2015. Within ten minutes from then it is the same calendar day in
+/// every zone, so the days of a project can be told without its zone.
 QDateTime december(int day, int minute = 0);
 RKPointLocationData sample(int count, const QDateTime& time, double value,
                            const QString& timeFlag = QString());
@@ -80,8 +79,9 @@ template <typename Record>
 QStringList namesOf(const QList<Record>& records)
 {
     QStringList names;
-    for (const Record& record : records)
+    for (const Record& record : records) {
         names.append(record.name);
+    }
     return names;
 }
 
@@ -90,8 +90,9 @@ template <typename Record>
 QStringList idsOf(const QList<Record>& records)
 {
     QStringList ids;
-    for (const Record& record : records)
+    for (const Record& record : records) {
         ids.append(record.id);
+    }
     return ids;
 }
 

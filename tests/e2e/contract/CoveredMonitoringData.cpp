@@ -2,8 +2,9 @@
 
 bool CoveredMonitoringData::note(const char* operation, bool isSuccess)
 {
-    if (isSuccess)
+    if (isSuccess) {
         succeeded().insert(operation);
+    }
     return isSuccess;
 }
 
@@ -17,8 +18,9 @@ std::vector<std::string> CoveredMonitoringData::missing(const std::vector<std::s
 {
     std::vector<std::string> left;
     for (const std::string& operation : operations) {
-        if (succeeded().count(operation) == 0)
+        if (succeeded().count(operation) == 0) {
             left.push_back(operation);
+        }
     }
     return left;
 }

@@ -101,8 +101,9 @@ TEST_F(DataManageContract, PagesHoldWhatIsCountedOnceLatestFirst)
         return data.getDataManageRangeData(ofOurCell(), skip, limit, page);
     });
     QStringList found;
-    for (const RKDataManage& dataManage : dataManages)
+    for (const RKDataManage& dataManage : dataManages) {
         found.append(dataManage.subCategoryId);
+    }
     EXPECT_EQ(found, expected);
 }
 

@@ -20,8 +20,8 @@ class MonitorService;
 class Deployment
 {
 public:
-    /// Why nothing can be tested there, in words for people, with the status to exit with: as rkmon's, 2 for a
-    /// wrong setting, 3 for what the token may not do, 5 when there is no answer, 1 for anything else.
+    /// Why nothing can be tested there, in words for people, with the status to exit with: as rkmon's, 2 for
+    /// a wrong setting, 3 for what the token may not do, 5 when there is no answer, 1 for anything else.
     struct Unusable : std::runtime_error
     {
         Unusable(int code, const QString& text) : std::runtime_error(text.toStdString()), exitCode(code) {}

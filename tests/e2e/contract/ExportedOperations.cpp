@@ -28,8 +28,9 @@ std::vector<std::string> exportedOperations()
     for (std::string line; std::getline(file, line);) {
         EXPECT_EQ(line.rfind(className, 0), 0U) << line;
         const std::string member = line.substr(className.size());
-        if (isOperation(member))
+        if (isOperation(member)) {
             operations.push_back(member);
+        }
     }
     return operations;
 }

@@ -122,8 +122,9 @@ TEST_F(GroupContract, ListsThoseOfTheCategory)
     ASSERT_TRUE(data.getGroupsByCategory(category(), groups)) << lastErrorText();
     QStringList ours;
     for (const PointLocSetting& group : qAsConst(groups)) {
-        if (group.cellId == cellId)
+        if (group.cellId == cellId) {
             ours.append(group.id);
+        }
     }
     EXPECT_EQ(ours, expected);
 

@@ -1,7 +1,6 @@
 #include "Contract.h"
 
 #include <NetworkEventLoop.h>
-
 #include <QJsonArray>
 
 // Monitorings are created, read, found, counted, paged, changed and deleted.
@@ -49,8 +48,9 @@ protected:
 
     static QStringList mineAll(QStringList names)
     {
-        for (QString& name : names)
+        for (QString& name : names) {
             name = mine(name);
+        }
         return names;
     }
 };
@@ -153,15 +153,17 @@ TEST_F(MonitoringContract, NotDeletedWhileItHoldsData)
 TEST_F(MonitoringContract, PagesHoldWhatIsCountedOnceInOrder)
 {
     QStringList names;
-    for (int i = 0; i < 12; ++i)
+    for (int i = 0; i < 12; ++i) {
         names.append(created("M%1"_q.arg(i)).name);
+    }
     const RKMonitoringCondition ours = byPattern("M"_q);
     EXPECT_EQ(countFound(ours), 12);
     EXPECT_EQ(namesFound(ours), names);
 
     QStringList paged;
-    for (int skip = 0; skip < 15; skip += 5)
+    for (int skip = 0; skip < 15; skip += 5) {
         paged += namesFound(ours, skip, 5);
+    }
     EXPECT_EQ(paged, names);
     EXPECT_EQ(namesFound(ours, 12, 5), QStringList());
     EXPECT_EQ(namesFound(ours, 0, 0), QStringList());
@@ -175,8 +177,9 @@ TEST_F(MonitoringContract, ListsIdentifiersAndNames)
     ASSERT_TRUE(data.getCellIdAndName(cells));
     QList<QPair<QString, QString>> ours;
     for (const auto& cell : qAsConst(cells)) {
-        if (cell.first == first.id || cell.first == second.id)
+        if (cell.first == first.id || cell.first == second.id) {
             ours.append(cell);
+        }
     }
     EXPECT_EQ(ours, (QList<QPair<QString, QString>>{{first.id, first.name}, {second.id, second.name}}));
 }
@@ -199,8 +202,9 @@ TEST_F(MonitoringContract, FindsByModel)
 TEST_F(MonitoringContract, FindsByPattern)
 {
     for (const QString& name : {"VH"_q, "LS-a"_q, "LS-b"_q, "a.b"_q, "aXb"_q, "50 % &"_q, "x+y=z?"_q,
-                                "say \"hi\" \\ #"_q, "Böschung 边坡"_q})
+                                "say \"hi\" \\ #"_q, "Böschung 边坡"_q}) {
         created(name);
+    }
     EXPECT_EQ(namesFound(byPattern("ls-"_q)), mineAll({"LS-a"_q, "LS-b"_q}));
     EXPECT_EQ(namesFound(byPattern("a.b"_q)), mineAll({"a.b"_q, "aXb"_q}));
     EXPECT_EQ(namesFound(byPattern("a\\.b"_q)), mineAll({"a.b"_q}));

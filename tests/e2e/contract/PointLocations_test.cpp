@@ -33,7 +33,7 @@ protected:
     QString cellId;
 };
 
-/// Identifiers of relations that no other run has.
+// Identifiers of relations that no other run has.
 QMap<QString, QStringList> linksOf(const QString& run)
 {
     return {{"model"_q, {run + " m \"1\" & more"_q, run + "-m2"_q}}, {"photo"_q, {run + "-p"_q}}};
@@ -295,8 +295,9 @@ TEST_F(PointLocationContract, RelinksThePointsThatMatch)
 // A service that did not refuse would relink every point that it holds: only our own is asked.
 TEST_F(PointLocationContract, RelinkingEverythingIsRefused)
 {
-    if (!deployment().isOwn())
+    if (!deployment().isOwn()) {
         GTEST_SKIP() << "would relink every point of a service that does not refuse it";
+    }
     RKPointLocation linked = measured("S1"_q, {sample(1, december(18), 1)});
     linked.links = linksOf(deployment().run);
     deliver({linked});

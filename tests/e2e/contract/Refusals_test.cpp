@@ -12,8 +12,9 @@ protected:
     void SetUp() override
     {
         ReaderContract::SetUp();
-        if (IsSkipped())
+        if (IsSkipped()) {
             return;
+        }
         monitoring = created("VH"_q);
         group.cellId = monitoring.id;
         group.subCategoryId = subCategories().first().id;
@@ -30,8 +31,9 @@ protected:
 
     void TearDown() override
     {
-        if (!IsSkipped())
+        if (!IsSkipped()) {
             expectUnchanged();
+        }
         ReaderContract::TearDown();
     }
 

@@ -26,8 +26,8 @@ protected:
         return chartData;
     }
 
-    /// The day of december(day) on the project's calendar, given that `chartData` begins on december(first). Where the
-    /// project's zone is far from Greenwich it is the day before or after.
+    // The day of december(day) on the project's calendar, given that `chartData` begins on december(first).
+    // Where the project's zone is far from Greenwich it is the day before or after.
     QDate projectDay(const ChartData& chartData, int first, int day)
     {
         const QDate here(2015, 12, first);
@@ -104,8 +104,9 @@ TEST_F(StatisticsContract, DepthsRiseWithinAName)
 {
     QList<RKPointLocation> delivery{measured("I2"_q, "1"_q, {sample(1, december(18), 21)}),
                                     measured("S1"_q, {}, {sample(1, december(18), 99)})};
-    for (const char* depth : {"10", "2.5", "0.5"})
+    for (const char* depth : {"10", "2.5", "0.5"}) {
         delivery.append(measured("I1"_q, QLatin1String(depth), {sample(1, december(18), 1)}));
+    }
     deliver(delivery);
 
     ChartData chartData;
@@ -113,8 +114,9 @@ TEST_F(StatisticsContract, DepthsRiseWithinAName)
     ASSERT_EQ(chartData.size(), 1);
     EXPECT_EQ(chartData.firstKey(), projectDay(chartData, 18, 18));
     QStringList found;
-    for (const RKPointLocationChartData& entry : qAsConst(chartData.first()))
+    for (const RKPointLocationChartData& entry : qAsConst(chartData.first())) {
         found.append("%1 at %2"_q.arg(entry.name, entry.depth));
+    }
     EXPECT_EQ(found, (QStringList{"I1 at 0.5"_q, "I1 at 2.5"_q, "I1 at 10"_q, "I2 at 1"_q}));
     EXPECT_EQ(chartData.first().last().value, 21.0);
 }

@@ -1,4 +1,5 @@
-// Runs the contract against a service of its own or against the one that the environment names (Deployment.h).
+// Runs the contract against a service of its own or against the one that the environment names
+// (Deployment.h).
 
 #include "Contract.h"
 #include "ExportedOperations.h"
@@ -9,15 +10,16 @@
 
 namespace {
 
-/// Fails a whole run that has left an operation out.
+// Fails a whole run that has left an operation out.
 class EveryOperation : public testing::Environment
 {
 public:
     void TearDown() override
     {
         const testing::UnitTest& run = *testing::UnitTest::GetInstance();
-        if (run.test_to_run_count() < run.total_test_count())
+        if (run.test_to_run_count() < run.total_test_count()) {
             return; // chosen tests only
+        }
         const std::vector<std::string> operations = exportedOperations();
         EXPECT_EQ(operations.size(), 40U);
         EXPECT_THAT(CoveredMonitoringData::missing(operations), testing::IsEmpty())
@@ -25,7 +27,7 @@ public:
     }
 };
 
-/// Runs the tests and removes what a test that did not come to its end may have left.
+// Runs the tests and removes what a test that did not come to its end may have left.
 int runTests(const Deployment& deployment)
 {
     std::cout << "contract: " << deployment.baseAddress.toStdString() << ", project "

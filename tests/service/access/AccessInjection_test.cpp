@@ -1,5 +1,4 @@
 #include "AccessRules.h"
-
 #include "json/JsonText.h"
 
 #include <iostream>
@@ -10,8 +9,8 @@ namespace {
 
 const Role ownOnly{"", "rced", "", ""};
 
-/// Texts that mean something to SQL, JSON, file systems, headers, patterns, formats, or to whoever compares letters, and
-/// their combinations.
+// Texts that mean something to SQL, JSON, file systems, headers, patterns, formats, or to whoever compares
+// letters, and their combinations.
 std::vector<std::string> hostileTexts()
 {
     const std::vector<std::string> seeds{
@@ -186,7 +185,8 @@ protected:
     std::size_t asked = 0;
 };
 
-// A value is compared letter by letter, a name, an order or an identifier that is unknown is refused or finds nothing.
+// A value is compared letter by letter, a name, an order or an identifier that is unknown is refused or finds
+// nothing.
 TEST_F(AccessInjection, WhatIsReadFindsNothingElse)
 {
     const int version = served->dataVersion();

@@ -11,7 +11,7 @@ using ::testing::Not;
 
 const Role ownOnly{"", "rced", "", ""};
 
-/// A text on which a pattern such as (a+)+$ takes more steps than a request may take.
+// A text on which a pattern such as (a+)+$ takes more steps than a request may take.
 const std::string endless = std::string(40, 'a') + "!";
 
 void execute(const std::filesystem::path& file, const std::vector<std::string>& statements)
@@ -22,7 +22,7 @@ void execute(const std::filesystem::path& file, const std::vector<std::string>& 
     }
 }
 
-/// Two services: what the first keeps for others the second has never had.
+// Two services: what the first keeps for others the second has never had.
 class AccessLeaks : public ::testing::Test
 {
 protected:
@@ -63,7 +63,7 @@ protected:
                  "DELETE FROM projects WHERE id = 'project-far'"});
     }
 
-    /// The one answer of both.
+    // The one answer of both.
     RawAnswer askBoth(const std::string& method, const std::string& target, const std::string& body = {})
     {
         SCOPED_TRACE(method + ' ' + target + ' ' + body);

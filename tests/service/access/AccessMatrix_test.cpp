@@ -15,7 +15,7 @@ std::vector<std::string> sorted(std::vector<std::string> texts)
     return texts;
 }
 
-/// Roles whose rights are project-wide, in one category, mixed, and drawn by lot.
+// Roles whose rights are project-wide, in one category, mixed, and drawn by lot.
 std::vector<Role> rolesToTry()
 {
     std::vector<Role> roles;
@@ -51,11 +51,11 @@ struct Tally
 
 enum class Way
 {
-    Direct, ///< without a connection: every role, and no HEAD, as that reaches the resources as GET
+    Direct, // without a connection: every role, and no HEAD, as that reaches the resources as GET
     Socket
 };
 
-/// Asks everything as one role after the other, and compares with the rules.
+// Asks everything as one role after the other, and compares with the rules.
 class Asker
 {
 public:
@@ -264,7 +264,7 @@ void askAll(const std::vector<Role>& roles, Way way)
               << std::endl;
 }
 
-/// A part of the roles, so that the parts run side by side.
+// A part of the roles, so that the parts run side by side.
 class AccessMatrix : public ::testing::TestWithParam<std::size_t>
 {
 public:

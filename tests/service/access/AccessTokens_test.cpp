@@ -26,7 +26,7 @@ std::string hexadecimal(const std::string& bytes)
     return text;
 }
 
-/// Makes texts that are near a token, and never the token.
+// Makes texts that are near a token, and never the token.
 class Mutations
 {
 public:

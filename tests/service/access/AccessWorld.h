@@ -1,11 +1,10 @@
 #pragma once
 
-#include "service/api/ApiFixture.h"
-#include "support/TemporaryFolder.h"
-
 #include "admin/SubCategory.h"
 #include "http/RefusedRequest.h"
 #include "http/RequestTarget.h"
+#include "service/api/ApiFixture.h"
+#include "support/TemporaryFolder.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 
@@ -30,7 +29,8 @@ inline bool isLongRun()
     return value != nullptr && std::string_view(value) == "1";
 }
 
-/// What is granted per project and category, and what is not stored at all. Whatever a place holds bears its word.
+/// What is granted per project and category, and what is not stored at all. Whatever a place holds bears its
+/// word.
 struct Place
 {
     std::string word;
@@ -51,8 +51,8 @@ inline const std::array<const Place*, 3> places{&own, &beside, &far};
 /// Identifiers by kind, named as the paths name them: "cells", "groupSettings"…
 using Identifiers = std::map<std::string, std::vector<std::string>>;
 
-/// A data file to be copied: each place has monitorings, a sub-category, points with and without depths, samples, a group,
-/// a delivery with its history, and the alarm that it raised.
+/// A data file to be copied: each place has monitorings, a sub-category, points with and without depths,
+/// samples, a group, a delivery with its history, and the alarm that it raised.
 class AccessWorld
 {
 public:
@@ -230,7 +230,8 @@ public:
     ServedWorld(const ServedWorld&) = delete;
     ServedWorld& operator=(const ServedWorld&) = delete;
 
-    /// Asks the service without a connection: what HttpServer would make of the request and of the answer is made here.
+    /// Asks the service without a connection: what HttpServer would make of the request and of the answer is
+    /// made here.
     RawAnswer askDirectly(const std::string& token, const std::string& method, const std::string& target,
                           const std::string& body = {}) const
     {
@@ -248,7 +249,8 @@ public:
         return answer;
     }
 
-    /// Asks on a connection that is kept. The target goes behind "/monitor-service/", the fields end with CR LF.
+    /// Asks on a connection that is kept. The target goes behind "/monitor-service/", the fields end with CR
+    /// LF.
     RawAnswer ask(const std::string& token, const std::string& method, const std::string& target,
                   const std::string& body = {}, const std::string& fields = {})
     {
@@ -269,7 +271,8 @@ public:
         return answer;
     }
 
-    /// Rises with each change that any other connection commits (https://www.sqlite.org/pragma.html#pragma_data_version).
+    /// Rises with each change that any other connection commits
+    /// (https://www.sqlite.org/pragma.html#pragma_data_version).
     int dataVersion() { return m_observer.execAndGet("PRAGMA data_version").getInt(); }
 
     /// Every row of every table that holds what clients write, one text each.

@@ -1,5 +1,4 @@
 #include "ServiceProcess.h"
-
 #include "store/Identifier.h"
 #include "support/TemporaryFolder.h"
 
@@ -28,7 +27,7 @@ protected:
 
     CommandResult admin(const Arguments& arguments) const { return test::runAdmin(file, arguments); }
 
-    /// Runs a command that must succeed; gives what it prints.
+    // Runs a command that must succeed; gives what it prints.
     std::string line(const Arguments& arguments) const
     {
         const CommandResult result = admin(arguments);
@@ -56,7 +55,7 @@ protected:
         return std::string(parser.parse(created)["_id"].get_string().value());
     }
 
-    /// A member of the object at the index of a JSON array, as JSON text.
+    // A member of the object at the index of a JSON array, as JSON text.
     static std::string memberAt(const std::string& json, std::size_t index, std::string_view name)
     {
         simdjson::dom::parser parser;

@@ -1,5 +1,4 @@
 #include "ServiceProcess.h"
-
 #include "service/http/RawClient.h"
 #include "support/TemporaryFolder.h"
 
@@ -47,7 +46,7 @@ protected:
         return arguments;
     }
 
-    /// The port in the line that the service prints when it is ready.
+    // The port in the line that the service prints when it is ready.
     static std::uint16_t portOf(const ServiceProcess& service)
     {
         const std::string line = service.readLine();

@@ -19,7 +19,8 @@ namespace monitorservice::test {
 class ServiceProcess
 {
 public:
-    /// `beforeStart` is called in the new process, for what it is to inherit; only calls that are safe after fork().
+    /// `beforeStart` is called in the new process, for what it is to inherit; only calls that are safe after
+    /// fork().
     explicit ServiceProcess(std::vector<std::string> arguments, void (*beforeStart)() = nullptr)
     {
         // The developer's own data are not the tests' business.

@@ -66,8 +66,8 @@ inline std::vector<std::string> membersOf(const std::string& json, std::string_v
     return values;
 }
 
-/// The service on a free port over a store in a folder of its own: projects "p1" and "p2", categories Settlement and
-/// Inclinometer, and the editor of everything in p1.
+/// The service on a free port over a store in a folder of its own: projects "p1" and "p2", categories
+/// Settlement and Inclinometer, and the editor of everything in p1.
 class ApiFixture : public ::testing::Test
 {
 protected:

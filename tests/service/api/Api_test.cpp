@@ -1,5 +1,4 @@
 #include "ApiFixture.h"
-
 #include "api/Resources.h"
 
 #include <algorithm>

@@ -1,5 +1,4 @@
 #include "ApiFixture.h"
-
 #include "query/Where.h"
 
 namespace monitorservice {
@@ -201,7 +200,7 @@ TEST_F(CellsListing, BadConditionsAreExplained)
         EXPECT_EQ(where(json, "&only_count=true").status, 400U) << json;
     }
     EXPECT_THAT(refusal(where(R"({"name":{"$foo":1}})")), HasSubstr("$foo"));
-    const std::string tooLong = R"({"name":")" + std::string(Where::kMaximumBytes, 'x') + "\"}";
+    const std::string tooLong = R"({"name":")" + std::string(Where::maximumBytes, 'x') + "\"}";
     EXPECT_EQ(list("?where=" + tooLong.substr(0, 9) + tooLong.substr(9)).status, 400U);
 }
 

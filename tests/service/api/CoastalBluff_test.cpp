@@ -1,5 +1,4 @@
 #include "ApiFixture.h"
-
 #include "query/Timestamp.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>

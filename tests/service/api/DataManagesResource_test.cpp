@@ -22,7 +22,7 @@ protected:
         return id;
     }
 
-    /// A later delivery.
+    // A later delivery.
     void touch(const std::string& id, const std::string& cell, const std::string& subCategory)
     {
         write([&](Session& session) {

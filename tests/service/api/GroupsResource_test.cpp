@@ -33,7 +33,7 @@ protected:
         return member(post(body(name, wall, "casing")).body, "_id");
     }
 
-    /// The refusal of a body in which one piece is replaced.
+    // The refusal of a body in which one piece is replaced.
     std::string refusalOf(const std::string& piece, const std::string& by) const
     {
         std::string json = body("G", tower, "ground");

@@ -1,11 +1,10 @@
 #pragma once
 
 #include "ApiFixture.h"
-
 #include "analysis/LocalDays.h"
 #include "analysis/PointLocation.h"
-#include "query/Timestamp.h"
 #include "json/JsonText.h"
+#include "query/Timestamp.h"
 
 #include <algorithm>
 #include <map>
@@ -34,8 +33,8 @@ struct NewPoint
     std::string links = "[]";
 };
 
-/// With project "vienna" in its time zone, and in p1 and there a monitoring and a sub-category of each category. Points
-/// are written into the store, not delivered.
+/// With project "vienna" in its time zone, and in p1 and there a monitoring and a sub-category of each
+/// category. Points are written into the store, not delivered.
 class MeasuredFixture : public ApiFixture
 {
 protected:

@@ -15,7 +15,7 @@ using ::testing::UnorderedElementsAre;
 class PointLocationReads : public test::MeasuredFixture
 {
 protected:
-    /// The times of the samples of each point, by its name.
+    // The times of the samples of each point, by its name.
     static std::map<std::string, std::vector<std::string>> samplesOf(const RawAnswer& answer)
     {
         EXPECT_EQ(answer.status, 200U) << answer.body;

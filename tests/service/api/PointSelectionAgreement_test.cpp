@@ -1,8 +1,7 @@
-// Random points, samples and conditions: what the service answers must be what the matcher alone gives when it is asked
-// of every point and every sample.
+// Random points, samples and conditions: what the service answers must be what the matcher alone gives when
+// it is asked of every point and every sample.
 
 #include "MeasuredFixture.h"
-
 #include "query/Where.h"
 
 #include <random>
@@ -16,7 +15,7 @@ class Chance
 public:
     explicit Chance(unsigned seed) : m_engine(seed) {}
 
-    /// Not std::uniform_int_distribution, which differs between libraries.
+    // Not std::uniform_int_distribution, which differs between libraries.
     std::size_t below(std::size_t end) { return m_engine() % end; }
 
     template <typename Item>
@@ -111,7 +110,7 @@ std::string anyWhere(Chance& chance)
     return json + "}";
 }
 
-/// The conditions on samples and those on points, found anew: the former name "time" or "data.timeFlag".
+// The conditions on samples and those on points, found anew: the former name "time" or "data.timeFlag".
 struct Parts
 {
     Where ofSamples;
@@ -138,7 +137,7 @@ class PointSelectionAgreement : public test::MeasuredFixture
 protected:
     struct Point
     {
-        std::string document; ///< as conditions see it
+        std::string document; // as conditions see it
         std::vector<test::Reading> readings;
         std::string id;
         std::string name;
@@ -197,7 +196,7 @@ protected:
                "}";
     }
 
-    /// For each point that matches its identifier and its samples, as the service writes them.
+    // For each point that matches its identifier and its samples, as the service writes them.
     std::map<std::string, std::string> expected(const std::string& json) const
     {
         const Parts parts = partsOf(json);
@@ -234,7 +233,7 @@ protected:
         return points;
     }
 
-    /// The days computed from the samples of an answer: of each UTC day and point the last value.
+    // The days computed from the samples of an answer: of each UTC day and point the last value.
     static std::map<std::string, double> daysOf(const test::RawAnswer& answer)
     {
         std::map<std::string, double> days;

@@ -13,7 +13,7 @@ class StatisticsResource : public test::MeasuredFixture
 protected:
     using Days = std::vector<std::string>;
 
-    /// A line for each day: its time, and of each value the name, the depth and the value.
+    // A line for each day: its time, and of each value the name, the depth and the value.
     static Days days(const RawAnswer& answer)
     {
         EXPECT_EQ(answer.status, 200U) << answer.body;

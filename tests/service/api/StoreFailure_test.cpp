@@ -1,6 +1,5 @@
-#include "api/Api.h"
-
 #include "ApiFixture.h"
+#include "api/Api.h"
 
 namespace monitorservice {
 namespace {
@@ -29,7 +28,7 @@ HttpResponse answerOf(StoreFailure failure, const std::vector<std::string>& path
     return api.answer(request);
 }
 
-/// The values of the answer's Retry-After fields.
+// The values of the answer's Retry-After fields.
 std::vector<std::string> retryAfter(const HttpResponse& response)
 {
     std::vector<std::string> values;

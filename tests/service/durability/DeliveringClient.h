@@ -24,8 +24,8 @@ struct DeliveryTally
     DeliveryTally& operator+=(const DeliveryTally& other);
 };
 
-/// Sends deliveries of points of its own, one after the other: new samples, corrections of those sent before, repeated
-/// deliveries, over several monitorings and depths. Knows what the service must hold of them.
+/// Sends deliveries of points of its own, one after the other: new samples, corrections of those sent before,
+/// repeated deliveries, over several monitorings and depths. Knows what the service must hold of them.
 class DeliveringClient
 {
 public:
@@ -39,8 +39,8 @@ public:
     /// Sends one delivery; its status.
     std::optional<unsigned> sendOne(const Send& send);
 
-    /// Looks up among the deliveries held what has become of the one that was not answered 2xx. Afterwards the model
-    /// is what must be held.
+    /// Looks up among the deliveries held what has become of the one that was not answered 2xx. Afterwards
+    /// the model is what must be held.
     void resolve(const std::set<std::string>& heldFiles);
 
     const SiteModel& model() const { return m_model; }

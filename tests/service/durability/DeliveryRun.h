@@ -1,7 +1,6 @@
 #pragma once
 
 #include "DeliveringClient.h"
-
 #include "service/admin/ServiceProcess.h"
 #include "service/http/RawClient.h"
 
@@ -70,8 +69,8 @@ private:
     std::string m_token;
 };
 
-/// Deliveries of several clients at once, each on a connection and a thread of its own, until they are no longer
-/// answered or the object ends.
+/// Deliveries of several clients at once, each on a connection and a thread of its own, until they are no
+/// longer answered or the object ends.
 class DeliveryRun
 {
 public:

@@ -15,7 +15,7 @@ using ::testing::HasSubstr;
 class DiskFailure : public DurabilityTest
 {
 protected:
-    /// What is read of the whole project.
+    // What is read of the whole project.
     std::string everything(const StoreRun& run) const
     {
         std::string text;
@@ -28,8 +28,8 @@ protected:
         return text;
     }
 
-    /// One delivery for each number of operations that the disk does well before `fail` takes effect; the disk is
-    /// repaired after each. What is refused must be refused with this message and leave nothing behind.
+    // One delivery for each number of operations that the disk does well before `fail` takes effect; the disk
+    // is repaired after each. What is refused must be refused with this message and leave nothing behind.
     void deliverOnFailing(const std::function<void(FaultyDisk&, std::size_t)>& fail,
                           const std::string& message)
     {

@@ -2,7 +2,6 @@
 
 #include "DeliveringClient.h"
 #include "SiteData.h"
-
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -38,8 +37,8 @@ protected:
         }
     }
 
-    /// Finds out what has become of deliveries not answered 2xx, and compares the file with what it must hold: one line
-    /// for each problem.
+    /// Finds out what has become of deliveries not answered 2xx, and compares the file with what it must
+    /// hold: one line for each problem.
     std::vector<std::string> problemsOf(const std::filesystem::path& data)
     {
         const std::set<std::string> held = heldFiles(data);

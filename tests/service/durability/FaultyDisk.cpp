@@ -30,9 +30,9 @@ struct FaultyDisk::File
 {
     sqlite3_file base;
     FaultyDisk* disk;
-    std::shared_ptr<Content> content; ///< null for files without a name
+    std::shared_ptr<Content> content; // null for files without a name
     bool isMain;
-    bool syncsDirectory; ///< a log that is new: SQLite's own VFS syncs its folder with it
+    bool syncsDirectory; // a log that is new: SQLite's own VFS syncs its folder with it
     sqlite3_file* real;
 };
 
@@ -397,8 +397,8 @@ void FaultyDisk::apply(std::string& bytes, const Change& change)
     bytes.replace(change.offset, change.bytes.size(), change.bytes);
 }
 
-// What was written before the power went may be on the disk up to some moment, or here and there, sector by sector; a
-// sector that was being written may hold anything.
+// What was written before the power went may be on the disk up to some moment, or here and there, sector by
+// sector; a sector that was being written may hold anything.
 std::string FaultyDisk::survivorOf(const Content& content, std::mt19937& random)
 {
     const std::size_t sector = random() % 2 == 0 ? smallSector : largeSector;

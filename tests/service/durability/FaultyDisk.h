@@ -14,9 +14,10 @@
 
 namespace monitorservice::test {
 
-/// The disk under SQLite, as SQLite's default VFS (https://www.sqlite.org/vfs.html) as long as the object lives. What is
-/// written goes to real files; besides, it keeps what a loss of power would leave of them: the bytes that were
-/// synced, and of those written since then any part. It can lose power, and refuse to be written.
+/// The disk under SQLite, as SQLite's default VFS (https://www.sqlite.org/vfs.html) as long as the object
+/// lives. What is written goes to real files; besides, it keeps what a loss of power would leave of them: the
+/// bytes that were synced, and of those written since then any part. It can lose power, and refuse to be
+/// written.
 class FaultyDisk
 {
 public:
@@ -30,8 +31,8 @@ public:
     /// A disk that says that it has synced and has not.
     void ignoreSyncs();
 
-    /// The power goes with the operation after so many further ones: that may happen in part, all later ones fail. An
-    /// operation is a write, a sync, a truncation or a removal.
+    /// The power goes with the operation after so many further ones: that may happen in part, all later ones
+    /// fail. An operation is a write, a sync, a truncation or a removal.
     void losePowerAfter(std::size_t operations);
     /// The same, but the operation is a sync, and the power goes before or after its work is done.
     void losePowerInSyncAfter(std::size_t operations);
@@ -39,7 +40,8 @@ public:
     /// Writes what has survived of the files into a folder, which exists.
     void writeSurvivors(const std::filesystem::path& folder, std::mt19937& random) const;
 
-    /// After so many further operations, writes fail with SQLITE_FULL and the log's shared memory does not grow.
+    /// After so many further operations, writes fail with SQLITE_FULL and the log's shared memory does not
+    /// grow.
     void fillAfter(std::size_t operations);
     /// After so many further operations, writes, truncations and syncs fail with SQLITE_IOERR.
     void breakAfter(std::size_t operations);

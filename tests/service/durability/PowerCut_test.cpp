@@ -10,7 +10,7 @@ namespace {
 class PowerCut : public DurabilityTest
 {
 protected:
-    /// The data file in a new folder.
+    // The data file in a new folder.
     std::filesystem::path nextFile()
     {
         const std::filesystem::path newFolder = folder.file("disk" + std::to_string(++m_folders));
@@ -18,7 +18,7 @@ protected:
         return newFolder / "data.db";
     }
 
-    /// The power goes while clients deliver, or while the service ends. Gives what is found afterwards.
+    // The power goes while clients deliver, or while the service ends. Gives what is found afterwards.
     std::filesystem::path cut(FaultyDisk& disk, const std::filesystem::path& data, bool isNew)
     {
         {

@@ -2,7 +2,6 @@
 #include "DurabilityTest.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
-
 #include <sys/resource.h>
 #ifdef __linux__
 #include <sys/prctl.h>
@@ -40,7 +39,7 @@ void limitFiles()
 class DataServiceProcess : public DurabilityTest
 {
 protected:
-    /// What the service says when it does not start.
+    // What the service says when it does not start.
     static std::string refusal(const std::filesystem::path& data, void (*beforeStart)() = nullptr)
     {
         ServiceProcess process({"serve", "--data", data.string(), "--listen", "127.0.0.1:0"}, beforeStart);

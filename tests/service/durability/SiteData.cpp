@@ -1,11 +1,10 @@
 #include "SiteData.h"
 
 #include "DeliveringClient.h"
-
 #include "admin/Secret.h"
 #include "admin/SubCategory.h"
-#include "store/SqliteStore.h"
 #include "json/JsonText.h"
+#include "store/SqliteStore.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <simdjson.h>

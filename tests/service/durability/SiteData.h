@@ -1,7 +1,6 @@
 #pragma once
 
 #include "SiteModel.h"
-
 #include "store/Store.h"
 
 #include <filesystem>
@@ -11,22 +10,23 @@
 
 namespace monitorservice::test {
 
-/// Writes a project with its monitorings, groups and the token of an editor into a store; the groups list the points
-/// of so many clients.
+/// Writes a project with its monitorings, groups and the token of an editor into a store; the groups list the
+/// points of so many clients.
 Site makeSite(Store& store, std::size_t clients);
 
 /// The same in a new data file.
 Site makeSite(const std::filesystem::path& file, std::size_t clients);
 
-/// The fileIds of all deliveries that a data file has in its history. Reads with SQL alone, as the next two do.
+/// The fileIds of all deliveries that a data file has in its history. Reads with SQL alone, as the next two
+/// do.
 std::set<std::string> heldFiles(const std::filesystem::path& file);
 
-/// What is wrong with a data file by itself: damage, dangling references, counts and histories that contradict the
-/// samples. Empty when nothing is.
+/// What is wrong with a data file by itself: damage, dangling references, counts and histories that
+/// contradict the samples. Empty when nothing is.
 std::vector<std::string> flawsOf(const std::filesystem::path& file);
 
-/// What a data file holds otherwise than the models of all clients together say, one line for each sample, day,
-/// point, delivery and alarm. Empty when it holds just that.
+/// What a data file holds otherwise than the models of all clients together say, one line for each sample,
+/// day, point, delivery and alarm. Empty when it holds just that.
 std::vector<std::string> differences(const std::filesystem::path& file, const Site& site,
                                      const std::vector<const SiteModel*>& models);
 

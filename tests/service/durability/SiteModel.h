@@ -28,7 +28,8 @@ struct GroupLimits
 /// What the tests deliver to.
 struct Site
 {
-    /// Its clock is 5:30 h ahead of UTC all the year, so that days can be counted without a time zone database.
+    /// Its clock is 5:30 h ahead of UTC all the year, so that days can be counted without a time zone
+    /// database.
     static constexpr const char* timeZone = "Asia/Kolkata";
     static constexpr int offsetMinutes = 330;
 
@@ -84,8 +85,9 @@ struct SentDelivery
 /// The body of the request.
 std::string toJson(const SentDelivery& delivery, const Site& site, bool isNested);
 
-/// What the service must hold after some deliveries: computed from the description of deliveries, days and alarms,
-/// without the service's code. Only one client writes the points of a model; several share the targets.
+/// What the service must hold after some deliveries: computed from the description of deliveries, days and
+/// alarms, without the service's code. Only one client writes the points of a model; several share the
+/// targets.
 class SiteModel
 {
 public:

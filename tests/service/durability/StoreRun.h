@@ -1,7 +1,6 @@
 #pragma once
 
 #include "DeliveringClient.h"
-
 #include "api/Api.h"
 #include "store/SqliteStore.h"
 
@@ -15,8 +14,8 @@
 
 namespace monitorservice::test {
 
-/// The service's answers over a data file, within the test's own process and without sockets, so that the disk under it
-/// can be the test's.
+/// The service's answers over a data file, within the test's own process and without sockets, so that the
+/// disk under it can be the test's.
 class StoreRun
 {
 public:
@@ -47,7 +46,8 @@ public:
         };
     }
 
-    /// Deliveries of all clients at once, each on a thread of its own, until each has one that is not answered 2xx.
+    /// Deliveries of all clients at once, each on a thread of its own, until each has one that is not
+    /// answered 2xx.
     void deliverUntilRefused(const std::vector<std::unique_ptr<DeliveringClient>>& clients,
                              const Site& site) const
     {

@@ -13,11 +13,12 @@ using std::chrono::milliseconds;
 
 namespace {
 
-/// Sends a piece again and again until the server has had enough; the answer is read afterwards.
+// Sends a piece again and again until the server has had enough; the answer is read afterwards.
 void sendUntilRefused(RawClient& client, const HttpServer& server, const std::string& piece)
 {
-    while (server.counters().answers[4] == 0 && client.send(piece))
+    while (server.counters().answers[4] == 0 && client.send(piece)) {
         std::this_thread::sleep_for(milliseconds(5));
+    }
 }
 
 void expectAllClosed(const HttpServer& server)
@@ -196,8 +197,9 @@ TEST(HttpDeadlines, AClientThatKeepsItsSideOpenIsClosedAfterAnError)
     // Bytes that go on arriving do not keep it open either.
     RawClient talkative(server.port());
     talkative.send(get("/%"));
-    while (talkative.send("more"))
+    while (talkative.send("more")) {
         std::this_thread::sleep_for(milliseconds(1));
+    }
     expectAllClosed(server);
 }
 
@@ -211,8 +213,9 @@ TEST(HttpDeadlines, SlowClientsDelayNobody)
                                     : "POST / HTTP/1.1\r\nHost: h\r\nContent-Length: 9\r\n\r\n1");
     }
     EXPECT_EQ(ask(server, get("/")).status, 200U);
-    for (RawClient& client : slow)
+    for (RawClient& client : slow) {
         client.close();
+    }
     expectAllClosed(server);
 }
 

@@ -35,7 +35,7 @@ const std::string hidden = "GET /hidden HTTP/1.1\r\nHost: h\r\n\r\n";
 
 } // namespace
 
-/// Requests that two implementations might cut at different places.
+// Requests that two implementations might cut at different places.
 class HttpFraming : public testing::TestWithParam<Refused>
 {
 };

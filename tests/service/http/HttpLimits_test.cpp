@@ -11,7 +11,7 @@ using namespace test;
 
 namespace {
 
-/// A request whose header is exactly so many bytes long.
+// A request whose header is exactly so many bytes long.
 std::string getWithHeaderOf(std::size_t size)
 {
     const std::string shortest = get("/", "X: \r\n");
@@ -70,8 +70,9 @@ TEST(HttpLimits, FieldsAtTheirLimit)
     const HttpServer server = serve(limits);
     const auto withFields = [](int count) {
         std::string fields;
-        for (int i = 1; i < count; ++i)
+        for (int i = 1; i < count; ++i) {
             fields += "X: 1\r\n";
+        }
         return get("/", fields);
     };
     EXPECT_EQ(ask(server, withFields(9)).status, 200U);
@@ -93,8 +94,9 @@ TEST(HttpLimits, TheUsualLimitsTakeALongWhereDocument)
 {
     const HttpServer server = serve();
     std::string where;
-    for (int i = 0; i < 8 * 1024; ++i)
+    for (int i = 0; i < 8 * 1024; ++i) {
         where += "%22";
+    }
     EXPECT_EQ(ask(server, get("/monitor-service/projects/p/pointLocations?where=" + where)).status, 200U);
 }
 
@@ -170,8 +172,9 @@ TEST(HttpLimits, BodiesTogetherAtTheirLimit)
     HttpLimits limits;
     limits.largestBodiesTogether = 100'000;
     const HttpServer server = serve(limits, [released](HttpRequest&& request) {
-        if (request.target == "/held")
+        if (request.target == "/held") {
             released.wait();
+        }
         return echo(std::move(request));
     });
     RawClient holder(server.port());
@@ -224,8 +227,9 @@ TEST(HttpLimits, ConnectionsFarBeyondTheLimitAreClosed)
     const HttpServer server = serve(limits);
     std::vector<RawClient> clients;
     clients.reserve(65);
-    for (int i = 0; i < 65; ++i)
+    for (int i = 0; i < 65; ++i) {
         clients.emplace_back(server.port());
+    }
     waitUntil([&server] { return server.counters().openConnections == 65; });
     EXPECT_TRUE(RawClient(server.port()).isEnded());
 }

@@ -1,5 +1,4 @@
 #include "ServerFixture.h"
-
 #include "http/DescriptorLimit.h"
 
 #include <gmock/gmock.h>
@@ -25,7 +24,7 @@ bool isLongRun()
     return value != nullptr && std::string_view(value) == "1";
 }
 
-/// Connections that send a byte of a request now and then, and never its end.
+// Connections that send a byte of a request now and then, and never its end.
 class SlowClients
 {
 public:
@@ -38,7 +37,7 @@ public:
         }
     }
 
-    /// One byte more of each; whom the server has answered and closed begins anew.
+    // One byte more of each; whom the server has answered and closed begins anew.
     void trickle()
     {
         for (std::size_t i = 0; i < m_clients.size(); ++i) {
@@ -67,7 +66,8 @@ private:
 
 } // namespace
 
-// Whether it is quick enough depends on the machine, so the times are printed; that every request is answered does not.
+// Whether it is quick enough depends on the machine, so the times are printed; that every request is answered
+// does not.
 TEST(HttpLoad, FiveHundredSlowAndAThousandIdleConnectionsDelayNobody)
 {
     constexpr std::size_t slow = 500;

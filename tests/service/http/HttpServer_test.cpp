@@ -16,7 +16,7 @@ using testing::StartsWith;
 
 namespace {
 
-/// What a request is answered while twice as many others as may run at a time take their time.
+// What a request is answered while twice as many others as may run at a time take their time.
 unsigned statusBeside(const std::string& slowRequest, const std::string& request)
 {
     std::promise<void> release;
@@ -24,15 +24,17 @@ unsigned statusBeside(const std::string& slowRequest, const std::string& request
     HttpLimits limits;
     limits.readerThreads = limits.writerThreads = 2;
     const HttpServer server = serve(limits, [released](HttpRequest&& taken) {
-        if (taken.target == "/slow")
+        if (taken.target == "/slow") {
             released.wait();
+        }
         return echo(std::move(taken));
     });
     // Gone before the server, which waits for its handlers.
     const std::promise<void> releasedAtTheEnd = std::move(release);
     std::vector<RawClient> slow;
-    for (std::size_t i = 0; i < 4; ++i)
+    for (std::size_t i = 0; i < 4; ++i) {
         slow.emplace_back(server.port()).send(slowRequest);
+    }
     waitUntil([&] { return server.counters().requestsInProgress == slow.size(); });
     RawClient client(server.port());
     client.send(request);
@@ -124,8 +126,9 @@ TEST(HttpServer, AnswersPipelinedRequestsInOrder)
 {
     // The first is the slowest: an answer that overtook another would show.
     const HttpServer server = serve({}, [](HttpRequest&& request) {
-        if (request.target == "/0")
+        if (request.target == "/0") {
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
         return echo(std::move(request));
     });
     RawClient client(server.port());
@@ -148,8 +151,9 @@ TEST(HttpServer, AcceptsARequestByteForByte)
 {
     const HttpServer server = serve();
     RawClient client(server.port());
-    for (const char byte : post("/a", "b") + postChunked("/c", "1\r\nd\r\n0\r\n\r\n"))
+    for (const char byte : post("/a", "b") + postChunked("/c", "1\r\nd\r\n0\r\n\r\n")) {
         client.send(std::string_view(&byte, 1));
+    }
     EXPECT_EQ(client.readAnswer().body, echoed("POST", "/a", "b"));
     EXPECT_EQ(client.readAnswer().body, echoed("POST", "/c", "d"));
 }
@@ -237,10 +241,12 @@ TEST(HttpServer, RefusesInsteadOfContinuing)
 TEST(HttpServer, AHandlerThatThrowsIsAnswered500WithoutDetails)
 {
     const HttpServer server = serve({}, [](HttpRequest&& request) -> HttpResponse {
-        if (request.target.substr(0, 6) == "/throw")
+        if (request.target.substr(0, 6) == "/throw") {
             throw std::runtime_error("secret\ndetail");
-        if (request.target == "/other")
+        }
+        if (request.target == "/other") {
             throw 42; // NOLINT(hicpp-exception-baseclass): what the test is about
+        }
         return echo(std::move(request));
     });
     RawClient client(server.port());
@@ -260,12 +266,13 @@ TEST(HttpServer, AnAnswerThatWouldBreakTheFramingBecomesA500)
 {
     const HttpServer server = serve({}, [](HttpRequest&& request) {
         HttpResponse response;
-        if (request.target == "/header")
+        if (request.target == "/header") {
             response.headers.emplace_back("X-A", "b\r\nX-Injected: 1");
-        else if (request.target == "/type")
+        } else if (request.target == "/type") {
             response.contentType = "a\nb";
-        else
+        } else {
             response.status = static_cast<unsigned>(std::stoul(request.target.substr(1)));
+        }
         return response;
     });
     testing::internal::CaptureStderr();
@@ -281,8 +288,9 @@ TEST(HttpServer, SendsALargeAnswerWhole)
 {
     std::string large;
     large.resize(40'000'000);
-    for (std::size_t i = 0; i < large.size(); ++i)
+    for (std::size_t i = 0; i < large.size(); ++i) {
         large[i] = static_cast<char>('a' + i % 23);
+    }
     const HttpServer server = serve({}, [&large](HttpRequest&&) {
         HttpResponse response;
         response.body = large;
@@ -305,8 +313,9 @@ TEST(HttpServer, AClientThatLeavesInTheMiddleOfAnAnswerIsForgotten)
         RawClient client(server.port(), 4096);
         client.send(get("/"));
         client.readBytes(100);
-        if (i % 2 == 0)
+        if (i % 2 == 0) {
             client.reset();
+        }
     }
     waitUntil([&server] { return server.counters().openConnections == 0; });
     EXPECT_EQ(ask(server, get("/")).body.size(), 40'000'000U);
@@ -352,8 +361,9 @@ TEST(HttpServer, ASlowHandlerDelaysNobodyElse)
     HttpLimits limits;
     limits.readerThreads = 2;
     const HttpServer server = serve(limits, [released](HttpRequest&& request) {
-        if (request.target == "/slow")
+        if (request.target == "/slow") {
             released.wait();
+        }
         return echo(std::move(request));
     });
     RawClient slow(server.port());
@@ -402,8 +412,9 @@ TEST(HttpServer, AnswersManyClientsAtOnce)
             return right;
         }));
     }
-    for (std::future<int>& client : clients)
+    for (std::future<int>& client : clients) {
         EXPECT_EQ(client.get(), 200);
+    }
     EXPECT_EQ(server.counters().answers[2], 3200U);
     EXPECT_EQ(server.counters().requestsInProgress, 0U);
     EXPECT_EQ(server.counters().bodyBytes, 0U);

@@ -13,7 +13,7 @@ using std::chrono::milliseconds;
 
 namespace {
 
-/// A handler that answers /held only when it is released.
+// A handler that answers /held only when it is released.
 class Gate
 {
 public:
@@ -21,8 +21,9 @@ public:
     {
         return [this](HttpRequest&& request) {
             ++m_entered;
-            if (request.target == "/held")
+            if (request.target == "/held") {
                 m_released.wait();
+            }
             return echo(std::move(request));
         };
     }

@@ -19,8 +19,9 @@ TEST(ListenAddress, ReadsIPv4AndIPv6)
 
 TEST(ListenAddress, WritesWhatItReads)
 {
-    for (const char* text : {"127.0.0.1:8080", "[::1]:1", "[::]:0", "[fe80::1]:443"})
+    for (const char* text : {"127.0.0.1:8080", "[::1]:1", "[::]:0", "[fe80::1]:443"}) {
         EXPECT_EQ(toText(parseListenAddress(text)), text);
+    }
 }
 
 TEST(ListenAddress, RefusesAnythingElseAndQuotesIt)

@@ -37,8 +37,9 @@ public:
     explicit RawClient(std::uint16_t port, int receiveBuffer = 0)
         : m_socket(::socket(AF_INET, SOCK_STREAM, 0))
     {
-        if (receiveBuffer > 0)
+        if (receiveBuffer > 0) {
             setsockopt(m_socket, SOL_SOCKET, SO_RCVBUF, &receiveBuffer, sizeof receiveBuffer);
+        }
         const int on = 1;
         setsockopt(m_socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
         // Far beyond what any test waits for: a server that hangs fails the test instead of hanging it.
@@ -71,8 +72,9 @@ public:
     {
         while (!bytes.empty()) {
             const ssize_t sent = ::send(m_socket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-            if (sent <= 0)
+            if (sent <= 0) {
                 return false;
+            }
             bytes.remove_prefix(static_cast<std::size_t>(sent));
         }
         return true;
@@ -82,8 +84,9 @@ public:
 
     void close()
     {
-        if (m_socket >= 0)
+        if (m_socket >= 0) {
             ::close(m_socket);
+        }
         m_socket = -1;
     }
 
@@ -100,20 +103,23 @@ public:
     {
         RawAnswer answer;
         answer.statusLine = readLine();
-        if (answer.statusLine.size() < 12)
+        if (answer.statusLine.size() < 12) {
             throw std::runtime_error("no status line: " + answer.statusLine);
+        }
         answer.status = static_cast<unsigned>(std::stoul(answer.statusLine.substr(9, 3)));
         for (std::string line = readLine(); !line.empty(); line = readLine()) {
             const std::size_t colon = line.find(": ");
             std::string name = line.substr(0, colon);
             std::transform(name.begin(), name.end(), name.begin(),
                            [](unsigned char c) { return std::tolower(c); });
-            if (!answer.fields.emplace(name, line.substr(colon + 2)).second)
+            if (!answer.fields.emplace(name, line.substr(colon + 2)).second) {
                 throw std::runtime_error("repeated field " + name);
+            }
         }
         const auto length = answer.fields.find("content-length");
-        if (hasBody && length != answer.fields.end())
+        if (hasBody && length != answer.fields.end()) {
             answer.body = readBytes(std::stoul(length->second));
+        }
         return answer;
     }
 
@@ -130,8 +136,9 @@ public:
     std::string readBytes(std::size_t size)
     {
         while (m_received.size() < size) {
-            if (!receive())
+            if (!receive()) {
                 throw std::runtime_error("the connection ended within an answer");
+            }
         }
         std::string bytes = m_received.substr(0, size);
         m_received.erase(0, size);
@@ -143,8 +150,9 @@ private:
     {
         std::size_t end = m_received.find("\r\n");
         for (; end == std::string::npos; end = m_received.find("\r\n")) {
-            if (!receive())
+            if (!receive()) {
                 throw std::runtime_error("the connection ended before an answer");
+            }
         }
         std::string line = m_received.substr(0, end);
         m_received.erase(0, end + 2);
@@ -155,8 +163,9 @@ private:
     {
         std::array<char, 65536> bytes{};
         const ssize_t size = ::recv(m_socket, bytes.data(), bytes.size(), 0);
-        if (size < 0)
+        if (size < 0) {
             throw std::system_error(errno, std::generic_category(), "recv");
+        }
         m_received.append(bytes.data(), static_cast<std::size_t>(size));
         return size > 0;
     }

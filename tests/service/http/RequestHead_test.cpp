@@ -13,13 +13,13 @@ RequestHead parsed(const std::string& text)
     return parseRequestHead(text, HttpLimits());
 }
 
-/// A request for "/" with these fields, each with its line end.
+// A request for "/" with these fields, each with its line end.
 std::string withFields(const std::string& fields)
 {
     return "GET / HTTP/1.1\r\nHost: h\r\n" + fields + "\r\n";
 }
 
-/// The status the header is refused with; 0 when it is accepted.
+// The status the header is refused with; 0 when it is accepted.
 unsigned refusal(const std::string& text)
 {
     try {
@@ -73,16 +73,19 @@ TEST(RequestHead, ConnectionIsKeptUnlessClosed)
 
 TEST(RequestHead, RefusesMalformedRequestLines)
 {
-    for (const char* line : {"", "GET", "GET /", "GET  HTTP/1.1x", " GET / HTTP/1.1", "G(T / HTTP/1.1",
-                             "GET / http/1.1", "GET\t/\tHTTP/1.1", "GET / HTTQ/1.1", "GET / HTTP/1.10",
-                             "GET / HTTP/1", "GET / HTTP/", "GET / HTTP/1,1", "GET / ", "G\x80T / HTTP/1.1"})
+    for (const char* line :
+         {"", "GET", "GET /", "GET  HTTP/1.1x", " GET / HTTP/1.1", "G(T / HTTP/1.1", "GET / http/1.1",
+          "GET\t/\tHTTP/1.1", "GET / HTTQ/1.1", "GET / HTTP/1.10", "GET / HTTP/1", "GET / HTTP/",
+          "GET / HTTP/1,1", "GET / ", "G\x80T / HTTP/1.1"}) {
         EXPECT_EQ(refusal(std::string(line) + "\r\nHost: h\r\n\r\n"), 400U) << line;
+    }
 }
 
 TEST(RequestHead, RefusesOtherVersions)
 {
-    for (const char* version : {"HTTP/2.0", "HTTP/0.9", "HTTP/1.2", "HTTP/3.0"})
+    for (const char* version : {"HTTP/2.0", "HTTP/0.9", "HTTP/1.2", "HTTP/3.0"}) {
         EXPECT_EQ(refusal("GET / " + std::string(version) + "\r\nHost: h\r\n\r\n"), 505U) << version;
+    }
 }
 
 TEST(RequestHead, RefusesTraceAndConnectOnly)
@@ -97,8 +100,9 @@ TEST(RequestHead, RefusesMalformedFields)
 {
     for (const char* field :
          {"NoColon", ": value", "Na me: v", "Name : v", "Name\t: v", "N(me: v", " Folded: v", "\tFolded: v",
-          "Name: a\x01z", "Name: a\x7Fz", "Name: a\rb", "N\xC3\xA9: v"})
+          "Name: a\x01z", "Name: a\x7Fz", "Name: a\rb", "N\xC3\xA9: v"}) {
         EXPECT_EQ(refusal(withFields(std::string(field) + "\r\n")), 400U) << field;
+    }
     EXPECT_EQ(refusal(withFields(std::string("Name: a\0b\r\n", 11))), 400U);
     EXPECT_EQ(refusal(withFields("Name: a\r\n folded\r\n")), 400U);
     EXPECT_EQ(refusal(withFields("Name: a\nOther: b\r\n")), 400U);
@@ -117,8 +121,9 @@ TEST(RequestHead, RefusesRepeatedFieldsThatMustStandOnce)
          {"Host: h", "Content-Length: 1", "Transfer-Encoding: chunked", "Authorization: Bearer t",
           "Content-Type: a/b", "Content-Encoding: identity", "Expect: 100-continue"}) {
         std::string text = "POST / HTTP/1.1\r\n";
-        for (int i = 0; i < 2; ++i)
+        for (int i = 0; i < 2; ++i) {
             text.append(field).append("\r\n");
+        }
         EXPECT_EQ(refusal(text.append("\r\n")), 400U) << field;
     }
 }
@@ -128,10 +133,12 @@ TEST(RequestHead, HostIsRequiredInVersion11)
     EXPECT_EQ(refusal("GET / HTTP/1.1\r\n\r\n"), 400U);
     EXPECT_EQ(refusal("GET / HTTP/1.0\r\n\r\n"), 0U);
     EXPECT_EQ(refusal("GET / HTTP/1.0\r\nHost: a\r\nHost: b\r\n\r\n"), 400U);
-    for (const char* host : {"", "h", "h:80", "127.0.0.1:1", "[::1]:80", "a-b.c_d"})
+    for (const char* host : {"", "h", "h:80", "127.0.0.1:1", "[::1]:80", "a-b.c_d"}) {
         EXPECT_EQ(refusal("GET / HTTP/1.1\r\nHost: " + std::string(host) + "\r\n\r\n"), 0U) << host;
-    for (const char* host : {"a b", "a/b", "a@b", "a?b", "a#b", "\xC3\xA9", "a\\b", "\"a\""})
+    }
+    for (const char* host : {"a b", "a/b", "a@b", "a?b", "a#b", "\xC3\xA9", "a\\b", "\"a\""}) {
         EXPECT_EQ(refusal("GET / HTTP/1.1\r\nHost: " + std::string(host) + "\r\n\r\n"), 400U) << host;
+    }
 }
 
 TEST(RequestHead, ReadsContentLengthStrictly)
@@ -141,8 +148,9 @@ TEST(RequestHead, ReadsContentLengthStrictly)
     EXPECT_EQ(parsed(withFields("Content-Length: 67108864\r\n")).contentLength, 67108864U);
     EXPECT_EQ(refusal(withFields("Content-Length: 67108865\r\n")), 413U);
     EXPECT_EQ(refusal(withFields("Content-Length: 18446744073709551616\r\n")), 413U);
-    for (const char* length : {"", "-1", "+1", "0x10", "1 1", "1, 1", "1,1", "1.0", "a", "1a", "1e3"})
+    for (const char* length : {"", "-1", "+1", "0x10", "1 1", "1, 1", "1,1", "1.0", "a", "1a", "1e3"}) {
         EXPECT_EQ(refusal(withFields("Content-Length: " + std::string(length) + "\r\n")), 400U) << length;
+    }
 }
 
 TEST(RequestHead, ReadsTransferEncodingStrictly)
@@ -150,9 +158,10 @@ TEST(RequestHead, ReadsTransferEncodingStrictly)
     EXPECT_TRUE(parsed(withFields("Transfer-Encoding: chunked\r\n")).isChunked);
     EXPECT_TRUE(parsed(withFields("Transfer-Encoding: CHUNKED\r\n")).isChunked);
     for (const char* encoding : {"", "gzip", "identity", "gzip, chunked", "chunked, gzip", "chunked, chunked",
-                                 "xchunked", "chunked;a=b", "chunked,"})
+                                 "xchunked", "chunked;a=b", "chunked,"}) {
         EXPECT_EQ(refusal(withFields("Transfer-Encoding: " + std::string(encoding) + "\r\n")), 501U)
             << encoding;
+    }
     EXPECT_EQ(refusal(withFields("Transfer-Encoding: chunked\r\nContent-Length: 1\r\n")), 400U);
     EXPECT_EQ(refusal(withFields("Content-Length: 1\r\nTransfer-Encoding: gzip\r\n")), 400U);
     EXPECT_EQ(refusal(withFields("Transfer-Encoding : chunked\r\n")), 400U);
@@ -185,8 +194,9 @@ TEST(FindHeadEnd, FindsTheEmptyLineHoweverTheBytesArrive)
 {
     const std::string head = withFields("A: b\r\n");
     std::size_t examined = 0;
-    for (std::size_t size = 0; size < head.size(); ++size)
+    for (std::size_t size = 0; size < head.size(); ++size) {
         EXPECT_EQ(findHeadEnd(std::string_view(head).substr(0, size), examined), std::nullopt) << size;
+    }
     EXPECT_EQ(findHeadEnd(head, examined), head.size());
     EXPECT_EQ(headEnd(head + "body\r\n\r\n"), head.size());
 }
@@ -194,14 +204,16 @@ TEST(FindHeadEnd, FindsTheEmptyLineHoweverTheBytesArrive)
 TEST(FindHeadEnd, RefusesABareLineFeedAtOnce)
 {
     for (const char* text :
-         {"GET / HTTP/1.1\n", "GET / HTTP/1.1\r\nA: b\n", "GET / HTTP/1.1\r\n\n", "A\n\r\n"})
+         {"GET / HTTP/1.1\n", "GET / HTTP/1.1\r\nA: b\n", "GET / HTTP/1.1\r\n\n", "A\n\r\n"}) {
         EXPECT_THROW(headEnd(text), RefusedRequest) << text;
+    }
 }
 
 TEST(FindHeadEnd, RefusesWhatCannotBeAMethod)
 {
-    for (const char* text : {"\x16\x03\x01", " GET", "\nGET", "{", "\x80", "\"", "("})
+    for (const char* text : {"\x16\x03\x01", " GET", "\nGET", "{", "\x80", "\"", "("}) {
         EXPECT_THROW(headEnd(text), RefusedRequest) << text;
+    }
     EXPECT_EQ(headEnd("G"), std::nullopt);
 }
 

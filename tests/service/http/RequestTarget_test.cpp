@@ -12,7 +12,7 @@ using testing::Pair;
 
 namespace {
 
-/// The status the target is refused with; 0 when it is accepted.
+// The status the target is refused with; 0 when it is accepted.
 unsigned refusal(std::string_view target)
 {
     try {
@@ -92,29 +92,34 @@ TEST(RequestTarget, DecodesUtf8)
 
 TEST(RequestTarget, RefusesWhatIsNotUtf8)
 {
-    for (const char* target : {"/%80", "/%C3", "/%C3%28", "/%C0%AF", "/%E0%80%AF", "/%ED%A0%80",
-                               "/%F4%90%80%80", "/%FF", "/x?%C3=1", "/x?a=%C3", "/x?a=%C3&b=%A9", "/%C3/%A9"})
+    for (const char* target :
+         {"/%80", "/%C3", "/%C3%28", "/%C0%AF", "/%E0%80%AF", "/%ED%A0%80", "/%F4%90%80%80", "/%FF",
+          "/x?%C3=1", "/x?a=%C3", "/x?a=%C3&b=%A9", "/%C3/%A9"}) {
         EXPECT_EQ(refusal(target), 400U) << target;
+    }
 }
 
 TEST(RequestTarget, RefusesIncompletePercentEncoding)
 {
     for (const char* target : {"/%", "/%4", "/a%", "/%zz", "/%4g", "/%g4", "/% 41", "/%+4", "/%-1", "/%4/1",
-                               "/%0x", "/%%41", "/x?a=%", "/x?%4=1", "/x?a=%4&1"})
+                               "/%0x", "/%%41", "/x?a=%", "/x?%4=1", "/x?a=%4&1"}) {
         EXPECT_EQ(refusal(target), 400U) << target;
+    }
 }
 
 TEST(RequestTarget, RefusesOtherForms)
 {
-    for (const char* target : {"", "*", "x", "http://localhost/x", "localhost:80", "?a=1", "\\x"})
+    for (const char* target : {"", "*", "x", "http://localhost/x", "localhost:80", "?a=1", "\\x"}) {
         EXPECT_EQ(refusal(target), 400U) << target;
+    }
 }
 
 TEST(RequestTarget, RefusesFragmentsBlanksControlsAndRawBytes)
 {
     for (const char* target :
-         {"/x#y", "/x?a=1#", "/#", "/a b", "/a\tb", "/a\x01", "/a\x7F", "/\xC3\xA9", "/x?a=\xFF"})
+         {"/x#y", "/x?a=1#", "/#", "/a b", "/a\tb", "/a\x01", "/a\x7F", "/\xC3\xA9", "/x?a=\xFF"}) {
         EXPECT_EQ(refusal(target), 400U) << target;
+    }
     EXPECT_EQ(refusal(std::string_view("/a\0b", 4)), 400U);
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "RawClient.h"
-
 #include "http/HttpServer.h"
 
 #include <chrono>
@@ -60,8 +59,9 @@ inline RawAnswer ask(const HttpServer& server, std::string_view bytes)
 /// Waits until the condition holds, for as long as the test runner lets the test run.
 inline void waitUntil(const std::function<bool()>& condition)
 {
-    while (!condition())
+    while (!condition()) {
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
 }
 
 } // namespace monitorservice::test

@@ -1,7 +1,6 @@
-#include "RKAlarm.h"
-
 #include "../../support/Json.h"
 #include "../../support/Text.h"
+#include "RKAlarm.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,6 @@
-#include "frame/RequestFrame.h"
-
 #include "../../support/Text.h"
-
 #include "frame/ProjectIdentifier.h"
+#include "frame/RequestFrame.h"
 
 #include <gtest/gtest.h>
 

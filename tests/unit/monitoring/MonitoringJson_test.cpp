@@ -74,8 +74,9 @@ TEST_F(MonitoringJson, WithoutAModelLinkTheModelStays)
     RKMonitoring record;
     record.modelId = "old"_q;
     for (const char* text :
-         {"{}", R"({"links":[]})", R"({"links":"model"})", R"({"links":[7,{"type":"x","rId":"m"}]})"})
+         {"{}", R"({"links":[]})", R"({"links":"model"})", R"({"links":[7,{"type":"x","rId":"m"}]})"}) {
         EXPECT_EQ(read(text, record).modelId, "old"_q) << text;
+    }
 }
 
 TEST_F(MonitoringJson, MissingMembersAreEmptiedButNotTheCallersOwn)

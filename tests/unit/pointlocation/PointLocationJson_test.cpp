@@ -3,9 +3,8 @@
 #include "../../support/Json.h"
 #include "../../support/Text.h"
 
-#include <RKSoftCache.h>
-
 #include <QJsonArray>
+#include <RKSoftCache.h>
 
 #include <gtest/gtest.h>
 
@@ -271,8 +270,9 @@ TEST_F(PointLocationJson, EverySampleHasItsOwnTimeFlag)
         R"({"data":[{"timeFlag":"A"},{"timeFlag":"A"},{"timeFlag":"B"},{},{"timeFlag":7},{"timeFlag":""},
         {"timeFlag":"A"},5,{"timeFlag":"A"}]})");
     QStringList flags;
-    for (const RKPointLocationData& sample : qAsConst(point.data))
+    for (const RKPointLocationData& sample : qAsConst(point.data)) {
         flags.append(sample.timeFlag);
+    }
     EXPECT_EQ(flags, QStringList({"A"_q, "A"_q, "B"_q, {}, {}, {}, "A"_q, {}, "A"_q}));
     point.data[0].timeFlag.append("2"_q);
     EXPECT_EQ(point.data.at(1).timeFlag, "A"_q);

@@ -14,7 +14,7 @@ QDateTime utc(int year, int month, int day, int hour = 0, int minute = 0)
     return QDateTime(QDate(year, month, day), QTime(hour, minute), Qt::UTC);
 }
 
-/// A condition whose period is March 2024.
+// A condition whose period is March 2024.
 template <typename Condition>
 Condition inMarch()
 {

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// What the shell hands over for `line`; the last word is being typed.
+// What the shell hands over for `line`; the last word is being typed.
 QStringList completed(const char* line)
 {
     const CommandLine commandLine;

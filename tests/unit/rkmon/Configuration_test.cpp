@@ -8,15 +8,16 @@
 
 namespace {
 
-/// A configuration folder and token of the test's own, and no settings from the caller's environment.
+// A configuration folder and token of the test's own, and no settings from the caller's environment.
 class ConfigurationTest : public testing::Test
 {
 protected:
     void SetUp() override
     {
         ASSERT_TRUE(m_folder.isValid());
-        for (const char* name : {"RKMON_BASE_API", "RKMON_PROJECT", "RKMON_TOKEN_FILE"})
+        for (const char* name : {"RKMON_BASE_API", "RKMON_PROJECT", "RKMON_TOKEN_FILE"}) {
             qunsetenv(name);
+        }
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(m_folder.path()));
         write("token", "rkm_secret\n");
     }
@@ -35,7 +36,7 @@ protected:
         ASSERT_TRUE(file.setPermissions(QFile::ReadOwner | QFile::WriteOwner));
     }
 
-    /// Flags that are complete.
+    // Flags that are complete.
     ConfigurationFlags flags() const
     {
         ConfigurationFlags flags;
@@ -98,8 +99,9 @@ TEST_F(ConfigurationTest, MissingSettingNamesTheThreeWays)
     ConfigurationFlags noAddress = flags();
     noAddress.baseApi.clear();
     const QString message = failureOf(noAddress);
-    for (const char* way : {"--base-api", "RKMON_BASE_API", "base-api = ...", "rkmon/config.ini"})
+    for (const char* way : {"--base-api", "RKMON_BASE_API", "base-api = ...", "rkmon/config.ini"}) {
         EXPECT_TRUE(message.contains(QString::fromUtf8(way))) << way << " in " << qPrintable(message);
+    }
 
     ConfigurationFlags noToken = flags();
     noToken.tokenFile.clear();

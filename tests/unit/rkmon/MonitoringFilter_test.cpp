@@ -2,9 +2,8 @@
 
 #include "Failure.h"
 
-#include <RKPub.h>
-
 #include <QRegularExpression>
+#include <RKPub.h>
 
 #include <gtest/gtest.h>
 
@@ -35,7 +34,7 @@ MonitoringFilter between(const char* since, const char* until)
     return filter;
 }
 
-/// Whether the service, which matches a pattern anywhere and ignores case, would find `text`.
+// Whether the service, which matches a pattern anywhere and ignores case, would find `text`.
 bool finds(const QString& pattern, const char* text)
 {
     const QRegularExpression expression(pattern, QRegularExpression::CaseInsensitiveOption);

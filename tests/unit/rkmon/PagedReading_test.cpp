@@ -13,14 +13,15 @@ struct Row
     QString id;
 };
 
-/// A list held elsewhere, which may change before each page is read.
+// A list held elsewhere, which may change before each page is read.
 class ChangingList
 {
 public:
     explicit ChangingList(int size)
     {
-        for (int i = 0; i < size; ++i)
+        for (int i = 0; i < size; ++i) {
             add();
+        }
     }
 
     void add() { m_rows.append({QString::number(m_next++)}); }
@@ -32,8 +33,9 @@ public:
     static QStringList identifiersOf(const QList<Row>& rows)
     {
         QStringList identifiers;
-        for (const Row& row : rows)
+        for (const Row& row : rows) {
             identifiers.append(row.id);
+        }
         return identifiers;
     }
 
@@ -49,7 +51,7 @@ public:
                                       [this] { return count(); }, pageSize, attempts);
     }
 
-    /// Called before the page of that number (from 1) is read; 0: before the count.
+    // Called before the page of that number (from 1) is read; 0: before the count.
     std::function<void(int)> onRead = [](int) {
     };
     int pagesRead = 0;
@@ -89,8 +91,9 @@ TEST(PagedReading, NoticesARowThatIsRemovedBetweenPages)
 {
     ChangingList list(10);
     list.onRead = [&](int page) {
-        if (page == 2)
+        if (page == 2) {
             list.removeAt(0);
+        }
     };
     EXPECT_FALSE(list.readOnce());
 }
@@ -99,8 +102,9 @@ TEST(PagedReading, NoticesARowThatIsInsertedBetweenPages)
 {
     ChangingList list(10);
     list.onRead = [&](int page) {
-        if (page == 2)
+        if (page == 2) {
             list.insertFirst();
+        }
     };
     EXPECT_FALSE(list.readOnce());
 }
@@ -121,8 +125,9 @@ TEST(PagedReading, NoticesARowAddedAfterTheLastPage)
 {
     ChangingList list(10);
     list.onRead = [&](int page) {
-        if (page == 0)
+        if (page == 0) {
             list.add();
+        }
     };
     EXPECT_FALSE(list.readOnce());
 }
@@ -131,8 +136,9 @@ TEST(PagedReading, NoticesAListThatShrinksBelowTheNextPage)
 {
     ChangingList list(8);
     list.onRead = [&](int page) {
-        for (int i = 0; page == 2 && i < 6; ++i)
+        for (int i = 0; page == 2 && i < 6; ++i) {
             list.removeAt(0);
+        }
     };
     EXPECT_FALSE(list.readOnce());
 }
@@ -166,8 +172,9 @@ TEST(PagedReading, GivesUpAfterItsAttempts)
 {
     ChangingList list(10);
     list.onRead = [&](int page) {
-        if (page == 0)
+        if (page == 0) {
             list.add();
+        }
     };
     EXPECT_FALSE(list.readEverything(3));
 }

@@ -5,12 +5,11 @@
 #include "TestCertificates.h"
 
 #include <NetworkEventLoop.h>
-#include <RKBaseApi.h>
-
 #include <QCoreApplication>
 #include <QFile>
 #include <QSslSocket>
 #include <QTemporaryDir>
+#include <RKBaseApi.h>
 
 #include <gmock/gmock.h>
 
@@ -49,7 +48,7 @@ protected:
         return path;
     }
 
-    /// The service shows this certificate instead of the right one, to every operation.
+    // The service shows this certificate instead of the right one, to every operation.
     void expectRefused(const std::string& name, const TestCertificate& certificate)
     {
         spoil = [&](ScriptServer& server) {
@@ -143,7 +142,7 @@ TEST_F(Certificates, AFileThatIsMissingOrNoneIsAFailure)
     EXPECT_EQ(server->bytesReceived(), 0);
 }
 
-/// The server ends the TLS connection the same ways as a plain one.
+// The server ends the TLS connection the same ways as a plain one.
 TEST_F(Certificates, CutRepliesFailOverTlsToo)
 {
     for (const QByteArray& head : {QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 200\r\n\r\n"),

@@ -1,6 +1,6 @@
-// A reply with a body of 1 200 bytes, cut at every offset from its first byte to its last: by the regular end of the
-// connection and by a reset, with and without a Content-Length. A read and a create meet every offset, the others
-// every seventh unless RK_TEST_LONG is set.
+// A reply with a body of 1 200 bytes, cut at every offset from its first byte to its last: by the regular end
+// of the connection and by a reset, with and without a Content-Length. A read and a create meet every offset,
+// the others every seventh unless RK_TEST_LONG is set.
 
 #include "FaultTest.h"
 
@@ -32,8 +32,9 @@ enum class Cut
 QByteArray headOf(Framing framing)
 {
     QByteArray head = "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n";
-    if (framing == Framing::Length)
+    if (framing == Framing::Length) {
         head += "Content-Length: " + QByteArray::number(bodySize) + "\r\n";
+    }
     return head + "\r\n";
 }
 
@@ -53,7 +54,7 @@ protected:
         return meetsAll || qEnvironmentVariableIsSet("RK_TEST_LONG") ? 1 : 7;
     }
 
-    /// The reply ends after so many bytes.
+    // The reply ends after so many bytes.
     Fault cutAt(int offset) const
     {
         const QByteArray head = headOf(framing());
@@ -66,8 +67,9 @@ protected:
         fault.error = closed;
         // Whoever says how long the body is by ending the connection has said that this is all.
         const bool looksWhole = framing() == Framing::EndOfConnection && cut() == Cut::Fin;
-        if (looksWhole && offset > head.size())
+        if (looksWhole && offset > head.size()) {
             fault.error = QNetworkReply::ProtocolFailure;
+        }
         if (cut() == Cut::Fin && offset == head.size() + bodySize) {
             fault.error = QNetworkReply::NoError;
             fault.readable = Fault::Readable::Answer;
@@ -83,8 +85,9 @@ TEST_P(CutReplies, NeverLookLikeAnAnswer)
     const int end = headOf(framing()).size() + bodySize - (cut() == Cut::Reset ? 1 : 0);
     ScriptServer server;
     int faults = 0;
-    for (int offset = 0; offset <= end; offset += stride(), ++faults)
+    for (int offset = 0; offset <= end; offset += stride(), ++faults) {
         play(cutAt(offset), operation(), onKeptConnection(), bodySize, server);
+    }
     report(faults);
 }
 

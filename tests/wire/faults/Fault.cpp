@@ -33,7 +33,7 @@ QByteArray withHead(const QByteArray& statusAndLines, const QByteArray& body)
     return "HTTP/1.1 " + statusAndLines + "\r\n" + body;
 }
 
-/// A reply of status 200 with these lines in its header.
+// A reply of status 200 with these lines in its header.
 QByteArray good(const QByteArray& lines, const QByteArray& body)
 {
     return withHead("200 OK\r\n" + lines, body);
@@ -53,13 +53,13 @@ Fault fault(std::string name, Code error, Fault::Steps steps)
     return made;
 }
 
-/// The server does not get to see a request.
+// The server does not get to see a request.
 Fault unseen(std::string name, Code error, Arrival arrival)
 {
     return fault(std::move(name), error, {}).arriving(arrival);
 }
 
-/// Answers with what `make` makes of the good answer, and leaves the connection open.
+// Answers with what `make` makes of the good answer, and leaves the connection open.
 template <typename Make>
 Fault sends(std::string name, Code error, Make make)
 {
@@ -67,7 +67,7 @@ Fault sends(std::string name, Code error, Make make)
                  [make](const QByteArray& answer) { return Steps{Step::bytes(make(answer))}; });
 }
 
-/// The same, and closes the connection.
+// The same, and closes the connection.
 template <typename Make>
 Fault sendsAndCloses(std::string name, Code error, Make make)
 {
@@ -84,7 +84,7 @@ Fault sendsAndResets(std::string name, Code error, Make make)
     });
 }
 
-/// The same, and says no more.
+// The same, and says no more.
 template <typename Make>
 Fault sendsAndWaits(std::string name, Make make)
 {
@@ -95,21 +95,22 @@ Fault sendsAndWaits(std::string name, Make make)
         .endedByDeadline(shortDeadline);
 }
 
-/// A status 200 whose body is not the service's, with its right length.
+// A status 200 whose body is not the service's, with its right length.
 Fault hasBody(std::string name, const QByteArray& body)
 {
     return sends(std::move(name), nonsense, [body](const QByteArray&) { return whole(body); });
 }
 
-/// `begin` and the good answer, in bytes that come one every half second.
+// `begin` and the good answer, in bytes that come one every half second.
 Fault trickle(std::string name, const QByteArray& begin)
 {
     return fault(std::move(name), late,
                  [begin](const QByteArray& answer) {
                      Steps steps = {Step::bytes(begin)};
                      const QByteArray rest = begin.isEmpty() ? whole(answer) : answer;
-                     for (const char byte : rest)
+                     for (const char byte : rest) {
                          steps << Step::bytes(QByteArray(1, byte)) << Step::pause(500);
+                     }
                      return steps;
                  })
         .endedByDeadline(700);
@@ -309,7 +310,7 @@ std::vector<Fault> interimFaults()
     };
 }
 
-/// A write may be answered without content; a read that brings nothing has failed.
+// A write may be answered without content; a read that brings nothing has failed.
 std::vector<Fault> emptyFaults()
 {
     const auto empty = [](const std::string& name, const QByteArray& head) {

@@ -4,10 +4,9 @@
 #include "../../support/Text.h"
 
 #include <NetworkEventLoop.h>
+#include <QElapsedTimer>
 #include <RKBaseApi.h>
 #include <RKSoftCache.h>
-
-#include <QElapsedTimer>
 
 #include <array>
 #include <cstring>
@@ -17,10 +16,11 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// What the library may take beyond its deadline to give up and return.
+// What the library may take beyond its deadline to give up and return.
 constexpr qint64 grace = 200;
 
-/// The caches as fillCaches leaves them. Never destroyed, as the destructor is private; reachable for the leak check.
+// The caches as fillCaches leaves them. Never destroyed, as the destructor is private; reachable for the leak
+// check.
 RKMonitoringData& filledCaches()
 {
     static RKMonitoringData* const filled = [] {
@@ -30,8 +30,8 @@ RKMonitoringData& filledCaches()
     return *filled;
 }
 
-/// Where the six caches' data lie. Qt's containers share their data until one of the copies is changed, so the
-/// caches of two objects lie at the same places as long as nothing has touched them.
+// Where the six caches' data lie. Qt's containers share their data until one of the copies is changed, so the
+// caches of two objects lie at the same places as long as nothing has touched them.
 using Places = std::array<void*, 6>;
 
 Places placesOf(const RKMonitoringData& data)
@@ -76,8 +76,9 @@ void FaultTest::report(int faults) const
 void FaultTest::play(const Fault& fault)
 {
     for (const WireOperation& operation : wireOperations()) {
-        for (const bool isKept : {false, true})
+        for (const bool isKept : {false, true}) {
             play(fault, operation, isKept, 200, *makeServer());
+        }
     }
 }
 
@@ -89,33 +90,37 @@ void FaultTest::play(const Fault& fault, const WireOperation& operation, bool on
     Run run = {fault, operation, onKeptConnection, operation.answer(answerSize), error, server, {}};
     m_data = filledCaches();
     manager.setDeadline(30s);
-    if (run.isKept)
+    if (run.isKept) {
         keepConnection(run);
+    }
     // A DELETE has a connection of its own.
-    if (!run.isKept || run.operation.method == "DELETE")
+    if (!run.isKept || run.operation.method == "DELETE") {
         run.connection = server.connectionCount() + 1;
+    }
     arrange(run);
     runOperation(run);
     checkNextOperation(run);
 
     ++m_runs;
-    if (run.deviations.isEmpty())
+    if (run.deviations.isEmpty()) {
         return;
+    }
     ++m_failures;
     ADD_FAILURE() << fault.name << ", " << operation.name << ", " << (run.isKept ? "kept" : "fresh")
                   << " connection: " << run.deviations.join("; "_q).toStdString();
 }
 
-/// One exchange before the fault, whose connection stays.
+// One exchange before the fault, whose connection stays.
 void FaultTest::keepConnection(Run& run)
 {
     run.server.answerJson(200, "{}");
     NetworkEventLoop wait(manager.get(run.server.baseAddress()), nullptr);
     wait.exec(QEventLoop::AllEvents);
-    if (!wait.isSuccessful())
+    if (!wait.isSuccessful()) {
         run.deviations.append("no connection could be kept"_q);
-    else
+    } else {
         run.connection = run.server.requests().last().connection;
+    }
 }
 
 void FaultTest::arrange(Run& run) const
@@ -123,16 +128,19 @@ void FaultTest::arrange(Run& run) const
     using Arrival = ScriptServer::Arrival;
     const Arrival arrival = run.fault.arrival;
     // A connection that is kept would never see how the next one is received.
-    if (arrival != Arrival::Served && arrival != Arrival::ResetAtFirstByte)
+    if (arrival != Arrival::Served && arrival != Arrival::ResetAtFirstByte) {
         run.server.hangUp();
+    }
     run.server.setArrival(arrival);
     spoil(run.server);
-    if (!run.fault.steps)
+    if (!run.fault.steps) {
         return;
+    }
     const QList<ScriptServer::Step> steps = run.fault.steps(run.answer);
     run.server.answerRaw(steps);
-    if (run.fault.endsInSilence && run.isKept && run.operation.isRead())
+    if (run.fault.endsInSilence && run.isKept && run.operation.isRead()) {
         run.server.answerRaw(steps);
+    }
 }
 
 WireOutcome FaultTest::outcomeOf(const Run& run)
@@ -140,8 +148,9 @@ WireOutcome FaultTest::outcomeOf(const Run& run)
     WireOutcome outcome;
     outcome.error = run.error;
     // What fails although the status is good has no body that anybody may read.
-    if (run.error != run.fault.error)
+    if (run.error != run.fault.error) {
         return outcome;
+    }
     switch (run.fault.readable) {
     case Fault::Readable::Nothing:
         break;
@@ -170,41 +179,48 @@ void FaultTest::runOperation(Run& run)
     const qint64 milliseconds = watch.elapsed();
     checkExchange(run, milliseconds, run.fault.deadline + grace + lateness.milliseconds());
     checkRequests(run, requestsBefore);
-    if (run.error != QNetworkReply::NoError)
+    if (run.error != QNetworkReply::NoError) {
         checkCaches(run);
+    }
     m_exchanges.clear();
 }
 
 void FaultTest::checkExchange(Run& run, qint64 milliseconds, qint64 bound) const
 {
-    if (milliseconds > bound)
+    if (milliseconds > bound) {
         run.deviations.append("it took %1 ms, more than %2"_q.arg(milliseconds).arg(bound));
+    }
     if (m_exchanges.size() != 1) {
         run.deviations.append("%1 exchanges were observed"_q.arg(m_exchanges.size()));
         return;
     }
     const NetworkExchange& exchange = m_exchanges.first();
-    if (exchange.error != run.error && exchange.error != run.fault.otherError)
+    if (exchange.error != run.error && exchange.error != run.fault.otherError) {
         run.deviations.append(
             "the error is %1 (%2), not %3"_q.arg(exchange.error).arg(exchange.errorText).arg(run.error));
-    if (exchange.errorText.isEmpty() != (run.error == QNetworkReply::NoError))
+    }
+    if (exchange.errorText.isEmpty() != (run.error == QNetworkReply::NoError)) {
         run.deviations.append("the error's text is \"%1\""_q.arg(exchange.errorText));
+    }
 }
 
-/// A write is asked for once at most, a read once more when a kept connection ended in silence.
+// A write is asked for once at most, a read once more when a kept connection ended in silence.
 void FaultTest::checkRequests(Run& run, int requestsBefore) const
 {
     const bool isRepeated = run.fault.endsInSilence && run.isKept && run.operation.isRead();
     const int expected = run.fault.steps ? (isRepeated ? 2 : 1) : 0;
     const QList<ScriptServer::Request> requests = run.server.requests().mid(requestsBefore);
-    if (requests.size() != expected)
+    if (requests.size() != expected) {
         run.deviations.append("%1 requests, not %2"_q.arg(requests.size()).arg(expected));
-    for (const ScriptServer::Request& request : requests) {
-        if (request.method != run.operation.method)
-            run.deviations.append("a request is a "_q + QString::fromLatin1(request.method));
     }
-    if (!requests.isEmpty() && requests.first().connection != run.connection)
+    for (const ScriptServer::Request& request : requests) {
+        if (request.method != run.operation.method) {
+            run.deviations.append("a request is a "_q + QString::fromLatin1(request.method));
+        }
+    }
+    if (!requests.isEmpty() && requests.first().connection != run.connection) {
         run.deviations.append("the request came on another connection"_q);
+    }
 }
 
 void FaultTest::checkCaches(Run& run) const
@@ -212,13 +228,15 @@ void FaultTest::checkCaches(Run& run) const
     const Places is = placesOf(m_data);
     const Places should = placesOf(filledCaches());
     for (size_t cache = run.operation.looksUpItsRecord ? 1 : 0; cache < is.size(); ++cache) {
-        if (is[cache] != should[cache])
+        if (is[cache] != should[cache]) {
             run.deviations.append("cache %1 was touched"_q.arg(cache));
+        }
     }
     const int requests = run.server.requestCount();
     run.deviations += cacheDeviations(m_data);
-    if (run.server.requestCount() != requests)
+    if (run.server.requestCount() != requests) {
         run.deviations.append("a cache had lost a record"_q);
+    }
 }
 
 void FaultTest::checkNextOperation(Run& run)
@@ -226,8 +244,9 @@ void FaultTest::checkNextOperation(Run& run)
     run.server.setArrival(ScriptServer::Arrival::Served);
     repair(run.server);
     RKBaseApi::GetInstance().setBaseApi(run.server.baseAddress());
-    if (!ScriptServer::runEventsUntil([&] { return run.server.isUsedUp(); }))
+    if (!ScriptServer::runEventsUntil([&] { return run.server.isUsedUp(); })) {
         run.deviations.append("%1 steps of the fault were not played"_q.arg(run.server.unansweredSteps()));
+    }
     manager.setDeadline(30s);
     m_data = filledCaches();
     const int requests = run.server.requestCount();
@@ -237,9 +256,11 @@ void FaultTest::checkNextOperation(Run& run)
     WireOutcome outcome;
     outcome.readable = run.answer;
     const QStringList deviations = run.operation.deviations(m_data, outcome);
-    for (const QString& deviation : deviations)
+    for (const QString& deviation : deviations) {
         run.deviations.append("the next operation: "_q + deviation);
-    if (run.server.requestCount() != requests + 1 || !run.server.isUsedUp())
+    }
+    if (run.server.requestCount() != requests + 1 || !run.server.isUsedUp()) {
         run.deviations.append(
             "the next operation sent %1 requests"_q.arg(run.server.requestCount() - requests));
+    }
 }

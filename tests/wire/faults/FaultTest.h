@@ -4,7 +4,6 @@
 #include "WireOperation.h"
 
 #include <NetworkManager.h>
-
 #include <QList>
 
 #include <gtest/gtest.h>
@@ -12,9 +11,9 @@
 #include <functional>
 #include <memory>
 
-/// Plays faults to operations of the library and looks at everything that is promised about each: that it returns
-/// within its deadline, that it fails (or succeeds, where that is the design), what its outputs and the caches hold,
-/// how often the service was asked, and that the next operation works.
+/// Plays faults to operations of the library and looks at everything that is promised about each: that it
+/// returns within its deadline, that it fails (or succeeds, where that is the design), what its outputs and
+/// the caches hold, how often the service was asked, and that the next operation works.
 class FaultTest : public testing::Test
 {
 protected:

@@ -12,8 +12,9 @@ class Faults : public FaultTest, public testing::WithParamInterface<FaultGroup>
 
 TEST_P(Faults, NeverLookLikeAnAnswer)
 {
-    for (const Fault& fault : GetParam().faults)
+    for (const Fault& fault : GetParam().faults) {
         play(fault);
+    }
     report(static_cast<int>(GetParam().faults.size()));
 }
 

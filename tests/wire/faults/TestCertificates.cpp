@@ -16,7 +16,7 @@ struct FreeBio
 };
 using Bio = std::unique_ptr<BIO, FreeBio>;
 
-/// What a PEM writer of OpenSSL's puts into memory.
+// What a PEM writer of OpenSSL's puts into memory.
 template <typename Write>
 QByteArray written(Write write)
 {

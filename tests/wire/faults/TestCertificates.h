@@ -25,8 +25,8 @@ public:
     /// Its own certificate, as a CA file holds it.
     QByteArray pem() const;
 
-    /// A certificate for `name`, an entry of subjectAltName such as "IP:127.0.0.1" or "DNS:pit.example", valid
-    /// from so many days from now to so many.
+    /// A certificate for `name`, an entry of subjectAltName such as "IP:127.0.0.1" or "DNS:pit.example",
+    /// valid from so many days from now to so many.
     TestCertificate issue(const QByteArray& name, int firstDay = -1, int lastDay = 1) const;
     /// One that nobody but its own key has signed.
     static TestCertificate selfSigned(const QByteArray& name);

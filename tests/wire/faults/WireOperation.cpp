@@ -3,11 +3,10 @@
 #include "../../support/Text.h"
 #include "ScriptServer.h"
 
-#include <RKBaseApi.h>
-
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <RKBaseApi.h>
 
 #include <gtest/gtest.h>
 
@@ -15,14 +14,15 @@ namespace {
 
 const QString before = QStringLiteral("before");
 
-/// Collects what is not as it should be.
+// Collects what is not as it should be.
 class Deviations
 {
 public:
     void expect(bool holds, const QString& what)
     {
-        if (!holds)
+        if (!holds) {
             m_list.append(what);
+        }
     }
     void expectText(const QString& what, const QString& is, const QString& should)
     {
@@ -66,7 +66,7 @@ RKMonitoring recordBefore(const QString& id)
     return monitoring;
 }
 
-/// The record is overwritten with what the reply holds, the members that no reply carries excepted.
+// The record is overwritten with what the reply holds, the members that no reply carries excepted.
 void expectRecord(Deviations& deviations, const RKMonitoring& monitoring, const WireOutcome& outcome)
 {
     const QJsonObject object = objectIn(outcome);
@@ -92,8 +92,9 @@ QStringList readMonitoring(RKMonitoringData& data, const WireOutcome& outcome)
     RKMonitoring monitoring = recordBefore(before);
     expectFlag(deviations, data.getMonitoringById("c9"_q, monitoring, false), outcome);
     expectRecord(deviations, monitoring, outcome);
-    if (outcome.isSuccess())
+    if (outcome.isSuccess()) {
         deviations.expectText("the cached name"_q, data.getMonitoringName("c9"_q), monitoring.name);
+    }
     return deviations.list();
 }
 
@@ -105,9 +106,10 @@ QStringList readMonitorings(RKMonitoringData& data, const WireOutcome& outcome)
     const QJsonArray rows = QJsonDocument::fromJson(outcome.readable).array();
     deviations.expect(monitorings.size() == rows.size() + 1, "%1 rows"_q.arg(monitorings.size()));
     deviations.expectText("the first row"_q, monitorings.first().id, before);
-    for (int i = 1; i < qMin(monitorings.size(), rows.size() + 1); ++i)
+    for (int i = 1; i < qMin(monitorings.size(), rows.size() + 1); ++i) {
         deviations.expectText("a row"_q, monitorings.at(i).id,
                               rows.at(i - 1).toObject().value(QLatin1String("_id")).toString());
+    }
     return deviations.list();
 }
 
@@ -117,18 +119,21 @@ QStringList createMonitoring(RKMonitoringData& data, const WireOutcome& outcome)
     RKMonitoring monitoring = recordBefore(before);
     expectFlag(deviations, data.createMonitoring(monitoring), outcome);
     expectRecord(deviations, monitoring, outcome);
-    if (outcome.isSuccess())
+    if (outcome.isSuccess()) {
         deviations.expectText("the cached name"_q, data.getMonitoringName(monitoring.id), monitoring.name);
+    }
     return deviations.list();
 }
 
-/// What becomes of the caller's message.
+// What becomes of the caller's message.
 QString messageAfter(const WireOutcome& outcome)
 {
-    if (outcome.error == QNetworkReply::InternalServerError)
+    if (outcome.error == QNetworkReply::InternalServerError) {
         return objectIn(outcome).value(QLatin1String("message")).toString();
-    if (outcome.error == QNetworkReply::UnknownServerError)
+    }
+    if (outcome.error == QNetworkReply::UnknownServerError) {
         return QStringLiteral("Connection closed prematurely");
+    }
     return before;
 }
 
@@ -157,8 +162,9 @@ QStringList updateMonitoring(RKMonitoringData& data, const WireOutcome& outcome)
     RKMonitoring monitoring = recordBefore("c1"_q);
     expectFlag(deviations, data.updateMonitoring(monitoring), outcome);
     expectRecord(deviations, monitoring, outcome);
-    if (outcome.isSuccess())
+    if (outcome.isSuccess()) {
         deviations.expectText("the cached name"_q, data.getMonitoringName(monitoring.id), monitoring.name);
+    }
     return deviations.list();
 }
 

@@ -25,16 +25,18 @@ struct WireOperation
     QByteArray method;
     /// A good answer of the service, of `size` bytes.
     std::function<QByteArray(int size)> answer;
-    /// Runs it on outputs that hold something, and tells where its result, its outputs or, after a success, the
-    /// caches are not what the outcome promises.
+    /// Runs it on outputs that hold something, and tells where its result, its outputs or, after a success,
+    /// the caches are not what the outcome promises.
     std::function<QStringList(RKMonitoringData&, const WireOutcome&)> deviations;
-    /// Looks the caller's record up with an entry of its own in the monitoring cache, whatever comes of the request.
+    /// Looks the caller's record up with an entry of its own in the monitoring cache, whatever comes of the
+    /// request.
     bool looksUpItsRecord = false;
 
     bool isRead() const { return method == "GET"; }
 };
 
-/// A read of one record, a read of a list, and every kind of write: POST of an object and of an array, PUT, DELETE.
+/// A read of one record, a read of a list, and every kind of write: POST of an object and of an array, PUT,
+/// DELETE.
 const std::vector<WireOperation>& wireOperations();
 
 /// Fills every cache: the monitoring "c1" called "Pit", and one record of each other kind.

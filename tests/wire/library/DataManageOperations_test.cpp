@@ -5,7 +5,7 @@ namespace {
 class DataManageOperations : public LibraryTest
 {
 protected:
-    /// Reads one page of data manages into the cache.
+    // Reads one page of data manages into the cache.
     QList<RKDataManage> readPage(const QByteArray& answer, QList<RKDataManage> dataManages = {})
     {
         server.answerJson(200, answer);

@@ -14,10 +14,12 @@ TEST_F(Facade, InstanceIsOneObjectForAllThreads)
 {
     std::vector<RKMonitoringData*> seen(8);
     std::vector<std::thread> threads;
-    for (auto& address : seen)
+    for (auto& address : seen) {
         threads.emplace_back([&address] { address = RKMonitoringData::instance(); });
-    for (std::thread& thread : threads)
+    }
+    for (std::thread& thread : threads) {
         thread.join();
+    }
     EXPECT_EQ(std::set<RKMonitoringData*>(seen.begin(), seen.end()).size(), 1U);
     EXPECT_EQ(seen.front(), &data);
 }
@@ -56,7 +58,7 @@ TEST_F(Facade, ClearForgetsMonitoringsAndSubCategories)
     EXPECT_EQ(server.requestCount(), 4);
 }
 
-/// A copy is made of an object that holds one monitoring.
+// A copy is made of an object that holds one monitoring.
 class CopiedFacade : public Facade
 {
 protected:

@@ -4,7 +4,6 @@
 #include "../../support/Operations.h"
 
 #include <NetworkManager.h>
-
 #include <QElapsedTimer>
 #include <QTcpServer>
 
@@ -36,7 +35,7 @@ protected:
     }
     ~FailedExchanges() override { NetworkManager::instance().setDeadline(std::chrono::seconds(30)); }
 
-    /// Runs the operation, which must fail, and looks whether the caches are as before.
+    // Runs the operation, which must fail, and looks whether the caches are as before.
     void expectFailure()
     {
         EXPECT_TRUE(GetParam().fails(data));
@@ -58,7 +57,7 @@ protected:
         EXPECT_EQ(dataManage.fileId, "f1"_q);
         EXPECT_EQ(server.requestCount(), requests);
     }
-    /// And that the next one works.
+    // And that the next one works.
     void expectNextSucceeds()
     {
         server.answerJson(200, GetParam().answer);
@@ -107,8 +106,9 @@ TEST_P(FailedExchanges, ConnectionResetInsteadOfAnAnswer)
     // A read that failed on a kept-alive connection may be asked a second time; a write never is.
     const bool isRead = GetParam().method == "GET";
     server.answerRaw({Step::reset()});
-    if (isRead)
+    if (isRead) {
         server.answerRaw({Step::reset()});
+    }
     expectFailure();
     EXPECT_EQ(server.requestCount() - before, isRead ? 2 : 1);
     expectNextSucceeds();

@@ -10,18 +10,19 @@ protected:
     static QStringList ids(const QList<PointLocSetting>& groups)
     {
         QStringList list;
-        for (const PointLocSetting& group : groups)
+        for (const PointLocSetting& group : groups) {
             list.append(group.id);
+        }
         return list;
     }
-    /// Reads groups of the cell "c1" into the cache.
+    // Reads groups of the cell "c1" into the cache.
     void readGroups(const QByteArray& answer)
     {
         QList<PointLocSetting> groups;
         server.answerJson(200, answer);
         EXPECT_TRUE(data.getGroupsByCellId("c1"_q, groups, false));
     }
-    /// The cached groups of a cell that has an entry; asks nothing.
+    // The cached groups of a cell that has an entry; asks nothing.
     QList<PointLocSetting> cached(const QString& cellId)
     {
         QList<PointLocSetting> groups{PointLocSetting()};
@@ -30,7 +31,7 @@ protected:
         EXPECT_EQ(server.requestCount(), requests) << "the cell has no entry";
         return groups;
     }
-    /// Expects that a cell has no entry, by a request that fails.
+    // Expects that a cell has no entry, by a request that fails.
     void expectNotCached(const QString& cellId)
     {
         QList<PointLocSetting> groups;

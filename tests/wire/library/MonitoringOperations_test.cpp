@@ -12,7 +12,7 @@ const char* const pit = R"({"_id":"c1","name":"Pit K1","category":"pit","alarmTo
 class MonitoringOperations : public LibraryTest
 {
 protected:
-    /// Caches the monitoring `pit`, with one request.
+    // Caches the monitoring `pit`, with one request.
     RKMonitoring cachedPit()
     {
         RKMonitoring monitoring;
@@ -20,7 +20,7 @@ protected:
         EXPECT_TRUE(data.getMonitoringById("c1"_q, monitoring, false));
         return monitoring;
     }
-    /// Name under `id` in the cache; asks nothing.
+    // Name under `id` in the cache; asks nothing.
     QString cachedName(const QString& id)
     {
         RKMonitoring monitoring;

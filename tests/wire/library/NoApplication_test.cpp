@@ -1,12 +1,12 @@
-// A process without an application object has no events to wait with: operations fail at once and send nothing.
+// A process without an application object has no events to wait with: operations fail at once and send
+// nothing.
 
 #include "../../support/Operations.h"
 #include "../../support/PlainServer.h"
 
+#include <QCoreApplication>
 #include <RKBaseApi.h>
 #include <RKSoftCache.h>
-
-#include <QCoreApplication>
 
 #include <gtest/gtest.h>
 

@@ -22,7 +22,7 @@ protected:
         condition.cellId = cellId;
         return condition;
     }
-    /// The cached points of a cell that has an entry; asks nothing.
+    // The cached points of a cell that has an entry; asks nothing.
     QList<RKPointLocation> cached(const QString& cellId)
     {
         RKPointLocationCondition condition = ofCell(cellId);
@@ -32,7 +32,7 @@ protected:
         EXPECT_EQ(server.requestCount(), requests) << "the cell has no entry";
         return points;
     }
-    /// Whether a cell has an entry, asked so that the answer changes nothing.
+    // Whether a cell has an entry, asked so that the answer changes nothing.
     bool isCached(const QString& cellId)
     {
         RKPointLocationCondition condition = ofCell(cellId);
@@ -48,11 +48,12 @@ protected:
     static QStringList names(const QList<RKPointLocation>& points)
     {
         QStringList list;
-        for (const RKPointLocation& record : points)
+        for (const RKPointLocation& record : points) {
             list.append(record.name);
+        }
         return list;
     }
-    /// Reads two points of the cell "c1" into the cache.
+    // Reads two points of the cell "c1" into the cache.
     void readTwoPoints()
     {
         RKPointLocationCondition condition = ofCell("c1"_q);
@@ -328,8 +329,9 @@ TEST_F(PointLocationOperations, UpdateWithoutNamesChangesNoCachedPoint)
     readTwoPoints();
     server.answerJson(200, "{}");
     EXPECT_TRUE(data.updatePointLocation(ofCell("c1"_q), Links{{"model"_q, {"m1"_q}}}));
-    for (const RKPointLocation& record : cached("c1"_q))
+    for (const RKPointLocation& record : cached("c1"_q)) {
         EXPECT_TRUE(record.links.isEmpty());
+    }
 }
 
 TEST_F(PointLocationOperations, UpdateMakesAnEntryForItsCell)

@@ -4,7 +4,6 @@
 #include "../../support/Operations.h"
 
 #include <NetworkManager.h>
-
 #include <QCoreApplication>
 #include <QTimer>
 
@@ -22,18 +21,20 @@ protected:
         QCoreApplication::exec();
     }
 
-    /// Runs `event` while the first request waits, once.
+    // Runs `event` while the first request waits, once.
     void duringTheWait(const std::function<void()>& event)
     {
         server.onRequest = [this, event] {
-            if (!std::exchange(m_happened, true))
+            if (!std::exchange(m_happened, true)) {
                 event();
+            }
         };
     }
     void answer(int times)
     {
-        for (int i = 0; i < times; ++i)
+        for (int i = 0; i < times; ++i) {
             server.answerJson(200, GetParam().answer);
+        }
     }
 
 private:
@@ -127,10 +128,11 @@ TEST_P(Reentrancy, AbortOfTwoNestedWaitsIsTwoFailures)
     server.neverAnswer();
     bool innerFailed = false;
     server.onRequest = [&] {
-        if (server.requestCount() == 1)
+        if (server.requestCount() == 1) {
             innerFailed = GetParam().fails(data);
-        else
+        } else {
             NetworkManager::instance().abortAll();
+        }
     };
     EXPECT_TRUE(GetParam().fails(data));
     EXPECT_TRUE(innerFailed);

@@ -7,7 +7,6 @@
 
 #include <NetworkEventLoop.h>
 #include <NetworkManager.h>
-
 #include <QCoreApplication>
 #include <QTimer>
 
@@ -36,7 +35,7 @@ protected:
     Soak(const Soak&) = delete;
     Soak& operator=(const Soak&) = delete;
 
-    /// Runs the work in one slot of a running application, which is not left before the work is done.
+    // Runs the work in one slot of a running application, which is not left before the work is done.
     template <typename Work>
     static void inOneSlot(Work work)
     {
@@ -68,12 +67,14 @@ TEST_F(Soak, OperationsInOneSlotLeaveNothingBehind)
     int descriptorsBefore = 0;
     int descriptorsAfter = 0;
     inOneSlot([&] {
-        for (int i = 0; i < runs / 20; ++i)
+        for (int i = 0; i < runs / 20; ++i) {
             runAll();
+        }
         memoryBefore = residentMemory();
         descriptorsBefore = openDescriptors();
-        for (int i = 0; i < runs; ++i)
+        for (int i = 0; i < runs; ++i) {
             runAll();
+        }
         memoryAfter = residentMemory();
         descriptorsAfter = openDescriptors();
     });
@@ -107,7 +108,7 @@ TEST_F(Soak, ExchangesInOneSlotHoldOneReplyAtATime)
     EXPECT_EQ(alive, 0);
 }
 
-/// A list of records with identifiers of their own, each with every text that a record of its kind has.
+// A list of records with identifiers of their own, each with every text that a record of its kind has.
 QByteArray listOfRecords(int count)
 {
     QByteArray list = "[";
@@ -146,8 +147,9 @@ TEST_F(Soak, ClearGivesTheMemoryOfTheCachesBack)
     qint64 memoryAfter = 0;
     inOneSlot([&] {
         for (int i = 0; i < cycles + cycles / 20; ++i) {
-            if (i == cycles / 20)
+            if (i == cycles / 20) {
                 memoryBefore = residentMemory();
+            }
             fill();
             data.clear();
         }

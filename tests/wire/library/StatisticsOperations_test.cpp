@@ -16,8 +16,9 @@ protected:
     static QStringList names(const QList<RKPointLocationChartData>& entries)
     {
         QStringList list;
-        for (const RKPointLocationChartData& entry : entries)
+        for (const RKPointLocationChartData& entry : entries) {
             list.append(entry.name);
+        }
         return list;
     }
     const QDate day20{2015, 12, 20};

@@ -1,11 +1,10 @@
-// The library inside an application with companions of its own: it follows their date text, their links, their
-// string lists and their project accessor, and composes URLs without escaping anything.
+// The library inside an application with companions of its own: it follows their date text, their links,
+// their string lists and their project accessor, and composes URLs without escaping anything.
 
 #include <NetworkManager.h>
-#include <RKMonitoringData.h>
-
 #include <QCoreApplication>
 #include <QJsonArray>
+#include <RKMonitoringData.h>
 
 #include <gtest/gtest.h>
 
@@ -70,7 +69,7 @@ TEST_F(ForeignCompanions, WhereTextStandsRawAndWithTheirDates)
     EXPECT_EQ(monitorings.first().alarmTo, QStringList{q("ANN")});
 }
 
-/// Two relations, and the text that the companions here make of them.
+// Two relations, and the text that the companions here make of them.
 QMap<QString, QStringList> links()
 {
     return {{q("model"), {q("m1"), q("m2")}}, {q("photo"), {q("p1")}}};

@@ -3,7 +3,6 @@
 #include "Deflate.h"
 
 #include <gtest/gtest.h>
-
 #include <zlib.h>
 
 namespace {
@@ -13,15 +12,16 @@ constexpr int gzipWindow = MAX_WBITS + 16;
 constexpr int zlibWindow = MAX_WBITS;
 constexpr int rawWindow = -MAX_WBITS;
 
-/// Everything in pieces of `step` bytes.
+// Everything in pieces of `step` bytes.
 ContentDecoder::Result decode(const QByteArray& encoding, const QByteArray& data, QByteArray& body,
                               int step = 1 << 20, qint64 limit = noLimit)
 {
     ContentDecoder decoder(encoding, limit);
     for (int i = 0; i < data.size(); i += step) {
         const auto result = decoder.write(data.constData() + i, qMin(step, data.size() - i), body);
-        if (result != ContentDecoder::Result::Good)
+        if (result != ContentDecoder::Result::Good) {
             return result;
+        }
     }
     return decoder.finish();
 }

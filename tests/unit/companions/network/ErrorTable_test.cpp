@@ -83,6 +83,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(ErrorTable, NoFailureOfTheTransportIsASuccess)
 {
-    for (int code = 1; code < CURL_LAST; ++code)
+    for (int code = 1; code < CURL_LAST; ++code) {
         EXPECT_NE(errorOfTransport(static_cast<CURLcode>(code)), QNetworkReply::NoError) << code;
+    }
 }

@@ -17,10 +17,10 @@
 
 namespace {
 
-/// Cuts wherever that is possible.
+// Cuts wherever that is possible.
 constexpr JsonSharing everywhere{0, 1, 2};
 
-/// Parsing on several threads has to be indistinguishable from parsing on one.
+// Parsing on several threads has to be indistinguishable from parsing on one.
 void expectSame(const QByteArray& text, const JsonSharing& sharing = everywhere)
 {
     SCOPED_TRACE(text.left(2000).toStdString());
@@ -39,7 +39,7 @@ void expectSame(const QByteArray& text, const JsonSharing& sharing = everywhere)
     EXPECT_EQ(parseJson(text, nullptr, sharing), expected);
 }
 
-/// `count` points with a list of samples each.
+// `count` points with a list of samples each.
 QByteArray points(int count)
 {
     QByteArray text;
@@ -50,8 +50,8 @@ QByteArray points(int count)
     return text + "]";
 }
 
-/// JSON at random: white space anywhere, texts full of what looks like structure, lists whose elements begin like those
-/// of the outermost one.
+// JSON at random: white space anywhere, texts full of what looks like structure, lists whose elements begin
+// like those of the outermost one.
 class RandomJson
 {
 public:
@@ -60,13 +60,14 @@ public:
     QByteArray array(int count, int depth)
     {
         QByteArray text = blanks() + "[" + blanks();
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < count; ++i) {
             text += (i > 0 ? "," + blanks() : QByteArray()) +
                     (below(200) == 0 ? value(depth) : object(depth)) + blanks();
+        }
         return text + "]" + blanks();
     }
 
-    /// The text with a few bytes taken away, changed, doubled or moved.
+    // The text with a few bytes taken away, changed, doubled or moved.
     QByteArray damaged(QByteArray text)
     {
         for (int changes = 1 + below(3); changes > 0 && !text.isEmpty(); --changes) {
@@ -122,9 +123,10 @@ private:
         // No key comes twice: Qt 5.15 leaks what it loses then, and the leak checker would say so.
         QByteArray members;
         const int count = below(4);
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < count; ++i) {
             members += (i > 0 ? "," : "") + blanks() + "\"k" + QByteArray::number(i) + "\"" + blanks() + ":" +
                        blanks() + value(depth) + blanks();
+        }
         return "{" + members + "}";
     }
 
@@ -215,7 +217,7 @@ TEST(ParallelJson, ParsesInOnePieceWhatCannotBeCut)
     expectSame("[{\"" + QByteArray(300, 'k') + "\":1},{\"" + QByteArray(300, 'k') + "\":2}]");
 }
 
-/// The elements of a list inside an element may begin like the elements themselves.
+// The elements of a list inside an element may begin like the elements themselves.
 TEST(ParallelJson, ParsesAnewWhatWasCutInsideAnElement)
 {
     for (const char* text : {
@@ -253,12 +255,14 @@ TEST(ParallelJson, FailsWhereTheWholeTextFails)
              "[{\"a\":1},\xEF\xBB\xBF{\"a\":1},{\"a\":2}]",
              "[{\"a\":1},\xC2\xA0{\"a\":1},{\"a\":2}]",
              "[{\"a\":1},\f{\"a\":1},{\"a\":2}]",
-         })
+         }) {
         expectSame(text);
+    }
     using namespace std::string_literals;
     for (const std::string& text :
-         {"[{\"a\":1},{\"a\":2}]\0"s, "[{\"a\":1},\0{\"a\":2}]"s, "[{\"a\":1},{\"a\":\"\0\"}]"s})
+         {"[{\"a\":1},{\"a\":2}]\0"s, "[{\"a\":1},\0{\"a\":2}]"s, "[{\"a\":1},{\"a\":\"\0\"}]"s}) {
         expectSame(QByteArray::fromStdString(text));
+    }
 }
 
 TEST(ParallelJson, NestsAsDeepAsOneThreadDoes)
@@ -269,8 +273,9 @@ TEST(ParallelJson, NestsAsDeepAsOneThreadDoes)
         return "[" + element + "," + element + "," + element + "]";
     };
     EXPECT_EQ(parseJsonPieces(nested(1022), everywhere).size(), 3);
-    for (int depth = 1020; depth < 1026; ++depth)
+    for (int depth = 1020; depth < 1026; ++depth) {
         expectSame(nested(depth));
+    }
 }
 
 TEST(ParallelJson, IsEqualForTextsAtRandom)

@@ -1,6 +1,5 @@
-#include <RKPub.h>
-
 #include <QTimeZone>
+#include <RKPub.h>
 
 #include <gtest/gtest.h>
 
@@ -30,7 +29,7 @@ std::string write(const QDateTime& dateTime)
     return getQStringByDateTime(dateTime).toStdString();
 }
 
-/// A time in the range that four digits of a year hold at every offset.
+// A time in the range that four digits of a year hold at every offset.
 qint64 randomInstant(std::mt19937_64& random)
 {
     static const qint64 first = utc(1, 1, 2, 0, 0, 0).toMSecsSinceEpoch();
@@ -38,7 +37,7 @@ qint64 randomInstant(std::mt19937_64& random)
     return std::uniform_int_distribution<qint64>(first, last)(random);
 }
 
-/// Whole minutes within ±14:00, in seconds.
+// Whole minutes within ±14:00, in seconds.
 int randomOffset(std::mt19937_64& random)
 {
     return std::uniform_int_distribution<int>(-14 * 60, 14 * 60)(random) * 60;
@@ -149,8 +148,9 @@ TEST(DateText, TheFirstAndTheLastTimeOfTheFormat)
 {
     for (const char* text :
          {"0001-01-01T00:00:00.000Z", "9999-12-31T23:59:59.999Z", "0001-01-01T00:00:00.000+14:00",
-          "9999-12-31T23:59:59.999-14:00", "2000-02-29T12:00:00.000-09:30"})
+          "9999-12-31T23:59:59.999-14:00", "2000-02-29T12:00:00.000-09:30"}) {
         EXPECT_EQ(write(read(text)), text);
+    }
 }
 
 TEST(DateText, AnythingElseIsNull)
@@ -184,8 +184,9 @@ TEST(DateText, AnythingElseIsNull)
         // digits of other scripts
         "\u0662\u0660\u0662\u0664-03-01T06:30:00Z", "2024-03-01T06:30:0\uff10Z",
         "2024-03-01T06:30:00.\u0665Z", "2024-03-01T06:30:00+0\u0668:00"};
-    for (const char* text : refused)
+    for (const char* text : refused) {
         EXPECT_TRUE(read(text).isNull()) << '"' << text << '"';
+    }
 }
 
 TEST(DateText, CharactersThatAreNotSeenAreNotOverlooked)
@@ -200,8 +201,9 @@ TEST(DateText, EveryPrefixOfAFullTextIsATimeOrNull)
 {
     const QString text = QStringLiteral("2024-03-01T06:30:00.123+08:00");
     const QList<int> whole{10, 19, 21, 22, 23, 29}; // the day, then seconds, fractions and the whole
-    for (int length = 0; length <= text.size(); ++length)
+    for (int length = 0; length <= text.size(); ++length) {
         EXPECT_EQ(getDateTimeByQString(text.left(length)).isValid(), whole.contains(length)) << length;
+    }
 }
 
 TEST(DateText, EveryCanonicalTextIsWrittenBackAsItWas)
@@ -261,8 +263,9 @@ TEST(DateText, ReadsNoCharacterForAnotherOne)
         for (int code = 0; code <= 0xffff; ++code) {
             QString changed = text;
             changed[at] = QChar(code);
-            if (code < 0x80 && QStringLiteral("0123456789-:.+TZ").contains(QChar(code)))
+            if (code < 0x80 && QStringLiteral("0123456789-:.+TZ").contains(QChar(code))) {
                 continue;
+            }
             ASSERT_TRUE(getDateTimeByQString(changed).isNull()) << at << " is " << code;
         }
     }
@@ -280,8 +283,9 @@ TEST(DateText, WhatAChangedCharacterLeavesAcceptedQtReadsTheSame)
         text[static_cast<int>(random() % static_cast<unsigned>(text.size()))] =
             characters.at(static_cast<int>(random() % static_cast<unsigned>(characters.size())));
         const QDateTime ours = getDateTimeByQString(text);
-        if (!ours.isValid())
+        if (!ours.isValid()) {
             continue;
+        }
         ++accepted;
         const qint64 difference = ours.msecsTo(QDateTime::fromString(text, Qt::ISODateWithMs));
         const bool fourthDigit = text.size() == 24 && text.at(23).isDigit(); // cut here, rounded by Qt
@@ -294,7 +298,7 @@ TEST(DateText, WhatAChangedCharacterLeavesAcceptedQtReadsTheSame)
 
 namespace {
 
-/// The process's local time zone for as long as this lives.
+// The process's local time zone for as long as this lives.
 class LocalZone
 {
 public:
@@ -305,10 +309,11 @@ public:
     }
     ~LocalZone()
     {
-        if (m_hadOne)
+        if (m_hadOne) {
             qputenv("TZ", m_earlier);
-        else
+        } else {
             qunsetenv("TZ");
+        }
         tzset();
     }
     LocalZone(const LocalZone&) = delete;
@@ -368,8 +373,9 @@ TEST_P(DateTextInZone, WithoutOffsetTimesAreLocal)
         const QDateTime ours = getDateTimeByQString(text);
         const QDateTime peer = QDateTime::fromString(text, Qt::ISODateWithMs);
         EXPECT_EQ(ours.isValid(), peer.isValid()) << text.toStdString();
-        if (!ours.isValid())
+        if (!ours.isValid()) {
             continue;
+        }
         EXPECT_EQ(ours, peer) << text.toStdString();
         EXPECT_EQ(ours.timeSpec(), Qt::LocalTime);
         EXPECT_EQ(ours.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz")), text);

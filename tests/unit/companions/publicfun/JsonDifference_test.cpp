@@ -1,6 +1,5 @@
-#include <RKPub.h>
-
 #include <QJsonDocument>
+#include <RKPub.h>
 
 #include <gtest/gtest.h>
 
@@ -13,7 +12,7 @@ QJsonObject json(const char* text)
     return document.object();
 }
 
-/// What is left of `after`, as compact text.
+// What is left of `after`, as compact text.
 std::string left(const char* before, const char* after)
 {
     const QJsonObject earlier = json(before);

@@ -1,6 +1,5 @@
-#include <RKPub.h>
-
 #include <QJsonDocument>
+#include <RKPub.h>
 
 #include <gtest/gtest.h>
 
@@ -27,8 +26,9 @@ QString randomText(std::mt19937& random)
     static const QStringList pieces{QStringLiteral("model"), QStringLiteral("沉降"), QStringLiteral("\""),
                                     QStringLiteral(" "),     QStringLiteral("type"), QString(QChar(0))};
     QString text;
-    for (auto pieceCount = random() % 4; pieceCount > 0; --pieceCount)
+    for (auto pieceCount = random() % 4; pieceCount > 0; --pieceCount) {
         text += pieces.at(static_cast<int>(random() % static_cast<unsigned>(pieces.size())));
+    }
     return text;
 }
 
@@ -37,8 +37,9 @@ Links randomLinks(std::mt19937& random)
     Links links;
     for (auto relationCount = random() % 6; relationCount > 0; --relationCount) {
         QStringList& identifiers = links[randomText(random)];
-        for (auto identifierCount = random() % 5; identifierCount > 0; --identifierCount)
+        for (auto identifierCount = random() % 5; identifierCount > 0; --identifierCount) {
             identifiers.append(randomText(random));
+        }
     }
     return links;
 }

@@ -1,6 +1,5 @@
-#include <RKPub.h>
-
 #include <QJsonDocument>
+#include <RKPub.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
-#include "Text.h"
 #include "import/Deliveries.h"
+
+#include "Text.h"
 
 #include <gmock/gmock.h>
 

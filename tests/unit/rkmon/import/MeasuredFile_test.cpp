@@ -1,5 +1,6 @@
-#include "Text.h"
 #include "import/MeasuredFile.h"
+
+#include "Text.h"
 
 #include <RKPub.h>
 
@@ -15,33 +16,36 @@ std::vector<std::string> problemsOf(const QByteArray& content, const MeasuredFil
 {
     std::vector<std::string> lines;
     const QStringList problems = readMeasuredFile("a.csv"_q, content, format).problems.lines("a.csv"_q);
-    for (const QString& problem : problems)
+    for (const QString& problem : problems) {
         lines.push_back(problem.toStdString());
+    }
     return lines;
 }
 
-/// What is wrong with a row below a good header, on line 2.
+// What is wrong with a row below a good header, on line 2.
 std::string problemOfRow(const QByteArray& row, const QByteArray& header = "name,depth,time,count,value")
 {
     const std::vector<std::string> problems = problemsOf(header + "\n" + row + "\n");
     return problems.size() == 1 ? problems.front() : std::to_string(problems.size()) + " problems";
 }
 
-/// "name|depth|time|count|value|flag" of each reading.
+// "name|depth|time|count|value|flag" of each reading.
 std::vector<std::string> readingsOf(const QByteArray& content, const MeasuredFileFormat& format = {})
 {
     const MeasuredFile file = readMeasuredFile("a.csv"_q, content, format);
     const QStringList problems = file.problems.lines("a.csv"_q);
     EXPECT_TRUE(problems.isEmpty()) << problems.join("\n"_q).toStdString();
     std::vector<std::string> readings;
-    for (const MeasuredPoint& point : file.points)
-        for (const Reading& reading : point.readings)
+    for (const MeasuredPoint& point : file.points) {
+        for (const Reading& reading : point.readings) {
             readings.push_back(QStringList{point.name, point.depth,
                                            RKPub::getQStringByDateTime(reading.sample.time),
                                            QString::number(reading.sample.count),
                                            QString::number(reading.sample.value), reading.sample.timeFlag}
                                    .join("|"_q)
                                    .toStdString());
+        }
+    }
     return readings;
 }
 
@@ -222,24 +226,27 @@ TEST(MeasuredFile, NamesWhatIsWrongWithARow)
         {"W1,,2015-12-18T00:15:00Z,1,0\"5", "a quote within a field that does not begin with one"},
         {"W1,,2015-12-18T00:15:00Z,1,\"0.5", "a quote that opens on line 2 is never closed"},
     };
-    for (const auto& [row, problem] : rows)
+    for (const auto& [row, problem] : rows) {
         EXPECT_EQ(problemOfRow(row), std::string("a.csv:2: ") + problem) << row;
+    }
 }
 
 TEST(MeasuredFile, FindsABadDateInLine700)
 {
     QByteArray content = "name,depth,time,count,value\n";
-    for (int line = 2; line <= 1000; ++line)
+    for (int line = 2; line <= 1000; ++line) {
         content += line == 700 ? QByteArray("W1,20,2015-13-18T00:15:00Z,700,0.26\n")
                                : "W1,20,2015-12-18T00:15:00Z," + QByteArray::number(line) + ",0.26\n";
+    }
     EXPECT_THAT(problemsOf(content), ElementsAre("a.csv:700: time \"2015-13-18T00:15:00Z\" does not exist"));
 }
 
 TEST(MeasuredFile, ReportsSoManyRowsAndCountsTheRest)
 {
     QByteArray content = "name,depth,time,count,value\n";
-    for (int i = 0; i < 50; ++i)
+    for (int i = 0; i < 50; ++i) {
         content += "W1,20,never,1,0.26\n";
+    }
     const std::vector<std::string> problems = problemsOf(content);
     ASSERT_EQ(problems.size(), 21u);
     EXPECT_EQ(problems[0], "a.csv:2: time \"never\" is not one like 2015-12-18T00:15:00-08:00");
@@ -258,9 +265,10 @@ TEST(MeasuredFile, TakesTimesAsTheyAreWritten)
         {"2015-12-18 06:15:30.25 -0330", "2015-12-18T06:15:30.250-03:30"},
         {"2015-12-18T06:15Z", "2015-12-18T06:15:00.000Z"},
     };
-    for (const auto& [text, time] : times)
+    for (const auto& [text, time] : times) {
         EXPECT_THAT(readingsOf(QByteArray("name,depth,time,count,value\nW1,,") + text + ",1,0.5\n", format),
                     ElementsAre(std::string("W1||") + time + "|1|0.5|"));
+    }
 }
 
 TEST(MeasuredFile, MakesOneDepthOfItsSpellings)

@@ -1,6 +1,7 @@
+#include "import/ProjectFile.h"
+
 #include "Failure.h"
 #include "Text.h"
-#include "import/ProjectFile.h"
 
 #include <QFile>
 
@@ -84,8 +85,9 @@ TEST(ProjectFile, NamesWhatIsWrong)
             {"category": "Slope", "name": "Rainfall", "alias": "Rain"}]})",
          "in/project.json: subCategories[1].alias \"Rain\" stands there twice"},
     };
-    for (const auto& [content, refusal] : cases)
+    for (const auto& [content, refusal] : cases) {
         EXPECT_EQ(refusalOf(content), refusal) << content.toStdString();
+    }
 }
 
 TEST(ProjectFile, MissingFileIsTold)
@@ -104,7 +106,8 @@ TEST(ProjectFile, SampleNamesEveryFileOfTheFolder)
     const QString folder = QStringLiteral(RK_SAMPLES) + "/coastal-bluff/"_q;
     const ProjectFile project = readProjectFile(folder + "project.json"_q);
     EXPECT_EQ(project.files.size(), 22);
-    for (const PlannedFile& file : project.files)
+    for (const PlannedFile& file : project.files) {
         EXPECT_TRUE(QFile::exists(file.path)) << file.path.toStdString();
+    }
     EXPECT_EQ(project.monitorings.size(), 5);
 }

@@ -1,7 +1,8 @@
+#include "plot/ChartFile.h"
+
 #include "Failure.h"
 #include "Text.h"
 #include "plot/Chart.h"
-#include "plot/ChartFile.h"
 
 #include <QApplication>
 #include <QFile>
@@ -28,10 +29,11 @@ Chart chartOver(Chart::Kind kind, int curves)
     const double day = 86'400'000.0;
     for (int curve = 0; curve < curves; ++curve) {
         Chart::Curve made{"curve %1"_q.arg(curve), {}};
-        for (int i = 0; i < 5; ++i)
+        for (int i = 0; i < 5; ++i) {
             made.points.append(kind == Chart::Kind::OverTime
                                    ? QPointF(1772409600000.0 + i * day, curve + i * 0.5)
                                    : QPointF(curve + i * 0.5, i * 0.5));
+        }
         chart.curves.append(made);
     }
     return chart;
@@ -40,12 +42,12 @@ Chart chartOver(Chart::Kind kind, int curves)
 struct Drawn
 {
     QStringList texts;
-    /// Colours of the lines with as many points as a curve has.
+    // Colours of the lines with as many points as a curve has.
     std::set<QString> curveColours;
     int dashedLines = 0;
 };
 
-/// What an SVG file shows. Fails the test when it is not well-formed.
+// What an SVG file shows. Fails the test when it is not well-formed.
 Drawn readSvg(const QString& path)
 {
     QFile file(path);
@@ -60,8 +62,9 @@ Drawn readSvg(const QString& path)
             strokes.removeLast();
             dashes.removeLast();
         }
-        if (token != QXmlStreamReader::StartElement)
+        if (token != QXmlStreamReader::StartElement) {
             continue;
+        }
         const QXmlStreamAttributes attributes = xml.attributes();
         const QString name = xml.name().toString();
         strokes.append(attributes.hasAttribute("stroke"_q) ? attributes.value("stroke"_q).toString()
@@ -77,8 +80,9 @@ Drawn readSvg(const QString& path)
                    attributes.value("points"_q).toString().simplified().split(QLatin1Char(' ')).size() == 5) {
             drawn.curveColours.insert(strokes.last());
         }
-        if (!dashes.last().isEmpty() && dashes.last() != "none"_q)
+        if (!dashes.last().isEmpty() && dashes.last() != "none"_q) {
             ++drawn.dashedLines;
+        }
     }
     EXPECT_FALSE(xml.hasError()) << xml.errorString().toStdString();
     return drawn;
@@ -102,8 +106,9 @@ TEST_F(ChartFile, OverTimeHoldsLabelsCurvesAndLimits)
     writeChart(chart, path("a.svg"));
     const Drawn drawn = readSvg(path("a.svg"));
     for (const QString& text : {chart.title, chart.valueLabel, chart.otherLabel, "curve 0"_q, "curve 2"_q,
-                                "curve 0 +10"_q, "curve 0 -10"_q, "2026-03-03"_q})
+                                "curve 0 +10"_q, "curve 0 -10"_q, "2026-03-03"_q}) {
         EXPECT_TRUE(drawn.texts.contains(text)) << text.toStdString();
+    }
     EXPECT_EQ(drawn.curveColours.size(), 3u);
     EXPECT_GE(drawn.dashedLines, 2);
 }
@@ -112,8 +117,9 @@ TEST_F(ChartFile, TicksOfSeveralDaysAreMidnightsAndNoons)
 {
     Chart chart = chartOver(Chart::Kind::OverTime, 1);
     const double quarterPastEight = 29'700'000.0; // of the local day that the chart counts in
-    for (QPointF& point : chart.curves[0].points)
+    for (QPointF& point : chart.curves[0].points) {
         point.rx() += quarterPastEight;
+    }
     writeChart(chart, path("a.svg"));
     const QStringList texts = readSvg(path("a.svg")).texts;
     const QStringList hours = texts.filter(QRegularExpression("\\A\\d\\d:\\d\\d\\z"_q));
@@ -127,14 +133,16 @@ TEST_F(ChartFile, TicksOfADayAreRoundHours)
     Chart chart = chartOver(Chart::Kind::OverTime, 1);
     const double twoHoursAndAQuarter = 8'100'000.0;
     const double sevenPastTwo = 1772409600000.0 + 7'620'000.0;
-    for (int i = 0; i < chart.curves[0].points.size(); ++i)
+    for (int i = 0; i < chart.curves[0].points.size(); ++i) {
         chart.curves[0].points[i].setX(sevenPastTwo + i * twoHoursAndAQuarter);
+    }
     writeChart(chart, path("a.svg"));
     const QStringList hours =
         readSvg(path("a.svg")).texts.filter(QRegularExpression("\\A\\d\\d:\\d\\d\\z"_q));
     EXPECT_GE(hours.size(), 3);
-    for (const QString& hour : hours)
+    for (const QString& hour : hours) {
         EXPECT_TRUE(hour.endsWith(":00"_q)) << hour.toStdString();
+    }
 }
 
 TEST_F(ChartFile, OverDepthHoldsACurvePerDate)
@@ -154,9 +162,11 @@ TEST_F(ChartFile, PngIsAPicture)
     ASSERT_FALSE(image.isNull());
     EXPECT_GT(image.width(), 800);
     std::set<QRgb> colours;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
             colours.insert(image.pixel(x, y));
+        }
+    }
     EXPECT_EQ(image.pixelColor(0, 0), QColor(Qt::white));
     EXPECT_GT(colours.size(), 20u);
 }
@@ -173,8 +183,9 @@ TEST_F(ChartFile, OnlySvgAndPng)
 {
     EXPECT_NO_THROW(requireChartPath("a.svg"_q));
     EXPECT_NO_THROW(requireChartPath("a.PNG"_q));
-    for (const char* name : {"a.pdf", "svg", "a"})
+    for (const char* name : {"a.pdf", "svg", "a"}) {
         EXPECT_THROW(requireChartPath(QString::fromUtf8(name)), Failure) << name;
+    }
 }
 
 TEST_F(ChartFile, AnUnwritablePlaceIsAFailure)
@@ -189,8 +200,9 @@ TEST_F(ChartFile, AnUnwritablePlaceIsAFailure)
 
 int main(int argc, char** argv)
 {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
     const QApplication application(argc, argv);
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();

@@ -1,5 +1,6 @@
-#include "Text.h"
 #include "plot/StatisticsChart.h"
+
+#include "Text.h"
 #include "plot/TextChart.h"
 
 #include <gtest/gtest.h>
@@ -82,8 +83,9 @@ TEST(StatisticsChart, TellsPointsWithSeveralDepths)
 TEST(StatisticsChart, ThinningKeepsTheEnds)
 {
     chart::Days days;
-    for (int day = 0; day < 100; ++day)
+    for (int day = 0; day < 100; ++day) {
         days.insert(QDate(2026, 1, 1).addDays(day), {});
+    }
     const chart::Days kept = chart::thinned(days, 20);
     EXPECT_EQ(kept.size(), 20);
     EXPECT_EQ(kept.firstKey(), days.firstKey());

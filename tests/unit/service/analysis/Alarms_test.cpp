@@ -143,7 +143,8 @@ TEST_F(Alarms, SeveralDepthsAreOneDetailWithADepthEach)
     EXPECT_EQ(member(detail, "totalBeyound"), "5");
     EXPECT_EQ(member(detail, "isThreeVar"), "true");
     EXPECT_EQ(member(detail, "isInclinometer"), "true");
-    // A depth without samples has no value to give; one that was not delivered now has that of its latest sample.
+    // A depth without samples has no value to give; one that was not delivered now has that of its latest
+    // sample.
     const std::string time = "@" + at(21);
     EXPECT_EQ(depths(), "0.5=1@" + at(20) + " 1.0=6" + time + " 1.5=-10" + time + " 2.0=1" + time);
     EXPECT_EQ(value("SELECT detail FROM alarm_depths"), member(detail, "_id"));

@@ -10,7 +10,7 @@ namespace {
 
 constexpr Instant hour = 3600 * 1000;
 constexpr std::int64_t day20151025 = 16733;
-constexpr Instant midnight20151025 = day20151025 * 24 * hour - 2 * hour; ///< in Vienna, in summer time
+constexpr Instant midnight20151025 = day20151025 * 24 * hour - 2 * hour; // in Vienna, in summer time
 
 void begin(DailyStatistics& statistics, const char* id, const char* name, const char* depth,
            const char* links = "[]")
@@ -18,7 +18,7 @@ void begin(DailyStatistics& statistics, const char* id, const char* name, const 
     statistics.beginPoint({0, id, "Settlement", name, depth, links, "{}"});
 }
 
-/// The values of the only day, each as name/depth/identifier.
+// The values of the only day, each as name/depth/identifier.
 std::string order(DailyStatistics& statistics)
 {
     LocalDays days("UTC");

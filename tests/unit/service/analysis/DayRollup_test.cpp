@@ -16,7 +16,8 @@ namespace {
 
 using test::member;
 
-// What a delivery is drawn from: a few weeks around a change of the clock, close enough together for samples to meet.
+// What a delivery is drawn from: a few weeks around a change of the clock, close enough together for samples
+// to meet.
 struct Period
 {
     const char* timeZone;

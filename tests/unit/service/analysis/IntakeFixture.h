@@ -3,9 +3,9 @@
 #include "analysis/DeliveryIntake.h"
 #include "analysis/DeliveryParser.h"
 #include "analysis/DeliveryRefusal.h"
+#include "json/JsonText.h"
 #include "store/SqliteStore.h"
 #include "support/TemporaryFolder.h"
-#include "json/JsonText.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gtest/gtest.h>
@@ -26,8 +26,8 @@ inline std::string member(const std::string& json, std::string_view name)
     return value.is_string() ? std::string(value.get_string().value()) : simdjson::minify(value);
 }
 
-/// A store with project "p1" (monitorings "c1" and "c2" of Settlement, "c3" of Inclinometer; sub-categories "s1" and
-/// "s2" of Settlement, "s3" of Inclinometer) and project "p2" (monitoring "d1", sub-category "t1").
+/// A store with project "p1" (monitorings "c1" and "c2" of Settlement, "c3" of Inclinometer; sub-categories
+/// "s1" and "s2" of Settlement, "s3" of Inclinometer) and project "p2" (monitoring "d1", sub-category "t1").
 class IntakeFixture : public ::testing::Test
 {
 protected:

@@ -15,8 +15,9 @@ public:
     {
         const simdjson::error_code error =
             m_parser.parse_into_document(m_values, m_json.data(), m_json.size()).get(m_root);
-        if (error != simdjson::SUCCESS)
+        if (error != simdjson::SUCCESS) {
             throw std::invalid_argument("not JSON: " + m_json);
+        }
     }
 
     // The root refers to the values by address.

@@ -1,11 +1,10 @@
-// Random documents and where documents: the rows that SQL selects and the matcher accepts must be the rows that the
-// matcher accepts, and where narrowing says that it is exact, SQL alone must select them.
+// Random documents and where documents: the rows that SQL selects and the matcher accepts must be the rows
+// that the matcher accepts, and where narrowing says that it is exact, SQL alone must select them.
 
+#include "Document.h"
 #include "query/Matcher.h"
 #include "query/Narrowing.h"
 #include "query/PatternSearch.h"
-
-#include "Document.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gtest/gtest.h>
@@ -27,7 +26,7 @@ class Chance
 public:
     explicit Chance(unsigned seed) : m_engine(seed) {}
 
-    /// A number below \a end; not std::uniform_int_distribution, which differs between libraries.
+    // A number below `end`; not std::uniform_int_distribution, which differs between libraries.
     std::size_t below(std::size_t end) { return m_engine() % end; }
 
     template <typename Item>
@@ -42,33 +41,33 @@ private:
 
 using Json = std::string;
 
-const std::vector<Json> kPlainTexts{
+const std::vector<Json> plainTexts{
     R"("a")", R"("b")",       R"("ab")",      R"("")",        R"("é")",      R"("A")", R"("\ud83d\ude00")",
     R"("z")", R"("2024-03")", R"("\\u0000")", R"("o'clock")", R"("\uff5e")", R"("5")", R"("x\ny")"};
-const std::vector<Json> kTimestamps{R"("2024-03-01T00:00:00Z")",      R"("2024-03-01T08:00:00.000+08:00")",
-                                    R"("2024-03-01T08:00:00+0800")",  R"("2024-03-01T00:00:00.0004Z")",
-                                    R"("2024-03-01T00:00:00.0009Z")", R"("2024-03-01T00:00:00.001Z")",
-                                    R"("2024-02-29T23:59:59.9999Z")", R"("2024-03-02T00:00:00Z")",
-                                    R"("1969-12-31T23:59:59.9995Z")", R"("2024-03-01T00:00:00.000900000Z")"};
-const std::vector<Json> kOddValues{"5",
-                                   "5.0",
-                                   "9007199254740993",
-                                   "true",
-                                   "{}",
-                                   R"({"b":"a"})",
-                                   "[]",
-                                   "[null]",
-                                   R"(["a"])",
-                                   R"(["a","2024-03-01T00:00:00Z"])",
-                                   R"([["a"]])",
-                                   R"([{"b":"a"},{"b":"b"}])",
-                                   R"("a\u0000b")",
-                                   R"("\u0000")",
-                                   R"("2024-02-30T00:00:00Z")"};
+const std::vector<Json> timestamps{R"("2024-03-01T00:00:00Z")",      R"("2024-03-01T08:00:00.000+08:00")",
+                                   R"("2024-03-01T08:00:00+0800")",  R"("2024-03-01T00:00:00.0004Z")",
+                                   R"("2024-03-01T00:00:00.0009Z")", R"("2024-03-01T00:00:00.001Z")",
+                                   R"("2024-02-29T23:59:59.9999Z")", R"("2024-03-02T00:00:00Z")",
+                                   R"("1969-12-31T23:59:59.9995Z")", R"("2024-03-01T00:00:00.000900000Z")"};
+const std::vector<Json> oddValues{"5",
+                                  "5.0",
+                                  "9007199254740993",
+                                  "true",
+                                  "{}",
+                                  R"({"b":"a"})",
+                                  "[]",
+                                  "[null]",
+                                  R"(["a"])",
+                                  R"(["a","2024-03-01T00:00:00Z"])",
+                                  R"([["a"]])",
+                                  R"([{"b":"a"},{"b":"b"}])",
+                                  R"("a\u0000b")",
+                                  R"("\u0000")",
+                                  R"("2024-02-30T00:00:00Z")"};
 
 Json anyText(Chance& chance)
 {
-    return chance.below(3) == 0 ? chance.of(kTimestamps) : chance.of(kPlainTexts);
+    return chance.below(3) == 0 ? chance.of(timestamps) : chance.of(plainTexts);
 }
 
 Json anyValue(Chance& chance)
@@ -77,7 +76,7 @@ Json anyValue(Chance& chance)
     case 0:
         return "null";
     case 1:
-        return chance.of(kOddValues);
+        return chance.of(oddValues);
     default:
         return anyText(chance);
     }
@@ -88,42 +87,46 @@ void addMember(Json& object, const std::string& member)
     object += (object.size() > 1 ? "," : "") + member;
 }
 
-/// A document whose "name", "category" and "flag" are texts and whose "createdAt" and "time" are timestamps, each
-/// perhaps null or missing.
+// A document whose "name", "category" and "flag" are texts and whose "createdAt" and "time" are timestamps,
+// each perhaps null or missing.
 Json uniformDocument(Chance& chance)
 {
     Json json = "{";
     for (const char* name : {"name", "category"}) {
         const std::size_t kind = chance.below(8);
-        if (kind > 0)
+        if (kind > 0) {
             addMember(json, '"' + std::string(name) + "\":" + (kind == 1 ? "null" : anyText(chance)));
+        }
     }
     for (const char* name : {"createdAt", "updatedAt"}) {
         const std::size_t kind = chance.below(8);
-        if (kind > 0)
-            addMember(json, '"' + std::string(name) + "\":" + (kind == 1 ? "null" : chance.of(kTimestamps)));
+        if (kind > 0) {
+            addMember(json, '"' + std::string(name) + "\":" + (kind == 1 ? "null" : chance.of(timestamps)));
+        }
     }
     addMember(json, R"("alarmTo":[)" + anyText(chance) + "," + anyText(chance) + "]");
     addMember(json, R"("depth":)" + anyValue(chance));
     return json + "}";
 }
 
-/// A document that holds anything anywhere.
+// A document that holds anything anywhere.
 Json oddDocument(Chance& chance)
 {
     Json json = "{";
     for (const char* name : {"name", "category", "createdAt", "updatedAt", "alarmTo", "depth"}) {
-        if (chance.below(6) > 0)
+        if (chance.below(6) > 0) {
             addMember(json, '"' + std::string(name) + "\":" + anyValue(chance));
+        }
     }
     return json + "}";
 }
 
-/// A value that has an order.
+// A value that has an order.
 Json bound(Chance& chance)
 {
-    if (chance.below(2) == 0)
-        return chance.of(kTimestamps);
+    if (chance.below(2) == 0) {
+        return chance.of(timestamps);
+    }
     const Json value = anyValue(chance);
     return value.front() == '[' || value.front() == '{' ? anyText(chance) : value;
 }
@@ -140,8 +143,9 @@ Json condition(Chance& chance)
     case 3:
     case 4: {
         Json list;
-        for (std::size_t i = chance.below(4); i > 0; --i)
+        for (std::size_t i = chance.below(4); i > 0; --i) {
             list += anyValue(chance) + (i > 1 ? "," : "");
+        }
         return (chance.below(3) == 0 ? R"({"$nin":[)" : R"({"$in":[)") + list + "]}";
     }
     case 5:
@@ -170,7 +174,7 @@ Json whereDocument(Chance& chance)
     return json + "}";
 }
 
-/// A table of random documents and the columns that narrow() knows.
+// A table of random documents and the columns that narrow() knows.
 class Table
 {
 public:
@@ -189,8 +193,9 @@ public:
         m_database.exec("CREATE INDEX cells_name ON cells (name)");
         m_database.exec("CREATE INDEX cells_created ON cells (created_ms)");
         SQLite::Transaction transaction(m_database);
-        for (std::size_t i = 0; i < documents; ++i)
+        for (std::size_t i = 0; i < documents; ++i) {
             insert(uniform ? uniformDocument(chance) : oddDocument(chance));
+        }
         transaction.commit();
     }
 
@@ -218,8 +223,9 @@ public:
         }
         EXPECT_EQ(statement.getBindParameterCount(), static_cast<int>(narrowing.values.size()));
         std::set<std::size_t> identifiers;
-        while (statement.executeStep())
+        while (statement.executeStep()) {
             identifiers.insert(static_cast<std::size_t>(statement.getColumn(0).getInt64()));
+        }
         return identifiers;
     }
 
@@ -240,15 +246,17 @@ private:
     static void bindTime(SQLite::Statement& statement, int place,
                          const simdjson::simdjson_result<simdjson::dom::element>& member)
     {
-        if (member.error() != simdjson::SUCCESS || member.is_null())
+        if (member.error() != simdjson::SUCCESS || member.is_null()) {
             return;
+        }
         std::string_view text;
         const bool isText = member.get(text) == simdjson::SUCCESS;
         const std::optional<Timestamp> time = isText ? parseTimestamp(text) : std::nullopt;
-        if (time)
+        if (time) {
             statement.bind(place, time->milliseconds);
-        else
+        } else {
             statement.bind(place, "", 0);
+        }
     }
 
     bool m_uniform;
@@ -256,7 +264,7 @@ private:
     std::vector<std::unique_ptr<Document>> m_documents;
 };
 
-/// Whether the patterns that were left are found in the texts that the columns of a uniform document hold.
+// Whether the patterns that were left are found in the texts that the columns of a uniform document hold.
 bool holdsPatterns(const Narrowing& narrowing, const Document& document)
 {
     return std::all_of(narrowing.patterns.begin(), narrowing.patterns.end(),
@@ -306,7 +314,7 @@ void compareOnce(Table& table, const Json& json, Tally& tally)
     tally.narrowed += selected.size() < table.documents().size() ? 1 : 0;
 }
 
-/// Prints what was compared; RK_TEST_LONG in the environment compares ten times as much.
+// Prints what was compared; RK_TEST_LONG in the environment compares ten times as much.
 Tally compare(bool uniform, unsigned seed)
 {
     const int tables = std::getenv("RK_TEST_LONG") != nullptr ? 100 : 10;
@@ -316,8 +324,9 @@ Tally compare(bool uniform, unsigned seed)
     Tally tally;
     for (int i = 0; i < tables && !testing::Test::HasFatalFailure(); ++i) {
         Table table(uniform, documents, chance);
-        for (int j = 0; j < wheresPerTable && !testing::Test::HasFatalFailure(); ++j)
+        for (int j = 0; j < wheresPerTable && !testing::Test::HasFatalFailure(); ++j) {
             compareOnce(table, whereDocument(chance), tally);
+        }
     }
     std::cout << tally.matched + tally.unmatched << " pairs of " << tally.wheres << " where documents with "
               << documents << " documents each, seed " << seed << ": " << tally.matched << " match; "

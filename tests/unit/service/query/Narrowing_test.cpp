@@ -9,7 +9,7 @@ namespace {
 
 using Values = std::vector<SqlValue>;
 
-const std::vector<NarrowableField> kFields{
+const std::vector<NarrowableField> fields{
     {"name", "n", FieldKind::Text, true},
     {"remark", "r", FieldKind::Text, false},
     {"createdAt", "c", FieldKind::Time, true},
@@ -18,7 +18,7 @@ const std::vector<NarrowableField> kFields{
      false},
 };
 
-constexpr std::int64_t kMarch = 1709251200000; // 2024-03-01T00:00:00Z
+constexpr std::int64_t march = 1709251200000; // 2024-03-01T00:00:00Z
 
 struct Row
 {
@@ -32,7 +32,7 @@ void check(const std::vector<Row>& rows)
 {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.where);
-        const Narrowing narrowing = narrow(Where::parse(row.where), kFields);
+        const Narrowing narrowing = narrow(Where::parse(row.where), fields);
         EXPECT_EQ(narrowing.sql, row.sql);
         EXPECT_EQ(narrowing.values, row.values);
         EXPECT_EQ(narrowing.exact, row.exact);
@@ -42,8 +42,9 @@ void check(const std::vector<Row>& rows)
 Values texts(std::initializer_list<const char*> list)
 {
     Values values;
-    for (const char* text : list)
+    for (const char* text : list) {
         values.emplace_back(std::string(text));
+    }
     return values;
 }
 
@@ -110,21 +111,21 @@ TEST(Narrowing, Times)
     check({
         {R"({"createdAt":{"$gte":"2024-03-01T00:00:00.000Z","$lt":"2024-03-01T08:00:00.001+08:00"}})",
          "c >= ? AND c < ?",
-         {kMarch, kMarch + 1},
+         {march, march + 1},
          true},
-        {R"({"createdAt":{"$gt":"2024-03-01T00:00:00Z"}})", "c >= ?", {kMarch}, false},
-        {R"({"createdAt":{"$lte":"2024-03-01T00:00:00Z"}})", "c <= ?", {kMarch}, false},
-        {R"({"createdAt":{"$gte":"2024-03-01T00:00:00.0001Z"}})", "c >= ?", {kMarch}, false},
-        {R"({"createdAt":{"$lt":"2024-03-01T00:00:00.0001Z"}})", "c <= ?", {kMarch}, false},
-        {R"({"createdAt":"2024-03-01T00:00:00Z"})", "c IN (?)", {kMarch}, false},
+        {R"({"createdAt":{"$gt":"2024-03-01T00:00:00Z"}})", "c >= ?", {march}, false},
+        {R"({"createdAt":{"$lte":"2024-03-01T00:00:00Z"}})", "c <= ?", {march}, false},
+        {R"({"createdAt":{"$gte":"2024-03-01T00:00:00.0001Z"}})", "c >= ?", {march}, false},
+        {R"({"createdAt":{"$lt":"2024-03-01T00:00:00.0001Z"}})", "c <= ?", {march}, false},
+        {R"({"createdAt":"2024-03-01T00:00:00Z"})", "c IN (?)", {march}, false},
         {R"({"createdAt":{"$ne":"2024-03-01T00:00:00Z"}})", "1", {}, false},
         {R"({"createdAt":{"$nin":["2024-03-01T00:00:00Z",null]}})", "c IS NOT NULL", {}, false},
         {R"({"createdAt":"yesterday"})", "0", {}, true},
         {R"({"createdAt":{"$ne":"yesterday"}})", "1", {}, true},
         {R"({"createdAt":{"$gte":"2024-03"}})", "1", {}, false},
         {R"({"createdAt":{"$gte":5}})", "0", {}, true},
-        {R"({"lastDate":{"$gte":"2024-03-01T00:00:00Z"}})", "l >= ?", {kMarch}, false},
-        {R"({"lastDate":{"$lt":"2024-03-01T00:00:00Z"}})", "(l < ? OR l = x'')", {kMarch}, false},
+        {R"({"lastDate":{"$gte":"2024-03-01T00:00:00Z"}})", "l >= ?", {march}, false},
+        {R"({"lastDate":{"$lt":"2024-03-01T00:00:00Z"}})", "(l < ? OR l = x'')", {march}, false},
         {R"({"lastDate":"yesterday"})", "l IN (x'')", {}, false},
     });
 }
@@ -146,7 +147,7 @@ TEST(Narrowing, Sets)
 
 TEST(Narrowing, ValuesKeepTheirBytes)
 {
-    const Narrowing narrowing = narrow(Where::parse(R"({"name":"a'\u0000\"?é"})"), kFields);
+    const Narrowing narrowing = narrow(Where::parse(R"({"name":"a'\u0000\"?é"})"), fields);
     EXPECT_EQ(narrowing.sql, "n IN (?)");
     EXPECT_EQ(narrowing.values, (Values{std::string("a'\0\"?é", 7)}));
 }

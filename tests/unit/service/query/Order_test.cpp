@@ -9,21 +9,21 @@ namespace {
 
 using ::testing::HasSubstr;
 
-const std::vector<SortableField> kFields{{"createdAt", "created_ms"},
-                                         {"name", "name"},
-                                         {"_id", "id"},
-                                         {"data.time", "last_ms"},
-                                         {"time", "last_ms"}};
+const std::vector<SortableField> fields{{"createdAt", "created_ms"},
+                                        {"name", "name"},
+                                        {"_id", "id"},
+                                        {"data.time", "last_ms"},
+                                        {"time", "last_ms"}};
 
 std::string orderSql(const char* text)
 {
-    return orderBy(parseOrder(text, kFields), "id");
+    return orderBy(parseOrder(text, fields), "id");
 }
 
 std::string refusal(const char* text)
 {
     try {
-        parseOrder(text, kFields);
+        parseOrder(text, fields);
     } catch (const QueryError& error) {
         EXPECT_EQ(error.status(), 400);
         return error.what();
@@ -48,8 +48,9 @@ TEST(Order, NamesWhatItRefuses)
     EXPECT_EQ(refusal("+name"), "order: cannot order by \"+name\"");
     EXPECT_EQ(refusal("name DESC"), "order: cannot order by \"name DESC\"");
     EXPECT_EQ(refusal("Name"), "order: cannot order by \"Name\"");
-    for (const char* text : {"", "-", "name,", ",name", "name,,_id", "-,name"})
+    for (const char* text : {"", "-", "name,", ",name", "name,,_id", "-,name"}) {
         EXPECT_EQ(refusal(text), "order: a name is missing") << text;
+    }
     EXPECT_THAT(refusal("name,-name"), HasSubstr("\"-name\" orders by the same field again"));
     EXPECT_THAT(refusal("time,data.time"), HasSubstr("\"data.time\" orders by the same field again"));
 }

@@ -1,7 +1,6 @@
+#include "Document.h"
 #include "query/Matcher.h"
 #include "query/QueryError.h"
-
-#include "Document.h"
 
 #include <gmock/gmock.h>
 
@@ -23,7 +22,7 @@ Document named(const std::string& name)
     return Document(R"({"name":")" + name + "\"}");
 }
 
-/// The status of matching, 200 when there was an answer.
+// The status of matching, 200 when there was an answer.
 int status(const std::string& pattern, const std::string& name)
 {
     try {
@@ -54,8 +53,9 @@ TEST(PatternSearch, ExplodingPatternsAreRefused)
         "(*NO_JIT)(a+)+$",
         "(*NO_START_OPT)(*NO_AUTO_POSSESS)(a+)+$",
     };
-    for (const std::string& pattern : patterns)
+    for (const std::string& pattern : patterns) {
         EXPECT_EQ(status(pattern, many + "!"), 422) << pattern;
+    }
 }
 
 TEST(PatternSearch, PatternsCannotRaiseTheLimits)
@@ -63,8 +63,9 @@ TEST(PatternSearch, PatternsCannotRaiseTheLimits)
     const std::string many(60, 'a');
     for (const char* verb :
          {"(*LIMIT_MATCH=4000000000)", "(*LIMIT_DEPTH=4000000000)", "(*LIMIT_HEAP=4000000000)",
-          "(*NO_JIT)(*LIMIT_MATCH=4000000000)(*LIMIT_HEAP=4000000000)"})
+          "(*NO_JIT)(*LIMIT_MATCH=4000000000)(*LIMIT_HEAP=4000000000)"}) {
         EXPECT_EQ(status(verb + std::string("(a+)+$"), many + "!"), 422) << verb;
+    }
     // Lowering is the pattern's own affair.
     EXPECT_EQ(status("(*LIMIT_MATCH=1)a+b?c?$", many + "!"), 422);
 }
@@ -106,8 +107,9 @@ TEST(PatternSearch, OneBudgetForTheWholeQuery)
     Matcher matcher(where);
     int tried = 0;
     const auto matchAll = [&] {
-        for (; tried < documents; ++tried)
+        for (; tried < documents; ++tried) {
             matcher.matches(document.root());
+        }
     };
     EXPECT_THROW(matchAll(), QueryError);
     EXPECT_GT(tried, 10);
@@ -121,8 +123,9 @@ TEST(PatternSearch, OrdinaryPagesStayWithinTheBudget)
     const Document document = named("Settlement point, north wall, row 3, number 17");
     Matcher matcher(where);
     int matched = 0;
-    for (int i = 0; i < 100'000; ++i)
+    for (int i = 0; i < 100'000; ++i) {
         matched += matcher.matches(document.root()) ? 1 : 0;
+    }
     EXPECT_EQ(matched, 100'000);
 }
 
@@ -134,8 +137,9 @@ TEST(PatternSearch, BudgetIsCountedInSteps)
         const Document document = named(std::string(300, 'a'));
         int count = 0;
         try {
-            for (; count < 1'000; ++count)
+            for (; count < 1'000; ++count) {
                 matcher.matches(document.root());
+            }
         } catch (const QueryError& error) {
             EXPECT_EQ(error.status(), 422);
         }
@@ -154,8 +158,9 @@ TEST(PatternSearch, WhatIsNotCountedIsBoundedToo)
     Matcher matcher(whereName("b"), 1'000);
     const Document document = named("a");
     const auto matchAll = [&] {
-        for (int i = 0; i < 100'000; ++i)
+        for (int i = 0; i < 100'000; ++i) {
             matcher.matches(document.root());
+        }
     };
     EXPECT_THROW(matchAll(), QueryError);
 }

@@ -97,8 +97,9 @@ TEST(Timestamp, RefusesEverythingElse)
         "2024/01/01T00:00:00Z",
         "２０２４-01-01T00:00:00Z",
     };
-    for (const char* text : texts)
+    for (const char* text : texts) {
         EXPECT_FALSE(parseTimestamp(text)) << text;
+    }
     EXPECT_FALSE(parseTimestamp(std::string_view("2024-03-01T12:34:56Z\0", 21)));
 }
 

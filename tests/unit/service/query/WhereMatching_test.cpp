@@ -1,6 +1,5 @@
-#include "query/Where.h"
-
 #include "Document.h"
+#include "query/Where.h"
 
 #include <gtest/gtest.h>
 

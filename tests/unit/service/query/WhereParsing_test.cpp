@@ -95,8 +95,9 @@ TEST(WhereParsing, NamesWhatIsWrongAndWhere)
         {R"({"a":{"$regex":"(*NO_UTF_CHECK)x"}})", "where: pattern \"(*NO_UTF_CHECK)x\" at \"a\": "},
         {R"x({"a":{"$regex":"((((a{9999}){9999}){9999}){9999})"}})x", "where: pattern "},
     };
-    for (const Row& row : rows)
+    for (const Row& row : rows) {
         EXPECT_THAT(refusal(row.json), StartsWith(row.message)) << row.json;
+    }
     EXPECT_THAT(refusal(std::string("{\"a\":1}\0", 8)), StartsWith("where: not valid JSON: "));
     EXPECT_THAT(refusal("{\"a\":{\"$regex\":\"" + std::string(300, '(') + "\"}}"),
                 StartsWith("where: pattern "));
@@ -115,10 +116,10 @@ TEST(WhereParsing, LimitOfBytes)
     const auto document = [](std::size_t bytes) {
         return "{\"a\":\"" + std::string(bytes - 8, 'x') + "\"}";
     };
-    ASSERT_EQ(document(Where::kMaximumBytes).size(), Where::kMaximumBytes);
-    EXPECT_EQ(refusal(document(Where::kMaximumBytes - 1)), "accepted");
-    EXPECT_EQ(refusal(document(Where::kMaximumBytes)), "accepted");
-    EXPECT_EQ(refusal(document(Where::kMaximumBytes + 1)), "where: longer than 8192 bytes");
+    ASSERT_EQ(document(Where::maximumBytes).size(), Where::maximumBytes);
+    EXPECT_EQ(refusal(document(Where::maximumBytes - 1)), "accepted");
+    EXPECT_EQ(refusal(document(Where::maximumBytes)), "accepted");
+    EXPECT_EQ(refusal(document(Where::maximumBytes + 1)), "where: longer than 8192 bytes");
     EXPECT_EQ(refusal(std::string(1'000'000, ' ')), "where: longer than 8192 bytes");
 }
 
@@ -127,46 +128,49 @@ TEST(WhereParsing, LimitOfDepth)
     const auto lists = [](std::size_t depth) {
         return "{\"a\":" + std::string(depth - 1, '[') + std::string(depth - 1, ']') + "}";
     };
-    EXPECT_EQ(refusal(lists(Where::kMaximumDepth - 1)), "accepted");
-    EXPECT_EQ(refusal(lists(Where::kMaximumDepth)), "accepted");
-    EXPECT_EQ(refusal(lists(Where::kMaximumDepth + 1)), "where: nested deeper than 8");
+    EXPECT_EQ(refusal(lists(Where::maximumDepth - 1)), "accepted");
+    EXPECT_EQ(refusal(lists(Where::maximumDepth)), "accepted");
+    EXPECT_EQ(refusal(lists(Where::maximumDepth + 1)), "where: nested deeper than 8");
     EXPECT_EQ(refusal(lists(4000)), "where: nested deeper than 8");
 
     const auto objects = [](std::size_t depth) {
         std::string json;
-        for (std::size_t i = 0; i < depth; ++i)
+        for (std::size_t i = 0; i < depth; ++i) {
             json += "{\"a\":";
+        }
         return json + "1" + std::string(depth, '}');
     };
-    EXPECT_EQ(refusal(objects(Where::kMaximumDepth - 1)), "accepted");
-    EXPECT_EQ(refusal(objects(Where::kMaximumDepth)), "accepted");
-    EXPECT_EQ(refusal(objects(Where::kMaximumDepth + 1)), "where: nested deeper than 8");
+    EXPECT_EQ(refusal(objects(Where::maximumDepth - 1)), "accepted");
+    EXPECT_EQ(refusal(objects(Where::maximumDepth)), "accepted");
+    EXPECT_EQ(refusal(objects(Where::maximumDepth + 1)), "where: nested deeper than 8");
 }
 
 TEST(WhereParsing, LimitOfListMembers)
 {
     const auto list = [](std::size_t members) {
         std::string json = "{\"a\":{\"$in\":[1";
-        for (std::size_t i = 1; i < members; ++i)
+        for (std::size_t i = 1; i < members; ++i) {
             json += ",1";
+        }
         return json + "]}}";
     };
-    EXPECT_EQ(refusal(list(Where::kMaximumListMembers - 1)), "accepted");
-    EXPECT_EQ(refusal(list(Where::kMaximumListMembers)), "accepted");
-    EXPECT_EQ(refusal(list(Where::kMaximumListMembers + 1)), "where: a list has more than 1000 members");
+    EXPECT_EQ(refusal(list(Where::maximumListMembers - 1)), "accepted");
+    EXPECT_EQ(refusal(list(Where::maximumListMembers)), "accepted");
+    EXPECT_EQ(refusal(list(Where::maximumListMembers + 1)), "where: a list has more than 1000 members");
 }
 
 TEST(WhereParsing, LimitOfPatterns)
 {
     const auto patterns = [](std::size_t count) {
         std::string json = "{";
-        for (std::size_t i = 0; i < count; ++i)
+        for (std::size_t i = 0; i < count; ++i) {
             json += (i == 0 ? "\"a" : ",\"a") + std::to_string(i) + "\":{\"$regex\":\"x\"}";
+        }
         return json + "}";
     };
-    EXPECT_EQ(refusal(patterns(Where::kMaximumPatterns - 1)), "accepted");
-    EXPECT_EQ(refusal(patterns(Where::kMaximumPatterns)), "accepted");
-    EXPECT_EQ(refusal(patterns(Where::kMaximumPatterns + 1)), "where: more than 32 patterns at \"a32\"");
+    EXPECT_EQ(refusal(patterns(Where::maximumPatterns - 1)), "accepted");
+    EXPECT_EQ(refusal(patterns(Where::maximumPatterns)), "accepted");
+    EXPECT_EQ(refusal(patterns(Where::maximumPatterns + 1)), "where: more than 32 patterns at \"a32\"");
 }
 
 TEST(WhereParsing, LimitOfNamesInAPath)

@@ -1,5 +1,4 @@
 #include "store/SqliteStore.h"
-
 #include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>

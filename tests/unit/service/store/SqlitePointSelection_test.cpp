@@ -1,7 +1,7 @@
+#include "json/JsonText.h"
 #include "query/QueryError.h"
 #include "store/SqliteStore.h"
 #include "support/TemporaryFolder.h"
-#include "json/JsonText.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -58,7 +58,7 @@ protected:
         return options;
     }
 
-    /// The days that a condition leaves, as day:time in quarters of a day.
+    // The days that a condition leaves, as day:time in quarters of a day.
     std::vector<std::string> days(const std::string& json)
     {
         const auto session = store.read();

@@ -7,7 +7,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
 #include <sqlite3.h>
 
 #include <functional>
@@ -122,7 +121,7 @@ struct Key
 {
     const char* where;
     const char* order;
-    const char* used; ///< part of the plan
+    const char* used; // part of the plan
 };
 
 TEST_F(SqliteSchema, PointsAreReadByTheNarrowestKey)

@@ -35,8 +35,9 @@ QList<QJsonObject> NetworkEventLoop::objectList() const
 {
     QList<QJsonObject> objects;
     const QJsonArray elements = array();
-    for (const QJsonValue& element : elements)
+    for (const QJsonValue& element : elements) {
         objects.append(element.toObject());
+    }
     return objects;
 }
 

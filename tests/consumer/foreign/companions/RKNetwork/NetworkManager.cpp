@@ -5,7 +5,7 @@
 
 namespace {
 
-/// Finishes from the event loop, as a reply from a network would.
+// Finishes from the event loop, as a reply from a network would.
 class MemoryReply : public QNetworkReply
 {
 public:
@@ -14,8 +14,9 @@ public:
         m_answer.setData(answer);
         m_answer.open(QIODevice::ReadOnly);
         open(QIODevice::ReadOnly);
-        if (error != NoError)
+        if (error != NoError) {
             setError(error, QStringLiteral("refused"));
+        }
         QTimer::singleShot(0, this, [this] {
             setFinished(true);
             emit finished();

@@ -23,8 +23,9 @@ QDateTime getDateTimeByQString(const QString& text)
 QStringList getStrListFromVarList(const QList<QVariant>& values)
 {
     QStringList texts;
-    for (const QVariant& value : values)
+    for (const QVariant& value : values) {
         texts.append(value.toString().toUpper());
+    }
     return texts;
 }
 
@@ -35,8 +36,9 @@ QMap<QString, QStringList> jsonArrayToLinksEntity(const QJsonArray& links)
         const QJsonObject link = element.toObject();
         QStringList& identifiers = entity[link.value(relationKey).toString()];
         const QJsonArray array = link.value(identifiersKey).toArray();
-        for (const QJsonValue& identifier : array)
+        for (const QJsonValue& identifier : array) {
             identifiers.append(identifier.toString());
+        }
     }
     return entity;
 }
@@ -44,17 +46,20 @@ QMap<QString, QStringList> jsonArrayToLinksEntity(const QJsonArray& links)
 QJsonArray linksEntityToJsonArray(const QMap<QString, QStringList>& links)
 {
     QJsonArray array;
-    for (auto link = links.begin(); link != links.end(); ++link)
+    for (auto link = links.begin(); link != links.end(); ++link) {
         array.append(QJsonObject{{relationKey, link.key()},
                                  {identifiersKey, QJsonArray::fromStringList(link.value())}});
+    }
     return array;
 }
 
 void removeCommonJsonValue(const QJsonObject& before, QJsonObject& after)
 {
-    for (auto member = before.begin(); member != before.end(); ++member)
-        if (after.value(member.key()) == member.value())
+    for (auto member = before.begin(); member != before.end(); ++member) {
+        if (after.value(member.key()) == member.value()) {
             after.remove(member.key());
+        }
+    }
 }
 
 } // namespace RKPub
