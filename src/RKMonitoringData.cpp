@@ -2,10 +2,10 @@
 
 #include "alarm/AlarmExchanges.h"
 #include "datamanage/DataManageExchanges.h"
-#include "frame/Permissions.h"
 #include "group/GroupExchanges.h"
 #include "monitoring/CategoryExchanges.h"
 #include "monitoring/MonitoringExchanges.h"
+#include "permission/PermissionExchanges.h"
 #include "pointlocation/PointLocationExchanges.h"
 #include "pointlocation/StatisticsExchanges.h"
 

@@ -1,4 +1,4 @@
-#include "frame/Permissions.h"
+#include "permission/PermissionExchanges.h"
 
 #include "frame/JsonKey.h"
 #include "frame/RequestFrame.h"
