@@ -17,14 +17,16 @@ set(CMAKE_INSTALL_RPATH "${RK_ORIGIN}/${RK_LIB_FROM_BIN}")
 # rk_library_package(<target>
 #   INCLUDE_DIR <directory whose *.h are the public headers>
 #   DESCRIPTION <one line>
-#   [FIND <package> ...]      what find_package must find before this one
-#   [PKG_CONFIG <module> ...] what the pkg-config file requires
+#   [FIND <package> ...]      what find_package must find before this one: the packages of the targets that it names
+#   [PKG_CONFIG <module> ...] what the pkg-config file requires: what the public headers include
 # )
 # Makes <target>::<target>, generates <target>Export.h, sets the version, and installs the package.
 function(rk_library_package target)
   cmake_parse_arguments(arg "" "INCLUDE_DIR;DESCRIPTION" "FIND;PKG_CONFIG" ${ARGN})
 
   add_library(${target}::${target} ALIAS ${target})
+  # The public headers keep to what Qt 5.15 itself asks for.
+  target_compile_features(${target} INTERFACE cxx_std_11)
   set_target_properties(${target} PROPERTIES
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR}

@@ -1,9 +1,9 @@
 # What every target of ours is compiled with.
 
 # rk_target_defaults(<target>)
-#   C++17, hidden symbols, warnings as errors, strict Qt strings.
+#   C++17, hidden symbols, warnings as errors, strict Qt strings; none of it is asked of those who link the target.
 function(rk_target_defaults target)
-  target_compile_features(${target} PUBLIC cxx_std_17)
+  target_compile_features(${target} PRIVATE cxx_std_17)
   set_target_properties(${target} PROPERTIES
     CXX_EXTENSIONS OFF
     CXX_VISIBILITY_PRESET hidden

@@ -24,6 +24,8 @@ echo "consumer: with the bundled companions"
 build . "$work/bundled" -DRKMONITORINGDATA_BUILD_TESTS=OFF
 quietly cmake --install "$work/bundled" --prefix "$work/prefix"
 build tests/consumer/example "$work/example" -DCMAKE_PREFIX_PATH="$work/prefix"
+# The packages ask for no later C++ than the example does.
+grep -q -- '-std=c++11 ' "$work/example/compile_commands.json"
 
 bin="$work/prefix/bin"
 store="$work/monitoring.db"
