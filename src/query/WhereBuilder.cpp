@@ -42,8 +42,11 @@ void restrictToMembers(QJsonObject& document, QLatin1String key, const QStringLi
 
 QJsonObject timeRangeClause(const RKTimePeriod& period)
 {
+    // An end that is no time has no day after it, but Qt would make one up: of a null time a day of the year
+    // -4714, of a local time that the clocks skip a day later, when it exists.
+    const QDateTime end = period.endTime.isValid() ? period.endTime.addDays(1) : period.endTime;
     return {{jsonKey("$gte"), RKPub::getQStringByDateTime(period.startTime)},
-            {jsonKey("$lt"), RKPub::getQStringByDateTime(period.endTime.addDays(1))}};
+            {jsonKey("$lt"), RKPub::getQStringByDateTime(end)}};
 }
 
 QJsonObject textMatchClause(const QString& text)

@@ -11,7 +11,8 @@
 
 namespace rk {
 
-/// {"$gte": startTime, "$lt": endTime plus one calendar day}.
+/// {"$gte": startTime, "$lt": endTime plus one calendar day}. An invalid time, also one that the local clocks
+/// skip, stands as the date function renders it; no day is added to it.
 QJsonObject timeRangeClause(const RKTimePeriod& period);
 /// {"$options": "i", "$regex": text}: values that contain the pattern, whatever their case.
 QJsonObject textMatchClause(const QString& text);

@@ -69,6 +69,17 @@ TEST_F(ForeignCompanions, WhereTextStandsRawAndWithTheirDates)
     EXPECT_EQ(monitorings.first().alarmTo, QStringList{q("ANN")});
 }
 
+TEST_F(ForeignCompanions, AnInvalidPeriodIsWhatTheyMakeOfInvalidTimes)
+{
+    RKMonitoringCondition condition;
+    condition.isAllTime = false;
+    int count = 0;
+    EXPECT_TRUE(data.getMonitoringRangeCount(condition, count));
+    EXPECT_EQ(wire.requests.first().url,
+              q("foreign://service/monitor-service/projects/foreign project/cells?where="
+                "{\"createdAt\":{\"$gte\":\"no time\",\"$lt\":\"no time\"}}&only_count=true"));
+}
+
 // Two relations, and the text that the companions here make of them.
 QMap<QString, QStringList> links()
 {

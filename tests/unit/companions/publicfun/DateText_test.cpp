@@ -1,9 +1,10 @@
+#include "../../../support/LocalZone.h"
+
 #include <QTimeZone>
 #include <RKPub.h>
 
 #include <gtest/gtest.h>
 
-#include <ctime>
 #include <iterator>
 #include <random>
 
@@ -294,35 +295,9 @@ TEST(DateText, WhatAChangedCharacterLeavesAcceptedQtReadsTheSame)
     EXPECT_GT(accepted, 1000);
 }
 
-#ifdef Q_OS_UNIX // where the process's time zone can be chosen by name
+#ifdef Q_OS_UNIX // where there is a LocalZone
 
 namespace {
-
-// The process's local time zone for as long as this lives.
-class LocalZone
-{
-public:
-    explicit LocalZone(const char* name) : m_hadOne(qEnvironmentVariableIsSet("TZ")), m_earlier(qgetenv("TZ"))
-    {
-        qputenv("TZ", name);
-        tzset();
-    }
-    ~LocalZone()
-    {
-        if (m_hadOne) {
-            qputenv("TZ", m_earlier);
-        } else {
-            qunsetenv("TZ");
-        }
-        tzset();
-    }
-    LocalZone(const LocalZone&) = delete;
-    LocalZone& operator=(const LocalZone&) = delete;
-
-private:
-    bool m_hadOne;
-    QByteArray m_earlier;
-};
 
 class DateTextInZone : public testing::TestWithParam<const char*>
 {

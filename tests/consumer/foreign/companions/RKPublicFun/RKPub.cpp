@@ -10,7 +10,7 @@ const QString identifiersKey = QStringLiteral("identifiers");
 
 QString getQStringByDateTime(const QDateTime& dateTime)
 {
-    return dateTime.toUTC().toString(format);
+    return dateTime.isValid() ? dateTime.toUTC().toString(format) : QStringLiteral("no time");
 }
 
 QDateTime getDateTimeByQString(const QString& text)

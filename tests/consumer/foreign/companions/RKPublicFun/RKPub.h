@@ -11,7 +11,7 @@
 
 namespace RKPub {
 
-/// Times as "31.12.2015 23:59:58", in UTC.
+/// Times of any year as "31.12.2015 23:59:58", in UTC; an invalid one as "no time".
 QString getQStringByDateTime(const QDateTime& dateTime);
 QDateTime getDateTimeByQString(const QString& text);
 /// Texts only, in capitals.
