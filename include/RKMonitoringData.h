@@ -26,10 +26,18 @@
 ///
 /// Unless said otherwise
 /// - the result is true when the exchange succeeded;
-/// - outputs are filled from the reply whether or not it succeeded: after a failure a record holds empty
-///   texts, zeros and null times, a count is 0, and a list holds what it held before;
 /// - lists and maps are appended to, never cleared: pass empty ones;
 /// - caches change only after a success.
+///
+/// Outputs after a failure: they are filled from the reply's body before anything asks whether the exchange
+/// succeeded, so what an error reply (HTTP 4xx or 5xx) holds reaches them like the content of any other:
+/// - a record takes every member that is read from the reply's object; a member that the object lacks becomes
+///   empty text, an empty list, 0, false or a null time, unless its operation says that it is kept;
+/// - a list gets the rows of the reply's array, a map its days; without rows it stays as it was;
+/// - a count becomes the reply's "count", or 0.
+/// An error reply such as {"message":"…","status":403} thus empties a record, leaves a list and gives the
+/// count 0, but {"count":5} gives 5 and [{"_id":"c1"}] a row. No reply, and one that was cut, damaged or no
+/// JSON, count as a reply without a body. Rely on no output when the result is false.
 ///
 /// One thread at a time: the thread that runs the application's event loop. Only the construction of the
 /// object is safe from several threads.
@@ -49,7 +57,9 @@ public:
     // ---- Permissions ------------------------------------------------------------------------------------
 
     /// Whether the current user may create monitorings of `category` in the current project.
-    /// GET projects/{p}/auth?category={category}&key=create. A failure reads as a refusal.
+    /// GET projects/{p}/auth?category={category}&key=create.
+    /// True when the reply's "value" is the text "true", whatever became of the exchange: a failure reads as
+    /// a refusal, unless its reply says otherwise.
     bool canCreateMonitoring(const QString& category);
     /// As canCreateMonitoring, for deleting: key=delete.
     bool canDeleteMonitoring(const QString& category);
@@ -59,8 +69,8 @@ public:
     // ---- Monitorings ------------------------------------------------------------------------------------
 
     /// Creates `monitoring` in the current project. POST cells.
-    /// On success `monitoring` is the service's view of it, with `id` and audit members, and is cached.
-    /// On failure its texts, recipients and times are emptied; `modelId` and `projectId` stay.
+    /// `monitoring` becomes the service's view of it, with `id` and audit members; `projectId` is kept, and
+    /// so is `modelId` when the reply has no model link. On success it is cached.
     bool createMonitoring(RKMonitoring& monitoring);
 
     /// Deletes a monitoring. DELETE cells/{id}.
@@ -71,13 +81,13 @@ public:
     /// none, which stays in the cache). PUT cells/{id} with the changed members only.
     /// Nothing changed: no request, `monitoring` becomes the cached record, true.
     /// An emptied `modelId` is not sent: a model link cannot be removed this way.
-    /// On success `monitoring` is the service's view of it and is cached; on failure as createMonitoring.
+    /// Otherwise `monitoring` becomes what createMonitoring() says, and is cached on success.
     bool updateMonitoring(RKMonitoring& monitoring);
 
     /// Reads one monitoring. GET cells/{id}, and caches it under `id`.
     /// `useCache`: answers from the monitoring cache alone, without a request and always true; an `id` that
     /// was never cached gives an empty record and leaves an empty entry.
-    /// `modelId` is kept when the reply has no model link: pass a fresh record.
+    /// `projectId` is kept, and so is `modelId` when the reply has no model link: pass a fresh record.
     bool getMonitoringById(const QString& id, RKMonitoring& monitoring, bool useCache);
 
     /// Appends the monitorings that are linked to a model. GET
@@ -85,16 +95,17 @@ public:
     bool getMonitoringByModelId(const QString& modelId, QList<RKMonitoring>& monitorings);
 
     /// Name of a monitoring: from the monitoring cache, else by GET cells/{id}, which caches it.
-    /// Empty after a failure, which caches nothing.
+    /// Empty after a failure, whatever its reply holds; nothing is cached then.
     QString getMonitoringName(const QString& id);
 
-    /// Counts. GET projects/{p}/cells?where=…&only_count=true. `count` is 0 after a failure.
+    /// Counts. GET projects/{p}/cells?where=…&only_count=true.
     bool getMonitoringRangeCount(const RKMonitoringCondition& condition, int& count);
 
     /// Appends one page. GET projects/{p}/cells?where=…&skip={skip}&limit={limit}; numbers are sent as
     /// given.
     /// On success the monitoring cache is emptied and filled with every record then in `monitorings`.
-    /// Returns true even when the request failed: a failure shows in an unchanged list.
+    /// Returns true even when the request failed, and leaves the cache then: a failure shows in an unchanged
+    /// list, unless its reply has rows.
     bool getMonitoringRangeData(const RKMonitoringCondition& condition, int skip, int limit,
                                 QList<RKMonitoring>& monitorings);
 
@@ -104,13 +115,14 @@ public:
 
     // ---- Categories and sub-categories ------------------------------------------------------------------
 
-    /// Replaces `categories` by the service's list. GET categories.
-    /// True when the list is not empty: a failure, and an empty list, give false.
+    /// Replaces `categories` by the texts of the reply's array, or by none. GET categories.
+    /// True when the list is then not empty, whatever became of the exchange: an empty list gives false, and
+    /// so does a failure, unless its reply is a list.
     bool getMonitoringCategory(QStringList& categories);
 
-    /// Replaces `subCategories` by those of exactly `category`. GET projects/{p}/subCategories?where=….
-    /// Always asks the service; on success fills the sub-category list cache under `category` and the
-    /// sub-category cache. Empty after a failure.
+    /// Replaces `subCategories` by those of exactly `category`, or by none when the reply has no rows.
+    /// GET projects/{p}/subCategories?where=…. Always asks the service; on success fills the sub-category
+    /// list cache under `category` and the sub-category cache.
     bool getMonitoringSubCategory(const QString& category, QList<RKMonitoringSubCategory>& subCategories);
 
     /// One sub-category: from the sub-category cache, else by GET subCategories/{id}, which caches it under
@@ -125,9 +137,9 @@ public:
     bool createPointLocation(const QList<RKPointLocation>& points);
 
     /// Sends batches of points in one delivery. POST pointLocations with an array of arrays.
-    /// `message` becomes the service's own words when it refused the delivery (HTTP 500), "Connection closed
-    /// prematurely" after an unknown server error, and is left alone otherwise, also on success.
-    /// Caches as the other form.
+    /// `message` becomes the service's own words, the reply's "message", when it refused the delivery (HTTP
+    /// 500; empty when that is no text), "Connection closed prematurely" after an unknown server error, and
+    /// is left alone otherwise, also on success. Caches as the other form.
     bool createPointLocation(const QList<QList<RKPointLocation>>& batches, QString& message);
 
     /// Appends the points that match, with their samples. GET
@@ -147,7 +159,8 @@ public:
 
     /// Reads the point with the newest measured time among those that match.
     /// GET projects/{p}/pointLocations?where=…&expand=true&order=-data.time&limit=1&skip=0.
-    /// When none matches, `point` is left alone and the result is true. The cache is not touched.
+    /// `point` takes the first row of the reply, as getPointLocationByPointId() does, and is left alone when
+    /// there is none: when no point matches, with the result true. The cache is not touched.
     bool getPointLocationByTimeOrder(RKPointLocationCondition& condition, RKPointLocation& point);
 
     /// Replaces the relations of every matching point. PUT pointLocations?where=….
@@ -172,8 +185,8 @@ public:
     // ---- Groups -----------------------------------------------------------------------------------------
 
     /// Creates a group in the current project. POST groupSettings.
-    /// On success `group` is the service's view of it and is appended to the group cache under its `cellId`;
-    /// on failure it is emptied.
+    /// `group` becomes the service's view of it; on success it is appended to the group cache under its
+    /// `cellId`.
     bool createGroup(PointLocSetting& group);
 
     /// Deletes a group. DELETE groupSettings/{id}.
@@ -181,9 +194,9 @@ public:
     bool deleteGroup(const QString& id);
 
     /// Sends what `updated` changes against `old`. PUT groupSettings/{id of updated} with the changed
-    /// members. Nothing changed: no request, `updated` becomes `old`, true. On success `updated` is the
-    /// service's view of it and replaces the first cached group of its `id` and `cellId`, if there is one; on
-    /// failure it is emptied.
+    /// members. Nothing changed: no request, `updated` becomes `old`, true. Otherwise `updated` becomes the
+    /// service's view of it. When the result is true it replaces the first cached group of its `id` in the
+    /// list of its `cellId`, if there is one.
     bool updateGroup(const PointLocSetting& old, PointLocSetting& updated);
 
     /// Appends the groups of a category. GET projects/{p}/groupSettings?where={"category":category}.
@@ -201,7 +214,7 @@ public:
     /// alone, when no range read has returned it.
     bool getDataManageById(QString id, RKDataManage& dataManage);
 
-    /// Counts. GET projects/{p}/dataManages?where=…&only_count=true. `count` is 0 after a failure.
+    /// Counts. GET projects/{p}/dataManages?where=…&only_count=true.
     bool getDataManageRangeCount(const RKDataManageCondition& condition, int& count);
 
     /// Appends one page. GET projects/{p}/dataManages?where=…&skip={skip}&limit={limit}&expand=true.
@@ -214,7 +227,6 @@ public:
     bool deletePointData(const QString& dataManageId);
 
     /// Counts deliveries. GET dataManages/{dataManageId}/historyDatas?where=…&only_count=true.
-    /// `count` is 0 after a failure.
     bool getHistoryRangeCount(const RKHistoryDataCondition& condition, int& count);
 
     /// Appends one page of deliveries.
@@ -224,14 +236,14 @@ public:
 
     // ---- Alarms -----------------------------------------------------------------------------------------
 
-    /// Counts. GET projects/{p}/alarmManages?where=…&only_count=true. `count` is 0 after a failure.
+    /// Counts. GET projects/{p}/alarmManages?where=…&only_count=true.
     bool getAlarmRangeCount(const RKAlarmCondition& condition, int& count);
 
     /// Appends one page. GET projects/{p}/alarmManages?where=…&skip={skip}&limit={limit}.
     bool getAlarmRangeData(const RKAlarmCondition& condition, int skip, int limit, QList<RKAlarm>& alarms);
 
-    /// Counts the details of the alarm `alarmManId`. GET alarmManages/{alarmManId}/alarmDetails?where=…
-    /// &only_count=true. `count` is 0 after a failure.
+    /// Counts the details of the alarm `alarmManId`.
+    /// GET alarmManages/{alarmManId}/alarmDetails?where=…&only_count=true.
     bool getAlarmDetailRangeCount(const RKAlarmDetailCondition& condition, int& count);
 
     /// Appends one page of details.

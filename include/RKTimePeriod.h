@@ -2,7 +2,8 @@
 
 #include <QDateTime>
 
-/// The period that every condition begins with.
+/// The period that every condition begins with. A time that is invalid, also a local one that the clocks
+/// skip, is sent as the date function writes an invalid time.
 struct RKTimePeriod
 {
     /// True: no restriction in time; `startTime` and `endTime` are not read.
