@@ -39,7 +39,8 @@ bool createPointLocations(const QList<QList<RKPointLocation>>& batches, QString&
     if (error == QNetworkReply::InternalServerError) {
         message = exchange.object().value(jsonKey("message")).toString();
     } else if (error == QNetworkReply::UnknownServerError) {
-        message = QStringLiteral("Connection closed prematurely");
+        // Copied: the text of a QStringLiteral would be gone with the library, should it be unloaded.
+        message = QLatin1String("Connection closed prematurely");
     }
     return exchange.isSuccessful();
 }

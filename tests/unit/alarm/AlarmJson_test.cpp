@@ -33,8 +33,8 @@ TEST(AlarmDetailJson, ReadsItsMembers)
     const RKAlarmDetail detail(jsonObject(R"({"_id":"d1","alarmManId":"a1","pointName":"W1","totalVar":"12.5",
         "dayVar":"2.5","totalBeyound":2.5,"dayBeyound":0.5,"isThreeVar":true,"isInclinometer":true,
         "monitorCount":9,"monitorTime":"2024-03-01T08:00:00.000Z","depth":"2.5",
-        "alarmTime":"2024-03-01T08:00:00.000Z","updatedAt":"2024-03-01T08:00:00.000Z","updatedBy":"bo",
-        "createdAt":"2024-03-01T08:00:00.000Z","createdBy":"ann"})"));
+        "alarmTime":"2024-03-02T08:00:00.000Z","updatedAt":"2024-03-04T08:00:00.000Z","updatedBy":"bo",
+        "createdAt":"2024-03-03T08:00:00.000Z","createdBy":"ann"})"));
     EXPECT_EQ(detail.id, "d1"_q);
     EXPECT_EQ(detail.alarmManId, "a1"_q);
     EXPECT_EQ(detail.pointName, "W1"_q);
@@ -47,10 +47,10 @@ TEST(AlarmDetailJson, ReadsItsMembers)
     EXPECT_EQ(detail.monitorCount, 9);
     EXPECT_EQ(detail.monitorTime, eightOClock);
     EXPECT_EQ(detail.depth, "2.5"_q);
-    EXPECT_EQ(detail.alarmTime, eightOClock);
-    EXPECT_EQ(detail.updatedAt, eightOClock);
+    EXPECT_EQ(detail.alarmTime, eightOClock.addDays(1));
+    EXPECT_EQ(detail.updatedAt, eightOClock.addDays(3));
     EXPECT_EQ(detail.updatedBy, "bo"_q);
-    EXPECT_EQ(detail.createdAt, eightOClock);
+    EXPECT_EQ(detail.createdAt, eightOClock.addDays(2));
     EXPECT_EQ(detail.createdBy, "ann"_q);
 }
 

@@ -38,11 +38,11 @@ TEST_F(PointLocationJson, ReadsItsMembers)
     const RKPointLocation point =
         read(R"({"_id":"w1","cellId":"c1","name":"VH-W1","category":"slope","dataType":3,
         "initialValue":12,"offsetDirection":"down","depth":"110","insertCount":2,"lastCount":11739,
-        "lastDate":"2015-12-21T08:00:00.000Z",
+        "lastDate":"2015-12-22T08:00:00.000Z",
         "data":[{"count":1,"time":"2015-12-21T08:00:00.000Z","value":0.25,"timeFlag":"A"},{"count":2,"value":0.5}],
         "entity":[{"type":"model","rId":"m1"},{"type":"model","rId":"m2"},{"type":"drawing"}],
-        "createdAt":"2015-12-21T08:00:00.000Z","createdBy":"ann",
-        "updatedAt":"2015-12-21T00:00:00.000-08:00","updatedBy":"bo"})");
+        "createdAt":"2015-12-23T08:00:00.000Z","createdBy":"ann",
+        "updatedAt":"2015-12-24T00:00:00.000-08:00","updatedBy":"bo"})");
     EXPECT_EQ(point.id, "w1"_q);
     EXPECT_EQ(point.cellId, "c1"_q);
     EXPECT_EQ(point.name, "VH-W1"_q);
@@ -53,7 +53,7 @@ TEST_F(PointLocationJson, ReadsItsMembers)
     EXPECT_EQ(point.depth, "110"_q);
     EXPECT_EQ(point.insertCount, 2);
     EXPECT_EQ(point.lastCount, 11739);
-    EXPECT_EQ(point.lastDate, eightOClock);
+    EXPECT_EQ(point.lastDate, eightOClock.addDays(1));
     ASSERT_EQ(point.data.size(), 2);
     EXPECT_EQ(point.data.at(0).count, 1);
     EXPECT_EQ(point.data.at(0).time, eightOClock);
@@ -61,9 +61,9 @@ TEST_F(PointLocationJson, ReadsItsMembers)
     EXPECT_EQ(point.data.at(0).timeFlag, "A"_q);
     EXPECT_EQ(point.data.at(1).value, 0.5);
     EXPECT_EQ(point.links, (Links{{"model"_q, {"m1"_q, "m2"_q}}, {"drawing"_q, {}}}));
-    EXPECT_EQ(point.createdAt, eightOClock);
+    EXPECT_EQ(point.createdAt, eightOClock.addDays(2));
     EXPECT_EQ(point.createdBy, "ann"_q);
-    EXPECT_EQ(point.updatedAt, eightOClock);
+    EXPECT_EQ(point.updatedAt, eightOClock.addDays(3));
     EXPECT_EQ(point.updatedBy, "bo"_q);
 }
 
@@ -135,7 +135,8 @@ TEST_F(PointLocationJson, WritesExactlyItsMembers)
 {
     RKPointLocation point;
     point.id = point.category = point.createdBy = point.updatedBy = "x"_q;
-    point.createdAt = point.updatedAt = point.lastDate = eightOClock;
+    point.createdAt = point.updatedAt = eightOClock.addDays(2);
+    point.lastDate = eightOClock.addDays(1);
     point.cellId = "c1"_q;
     point.name = "W1"_q;
     point.depth = "2.5"_q;
@@ -146,13 +147,22 @@ TEST_F(PointLocationJson, WritesExactlyItsMembers)
         compact(written(point)),
         R"({"alias":"","cellId":"c1","data":[{"count":9,"time":"2015-12-21T08:00:00.000Z","timeFlag":"A",)"
         R"("value":0.25}],"dataType":0,"depth":"2.5","fileId":null,"initialValue":0,"insertCount":1,)"
-        R"("lastCount":9,"lastDate":"2015-12-21T08:00:00.000Z","links":[],"name":"W1",)"
+        R"("lastCount":9,"lastDate":"2015-12-22T08:00:00.000Z","links":[],"name":"W1",)"
         R"("offsetDirection":"","projectId":"p7","subCategoryId":""})"_q);
 }
 
 TEST_F(PointLocationJson, SamplesAreAlwaysWritten)
 {
     EXPECT_EQ(written({}).value("data"_q), QJsonValue(QJsonArray()));
+}
+
+TEST_F(PointLocationJson, NullTimesAreWrittenAsEmptyTexts)
+{
+    RKPointLocation point;
+    point.data = {RKPointLocationData()};
+    const QJsonObject body = written(point);
+    EXPECT_EQ(body.value("lastDate"_q), QJsonValue(""_q));
+    EXPECT_EQ(body.value("data"_q).toArray().at(0).toObject().value("time"_q), QJsonValue(""_q));
 }
 
 TEST_F(PointLocationJson, NoSamplesReadAsNone)

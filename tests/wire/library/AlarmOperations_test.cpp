@@ -93,6 +93,23 @@ TEST_F(AlarmOperations, ADoubleQuoteInTheDepthIsNotGuardedAgainst)
     EXPECT_TRUE(depths.isEmpty());
 }
 
+TEST_F(AlarmOperations, AMarkerInTheAlarmTakesTheDocumentOfItsDetails)
+{
+    RKAlarmDetailCondition condition;
+    condition.alarmManId = "a%2"_q;
+    int count = -1;
+    server.answerJson(200, R"({"count":2})");
+    EXPECT_TRUE(data.getAlarmDetailRangeCount(condition, count));
+    EXPECT_EQ(lastPath(), "alarmManages/a{}/alarmDetails"_q);
+    EXPECT_EQ(lastQuery(), (Query{{"where"_q, "{}"_q}, {"only_count"_q, "true"_q}}));
+
+    QList<RKAlarmDetail> details;
+    server.answerJson(200, "[]");
+    EXPECT_TRUE(data.getAlarmDetailRangeData(condition, 40, 20, details));
+    EXPECT_EQ(lastPath(), "alarmManages/a{}/alarmDetails"_q);
+    EXPECT_EQ(lastQuery(), (Query{{"where"_q, "{}"_q}, {"skip"_q, "40"_q}, {"limit"_q, "20"_q}}));
+}
+
 TEST_F(AlarmOperations, AMarkerInTheDetailIsFilledWithTheDepth)
 {
     QList<AlarmThree> depths;

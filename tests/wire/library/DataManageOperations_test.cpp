@@ -145,6 +145,28 @@ TEST_F(DataManageOperations, HistoryIsCountedAndPagedUnderItsDataManage)
     EXPECT_TRUE(history.at(1).id.isEmpty() && history.at(2).id.isEmpty());
 }
 
+TEST_F(DataManageOperations, AMarkerInTheDataManageTakesTheDocumentOfItsHistory)
+{
+    RKHistoryDataCondition condition;
+    condition.dataManageId = "d%2"_q;
+    int count = -1;
+    server.answerJson(200, R"({"count":2})");
+    EXPECT_TRUE(data.getHistoryRangeCount(condition, count));
+    EXPECT_EQ(lastPath(), "dataManages/d{}/historyDatas"_q);
+    EXPECT_EQ(lastQuery(), (Query{{"where"_q, "{}"_q}, {"only_count"_q, "true"_q}}));
+
+    QList<HistoryData> history;
+    server.answerJson(200, "[]");
+    EXPECT_TRUE(data.getHistoryRangeData(condition, 40, 20, history));
+    EXPECT_EQ(lastPath(), "dataManages/d{}/historyDatas"_q);
+    EXPECT_EQ(lastQuery(), (Query{{"where"_q, "{}"_q}, {"skip"_q, "40"_q}, {"limit"_q, "20"_q}}));
+
+    condition.dataManageId = "d%3"_q;
+    server.answerJson(200, "[]");
+    EXPECT_TRUE(data.getHistoryRangeData(condition, 40, 20, history));
+    EXPECT_EQ(lastPath(), "dataManages/d40/historyDatas"_q);
+}
+
 TEST_F(DataManageOperations, HistoryOfNoDataManageHasAnEmptySegment)
 {
     QList<HistoryData> history;

@@ -2,9 +2,35 @@
 
 #include <set>
 #include <thread>
+#include <type_traits>
 #include <vector>
 
 namespace {
+
+// What applications cannot reach: construction, destruction, the caches.
+#define RK_REACHES(member)                                                                                   \
+    template <typename Data>                                                                                 \
+    constexpr auto reaches_##member(const Data* data)->decltype(data->member, bool())                        \
+    {                                                                                                        \
+        return true;                                                                                         \
+    }                                                                                                        \
+    constexpr bool reaches_##member(...)                                                                     \
+    {                                                                                                        \
+        return false;                                                                                        \
+    }                                                                                                        \
+    static_assert(!reaches_##member(static_cast<const RKMonitoringData*>(nullptr)), "a cache is private")
+
+RK_REACHES(m_monitorings);
+RK_REACHES(m_subCategoryLists);
+RK_REACHES(m_subCategories);
+RK_REACHES(m_dataManages);
+RK_REACHES(m_groups);
+RK_REACHES(m_pointLocations);
+#undef RK_REACHES
+
+static_assert(!std::is_default_constructible<RKMonitoringData>::value, "made by instance() alone");
+static_assert(!std::is_destructible<RKMonitoringData>::value, "destroyed at exit alone");
+static_assert(std::is_copy_assignable<RKMonitoringData>::value, "copied by anybody");
 
 class Facade : public LibraryTest
 {

@@ -115,6 +115,66 @@ TEST_F(GroupOperations, UpdateSendsOnlyWhatChanged)
     EXPECT_EQ(groups.at(2).groupName, "North, again"_q) << "only the first match is replaced";
 }
 
+TEST_F(GroupOperations, UpdateSendsEveryMemberThatChanged)
+{
+    PointLocSetting old;
+    old.id = "g1"_q;
+    old.cellId = "c1"_q;
+    old.subCategoryId = "s1"_q;
+    old.groupName = "North"_q;
+    old.groupPoint = QStringList{"W1"_q};
+    old.dayVarType = 1;
+    old.dayVarValue = 2.5;
+    old.totalVar = 30;
+
+    const auto expectSent = [&](const char* member, const QJsonValue& value, const auto& change) {
+        PointLocSetting updated = old;
+        change(updated);
+        server.answerJson(200, R"({"_id":"g1"})");
+        EXPECT_TRUE(data.updateGroup(old, updated));
+        EXPECT_EQ(lastBody(), (QJsonObject{{QString::fromLatin1(member), value}}));
+    };
+    expectSent("cellId", "c2"_q, [](auto& group) { group.cellId = "c2"_q; });
+    expectSent("subCategoryId", "s2"_q, [](auto& group) { group.subCategoryId = "s2"_q; });
+    expectSent("groupName", "South"_q, [](auto& group) { group.groupName = "South"_q; });
+    expectSent("groupPoint", QJsonArray{"W1"_q, "W2"_q},
+               [](auto& group) { group.groupPoint.append("W2"_q); });
+    expectSent("dayVarType", 0, [](auto& group) { group.dayVarType = 0; });
+    expectSent("dayVarValue", 2.25, [](auto& group) { group.dayVarValue = 2.25; });
+    expectSent("totalVar", 31, [](auto& group) { group.totalVar = 31; });
+    EXPECT_EQ(server.requestCount(), 7);
+}
+
+TEST_F(GroupOperations, UpdateIsOfTheGroupThatTheUpdatedRecordNames)
+{
+    PointLocSetting old;
+    old.id = "g1"_q;
+    PointLocSetting updated;
+    updated.id = "g2"_q;
+    updated.groupName = "South"_q;
+    server.answerJson(200, R"({"_id":"g2"})");
+    EXPECT_TRUE(data.updateGroup(old, updated));
+    EXPECT_EQ(lastPath(), "groupSettings/g2"_q);
+}
+
+TEST_F(GroupOperations, UpdateOfItsCellIsCachedInTheListOfTheNewCell)
+{
+    readGroups(R"([{"_id":"g1","cellId":"c1","groupName":"North"}])");
+    PointLocSetting group;
+    server.answerJson(200, R"({"_id":"g1","cellId":"c2","groupName":"Old copy"})");
+    EXPECT_TRUE(data.createGroup(group));
+
+    const PointLocSetting old = cached("c1"_q).first();
+    PointLocSetting updated = old;
+    updated.cellId = "asked for"_q;
+    server.answerJson(200, R"({"_id":"g1","cellId":"c2","groupName":"Moved"})");
+    EXPECT_TRUE(data.updateGroup(old, updated));
+    EXPECT_EQ(cached("c2"_q).first().groupName, "Moved"_q);
+    EXPECT_EQ(cached("c2"_q).size(), 1);
+    EXPECT_EQ(cached("c1"_q).first().groupName, "North"_q) << "the list of the old cell is not looked at";
+    expectNotCached("asked for"_q);
+}
+
 TEST_F(GroupOperations, UpdateWithoutAChangeSendsNothingAndTakesTheOldRecord)
 {
     readGroups(R"([{"_id":"g1","cellId":"c1","groupName":"North","viewPortId":"v1"}])");

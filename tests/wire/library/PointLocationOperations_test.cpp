@@ -147,6 +147,17 @@ TEST_F(PointLocationOperations, ARefusedBatchWithoutAMessageEmptiesTheText)
     EXPECT_TRUE(message.isEmpty());
 }
 
+TEST_F(PointLocationOperations, AMessageThatIsNoTextEmptiesTheText)
+{
+    for (const char* answer : {R"({"message":7})", R"({"message":null})", R"({"message":{"text":"no"}})",
+                               R"({"message":["no"]})", R"(["message"])"}) {
+        QString message = "before"_q;
+        server.answerJson(500, answer);
+        EXPECT_FALSE(data.createPointLocation({{}}, message)) << answer;
+        EXPECT_TRUE(message.isEmpty()) << answer;
+    }
+}
+
 TEST_F(PointLocationOperations, AnUnknownServerErrorHasAFixedText)
 {
     QString message = "before"_q;
@@ -264,6 +275,14 @@ TEST_F(PointLocationOperations, ByIdReadsIntoTheCallersRecord)
     EXPECT_FALSE(isCached("c1"_q));
 }
 
+TEST_F(PointLocationOperations, AMarkerInAnIdStaysWhenNothingFollows)
+{
+    RKPointLocation record;
+    server.answerJson(200, "{}");
+    EXPECT_TRUE(data.getPointLocationByPointId("w%1%2"_q, record));
+    EXPECT_EQ(lastPath(), "pointLocations/w%1%2"_q);
+}
+
 TEST_F(PointLocationOperations, AFailedByIdEmptiesTheRecord)
 {
     RKPointLocation record = point("x"_q, "x"_q);
@@ -322,6 +341,22 @@ TEST_F(PointLocationOperations, UpdateSendsTheLinksAndReplacesThoseOfTheNamedPoi
     EXPECT_TRUE(cached("c1"_q).at(0).links.isEmpty()) << "names are compared case-sensitively";
     EXPECT_EQ(cached("c1"_q).at(1).links, links);
     EXPECT_TRUE(cached("c2"_q).at(0).links.isEmpty()) << "a point of another cell";
+}
+
+TEST_F(PointLocationOperations, UpdateReplacesTheLinksOfEveryDouble)
+{
+    readTwoPoints();
+    readTwoPoints();
+    RKPointLocationCondition condition = ofCell("c1"_q);
+    condition.names = QStringList{"W1"_q};
+    const Links links{{"model"_q, {"m1"_q}}};
+    server.answerJson(200, "{}");
+    EXPECT_TRUE(data.updatePointLocation(condition, links));
+    const QList<RKPointLocation> points = cached("c1"_q);
+    ASSERT_EQ(names(points), (QStringList{"W1"_q, "W2"_q, "W1"_q, "W2"_q}));
+    EXPECT_EQ(points.at(0).links, links);
+    EXPECT_EQ(points.at(2).links, links);
+    EXPECT_TRUE(points.at(1).links.isEmpty() && points.at(3).links.isEmpty());
 }
 
 TEST_F(PointLocationOperations, UpdateWithoutNamesChangesNoCachedPoint)
