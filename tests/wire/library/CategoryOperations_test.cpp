@@ -124,10 +124,11 @@ TEST_F(CategoryOperations, ASubCategoryIsCachedUnderTheIdOfTheReply)
     RKMonitoringSubCategory subCategory;
     server.answerJson(200, R"({"_id":"s9","name":"Rain"})");
     EXPECT_TRUE(data.getSubCategoryById("asked"_q, subCategory));
+    EXPECT_TRUE(data.getSubCategoryById("s9"_q, subCategory));
+    EXPECT_EQ(server.requestCount(), 1) << "known by its own identifier";
     server.answerJson(200, R"({"_id":"s9","name":"Rain"})");
     EXPECT_TRUE(data.getSubCategoryById("asked"_q, subCategory));
-    EXPECT_TRUE(data.getSubCategoryById("s9"_q, subCategory));
-    EXPECT_EQ(server.requestCount(), 2);
+    EXPECT_EQ(server.requestCount(), 2) << "but not by the one asked for";
 }
 
 TEST_F(CategoryOperations, AFailedSubCategoryEmptiesTheRecordAndCachesNothing)

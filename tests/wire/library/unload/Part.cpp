@@ -2,7 +2,16 @@
 
 #include "RKMonitoringData.h"
 
+#include <RKBaseApi.h>
+#include <RKSoftCache.h>
+
 namespace {
+
+void connectTo(const QString& baseAddress)
+{
+    RKBaseApi::GetInstance().setBaseApi(baseAddress);
+    GetSoftCache()->setProjectId(QString::fromLatin1("p7"));
+}
 
 const void* instance()
 {
@@ -28,6 +37,6 @@ bool deliver(QString& message)
 
 extern "C" Q_DECL_EXPORT const Part* part()
 {
-    static constexpr Part functions{instance, monitoringName, cellIdsAndNames, deliver};
+    static constexpr Part functions{connectTo, instance, monitoringName, cellIdsAndNames, deliver};
     return &functions;
 }

@@ -4,9 +4,12 @@
 #include <QPair>
 #include <QString>
 
-/// What a part of an application that is loaded at run time, and the library with it, does with the library.
+/// What a part of an application that is loaded at run time, and the library and its companions with it, does
+/// with the library.
 struct Part
 {
+    /// Sets the service's base address and opens the project "p7".
+    void (*connectTo)(const QString& baseAddress);
     const void* (*instance)();
     /// A monitoring's name, asked for when it is not cached.
     QString (*monitoringName)(const QString& id);

@@ -1,4 +1,5 @@
-// The library is loaded with a part of the application, used, and unloaded with it.
+// The library is loaded with a part of the application, used, and unloaded with it, and with it the
+// companions that nothing else uses. The application and its events go on.
 
 #include "../../../support/Text.h"
 #include "Part.h"
@@ -6,8 +7,6 @@
 
 #include <QCoreApplication>
 #include <QLibrary>
-#include <RKBaseApi.h>
-#include <RKSoftCache.h>
 
 #include <gtest/gtest.h>
 
@@ -27,25 +26,30 @@ constexpr int rounds = 20;
 class Unload : public testing::Test
 {
 protected:
-    Unload()
-    {
-        RKBaseApi::GetInstance().setBaseApi(server.baseAddress());
-        GetSoftCache()->setProjectId("p7"_q);
-    }
     void TearDown() override { EXPECT_TRUE(server.isUsedUp()); }
 
     const Part* load()
     {
         const auto function = reinterpret_cast<PartFunction>(library.resolve(partFunction));
-        EXPECT_TRUE(function) << library.errorString().toStdString();
-        return function ? function() : nullptr;
+        if (!function) {
+            ADD_FAILURE() << library.errorString().toStdString();
+            return nullptr;
+        }
+        const Part* part = function();
+        part->connectTo(server.baseAddress());
+        return part;
     }
+    // And lets events come to what the part left behind.
     void unload()
     {
         EXPECT_TRUE(library.unload());
 #ifdef Q_OS_UNIX
         EXPECT_EQ(dlopen(RK_LIBRARY, RTLD_LAZY | RTLD_NOLOAD), nullptr) << "the library is still there";
 #endif
+        server.hangUp();
+        for (int turn = 0; turn < 10; ++turn) {
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+        }
     }
 
     ScriptServer server;
@@ -88,7 +92,6 @@ TEST_F(Unload, EveryLoadBeginsWithEmptyCaches)
         EXPECT_EQ(part->monitoringName("c1"_q), "Pit"_q);
         EXPECT_EQ(server.requestCount(), round + 1);
         unload();
-        QCoreApplication::processEvents();
     }
 }
 
