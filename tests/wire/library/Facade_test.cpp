@@ -7,30 +7,23 @@
 
 namespace {
 
-// What applications cannot reach: construction, destruction, the caches.
-#define RK_REACHES(member)                                                                                   \
-    template <typename Data>                                                                                 \
-    constexpr auto reaches_##member(const Data* data)->decltype(data->member, bool())                        \
-    {                                                                                                        \
-        return true;                                                                                         \
-    }                                                                                                        \
-    constexpr bool reaches_##member(...)                                                                     \
-    {                                                                                                        \
-        return false;                                                                                        \
-    }                                                                                                        \
-    static_assert(!reaches_##member(static_cast<const RKMonitoringData*>(nullptr)), "a cache is private")
+// What applications cannot reach: the caches, construction, destruction.
 
-RK_REACHES(m_monitorings);
-RK_REACHES(m_subCategoryLists);
-RK_REACHES(m_subCategories);
-RK_REACHES(m_dataManages);
-RK_REACHES(m_groups);
-RK_REACHES(m_pointLocations);
-#undef RK_REACHES
-
-static_assert(!std::is_default_constructible<RKMonitoringData>::value, "made by instance() alone");
-static_assert(!std::is_destructible<RKMonitoringData>::value, "destroyed at exit alone");
-static_assert(std::is_copy_assignable<RKMonitoringData>::value, "copied by anybody");
+template <typename Access>
+constexpr bool isPossible(Access /*access*/)
+{
+    return std::is_invocable_v<Access, RKMonitoringData&>;
+}
+static_assert(isPossible([](auto& data) -> decltype(data.clear()) {}), "what is public");
+static_assert(!isPossible([](auto& data) -> decltype(void(data.m_monitorings)) {}), "a cache");
+static_assert(!isPossible([](auto& data) -> decltype(void(data.m_subCategoryLists)) {}), "a cache");
+static_assert(!isPossible([](auto& data) -> decltype(void(data.m_subCategories)) {}), "a cache");
+static_assert(!isPossible([](auto& data) -> decltype(void(data.m_dataManages)) {}), "a cache");
+static_assert(!isPossible([](auto& data) -> decltype(void(data.m_groups)) {}), "a cache");
+static_assert(!isPossible([](auto& data) -> decltype(void(data.m_pointLocations)) {}), "a cache");
+static_assert(!std::is_default_constructible_v<RKMonitoringData>, "made by instance() alone");
+static_assert(!std::is_destructible_v<RKMonitoringData>, "destroyed at exit alone");
+static_assert(std::is_copy_assignable_v<RKMonitoringData>, "copied by anybody");
 
 class Facade : public LibraryTest
 {
