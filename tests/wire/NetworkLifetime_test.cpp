@@ -39,17 +39,17 @@ TEST(NetworkLifetime, WithoutAnApplicationAnOperationFailsAtOnce)
 {
     ASSERT_EQ(QCoreApplication::instance(), nullptr);
     int observed = 0;
-    NetworkManager::instance().setObserver([&](const NetworkExchange& exchange) {
-        ++observed;
-        EXPECT_NE(exchange.error, QNetworkReply::NoError);
-    });
+    const NetworkObservation observation =
+        NetworkManager::instance().addObserver([&](const NetworkExchange& exchange) {
+            ++observed;
+            EXPECT_NE(exchange.error, QNetworkReply::NoError);
+        });
     NetworkEventLoop wait(NetworkManager::instance().get(QStringLiteral("http://127.0.0.1:1/")), nullptr);
     EXPECT_EQ(observed, 1);
     wait.exec(QEventLoop::AllEvents);
     EXPECT_FALSE(wait.isSuccessful());
     EXPECT_NE(wait.error(), QNetworkReply::NoError);
     EXPECT_TRUE(wait.object().isEmpty());
-    NetworkManager::instance().setObserver({});
     EXPECT_EQ(observed, 1);
 }
 
