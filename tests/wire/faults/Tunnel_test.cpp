@@ -58,6 +58,7 @@ TEST_F(Tunnel, WhatTheProxySaysIsNoHeaderOfTheReply)
     EXPECT_THAT(proxy.requestHeads().first().toStdString(),
                 StartsWith("CONNECT monitoring.invalid:443 HTTP/1.1\r\n"));
     EXPECT_FALSE(proxy.requestHeads().first().contains("canary"));
+    ASSERT_EQ(server.requestCount(), 1);
     EXPECT_EQ(server.requests().first().header("Authorization"), "Bearer canary");
     EXPECT_TRUE(server.isUsedUp());
 }

@@ -10,6 +10,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <memory>
+
 namespace {
 
 using rk::HttpRequest;
@@ -21,6 +24,7 @@ HttpRequest requestOf(const QByteArray& url)
     request.method = "GET";
     request.url = url;
     request.maximumReplySize = 1000;
+    request.deadline = std::chrono::seconds(1);
     request.proxy = "direct";
     return request;
 }
