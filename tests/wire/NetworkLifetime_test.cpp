@@ -13,13 +13,13 @@ using Step = ScriptServer::Step;
 class Application
 {
 public:
-    Application() : _application(_count, _arguments) {}
+    Application() : m_application(m_count, m_arguments) {}
 
 private:
-    int _count = 1;
-    char _name[5] = "test";
-    char* _arguments[2] = {_name, nullptr};
-    QCoreApplication _application;
+    int m_count = 1;
+    char m_name[5] = "test";
+    char* m_arguments[2] = {m_name, nullptr};
+    QCoreApplication m_application;
 };
 
 // Its server is made when the application is there.

@@ -420,7 +420,7 @@ TEST_F(NetworkManagerTest, TwoDifferentLengthsFail)
     const Outcome outcome =
         getRaw("HTTP/1.1 200 OK\r\nContent-Length: 2\r\nContent-Length: 7\r\n\r\n[]     ");
     expectFailureWithoutBody(outcome, QNetworkReply::ProtocolFailure);
-    EXPECT_THAT(outcome.errorText.toStdString(), HasSubstr("two different lengths"));
+    EXPECT_THAT(outcome.errorText.toStdString(), HasSubstr("two different Content-Lengths"));
     EXPECT_TRUE(server.isUsedUp());
 }
 

@@ -171,10 +171,10 @@ QString AnswerReader::defectText() const
     case Defect::HeadCut:
         return QStringLiteral("the connection closed within the reply's header");
     case Defect::BadLength:
-        return QStringLiteral("the reply states a length that is none: \"%1\"")
+        return QStringLiteral("the reply has an invalid Content-Length \"%1\"")
             .arg(QString::fromLatin1(m_answer.header("Content-Length")));
     case Defect::ContradictoryLength:
-        return QStringLiteral("the reply states two different lengths");
+        return QStringLiteral("the reply has two different Content-Lengths");
     case Defect::UnknownEncoding:
         return QStringLiteral("the reply has an unknown Content-Encoding \"%1\"")
             .arg(QString::fromLatin1(m_answer.header("Content-Encoding")));

@@ -39,7 +39,7 @@ public:
     /// Has every transfer under way fail as cancelled; their owners are told later.
     void cancelAll();
 
-    /// Rises whenever the thread's event dispatcher runs.
+    /// Counts up whenever the thread's event dispatcher runs.
     quint64 turns() const { return m_turns; }
 
 private:

@@ -185,7 +185,7 @@ TEST(AnswerReader, TheFirstDefectIsTheOneThatIsTold)
     EXPECT_EQ(reader.defect(), Defect::BadLength);
     reader.failForDefect();
     EXPECT_EQ(reader.answer().error, QNetworkReply::ProtocolFailure);
-    EXPECT_EQ(reader.answer().errorText, QStringLiteral("the reply states a length that is none: \"many\""));
+    EXPECT_EQ(reader.answer().errorText, QStringLiteral("the reply has an invalid Content-Length \"many\""));
 }
 
 TEST(AnswerReader, TellsAClosedConnectionFromOtherDefects)
