@@ -29,7 +29,7 @@ protected:
         EXPECT_TRUE(manager.setBearerToken("canary"_q));
     }
 
-    const QString m_address = "https://monitoring.invalid/x"_q;
+    const QString address = "https://monitoring.invalid/x"_q;
 
 private:
     const TestAuthority m_authority;
@@ -46,7 +46,7 @@ TEST_F(Tunnel, WhatTheProxySaysIsNoHeaderOfTheReply)
                       server.port());
     manager.setProxy(proxy.baseAddress());
     server.answerRaw({Step::bytes(ScriptServer::httpAnswer(200, R"({"a":1})", {"X-Service: s"}))});
-    QNetworkReply* reply = manager.get(m_address);
+    QNetworkReply* reply = manager.get(address);
     NetworkEventLoop wait(reply, nullptr);
     wait.exec(QEventLoop::AllEvents);
     EXPECT_TRUE(wait.isSuccessful()) << exchanges.last().errorText.toStdString();
@@ -69,7 +69,7 @@ TEST_F(Tunnel, AServiceThatEndsItWithoutAWordHasNotAnswered)
     manager.setProxy(proxy.baseAddress());
     for (const QByteArray& begun : {QByteArray(), QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n")}) {
         server.answerRaw({Step::bytes(begun), Step::fin()});
-        const Outcome outcome = waitFor(manager.deleteResource(m_address));
+        const Outcome outcome = waitFor(manager.deleteResource(address));
         EXPECT_FALSE(outcome.isSuccessful);
         EXPECT_EQ(outcome.error, QNetworkReply::RemoteHostClosedError) << outcome.errorText.toStdString();
         EXPECT_EQ(exchanges.last().httpStatus, begun.isEmpty() ? 0 : 200);
@@ -83,7 +83,7 @@ TEST_F(Tunnel, AProxyThatOpensNoneHasNotAnsweredForTheService)
         TunnelProxy proxy("HTTP/1.1 " + status + "\r\nContent-Length: 15\r\n\r\n{\"message\":\"m\"}",
                           server.port());
         manager.setProxy(proxy.baseAddress());
-        const Outcome outcome = waitFor(manager.get(m_address));
+        const Outcome outcome = waitFor(manager.get(address));
         EXPECT_FALSE(outcome.isSuccessful);
         EXPECT_TRUE(outcome.object.isEmpty());
         EXPECT_EQ(exchanges.last().httpStatus, 0) << outcome.errorText.toStdString();
