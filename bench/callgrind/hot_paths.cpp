@@ -170,7 +170,7 @@ void composePagedQuery()
     repeat(500, [&](int page) {
         const QString url = rk::projectUrl("projects/%1/cells?where=%2&skip=%3&limit=%4");
         const QByteArray wire =
-            encodedUrl(rk::pagedUrl(url.arg(rk::buildWhere(condition)), page * 20, 20), base);
+            rk::encodedUrl(rk::pagedUrl(url.arg(rk::buildWhere(condition)), page * 20, 20), base);
         check(wire.endsWith("&limit=20") && wire.size() > 200, "URL");
     });
 }

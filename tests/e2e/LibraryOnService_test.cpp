@@ -26,13 +26,9 @@ protected:
         RKBaseApi::GetInstance().setBaseApi(service().baseAddress());
         GetSoftCache()->setProjectId(project);
         NetworkManager::instance().setDeadline(usualDeadline);
-        NetworkManager::instance().setObserver(
-            [this](const NetworkExchange& exchange) { m_exchanges.append(exchange); });
         actAs(editor);
         data.clear();
     }
-
-    ~LibraryOnService() override { NetworkManager::instance().setObserver({}); }
 
     static void actAs(const MonitorService::Token& token)
     {
@@ -75,6 +71,8 @@ protected:
 
 private:
     QList<NetworkExchange> m_exchanges;
+    const NetworkObservation m_observation = NetworkManager::instance().addObserver(
+        [this](const NetworkExchange& exchange) { m_exchanges.append(exchange); });
 };
 
 } // namespace

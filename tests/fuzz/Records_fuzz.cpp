@@ -264,7 +264,7 @@ void checkDifference(const QJsonObject& before, const QJsonObject& after)
 void checkPieces(const QByteArray& text, const QJsonDocument& document)
 {
     for (const int pieceSize : {1, 100}) {
-        const QJsonArray elements = parseJsonPieces(text, {0, pieceSize, 1});
+        const QJsonArray elements = rk::parseJsonPieces(text, {0, pieceSize, 1});
         require(elements.isEmpty() || QJsonDocument(elements) == document,
                 "a text in pieces is read like the whole");
     }

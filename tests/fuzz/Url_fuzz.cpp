@@ -78,10 +78,10 @@ QString wellFormed(const QString& text)
 
 void checkWhole(const QString& text)
 {
-    const QByteArray encoded = withoutBase(encodedUrl(base + text, base));
+    const QByteArray encoded = withoutBase(rk::encodedUrl(base + text, base));
     require(decoded(encoded) == wellFormed(text), "every character arrives",
             [&] { return encoded.toStdString(); });
-    require(encodedUrl(base + text, QString()).startsWith("http://127.0.0.1:8080/"),
+    require(rk::encodedUrl(base + text, QString()).startsWith("http://127.0.0.1:8080/"),
             "an address keeps its scheme and authority");
 }
 
@@ -119,7 +119,7 @@ QString composed(const QString& path, const Parameters& parameters)
 // Takes the address apart at "?", "&" and "=", then decodes: what it is made of must be there.
 void checkParts(const QString& path, const Parameters& parameters)
 {
-    const QByteArray encoded = withoutBase(encodedUrl(base + composed(path, parameters), base));
+    const QByteArray encoded = withoutBase(rk::encodedUrl(base + composed(path, parameters), base));
     const int queryMark = encoded.indexOf('?');
     require(decoded(encoded.left(queryMark < 0 ? encoded.size() : queryMark)) == path,
             "the path arrives as it was typed", [&] { return encoded.toStdString(); });

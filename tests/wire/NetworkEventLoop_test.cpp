@@ -25,13 +25,13 @@ public:
     template <typename Work>
     explicit Soon(Work work)
     {
-        _timer.setSingleShot(true);
-        QObject::connect(&_timer, &QTimer::timeout, work);
-        _timer.start(0);
+        m_timer.setSingleShot(true);
+        QObject::connect(&m_timer, &QTimer::timeout, work);
+        m_timer.start(0);
     }
 
 private:
-    QTimer _timer;
+    QTimer m_timer;
 };
 
 class NetworkEventLoopTest : public NetworkFixture
@@ -53,7 +53,7 @@ class ForeignReply : public QNetworkReply
 {
 public:
     explicit ForeignReply(const QByteArray& body, NetworkError error = NoError)
-        : _body(body), _soon(std::in_place, [this, error] {
+        : m_body(body), m_soon(std::in_place, [this, error] {
               if (error != NoError) {
                   setError(error, QStringLiteral("foreign"));
               }
@@ -69,14 +69,14 @@ public:
         setError(OperationCanceledError, QStringLiteral("aborted"));
         finish();
     }
-    qint64 bytesAvailable() const override { return _body.size() + QNetworkReply::bytesAvailable(); }
+    qint64 bytesAvailable() const override { return m_body.size() + QNetworkReply::bytesAvailable(); }
 
 protected:
     qint64 readData(char* data, qint64 size) override
     {
-        const auto count = std::min<qint64>(size, _body.size());
-        std::memcpy(data, _body.constData(), static_cast<size_t>(count));
-        _body.remove(0, static_cast<int>(count));
+        const auto count = std::min<qint64>(size, m_body.size());
+        std::memcpy(data, m_body.constData(), static_cast<size_t>(count));
+        m_body.remove(0, static_cast<int>(count));
         return count;
     }
 
@@ -86,8 +86,8 @@ private:
         setFinished(true);
         Q_EMIT finished();
     }
-    QByteArray _body;
-    std::optional<Soon> _soon;
+    QByteArray m_body;
+    std::optional<Soon> m_soon;
 };
 
 template <typename... Arguments>

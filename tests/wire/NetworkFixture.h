@@ -23,7 +23,6 @@ protected:
         RKBaseApi::GetInstance().setBaseApi(server.baseAddress());
         resetManager();
         manager.setProxy(QStringLiteral("direct"));
-        manager.setObserver([this](const NetworkExchange& exchange) { exchanges.append(exchange); });
     }
     ~NetworkFixture() override { resetManager(); }
     NetworkFixture(const NetworkFixture&) = delete;
@@ -65,7 +64,6 @@ protected:
 private:
     void resetManager()
     {
-        manager.setObserver({});
         manager.setBearerToken(QString());
         manager.setDeadline(std::chrono::seconds(30));
         manager.setConnectTimeout(std::chrono::seconds(10));
@@ -73,4 +71,7 @@ private:
         manager.setCaFile(QString());
         manager.setProxy(QString());
     }
+
+    const NetworkObservation m_observation =
+        manager.addObserver([this](const NetworkExchange& exchange) { exchanges.append(exchange); });
 };

@@ -13,13 +13,13 @@ using Step = ScriptServer::Step;
 class Application
 {
 public:
-    Application() : _application(_count, _arguments) {}
+    Application() : m_application(m_count, m_arguments) {}
 
 private:
-    int _count = 1;
-    char _name[5] = "test";
-    char* _arguments[2] = {_name, nullptr};
-    QCoreApplication _application;
+    int m_count = 1;
+    char m_name[5] = "test";
+    char* m_arguments[2] = {m_name, nullptr};
+    QCoreApplication m_application;
 };
 
 // Its server is made when the application is there.
@@ -39,17 +39,17 @@ TEST(NetworkLifetime, WithoutAnApplicationAnOperationFailsAtOnce)
 {
     ASSERT_EQ(QCoreApplication::instance(), nullptr);
     int observed = 0;
-    NetworkManager::instance().setObserver([&](const NetworkExchange& exchange) {
-        ++observed;
-        EXPECT_NE(exchange.error, QNetworkReply::NoError);
-    });
+    const NetworkObservation observation =
+        NetworkManager::instance().addObserver([&](const NetworkExchange& exchange) {
+            ++observed;
+            EXPECT_NE(exchange.error, QNetworkReply::NoError);
+        });
     NetworkEventLoop wait(NetworkManager::instance().get(QStringLiteral("http://127.0.0.1:1/")), nullptr);
     EXPECT_EQ(observed, 1);
     wait.exec(QEventLoop::AllEvents);
     EXPECT_FALSE(wait.isSuccessful());
     EXPECT_NE(wait.error(), QNetworkReply::NoError);
     EXPECT_TRUE(wait.object().isEmpty());
-    NetworkManager::instance().setObserver({});
     EXPECT_EQ(observed, 1);
 }
 

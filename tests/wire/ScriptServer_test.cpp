@@ -19,10 +19,10 @@ class Client
 public:
     explicit Client(const ScriptServer& server)
     {
-        _socket.connectToHost(QHostAddress(QHostAddress::LocalHost), server.port());
+        m_socket.connectToHost(QHostAddress(QHostAddress::LocalHost), server.port());
     }
 
-    void send(const QByteArray& bytes) { _socket.write(bytes); }
+    void send(const QByteArray& bytes) { m_socket.write(bytes); }
 
     // What has arrived once `done` holds; everything so far after five seconds.
     template <typename Done>
@@ -30,11 +30,11 @@ public:
     {
         QElapsedTimer watch;
         watch.start();
-        while (!done(_received) && watch.elapsed() < 5000) {
+        while (!done(m_received) && watch.elapsed() < 5000) {
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-            _received += _socket.readAll();
+            m_received += m_socket.readAll();
         }
-        return _received;
+        return m_received;
     }
     QByteArray receive(const QByteArray& ending)
     {
@@ -43,15 +43,15 @@ public:
     QByteArray receiveUntilClosed()
     {
         return receiveUntil(
-            [&](const QByteArray&) { return _socket.state() == QAbstractSocket::UnconnectedState; });
+            [&](const QByteArray&) { return m_socket.state() == QAbstractSocket::UnconnectedState; });
     }
-    void clear() { _received.clear(); }
+    void clear() { m_received.clear(); }
 
-    QTcpSocket& socket() { return _socket; }
+    QTcpSocket& socket() { return m_socket; }
 
 private:
-    QTcpSocket _socket;
-    QByteArray _received;
+    QTcpSocket m_socket;
+    QByteArray m_received;
 };
 
 } // namespace

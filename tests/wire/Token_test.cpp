@@ -117,6 +117,20 @@ TEST_F(Token, IsTakenOutOfWhatTheServiceSaysOfIt)
     EXPECT_TRUE(server.isUsedUp());
 }
 
+TEST_F(Token, IsTakenOutOfALongTextWhereverThatIsCut)
+{
+    // A reason is cut after 500 characters: so that it would be after each character of the token in turn.
+    for (int left = 1; left <= canary.size(); ++left) {
+        const QString before(500 - left, QLatin1Char('.'));
+        server.answerRaw({Step::bytes("HTTP/1.1 403 " + (before + canary).toLatin1() +
+                                      " unknown\r\nContent-Length: 0\r\n\r\n")});
+        const QString reason = before + "*** unknown"_q;
+        const QString shown = reason.size() <= 500 ? reason : reason.left(500) + "..."_q;
+        EXPECT_EQ(get().errorText, "HTTP status 403 "_q + shown) << left;
+    }
+    EXPECT_TRUE(server.isUsedUp());
+}
+
 TEST_F(Token, IsTakenOutOfTheMessageOfARefusedDelivery)
 {
     server.answerJson(500, R"({"message":"row 3 of )" + canary.toLatin1() + R"(","status":500})");

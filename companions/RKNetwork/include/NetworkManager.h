@@ -1,5 +1,6 @@
 #pragma once
 
+#include "NetworkExchange.h"
 #include "RKNetworkExport.h"
 
 #include <QByteArray>
@@ -7,25 +8,10 @@
 #include <QString>
 
 #include <chrono>
-#include <functional>
 #include <memory>
 
 class QJsonArray;
 class QJsonObject;
-
-/// What is known of one exchange when it is over.
-struct NetworkExchange
-{
-    QByteArray method;
-    QString url;        ///< as sent, without user name and password
-    int httpStatus = 0; ///< 0 when no answer arrived
-    QNetworkReply::NetworkError error = QNetworkReply::NoError;
-    /// For people; empty after success. The "message" of the service's error reply when it has one, else what
-    /// the transport or HTTP has to say. Never holds a token.
-    QString errorText;
-    qint64 bytesReceived = 0; ///< of the body, as they came over the wire
-    qint64 microseconds = 0;  ///< from the call to the end of the exchange
-};
 
 /// The process-wide HTTP client of the monitoring service.
 ///
@@ -80,9 +66,14 @@ public:
     /// A proxy such as "http://proxy.example:3128"; "direct" for none; empty text, as at first, for the one
     /// that the environment names (http_proxy, https_proxy, no_proxy).
     void setProxy(const QString& proxy);
-    /// Called once after every exchange, in the thread that began it and before its wait returns. It may
-    /// begin exchanges of its own and wait for them. An empty function takes the observer away.
-    void setObserver(std::function<void(const NetworkExchange&)> observer);
+    /// Has the observer called once after every exchange, as long as a copy of what is returned lives;
+    /// several are called in the order in which they were added. That is in the thread that began the
+    /// exchange and before its wait returns. An observer may begin exchanges of its own and wait for them,
+    /// add observers and end observations, its own too.
+    [[nodiscard]] NetworkObservation addObserver(NetworkObserver observer);
+    /// The same for an application that needs one observer for good: it takes the place of the one that was
+    /// set before, and stays until an empty function takes it away. Those that were added stay as they are.
+    void setObserver(NetworkObserver observer);
 
     NetworkManager(const NetworkManager&) = delete;
     NetworkManager& operator=(const NetworkManager&) = delete;

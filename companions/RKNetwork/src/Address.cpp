@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <memory>
 
+namespace rk {
+
 namespace {
 
 struct FreeUrl
@@ -70,3 +72,5 @@ QString withoutSecrets(const QByteArray& url)
     const int at = url.left(end).lastIndexOf('@');
     return QString::fromUtf8(at < begin ? url : url.left(begin) + url.mid(at + 1));
 }
+
+} // namespace rk

@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
+namespace rk {
+
 /// True for text that begins with "http://" or "https://", in any case, and a host, and holds no NUL.
 bool isWebAddress(const QByteArray& url);
 
@@ -12,3 +14,5 @@ bool haveSameOrigin(const QByteArray& url, const QByteArray& other);
 
 /// The URL without the user name and password before its host.
 QString withoutSecrets(const QByteArray& url);
+
+} // namespace rk

@@ -6,6 +6,8 @@
 #include <array>
 #include <limits>
 
+namespace rk {
+
 // An inflating zlib stream.
 struct ContentDecoder::Inflater
 {
@@ -128,3 +130,5 @@ ContentDecoder::Result ContentDecoder::finish() const
     }
     return m_inflater && m_inflater->atEnd ? Result::Good : Result::Damaged;
 }
+
+} // namespace rk

@@ -4,6 +4,8 @@
 
 #include <memory>
 
+namespace rk {
+
 /// Undoes a Content-Encoding (RFC 9110, 8.4) as the bytes arrive, and is strict: damaged, cut, and overlong
 /// data fail.
 class ContentDecoder
@@ -45,3 +47,5 @@ private:
     qint64 m_limit;
     std::unique_ptr<Inflater> m_inflater;
 };
+
+} // namespace rk

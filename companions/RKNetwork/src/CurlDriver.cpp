@@ -11,6 +11,8 @@
 
 #include <utility>
 
+namespace rk {
+
 CurlDriver* CurlDriver::ofThisThread()
 {
     // Never freed: libcurl may be used until the last moment of the process.
@@ -30,15 +32,15 @@ CurlDriver::CurlDriver() : m_multi(curl_multi_init())
 {
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer);
-    connect(&m_timer, &QTimer::timeout, this, [this] { actOnTime(); });
-    m_delivery.setSingleShot(true);
-    connect(&m_delivery, &QTimer::timeout, this, [this] { deliver(); });
+    connect(&m_timer, &QTimer::timeout, this, [this] { onTimerExpired(); });
+    m_tellingTimer.setSingleShot(true);
+    connect(&m_tellingTimer, &QTimer::timeout, this, [this] { tellOwners(); });
     const QAbstractEventDispatcher* dispatcher = QAbstractEventDispatcher::instance();
     connect(dispatcher, &QAbstractEventDispatcher::awake, this, [this] { ++m_turns; });
     connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, [this] { ++m_turns; });
-    curl_multi_setopt(m_multi.get(), CURLMOPT_SOCKETFUNCTION, &CurlDriver::onSocket);
+    curl_multi_setopt(m_multi.get(), CURLMOPT_SOCKETFUNCTION, &CurlDriver::onSocketWanted);
     curl_multi_setopt(m_multi.get(), CURLMOPT_SOCKETDATA, this);
-    curl_multi_setopt(m_multi.get(), CURLMOPT_TIMERFUNCTION, &CurlDriver::onTimer);
+    curl_multi_setopt(m_multi.get(), CURLMOPT_TIMERFUNCTION, &CurlDriver::onTimerWanted);
     curl_multi_setopt(m_multi.get(), CURLMOPT_TIMERDATA, this);
     // Nested waits use one connection each; more idle ones than this are closed.
     curl_multi_setopt(m_multi.get(), CURLMOPT_MAXCONNECTS, 8L);
@@ -46,18 +48,15 @@ CurlDriver::CurlDriver() : m_multi(curl_multi_init())
 
 CurlDriver::~CurlDriver()
 {
-    const QList<HttpTransfer*> unfinished = m_running + m_finished;
-    for (HttpTransfer* transfer : unfinished) {
-        cancel(transfer);
-        transfer->failWith(QNetworkReply::OperationCanceledError,
-                           QStringLiteral("the application has ended"));
+    for (HttpTransfer* transfer : qAsConst(m_running)) {
+        curl_multi_remove_handle(m_multi.get(), transfer->handle());
     }
     // The notifiers go before the sockets that closing the connections closes.
     m_watches.clear();
     m_multi.reset();
 }
 
-std::unique_ptr<CURL, CurlDriver::FreeEasy> CurlDriver::takeEasy()
+CurlEasy CurlDriver::takeEasy()
 {
     if (!m_spareEasy) {
         m_spareEasy.reset(curl_easy_init());
@@ -86,69 +85,66 @@ void CurlDriver::endStrayConnections()
     }
 }
 
-void CurlDriver::start(HttpTransfer* transfer)
+void CurlDriver::start(HttpTransfer& transfer)
 {
     endStrayConnections();
-    transfer->m_driver = this;
-    if (!transfer->prepare(takeEasy()) ||
-        curl_multi_add_handle(m_multi.get(), transfer->m_easy.get()) != CURLM_OK) {
-        transfer->failWith(QNetworkReply::UnknownNetworkError,
-                           QStringLiteral("the request cannot be prepared"));
+    if (!transfer.prepare(takeEasy()) ||
+        curl_multi_add_handle(m_multi.get(), transfer.handle()) != CURLM_OK) {
+        transfer.fail(QNetworkReply::UnknownNetworkError, QStringLiteral("the request cannot be prepared"));
         startFailed(transfer);
         return;
     }
-    m_running.append(transfer);
+    m_running.append(&transfer);
     // Sends at once what can be sent, instead of after another turn of the event loop.
-    perform(CURL_SOCKET_TIMEOUT, 0);
+    letLibcurlRun(CURL_SOCKET_TIMEOUT, 0);
     if (!m_finished.isEmpty()) {
-        deliverSoon();
+        tellOwnersSoon();
     }
 }
 
-void CurlDriver::startFailed(HttpTransfer* transfer)
+void CurlDriver::startFailed(HttpTransfer& transfer)
 {
-    transfer->m_driver = this;
-    m_finished.append(transfer);
-    deliverSoon();
+    m_finished.append(&transfer);
+    tellOwnersSoon();
 }
 
-void CurlDriver::cancel(HttpTransfer* transfer)
+void CurlDriver::cancel(HttpTransfer& transfer)
 {
-    if (m_running.removeOne(transfer)) {
-        curl_multi_remove_handle(m_multi.get(), transfer->m_easy.get());
+    if (m_running.removeOne(&transfer)) {
+        curl_multi_remove_handle(m_multi.get(), transfer.handle());
     }
-    m_finished.removeOne(transfer);
-    transfer->m_driver = nullptr;
+    m_finished.removeOne(&transfer);
 }
 
-void CurlDriver::abortAll()
+void CurlDriver::cancelAll()
 {
     const QList<HttpTransfer*> running = std::exchange(m_running, {});
     for (HttpTransfer* transfer : running) {
-        curl_multi_remove_handle(m_multi.get(), transfer->m_easy.get());
-        transfer->failWith(QNetworkReply::OperationCanceledError,
-                           QStringLiteral("the exchange was cancelled"));
+        curl_multi_remove_handle(m_multi.get(), transfer->handle());
+        transfer->fail(QNetworkReply::OperationCanceledError, QStringLiteral("the exchange was cancelled"));
         m_finished.append(transfer);
     }
     if (!m_finished.isEmpty()) {
-        deliverSoon();
+        tellOwnersSoon();
     }
 }
 
-void CurlDriver::actOnSocket(curl_socket_t socket, int what)
+void CurlDriver::onSocketReady(curl_socket_t socket, int directions)
 {
     Watch& watch = m_watches[socket];
     if (watch.isWanted) {
-        act(socket, what);
+        letLibcurlRun(socket, directions);
+        tellOwners();
     } else {
         watch.read->setEnabled(false); // an idle connection; endStrayConnections looks at it
     }
 }
 
-void CurlDriver::actOnTime()
+void CurlDriver::onTimerExpired()
 {
     if (m_due.hasExpired()) {
-        act(CURL_SOCKET_TIMEOUT, 0);
+        letLibcurlRun(CURL_SOCKET_TIMEOUT, 0);
+        tellOwners();
     } else {
         armTimer();
     }
@@ -164,20 +160,14 @@ void CurlDriver::armTimer()
     m_timer.start(static_cast<int>(m_due.remainingTime()));
 }
 
-void CurlDriver::act(curl_socket_t socket, int what)
-{
-    perform(socket, what);
-    deliver();
-}
-
-void CurlDriver::perform(curl_socket_t socket, int what)
+void CurlDriver::letLibcurlRun(curl_socket_t socket, int directions)
 {
     // libcurl's timer goes off once; when there is nothing more to wait for, libcurl does not say so.
     if (socket == CURL_SOCKET_TIMEOUT) {
         m_due = QDeadlineTimer(QDeadlineTimer::Forever);
     }
     int running = 0;
-    curl_multi_socket_action(m_multi.get(), socket, what, &running);
+    curl_multi_socket_action(m_multi.get(), socket, directions, &running);
     collectFinished();
     armTimer();
 }
@@ -189,44 +179,37 @@ void CurlDriver::collectFinished()
         if (message->msg != CURLMSG_DONE) {
             continue;
         }
-        const CURLcode code = message->data.result; // the message is gone once the handle is removed
-        char* owner = nullptr;
-        CURL* easy = message->easy_handle;
-        curl_easy_getinfo(easy, CURLINFO_PRIVATE, &owner);
-        auto* transfer = static_cast<HttpTransfer*>(static_cast<void*>(owner));
-        transfer->settle(code);
-        curl_multi_remove_handle(m_multi.get(), easy);
-        m_spareEasy.reset(transfer->m_easy.release());
-        m_running.removeOne(transfer);
-        m_finished.append(transfer);
+        const CURLcode result = message->data.result; // the message is gone once the handle is removed
+        HttpTransfer& transfer = HttpTransfer::of(message->easy_handle);
+        m_spareEasy = transfer.settle(result);
+        curl_multi_remove_handle(m_multi.get(), m_spareEasy.get());
+        m_running.removeOne(&transfer);
+        m_finished.append(&transfer);
     }
 }
 
-void CurlDriver::deliver()
+void CurlDriver::tellOwners()
 {
     const QPointer<CurlDriver> self(this);
     while (self && !m_finished.isEmpty()) {
         HttpTransfer* transfer = m_finished.takeFirst();
         // Its owner may wait for one of the others, which this loop cannot tell before the owner returns.
         if (!m_finished.isEmpty()) {
-            deliverSoon();
+            tellOwnersSoon();
         }
-        transfer->m_driver = nullptr;
-        const std::function<void()> tell =
-            std::move(transfer->m_whenFinished); // the transfer may go meanwhile
-        tell();
+        transfer->tellOwner();
     }
 }
 
-void CurlDriver::deliverSoon()
+void CurlDriver::tellOwnersSoon()
 {
-    m_delivery.start(0);
+    m_tellingTimer.start(0);
 }
 
-void CurlDriver::watch(curl_socket_t socket, int what)
+void CurlDriver::watch(curl_socket_t socket, int wanted)
 {
-    const bool reads = what == CURL_POLL_IN || what == CURL_POLL_INOUT;
-    const bool writes = what == CURL_POLL_OUT || what == CURL_POLL_INOUT;
+    const bool reads = wanted == CURL_POLL_IN || wanted == CURL_POLL_INOUT;
+    const bool writes = wanted == CURL_POLL_OUT || wanted == CURL_POLL_INOUT;
     Watch& watch = m_watches[socket];
     if (reads && !watch.read) {
         watch.read = notifier(socket, true);
@@ -249,19 +232,20 @@ std::unique_ptr<QSocketNotifier> CurlDriver::notifier(curl_socket_t socket, bool
 {
     auto notifier = std::make_unique<QSocketNotifier>(
         static_cast<qintptr>(socket), forReading ? QSocketNotifier::Read : QSocketNotifier::Write);
-    const int what = forReading ? CURL_CSELECT_IN : CURL_CSELECT_OUT;
+    const int direction = forReading ? CURL_CSELECT_IN : CURL_CSELECT_OUT;
     connect(notifier.get(), &QSocketNotifier::activated, this,
-            [this, socket, what] { actOnSocket(socket, what); });
+            [this, socket, direction] { onSocketReady(socket, direction); });
     return notifier;
 }
 
-int CurlDriver::onSocket(CURL* /*easy*/, curl_socket_t socket, int what, void* driver, void* /*unused*/)
+int CurlDriver::onSocketWanted(CURL* /*easy*/, curl_socket_t socket, int wanted, void* driver,
+                               void* /*unused*/)
 {
-    static_cast<CurlDriver*>(driver)->watch(socket, what);
+    static_cast<CurlDriver*>(driver)->watch(socket, wanted);
     return 0;
 }
 
-int CurlDriver::onTimer(CURLM* /*multi*/, long milliseconds, void* driver)
+int CurlDriver::onTimerWanted(CURLM* /*multi*/, long milliseconds, void* driver)
 {
     static_cast<CurlDriver*>(driver)->m_due = milliseconds < 0
                                                   ? QDeadlineTimer(QDeadlineTimer::Forever)
@@ -293,3 +277,5 @@ int CurlDriver::onSocketClosing(void* driver, curl_socket_t socket)
     }
     return closeSocket(socket);
 }
+
+} // namespace rk

@@ -1,5 +1,7 @@
 #include "ErrorTable.h"
 
+namespace rk {
+
 QNetworkReply::NetworkError errorOfTransport(CURLcode code)
 {
     switch (code) {
@@ -91,3 +93,5 @@ QNetworkReply::NetworkError errorOfStatus(int status)
     }
     return QNetworkReply::ProtocolFailure;
 }
+
+} // namespace rk

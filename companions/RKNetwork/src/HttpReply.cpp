@@ -1,25 +1,25 @@
 #include "HttpReply.h"
 
 #include "Address.h"
-#include "CurlDriver.h"
 #include "ErrorTable.h"
-#include "Logging.h"
 #include "ParallelJson.h"
 
 #include <QCoreApplication>
 #include <QJsonObject>
+#include <QLoggingCategory>
 #include <QNetworkRequest>
-#include <QPointer>
 #include <QUrl>
 
 #include <algorithm>
 #include <cstring>
 #include <utility>
 
-// Nothing below fatal is on before a filter rule says so.
-Q_LOGGING_CATEGORY(networkLog, "rk.network", QtFatalMsg)
+namespace rk {
 
 namespace {
+
+// Nothing below fatal is on before a filter rule says so. Holds neither tokens nor bodies.
+Q_LOGGING_CATEGORY(networkLog, "rk.network", QtFatalMsg)
 
 QNetworkAccessManager::Operation operationOf(const QByteArray& method)
 {
@@ -44,8 +44,9 @@ QString shortened(const QString& text)
 
 } // namespace
 
-HttpReply::HttpReply(HttpRequest request, NetworkObserver observer, const QByteArray& secret)
-    : m_transfer(std::move(request), [this] { whenTransferFinished(); }), m_observer(std::move(observer)),
+HttpReply::HttpReply(HttpRequest request, std::shared_ptr<const ExchangeObservers> observers,
+                     const QByteArray& secret)
+    : m_transfer(std::move(request), [this] { whenTransferFinished(); }), m_observers(std::move(observers)),
       m_secret(QString::fromLatin1(secret))
 {
     open(QIODevice::ReadOnly);
@@ -61,21 +62,27 @@ HttpReply::HttpReply(HttpRequest request, NetworkObserver observer, const QByteA
 void HttpReply::start()
 {
     const QByteArray& url = m_transfer.request().url;
-    CurlDriver* driver = CurlDriver::ofThisThread();
-    if (!driver) {
+    m_driver = CurlDriver::ofThisThread();
+    if (!m_driver) {
         fail(UnknownNetworkError, QStringLiteral("there is no QCoreApplication to wait in"));
         setFinished(true);
         report();
     } else if (!isWebAddress(url)) {
-        HttpAnswer& answer = m_transfer.answer();
-        answer.error = ProtocolUnknownError;
-        answer.errorText =
+        m_transfer.fail(
+            ProtocolUnknownError,
             QStringLiteral(
                 "\"%1\" does not begin with http:// or https:// and a host; is the base address set?")
-                .arg(shortened(redacted(withoutSecrets(url))));
-        driver->startFailed(&m_transfer);
+                .arg(redactedAndShortened(withoutSecrets(url))));
+        m_driver->startFailed(m_transfer);
     } else {
-        driver->start(&m_transfer);
+        m_driver->start(m_transfer);
+    }
+}
+
+void HttpReply::cancelTransfer()
+{
+    if (m_driver) {
+        m_driver->cancel(m_transfer);
     }
 }
 
@@ -84,7 +91,7 @@ HttpReply::~HttpReply()
     if (isFinished()) {
         return;
     }
-    m_transfer.cancel(); // first: the observer may run events
+    cancelTransfer(); // first: the observer may run events
     fail(OperationCanceledError, QStringLiteral("the reply was deleted before it finished"));
     setFinished(true);
     // The application may be gone already, and whoever listened with it.
@@ -98,7 +105,7 @@ void HttpReply::abort()
     if (isFinished()) {
         return;
     }
-    m_transfer.cancel();
+    cancelTransfer();
     fail(OperationCanceledError, QStringLiteral("the exchange was cancelled"));
     closeExchange();
 }
@@ -139,7 +146,7 @@ void HttpReply::readAnswer(const HttpAnswer& answer)
         setAttribute(QNetworkRequest::HttpReasonPhraseAttribute, QString::fromLatin1(answer.reason));
     }
     if (!answer.isWhole) {
-        fail(answer.error, shortened(redacted(answer.errorText)));
+        fail(answer.error, redactedAndShortened(answer.errorText));
         return;
     }
     if (m_status >= 300 && m_status < 400) {
@@ -175,24 +182,29 @@ QString HttpReply::statusText(const HttpAnswer& answer) const
     }
     const QString status = QStringLiteral("HTTP status %1 %2")
                                .arg(answer.status)
-                               .arg(shortened(redacted(QString::fromLatin1(answer.reason))))
+                               .arg(redactedAndShortened(QString::fromLatin1(answer.reason)))
                                .trimmed();
     const QByteArray location = answer.header("Location");
     if (answer.status < 300 || answer.status >= 400 || location.isEmpty()) {
         return status;
     }
     return QStringLiteral("%1: the service redirects to \"%2\", and redirects are not followed")
-        .arg(status, shortened(redacted(withoutSecrets(location))));
+        .arg(status, redactedAndShortened(withoutSecrets(location)));
 }
 
-// The text without the token, which a service or a proxy may have sent back. Comes before a text is cut: half
-// a token would not be recognised.
+// The text without the token, which a service or a proxy may have sent back.
 QString HttpReply::redacted(QString text) const
 {
     return m_secret.isEmpty() ? text : text.replace(m_secret, QStringLiteral("***"));
 }
 
-// The same for the "message" of an error reply, which is shown to people.
+// In this order: half a token would not be recognised.
+QString HttpReply::redactedAndShortened(const QString& text) const
+{
+    return shortened(redacted(text));
+}
+
+// Takes the token out of the "message" of an error reply, which is shown to people.
 void HttpReply::redactMessage()
 {
     QJsonObject object = m_document.object();
@@ -232,7 +244,8 @@ void HttpReply::closeExchange()
 
 void HttpReply::report() const
 {
-    if (!m_observer && !networkLog().isDebugEnabled()) {
+    const std::shared_ptr<const ExchangeObservers> observers = m_observers; // the reply may go meanwhile
+    if (observers->isEmpty() && !networkLog().isDebugEnabled()) {
         return;
     }
     NetworkExchange exchange;
@@ -246,7 +259,7 @@ void HttpReply::report() const
     qCDebug(networkLog).noquote() << exchange.method << exchange.url << exchange.httpStatus << exchange.error
                                   << exchange.bytesReceived << "bytes" << exchange.microseconds << "us"
                                   << exchange.errorText;
-    if (const NetworkObserver observer = m_observer) { // a copy: the reply may go meanwhile
-        observer(exchange);
-    }
+    observers->tell(exchange);
 }
+
+} // namespace rk

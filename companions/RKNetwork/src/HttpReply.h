@@ -1,24 +1,26 @@
 #pragma once
 
+#include "CurlDriver.h"
+#include "ExchangeObservers.h"
 #include "HttpTransfer.h"
-#include "NetworkManager.h"
 
 #include <QElapsedTimer>
 #include <QJsonDocument>
 #include <QNetworkReply>
+#include <QPointer>
 
-#include <functional>
 #include <memory>
 
-using NetworkObserver = std::function<void(const NetworkExchange&)>;
+namespace rk {
 
 /// The reply of one exchange. It finishes once, when the whole body is there or the exchange failed;
 /// readyRead comes just before finished.
 class HttpReply : public QNetworkReply
 {
 public:
-    /// Sends the request. `observer` is called when the exchange is over, `secret` is kept out of every text.
-    HttpReply(HttpRequest request, NetworkObserver observer, const QByteArray& secret);
+    /// Sends the request. `observers` are told when the exchange is over, `secret` is kept out of every text.
+    HttpReply(HttpRequest request, std::shared_ptr<const ExchangeObservers> observers,
+              const QByteArray& secret);
     /// Cancels an exchange that is not over.
     ~HttpReply() override;
 
@@ -34,6 +36,7 @@ protected:
 
 private:
     void start();
+    void cancelTransfer();
     void whenTransferFinished();
     void readAnswer(const HttpAnswer& answer);
     void fail(NetworkError error, const QString& text);
@@ -41,10 +44,12 @@ private:
     void report() const;
     QString statusText(const HttpAnswer& answer) const;
     QString redacted(QString text) const;
+    QString redactedAndShortened(const QString& text) const;
     void redactMessage();
 
     HttpTransfer m_transfer;
-    NetworkObserver m_observer;
+    QPointer<CurlDriver> m_driver; ///< runs the transfer; null when there is none, or no more
+    std::shared_ptr<const ExchangeObservers> m_observers;
     QString m_secret;
     QElapsedTimer m_watch;
     QJsonDocument m_document;
@@ -54,3 +59,5 @@ private:
     qint64 m_bytesReceived = 0;
     QString m_errorText;
 };
+
+} // namespace rk

@@ -45,7 +45,7 @@ void NetworkEventLoop::runEvents(QEventLoop::ProcessEventsFlags flags)
 
     // Replies of our own keep their deadline themselves.
     std::optional<QTimer> deadline;
-    if (!dynamic_cast<HttpReply*>(reply.data()) && NetworkManager::instance().deadline().count() > 0) {
+    if (!dynamic_cast<rk::HttpReply*>(reply.data()) && NetworkManager::instance().deadline().count() > 0) {
         deadline.emplace();
         QObject::connect(&*deadline, &QTimer::timeout, reply.data(), &QNetworkReply::abort);
         deadline->setSingleShot(true);
@@ -54,10 +54,10 @@ void NetworkEventLoop::runEvents(QEventLoop::ProcessEventsFlags flags)
 
     // QEventLoop::exec returns at once, without running a single event, when the thread was told to quit
     // earlier; nothing public says so, but the dispatcher turns when it does run.
-    const CurlDriver* driver = CurlDriver::ofThisThread();
+    const rk::CurlDriver* driver = rk::CurlDriver::ofThisThread();
     const quint64 turns = driver ? driver->turns() : 0;
     loop.exec(flags);
-    if (!driver || CurlDriver::ofThisThread() != driver || driver->turns() != turns) {
+    if (!driver || rk::CurlDriver::ofThisThread() != driver || driver->turns() != turns) {
         return;
     }
     while (reply && !reply->isFinished()) {
@@ -72,12 +72,12 @@ void NetworkEventLoop::readReply()
         return;
     }
     m_error = m_reply->error();
-    if (const auto* own = dynamic_cast<HttpReply*>(m_reply.data())) {
+    if (const auto* own = dynamic_cast<rk::HttpReply*>(m_reply.data())) {
         m_body = own->document();
         return;
     }
     const QByteArray text = m_reply->readAll();
-    m_body = parseJson(text);
+    m_body = rk::parseJson(text);
     if (m_error == QNetworkReply::NoError && !text.isEmpty() && m_body.isNull()) {
         m_error = QNetworkReply::ProtocolFailure;
     }

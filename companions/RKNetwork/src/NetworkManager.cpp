@@ -2,6 +2,7 @@
 
 #include "Address.h"
 #include "CurlDriver.h"
+#include "ExchangeObservers.h"
 #include "HttpReply.h"
 #include "RKBaseApi.h"
 #include "UrlEncoding.h"
@@ -24,10 +25,17 @@ struct NetworkManager::Settings
     qint64 maximumReplySize = Q_INT64_C(256) * 1024 * 1024;
     QByteArray caFile;
     QByteArray proxy;
-    NetworkObserver observer;
+    std::shared_ptr<rk::ExchangeObservers> observers = std::make_shared<rk::ExchangeObservers>();
+    NetworkObservation observation; ///< setObserver's
 };
 
 namespace {
+
+template <typename Json>
+QByteArray compactText(const Json& body)
+{
+    return QJsonDocument(body).toJson(QJsonDocument::Compact);
+}
 
 // What libcurl takes: a long, which has 32 bits on some systems; 0 is no limit.
 std::chrono::milliseconds timeLimit(std::chrono::milliseconds time)
@@ -60,17 +68,17 @@ QNetworkReply* NetworkManager::get(const QString& url)
 
 QNetworkReply* NetworkManager::postJson(const QString& url, const QJsonObject& body)
 {
-    return send(QByteArrayLiteral("POST"), url, QJsonDocument(body).toJson(QJsonDocument::Compact));
+    return send(QByteArrayLiteral("POST"), url, compactText(body));
 }
 
 QNetworkReply* NetworkManager::postJson(const QString& url, const QJsonArray& body)
 {
-    return send(QByteArrayLiteral("POST"), url, QJsonDocument(body).toJson(QJsonDocument::Compact));
+    return send(QByteArrayLiteral("POST"), url, compactText(body));
 }
 
 QNetworkReply* NetworkManager::putJson(const QString& url, const QJsonObject& body)
 {
-    return send(QByteArrayLiteral("PUT"), url, QJsonDocument(body).toJson(QJsonDocument::Compact));
+    return send(QByteArrayLiteral("PUT"), url, compactText(body));
 }
 
 QNetworkReply* NetworkManager::deleteResource(const QString& url)
@@ -80,17 +88,17 @@ QNetworkReply* NetworkManager::deleteResource(const QString& url)
 
 void NetworkManager::abortAll()
 {
-    if (CurlDriver* driver = CurlDriver::ofThisThread()) {
-        driver->abortAll();
+    if (rk::CurlDriver* driver = rk::CurlDriver::ofThisThread()) {
+        driver->cancelAll();
     }
 }
 
 QNetworkReply* NetworkManager::send(const QByteArray& method, const QString& url, const QByteArray& body)
 {
     const QString base = RKBaseApi::GetInstance().getBaseApi();
-    HttpRequest request;
+    rk::HttpRequest request;
     request.method = method;
-    request.url = encodedUrl(url, base);
+    request.url = rk::encodedUrl(url, base);
     request.body = body;
     request.deadline = m_settings->deadline;
     request.connectTimeout = m_settings->connectTimeout;
@@ -98,11 +106,11 @@ QNetworkReply* NetworkManager::send(const QByteArray& method, const QString& url
     request.caFile = m_settings->caFile;
     request.proxy = m_settings->proxy;
     const QByteArray& token = m_settings->bearerToken;
-    if (!token.isEmpty() && haveSameOrigin(request.url, base.toUtf8())) {
+    if (!token.isEmpty() && rk::haveSameOrigin(request.url, base.toUtf8())) {
         request.headerLines.append("Authorization: Bearer " + token);
     }
     // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the caller owns the reply, as with Qt's own manager
-    return new HttpReply(std::move(request), m_settings->observer, token);
+    return new rk::HttpReply(std::move(request), m_settings->observers, token);
 }
 
 bool NetworkManager::setBearerToken(const QString& token)
@@ -144,7 +152,12 @@ void NetworkManager::setProxy(const QString& proxy)
     m_settings->proxy = proxy.toUtf8();
 }
 
-void NetworkManager::setObserver(std::function<void(const NetworkExchange&)> observer)
+NetworkObservation NetworkManager::addObserver(NetworkObserver observer)
 {
-    m_settings->observer = std::move(observer);
+    return m_settings->observers->add(std::move(observer));
+}
+
+void NetworkManager::setObserver(NetworkObserver observer)
+{
+    m_settings->observation = addObserver(std::move(observer));
 }

@@ -10,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+namespace rk {
+
 namespace {
 
 // The white space of JSON (RFC 8259, 2).
@@ -84,10 +86,10 @@ bool holdsObjects(const QJsonArray& array)
 // not (its only element is missing, it ends within a text or a list, it is damaged), nothing is known.
 // Neither is anything said of other elements than objects: QJsonArray takes those as QJsonValue, which rounds
 // whole numbers above 2^53 that fromJson keeps.
-class JsonPieces
+class ArrayPieces
 {
 public:
-    JsonPieces(const QByteArray& text, std::vector<int> commas)
+    ArrayPieces(const QByteArray& text, std::vector<int> commas)
         : m_text(text), m_commas(std::move(commas)), m_arrays(m_commas.size() + 1)
     {
     }
@@ -191,7 +193,7 @@ std::size_t threadsOf(const JsonSharing& sharing)
 
 QJsonArray parseJsonPieces(const QByteArray& text, const JsonSharing& sharing)
 {
-    JsonPieces pieces(text, likelyCommas(text, sharing.pieceSize));
+    ArrayPieces pieces(text, likelyCommas(text, sharing.pieceSize));
     if (pieces.count() < 2) {
         return {};
     }
@@ -216,3 +218,5 @@ QJsonDocument parseJson(const QByteArray& text, QJsonParseError* error, const Js
     }
     return QJsonDocument::fromJson(text, error);
 }
+
+} // namespace rk

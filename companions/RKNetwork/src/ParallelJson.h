@@ -4,6 +4,8 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
+namespace rk {
+
 /// How a large JSON text is shared out among threads.
 struct JsonSharing
 {
@@ -20,3 +22,5 @@ QJsonDocument parseJson(const QByteArray& text, QJsonParseError* error = nullptr
 /// The elements of an array of nothing but objects, whose text is cut between them and parsed piece by piece.
 /// Empty when no place to cut it is found, or when one was wrong; nothing is known of the text then.
 QJsonArray parseJsonPieces(const QByteArray& text, const JsonSharing& sharing);
+
+} // namespace rk

@@ -11,6 +11,8 @@
 #include <cerrno>
 #endif
 
+namespace rk {
+
 namespace {
 
 #ifdef Q_OS_WIN
@@ -52,3 +54,5 @@ int closeSocket(curl_socket_t socket)
     return ::close(socket);
 #endif
 }
+
+} // namespace rk

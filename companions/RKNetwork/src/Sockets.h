@@ -2,6 +2,8 @@
 
 #include <curl/curl.h>
 
+namespace rk {
+
 /// The few calls on bare sockets; all of them are non-blocking sockets of libcurl's.
 
 /// True when bytes, the peer's end of the connection, or an error are there to be read.
@@ -10,3 +12,5 @@ bool hasInput(curl_socket_t socket);
 void endConnection(curl_socket_t socket);
 /// 0 on success.
 int closeSocket(curl_socket_t socket);
+
+} // namespace rk

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 
+namespace rk {
+
 namespace {
 
 // The query parameters of the service's resources.
@@ -168,3 +170,5 @@ QByteArray encodedUrl(const QString& url, const QString& base)
     }
     return out;
 }
+
+} // namespace rk

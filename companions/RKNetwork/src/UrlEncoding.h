@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
+namespace rk {
+
 /// The wire form of a URL given as raw text: `base` stands as it is, what follows is percent-encoded
 /// (RFC 3986) so that each character of a path or a value arrives as it was typed. A URL that does not begin
 /// with `base` keeps its scheme and authority instead.
@@ -14,3 +16,5 @@
 /// - any other value goes up to the next "&" that begins a parameter of the service.
 /// A half of a surrogate pair becomes U+FFFD.
 QByteArray encodedUrl(const QString& url, const QString& base);
+
+} // namespace rk

@@ -4,15 +4,8 @@
 
 Contract::Contract()
 {
-    NetworkManager::instance().setObserver(
-        [this](const NetworkExchange& exchange) { m_exchanges.append(exchange); });
     actAsEditor();
     data.clear();
-}
-
-Contract::~Contract()
-{
-    NetworkManager::instance().setObserver({});
 }
 
 void Contract::TearDown()

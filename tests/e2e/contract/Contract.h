@@ -18,7 +18,6 @@ class Contract : public testing::Test
 {
 protected:
     Contract();
-    ~Contract() override;
 
     void TearDown() override;
 
@@ -57,6 +56,8 @@ protected:
 
 private:
     QList<NetworkExchange> m_exchanges;
+    const NetworkObservation m_observation = NetworkManager::instance().addObserver(
+        [this](const NetworkExchange& exchange) { m_exchanges.append(exchange); });
 };
 
 /// A test that needs a token that may only read.

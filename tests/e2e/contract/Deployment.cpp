@@ -124,10 +124,10 @@ void Deployment::readVariables()
 void Deployment::askService()
 {
     NetworkExchange last;
-    NetworkManager::instance().setObserver([&](const NetworkExchange& exchange) { last = exchange; });
+    const NetworkObservation observation =
+        NetworkManager::instance().addObserver([&](const NetworkExchange& exchange) { last = exchange; });
     QStringList categories;
     const bool isAnswered = RKMonitoringData::instance()->getMonitoringCategory(categories);
-    NetworkManager::instance().setObserver({});
     if (isAnswered) {
         return;
     }

@@ -168,12 +168,12 @@ std::vector<Fault> lengthFaults()
         sends("LengthWithRubbishBehind", nonsense, length("200 bytes")),
         sendsAndCloses("LengthBeyond64Bits", nonsense, length("99999999999999999999")),
         sends("LengthEmpty", nonsense, length("")),
-        sends("LengthTwiceAndDifferent", nonsense,
+        sends("DuplicateLengthDiffers", nonsense,
               [](const QByteArray& answer) {
                   return good(lengthLine(answer.size()) + lengthLine(answer.size() + 1), answer);
               }),
         sends("LengthTwoInOneLine", nonsense, length("200, 201")),
-        sends("LengthTwiceTheSame", answers,
+        sends("DuplicateLengthAgrees", answers,
               [](const QByteArray& answer) {
                   return good(lengthLine(answer.size()) + lengthLine(answer.size()), answer);
               })

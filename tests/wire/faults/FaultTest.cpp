@@ -50,12 +50,10 @@ FaultTest::FaultTest()
     manager.setProxy("direct"_q);
     m_data = filledCaches();
     manager.setMaximumReplySize(largestReply);
-    manager.setObserver([this](const NetworkExchange& exchange) { m_exchanges.append(exchange); });
 }
 
 FaultTest::~FaultTest()
 {
-    manager.setObserver({});
     manager.setProxy({});
     manager.setCaFile({});
     manager.setBearerToken({});

@@ -67,6 +67,8 @@ private:
 
     RKMonitoringData& m_data = *RKMonitoringData::instance();
     QList<NetworkExchange> m_exchanges;
+    const NetworkObservation m_observation =
+        manager.addObserver([this](const NetworkExchange& exchange) { m_exchanges.append(exchange); });
     int m_runs = 0;
     int m_failures = 0;
 };

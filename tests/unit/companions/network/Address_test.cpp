@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+using rk::haveSameOrigin;
+using rk::isWebAddress;
+using rk::withoutSecrets;
+
 TEST(Address, WebAddressesBeginWithHttpOrHttpsAndAHost)
 {
     EXPECT_TRUE(isWebAddress("http://h/"));

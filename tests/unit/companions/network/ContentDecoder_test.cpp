@@ -7,6 +7,8 @@
 
 namespace {
 
+using rk::ContentDecoder;
+
 constexpr qint64 noLimit = 1 << 30;
 constexpr int gzipWindow = MAX_WBITS + 16;
 constexpr int zlibWindow = MAX_WBITS;

@@ -4,6 +4,9 @@
 
 namespace {
 
+using rk::errorOfStatus;
+using rk::errorOfTransport;
+
 struct StatusRow
 {
     int status;

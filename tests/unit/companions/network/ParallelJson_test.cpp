@@ -13,9 +13,14 @@
 
 #ifdef __GLIBC__
 #include <pthread.h>
+
 #endif
 
 namespace {
+
+using rk::JsonSharing;
+using rk::parseJson;
+using rk::parseJsonPieces;
 
 // Cuts wherever that is possible.
 constexpr JsonSharing everywhere{0, 1, 2};

@@ -6,6 +6,8 @@
 
 namespace {
 
+using rk::encodedUrl;
+
 const QString base = QStringLiteral("http://h/");
 
 std::string encoded(const QString& rest)
@@ -96,6 +98,14 @@ TEST(UrlEncoding, OtherValuesGoUpToTheNextParameter)
 {
     EXPECT_EQ(encoded("a?skip=-5&limit=0"), "a?skip=-5&limit=0");
     EXPECT_EQ(encoded("a?order=x&y=1&limit=2"), "a?order=x%26y%3D1&limit=2");
+}
+
+TEST(UrlEncoding, ASlashInAValueIsEncoded)
+{
+    EXPECT_EQ(encoded("a/b?order=x/y&limit=1"), "a/b?order=x%2Fy&limit=1");
+    EXPECT_EQ(encoded(R"(a/b?where={"name":"x/y"}&skip=0)"),
+              "a/b?where=%7B%22name%22%3A%22x%2Fy%22%7D&skip=0");
+    EXPECT_EQ(encoded("a/auth?category=x/y&key=c/d"), "a/auth?category=x%2Fy&key=c%2Fd");
 }
 
 TEST(UrlEncoding, EveryScriptIsUtf8)
