@@ -1,10 +1,10 @@
 #include "CommandOptions.h"
 #include "Commands.h"
-#include "Failure.h"
 #include "Lookup.h"
 #include "Pages.h"
 #include "Period.h"
 #include "PlaceMarkers.h"
+#include "RecordChecks.h"
 
 namespace {
 
@@ -34,15 +34,11 @@ struct DepthOptions
 
 Sheet alarmSheet(Session& session, const QList<RKAlarm>& alarms)
 {
-    constexpr bool listed = true;
-    constexpr bool fixed = true;
-    Sheet sheet{{{QStringLiteral("ID"), QStringLiteral("id"), listed, fixed},
-                 {QStringLiteral("RAISED"), QStringLiteral("alarmTime"), listed, fixed},
-                 {QStringLiteral("MONITORING"), QStringLiteral("cellName"), listed, !fixed},
-                 {QStringLiteral("MONITORING ID"), QStringLiteral("cellId"), !listed, fixed},
-                 {QStringLiteral("SUB-CATEGORY"), QStringLiteral("subCategoryName"), listed, !fixed},
-                 {QStringLiteral("SUB-CATEGORY ID"), QStringLiteral("subCategoryId"), !listed, fixed},
-                 {QStringLiteral("POINTS"), QStringLiteral("pointCounts"), listed, fixed}},
+    Sheet sheet{{column::fixed("ID", "id"), column::fixed("RAISED", "alarmTime"),
+                 column::text("MONITORING", "cellName"), column::unlisted("MONITORING ID", "cellId"),
+                 column::text("SUB-CATEGORY", "subCategoryName"),
+                 column::unlisted("SUB-CATEGORY ID", "subCategoryId"),
+                 column::fixed("POINTS", "pointCounts")},
                 {}};
     for (const RKAlarm& alarm : alarms) {
         sheet.rows.append({alarm.id, alarm.alarmTime, alarm.cellName, alarm.cellId,
@@ -54,60 +50,32 @@ Sheet alarmSheet(Session& session, const QList<RKAlarm>& alarms)
 
 Sheet detailSheet(const QList<RKAlarmDetail>& details)
 {
-    constexpr bool listed = true;
-    constexpr bool fixed = true;
-    constexpr bool computed = true;
-    Sheet sheet{{{QStringLiteral("ID"), QStringLiteral("id"), listed, fixed},
-                 {QStringLiteral("POINT"), QStringLiteral("pointName"), listed, !fixed},
-                 {QStringLiteral("DEPTH"), QStringLiteral("depth"), listed, fixed},
-                 {QStringLiteral("MEASURED"), QStringLiteral("monitorTime"), listed, fixed},
-                 {QStringLiteral("COUNT"), QStringLiteral("monitorCount"), !listed, fixed},
-                 {QStringLiteral("TOTAL"), QStringLiteral("totalVar"), listed, fixed, computed},
-                 {QStringLiteral("OVER BY"), QStringLiteral("totalBeyound"), listed, fixed, computed},
-                 {QStringLiteral("DAILY"), QStringLiteral("dayVar"), listed, fixed, computed},
-                 {QStringLiteral("OVER BY"), QStringLiteral("dayBeyound"), listed, fixed, computed},
-                 {QStringLiteral("PER DEPTH"), QStringLiteral("isThreeVar"), !listed, fixed},
-                 {QStringLiteral("INCLINOMETER"), QStringLiteral("isInclinometer"), !listed, fixed},
-                 {QStringLiteral("RAISED"), QStringLiteral("alarmTime"), !listed, fixed}},
+    Sheet sheet{{column::fixed("ID", "id"), column::text("POINT", "pointName"),
+                 column::fixed("DEPTH", "depth"), column::fixed("MEASURED", "monitorTime"),
+                 column::unlisted("COUNT", "monitorCount"), column::computed("TOTAL", "totalVar"),
+                 column::computed("OVER BY", "totalBeyound"), column::computed("DAILY", "dayVar"),
+                 column::computed("OVER BY", "dayBeyound"), column::unlisted("PER DEPTH", "isThreeVar"),
+                 column::unlisted("INCLINOMETER", "isInclinometer"), column::unlisted("RAISED", "alarmTime")},
                 {}};
     for (const RKAlarmDetail& detail : details) {
-        const QString depth = detail.depth.isEmpty() ? QString() : detail.depth;
-        sheet.rows.append({detail.id, detail.pointName, depth, detail.monitorTime, detail.monitorCount,
-                           detail.totalVar, detail.totalBeyound, detail.dayVar, detail.dayBeyound,
-                           detail.isThreeVar, detail.isInclinometer, detail.alarmTime});
+        sheet.rows.append({detail.id, detail.pointName, noneIfEmpty(detail.depth), detail.monitorTime,
+                           detail.monitorCount, detail.totalVar, detail.totalBeyound, detail.dayVar,
+                           detail.dayBeyound, detail.isThreeVar, detail.isInclinometer, detail.alarmTime});
     }
     return sheet;
 }
 
 Sheet depthSheet(const QList<AlarmThree>& depths)
 {
-    constexpr bool listed = true;
-    constexpr bool fixed = true;
-    constexpr bool computed = true;
-    Sheet sheet{{{QStringLiteral("ID"), QStringLiteral("id"), !listed, fixed},
-                 {QStringLiteral("POINT"), QStringLiteral("pointName"), listed, !fixed},
-                 {QStringLiteral("DEPTH"), QStringLiteral("depth"), listed, fixed},
-                 {QStringLiteral("TOTAL"), QStringLiteral("totalValue"), listed, fixed, computed},
-                 {QStringLiteral("MEASURED"), QStringLiteral("monitorTime"), listed, fixed},
-                 {QStringLiteral("COUNT"), QStringLiteral("monitorCount"), listed, fixed}},
+    Sheet sheet{{column::unlisted("ID", "id"), column::text("POINT", "pointName"),
+                 column::fixed("DEPTH", "depth"), column::computed("TOTAL", "totalValue"),
+                 column::fixed("MEASURED", "monitorTime"), column::fixed("COUNT", "monitorCount")},
                 {}};
     for (const AlarmThree& depth : depths) {
         sheet.rows.append({depth.id, depth.pointName, depth.depth, depth.totalValue, depth.monitorTime,
                            depth.monitorCount});
     }
     return sheet;
-}
-
-// A success whose records lack their identifiers was none.
-template <typename Records>
-void requireIdentifiers(const Records& records, const QString& purpose)
-{
-    for (const auto& record : records) {
-        if (record.id.isEmpty()) {
-            throw Failure(ExitCode::Failed,
-                          QStringLiteral("cannot %1: the answer is not that of alarms").arg(purpose));
-        }
-    }
 }
 
 RKAlarmCondition conditionOf(Session& session, const ListOptions& options)
@@ -137,7 +105,7 @@ ExitCode listAlarms(Session& session, const ListOptions& options)
         QList<RKAlarm> page;
         session.ask(purpose,
                     [&] { return session.projectData().getAlarmRangeData(condition, skip, limit, page); });
-        requireIdentifiers(page, purpose);
+        requireIdentifiers(page, purpose, QStringLiteral("alarms"));
         return page;
     };
     const auto readCount = [&] {
@@ -163,7 +131,7 @@ ExitCode listDetails(Session& session, const DetailOptions& options)
         QList<RKAlarmDetail> page;
         session.ask(purpose,
                     [&] { return session.data().getAlarmDetailRangeData(condition, skip, limit, page); });
-        requireIdentifiers(page, purpose);
+        requireIdentifiers(page, purpose, QStringLiteral("alarms"));
         return page;
     };
     const auto readCount = [&] {
@@ -183,7 +151,7 @@ ExitCode listDepths(Session& session, const DepthOptions& options)
     QList<AlarmThree> depths;
     session.ask(purpose,
                 [&] { return session.data().getAlarmThreeByDetailId(options.id, options.depth, depths); });
-    requireIdentifiers(depths, purpose);
+    requireIdentifiers(depths, purpose, QStringLiteral("alarms"));
     session.output().addList(depthSheet(depths));
     return ExitCode::Success;
 }

@@ -1,18 +1,12 @@
 #include "CommandOptions.h"
 #include "Commands.h"
+#include "Lookup.h"
 
 namespace {
 
-struct NoOptions
-{
-};
-
 ExitCode listCategories(Session& session, const NoOptions&)
 {
-    QStringList categories;
-    session.ask(QStringLiteral("list categories"),
-                [&] { return session.data().getMonitoringCategory(categories); });
-    session.output().addPlainTexts(QStringLiteral("category"), categories);
+    session.output().addPlainTexts(QStringLiteral("category"), lookup::categories(session));
     return ExitCode::Success;
 }
 

@@ -140,18 +140,19 @@ CommandLine::CommandLine()
 
 void CommandLine::addCommonOptions()
 {
-    options::addText(m_app, "--base-api", m_flags.baseApi, "Address of the service (RKMON_BASE_API)")
+    options::addText(m_app, "--base-api", m_overrides.baseApi, "Address of the service (RKMON_BASE_API)")
         ->type_name("URL");
-    options::addText(m_app, "--project", m_flags.project, "Project to work in (RKMON_PROJECT)")
+    options::addText(m_app, "--project", m_overrides.project, "Project to work in (RKMON_PROJECT)")
         ->type_name("ID");
-    options::addText(m_app, "--token-file", m_flags.tokenFile, "File that holds the token (RKMON_TOKEN_FILE)")
+    options::addText(m_app, "--token-file", m_overrides.tokenFile,
+                     "File that holds the token (RKMON_TOKEN_FILE)")
         ->type_name("FILE");
-    options::addText(m_app, "--config", m_flags.configFile,
+    options::addText(m_app, "--config", m_overrides.configFile,
                      "Configuration file instead of the usual rkmon/config.ini")
         ->type_name("FILE");
-    options::addText(m_app, "--deadline", m_flags.deadline, "Longest time for one request")
+    options::addText(m_app, "--deadline", m_overrides.deadline, "Longest time for one request")
         ->type_name("SECONDS");
-    options::addText(m_app, "--ca-file", m_flags.caFile, "Certificates to trust instead of the system's")
+    options::addText(m_app, "--ca-file", m_overrides.caFile, "Certificates to trust instead of the system's")
         ->type_name("FILE");
     CLI::Option* json = m_app.add_flag("--json", m_isJson, "Write JSON");
     m_app.add_flag("--csv", m_isCsv, "Write comma-separated values (RFC 4180)")->excludes(json);

@@ -23,7 +23,7 @@ public:
     /// help and version have then been written to standard output, what is wrong to standard error.
     std::optional<ExitCode> parse(const QStringList& words);
 
-    const ConfigurationFlags& flags() const { return m_flags; }
+    const ConfigurationOverrides& overrides() const { return m_overrides; }
     OutputForm form() const;
     const Command& command() const { return m_command; }
     const CLI::App& app() const { return m_app; }
@@ -32,7 +32,7 @@ private:
     void addCommonOptions();
 
     CLI::App m_app;
-    ConfigurationFlags m_flags;
+    ConfigurationOverrides m_overrides;
     bool m_isJson = false;
     bool m_isCsv = false;
     Command m_command;

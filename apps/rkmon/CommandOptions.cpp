@@ -23,35 +23,49 @@ std::string refuseOtherThanIdentifier(const std::string& text)
     return isIdentifier ? "" : "\"" + text + "\" is not an identifier";
 }
 
-std::function<void(const std::vector<std::string>&)> intoList(QStringList& target)
+template <typename Target>
+CLI::Option* addTextInto(CLI::App& app, const char* names, Target& target, const char* description)
 {
-    return [&target](const std::vector<std::string>& texts) {
+    return app
+        .add_option_function<std::string>(
+            names, [&target](const std::string& text) { target = QString::fromStdString(text); }, description)
+        ->check(CLI::Validator(refuseEmpty, ""))
+        ->type_name("TEXT");
+}
+
+using Check = std::string(const std::string&);
+
+CLI::Option* addTextsInto(CLI::App& app, const char* names, QStringList& target, const char* description,
+                          const char* typeName, Check check = refuseEmpty)
+{
+    const auto assign = [&target](const std::vector<std::string>& texts) {
         target.clear();
         for (const std::string& text : texts) {
             target.append(QString::fromStdString(text));
         }
     };
+    return app.add_option_function<std::vector<std::string>>(names, assign, description)
+        ->check(CLI::Validator(check, ""))
+        ->type_name(typeName);
 }
 
 } // namespace
 
 CLI::Option* addText(CLI::App& app, const char* names, QString& target, const char* description)
 {
-    return app
-        .add_option_function<std::string>(
-            names, [&target](const std::string& text) { target = QString::fromStdString(text); }, description)
-        ->check(CLI::Validator(refuseEmpty, ""))
-        ->type_name("TEXT");
+    return addTextInto(app, names, target, description);
 }
 
 CLI::Option* addText(CLI::App& app, const char* names, std::optional<QString>& target,
                      const char* description)
 {
-    return app
-        .add_option_function<std::string>(
-            names, [&target](const std::string& text) { target = QString::fromStdString(text); }, description)
-        ->check(CLI::Validator(refuseEmpty, ""))
-        ->type_name("TEXT");
+    return addTextInto(app, names, target, description);
+}
+
+CLI::Option* addCell(CLI::App& app, QString& cell)
+{
+    return addText(app, "--cell", cell, "The monitoring, by identifier or exact name")
+        ->type_name("MONITORING");
 }
 
 CLI::Option* addIdentifier(CLI::App& app, const char* names, QString& target, const char* description)
@@ -63,24 +77,17 @@ CLI::Option* addIdentifier(CLI::App& app, const char* names, QString& target, co
 
 CLI::Option* addIdentifiers(CLI::App& app, const char* names, QStringList& target, const char* description)
 {
-    return app.add_option_function<std::vector<std::string>>(names, intoList(target), description)
-        ->check(CLI::Validator(refuseOtherThanIdentifier, ""))
-        ->type_name("ID");
+    return addTextsInto(app, names, target, description, "ID", refuseOtherThanIdentifier);
 }
 
 CLI::Option* addTexts(CLI::App& app, const char* names, QStringList& target, const char* description)
 {
-    return app.add_option_function<std::vector<std::string>>(names, intoList(target), description)
-        ->allow_extra_args(false)
-        ->check(CLI::Validator(refuseEmpty, ""))
-        ->type_name("TEXT");
+    return addTextsInto(app, names, target, description, "TEXT")->allow_extra_args(false);
 }
 
 CLI::Option* addFiles(CLI::App& app, const char* name, QStringList& target, const char* description)
 {
-    return app.add_option_function<std::vector<std::string>>(name, intoList(target), description)
-        ->check(CLI::Validator(refuseEmpty, ""))
-        ->type_name("FILE");
+    return addTextsInto(app, name, target, description, "FILE");
 }
 
 CLI::Option* addNumber(CLI::App& app, const char* names, std::optional<double>& target,

@@ -10,6 +10,11 @@
 #include <memory>
 #include <optional>
 
+/// Options of a subcommand that has none of its own.
+struct NoOptions
+{
+};
+
 /// The pieces that the subcommands' options are made of. Option values are UTF-8.
 namespace options {
 
@@ -22,6 +27,9 @@ CLI::Option* addText(CLI::App& app, const char* names, std::optional<QString>& t
 /// where other characters could name another resource.
 CLI::Option* addIdentifier(CLI::App& app, const char* names, QString& target, const char* description);
 CLI::Option* addIdentifiers(CLI::App& app, const char* names, QStringList& target, const char* description);
+
+/// --cell: a monitoring, by identifier or exact name.
+CLI::Option* addCell(CLI::App& app, QString& cell);
 
 /// Texts, one for each time that the option is given.
 CLI::Option* addTexts(CLI::App& app, const char* names, QStringList& target, const char* description);

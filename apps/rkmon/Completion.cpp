@@ -107,7 +107,7 @@ QStringList completions(const CLI::App& root, const QStringList& words)
 {
     QStringList before = words;
     QString typed = before.isEmpty() ? QString() : before.takeLast();
-    // The shell parts --option=value into three words.
+    // The shell splits --option=value into three words.
     if (typed == QLatin1String("=")) {
         typed.clear();
     }

@@ -1,7 +1,7 @@
 #include "CommandOptions.h"
 #include "Commands.h"
-#include "Confirmation.h"
-#include "Failure.h"
+#include "DataHeld.h"
+#include "Deletion.h"
 #include "Lookup.h"
 #include "Pages.h"
 #include "Period.h"
@@ -29,40 +29,21 @@ struct HistoryOptions
     PageOptions page;
 };
 
-struct DeleteOptions
-{
-    QString id;
-    bool isConfirmed = false;
-};
-
 Sheet dataSheet(Session& session, const QList<RKDataManage>& dataManages)
 {
-    constexpr bool listed = true;
-    constexpr bool fixed = true;
-    Sheet sheet{{{QStringLiteral("ID"), QStringLiteral("id"), listed, fixed},
-                 {QStringLiteral("MONITORING"), QStringLiteral("cellName"), listed, !fixed},
-                 {QStringLiteral("MONITORING ID"), QStringLiteral("cellId"), !listed, fixed},
-                 {QStringLiteral("CATEGORY"), QStringLiteral("category"), listed, !fixed},
-                 {QStringLiteral("SUB-CATEGORY"), QStringLiteral("subCategoryName"), listed, !fixed},
-                 {QStringLiteral("ALIAS"), QStringLiteral("alias"), !listed, !fixed},
-                 {QStringLiteral("SUB-CATEGORY ID"), QStringLiteral("subCategoryId"), !listed, fixed},
-                 {QStringLiteral("LATEST"), QStringLiteral("lastDate"), listed, fixed},
-                 {QStringLiteral("ROWS"), QStringLiteral("lastCount"), listed, fixed},
-                 {QStringLiteral("FILE"), QStringLiteral("fileId"), !listed, fixed},
-                 {QStringLiteral("UPDATED"), QStringLiteral("updatedAt"), !listed, fixed},
-                 {QStringLiteral("UPDATED BY"), QStringLiteral("updatedBy"), !listed, !fixed}},
+    Sheet sheet{{column::fixed("ID", "id"), column::text("MONITORING", "cellName"),
+                 column::unlisted("MONITORING ID", "cellId"), column::text("CATEGORY", "category"),
+                 column::text("SUB-CATEGORY", "subCategoryName"), column::unlisted("ALIAS", "alias"),
+                 column::unlisted("SUB-CATEGORY ID", "subCategoryId"), column::fixed("LATEST", "lastDate"),
+                 column::fixed("ROWS", "lastCount"), column::unlisted("FILE", "fileId"),
+                 column::unlisted("UPDATED", "updatedAt"), column::unlisted("UPDATED BY", "updatedBy")},
                 {}};
-    QSet<QString> cells;
+    lookup::readMonitoringNamesOf(session, dataManages);
     for (const RKDataManage& data : dataManages) {
-        cells.insert(data.cellId);
-    }
-    lookup::readMonitoringNames(session, cells);
-    for (const RKDataManage& data : dataManages) {
-        const QString file = data.fileId.isEmpty() ? QString() : data.fileId;
         sheet.rows.append({data.id, lookup::monitoringName(session, data.cellId), data.cellId, data.category,
                            lookup::subCategoryName(session, data.subCategoryId), data.alias,
-                           data.subCategoryId, data.lastDate, data.lastCount, file, data.updatedAt,
-                           data.updatedBy});
+                           data.subCategoryId, data.lastDate, data.lastCount, noneIfEmpty(data.fileId),
+                           data.updatedAt, data.updatedBy});
     }
     return sheet;
 }
@@ -76,47 +57,17 @@ struct IdentifiedHistory
 
 Sheet historySheet(const QList<IdentifiedHistory>& history)
 {
-    constexpr bool listed = true;
-    constexpr bool fixed = true;
-    Sheet sheet{{{QStringLiteral("DELIVERED"), QStringLiteral("createdAt"), listed, fixed},
-                 {QStringLiteral("BY"), QStringLiteral("createdBy"), listed, !fixed},
-                 {QStringLiteral("LATEST"), QStringLiteral("lastDate"), listed, fixed},
-                 {QStringLiteral("INSERTED"), QStringLiteral("insertCount"), listed, fixed},
-                 {QStringLiteral("HELD"), QStringLiteral("lastCount"), listed, fixed},
-                 {QStringLiteral("FILE"), QStringLiteral("fileId"), !listed, fixed},
-                 {QStringLiteral("UPDATED"), QStringLiteral("updatedAt"), !listed, fixed},
-                 {QStringLiteral("UPDATED BY"), QStringLiteral("updatedBy"), !listed, !fixed}},
+    Sheet sheet{{column::fixed("DELIVERED", "createdAt"), column::text("BY", "createdBy"),
+                 column::fixed("LATEST", "lastDate"), column::fixed("INSERTED", "insertCount"),
+                 column::fixed("HELD", "lastCount"), column::unlisted("FILE", "fileId"),
+                 column::unlisted("UPDATED", "updatedAt"), column::unlisted("UPDATED BY", "updatedBy")},
                 {}};
     for (const IdentifiedHistory& identified : history) {
         const HistoryData& entry = identified.entry;
-        const QString file = entry.fileId.isEmpty() ? QString() : entry.fileId;
         sheet.rows.append({entry.createdAt, entry.createdBy, entry.lastDate, entry.insertCount,
-                           entry.lastCount, file, entry.updatedAt, entry.updatedBy});
+                           entry.lastCount, noneIfEmpty(entry.fileId), entry.updatedAt, entry.updatedBy});
     }
     return sheet;
-}
-
-QList<RKDataManage> readPage(Session& session, const RKDataManageCondition& condition, int skip, int limit)
-{
-    const QString purpose = QStringLiteral("list the data held");
-    QList<RKDataManage> page;
-    session.ask(purpose,
-                [&] { return session.projectData().getDataManageRangeData(condition, skip, limit, page); });
-    for (const RKDataManage& data : qAsConst(page)) {
-        if (data.id.isEmpty()) {
-            throw Failure(ExitCode::Failed,
-                          QStringLiteral("cannot %1: the answer is not that of data held").arg(purpose));
-        }
-    }
-    return page;
-}
-
-int readCount(Session& session, const RKDataManageCondition& condition)
-{
-    int count = 0;
-    session.ask(QStringLiteral("count the data held"),
-                [&] { return session.projectData().getDataManageRangeCount(condition, count); });
-    return count;
 }
 
 ExitCode listData(Session& session, const ListOptions& options)
@@ -129,8 +80,8 @@ ExitCode listData(Session& session, const ListOptions& options)
     }
     const QList<RKDataManage> dataManages = pages::read(
         session, options.page, QStringLiteral("data held"),
-        [&](int skip, int limit) { return readPage(session, condition, skip, limit); },
-        [&] { return readCount(session, condition); });
+        [&](int skip, int limit) { return dataheld::readPage(session, condition, skip, limit); },
+        [&] { return dataheld::readCount(session, condition); });
     session.output().addList(dataSheet(session, dataManages));
     return ExitCode::Success;
 }
@@ -179,16 +130,13 @@ ExitCode listHistory(Session& session, const HistoryOptions& options)
 // The service has no way to ask for one.
 RKDataManage findData(Session& session, const QString& id)
 {
-    const RKDataManageCondition all;
-    const QList<RKDataManage> everything = pages::readAll(
-        QStringLiteral("data held"), [&](int skip, int limit) { return readPage(session, all, skip, limit); },
-        [&] { return readCount(session, all); });
+    const QList<RKDataManage> everything = dataheld::readAll(session, RKDataManageCondition());
     for (const RKDataManage& data : everything) {
         if (data.id.compare(id, Qt::CaseInsensitive) == 0) {
             return data;
         }
     }
-    throw Failure(ExitCode::NotFound,
+    throw Failure(FailureKind::NotFound,
                   QStringLiteral("there is no data %1; rkmon data list shows it").arg(id));
 }
 
@@ -196,12 +144,11 @@ ExitCode deleteData(Session& session, const DeleteOptions& options)
 {
     const auto question = [&] {
         const RKDataManage data = findData(session, options.id);
-        const QString monitoring = session.ask(QStringLiteral("read monitoring %1").arg(data.cellId),
-                                               [&] { return session.data().getMonitoringName(data.cellId); });
+        const QString monitoring = lookup::currentMonitoringName(session, data.cellId);
         return QStringLiteral("Delete all points, samples, deliveries and alarms of %1 of \"%2\"?")
             .arg(data.alias.isEmpty() ? data.subCategoryId : data.alias, monitoring);
     };
-    if (!confirmed(session, options.isConfirmed, question)) {
+    if (!confirmed(session, options, question)) {
         return ExitCode::Failed;
     }
     session.ask(QStringLiteral("delete data %1").arg(options.id),
@@ -215,7 +162,7 @@ void addListCommand(CLI::App& group, Command& chosen)
 {
     const auto [app, values] = options::addSubcommand(
         group, "list", "List the data held, by monitoring and sub-category, newest first", chosen, listData);
-    lookup::addCellOption(app, values->cell);
+    options::addCell(app, values->cell);
     options::addText(app, "--category", values->category,
                      "Categories that contain this regular expression, case ignored")
         ->type_name("PATTERN");
@@ -238,15 +185,6 @@ void addHistoryCommand(CLI::App& group, Command& chosen)
     options::setExamples(app, "  rkmon data history 6745d2f0a1b2c3d4e5f60718");
 }
 
-void addDeleteCommand(CLI::App& group, Command& chosen)
-{
-    const auto [app, values] = options::addSubcommand(
-        group, "delete", "Delete data with its points, samples, deliveries and alarms", chosen, deleteData);
-    options::addIdentifier(app, "ID", values->id, "Identifier, as rkmon data list shows it")->required();
-    addConfirmationOption(app, values->isConfirmed);
-    options::setExamples(app, "  rkmon data delete 6745d2f0a1b2c3d4e5f60718");
-}
-
 } // namespace
 
 void addDataCommands(CLI::App& root, Command& chosen)
@@ -254,6 +192,9 @@ void addDataCommands(CLI::App& root, Command& chosen)
     CLI::App& group = options::addCommandGroup(root, "data", "List the data held and how it was delivered");
     addListCommand(group, chosen);
     addHistoryCommand(group, chosen);
-    addDeleteCommand(group, chosen);
+    CLI::App& remove =
+        addDeleteCommand(group, chosen, "Delete data with its points, samples, deliveries and alarms",
+                         "Identifier, as rkmon data list shows it", deleteData);
+    options::setExamples(remove, "  rkmon data delete 6745d2f0a1b2c3d4e5f60718");
     options::setExamples(group, "  rkmon data list --cell VH");
 }

@@ -13,8 +13,8 @@ QString escaped(const QString& text);
 /// Cells that `text` takes.
 int width(const QString& text);
 
-/// `text` in at most `cells` cells; what is cut off is shown by an ellipsis. A character is never parted from
-/// its combining marks.
+/// `text` in at most `cells` cells; what is cut off is shown by an ellipsis. A character is never separated
+/// from its combining marks.
 QString truncated(const QString& text, int cells);
 
 /// `text` with blanks up to `cells` cells.

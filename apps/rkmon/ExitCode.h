@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Failure.h"
+
 /// What the program's exit status tells a script.
 enum class ExitCode
 {
@@ -17,3 +19,6 @@ enum class ExitCode
     /// Ended by Ctrl-C: 128 and the number of the signal, as shells count.
     Interrupted = 130
 };
+
+/// The status that a command ends with when it failed in this way.
+ExitCode exitCodeOf(FailureKind kind);

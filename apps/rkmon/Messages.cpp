@@ -14,6 +14,6 @@ void writeMessage(const QString& message)
 void writePlainMessage(const QString& message)
 {
     const QByteArray line = display::escaped(message).toUtf8() + '\n';
-    // Nothing is left to be told to when standard error itself is closed.
+    // Nobody can be told when standard error itself is closed.
     (void)std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stderr);
 }

@@ -1,10 +1,11 @@
 #include "CommandOptions.h"
 #include "Commands.h"
-#include "Confirmation.h"
-#include "Failure.h"
+#include "Deletion.h"
+#include "Lookup.h"
 #include "MonitoringFilter.h"
 #include "MonitoringSheet.h"
 #include "Pages.h"
+#include "RecordChecks.h"
 
 namespace {
 
@@ -29,10 +30,6 @@ struct NameOptions
     QStringList ids;
 };
 
-struct NoOptions
-{
-};
-
 // The members of a monitoring that the user may set.
 struct MemberOptions
 {
@@ -49,47 +46,13 @@ struct UpdateOptions
     MemberOptions members;
 };
 
-struct DeleteOptions
-{
-    QString id;
-    bool isConfirmed = false;
-};
-
-QString readingOf(const QString& id)
-{
-    return QStringLiteral("read monitoring %1").arg(id);
-}
-
-// A success whose record lacks its identifier was no monitoring at all.
-void requireIdentifier(const RKMonitoring& monitoring, const QString& purpose)
-{
-    if (monitoring.id.isEmpty()) {
-        throw Failure(ExitCode::Failed,
-                      QStringLiteral("cannot %1: the answer is not that of a monitoring").arg(purpose));
-    }
-}
-
-RKMonitoring readMonitoring(Session& session, const QString& id)
-{
-    const QString purpose = readingOf(id);
-    RKMonitoring monitoring;
-    session.ask(purpose, [&] { return session.data().getMonitoringById(id, monitoring, false); });
-    if (monitoring.id.compare(id, Qt::CaseInsensitive) != 0) {
-        throw Failure(ExitCode::Failed,
-                      QStringLiteral("cannot %1: the answer is not that of this monitoring").arg(purpose));
-    }
-    return monitoring;
-}
-
 QList<RKMonitoring> readPage(Session& session, const RKMonitoringCondition& condition, int skip, int limit)
 {
     const QString purpose = QStringLiteral("list monitorings");
     QList<RKMonitoring> page;
     session.ask(purpose,
                 [&] { return session.projectData().getMonitoringRangeData(condition, skip, limit, page); });
-    for (const RKMonitoring& monitoring : qAsConst(page)) {
-        requireIdentifier(monitoring, purpose);
-    }
+    requireIdentifiers(page, purpose, QStringLiteral("monitorings"));
     return page;
 }
 
@@ -114,24 +77,19 @@ ExitCode listMonitorings(Session& session, const ListOptions& options)
 ExitCode countMonitorings(Session& session, const CountOptions& options)
 {
     const int count = readCount(session, conditionOf(options.filter));
-    session.output().addText({{{QStringLiteral("COUNT"), QStringLiteral("count")}}, {{count}}},
-                             QString::number(count));
+    session.output().addText({{column::text("COUNT", "count")}, {{count}}}, QString::number(count));
     return ExitCode::Success;
 }
 
 ExitCode showMonitoring(Session& session, const IdOptions& options)
 {
-    session.output().addRecord(monitoringSheet({readMonitoring(session, options.id)}));
+    session.output().addRecord(monitoringSheet({lookup::monitoringById(session, options.id)}));
     return ExitCode::Success;
 }
 
 Sheet nameSheet(const QList<QPair<QString, QString>>& cells)
 {
-    constexpr bool listed = true;
-    constexpr bool fixed = true;
-    Sheet sheet{{{QStringLiteral("ID"), QStringLiteral("id"), listed, fixed},
-                 {QStringLiteral("NAME"), QStringLiteral("name"), listed, !fixed}},
-                {}};
+    Sheet sheet{{column::fixed("ID", "id"), column::text("NAME", "name")}, {}};
     for (const auto& [id, name] : cells) {
         sheet.rows.append({id, name});
     }
@@ -145,7 +103,7 @@ ExitCode nameMonitorings(Session& session, const NameOptions& options)
     QMap<QString, QString> known; // one that is named twice is asked for once
     for (const QString& id : options.ids) {
         if (!known.contains(id)) {
-            known[id] = session.ask(readingOf(id), [&] { return session.data().getMonitoringName(id); });
+            known[id] = lookup::currentMonitoringName(session, id);
         }
         names.append(known[id]);
         cells.append({id, known[id]});
@@ -170,7 +128,7 @@ QStringList recipientsOf(const QString& text)
     for (const QString& part : parts) {
         recipients.append(part.trimmed());
         if (recipients.constLast().isEmpty()) {
-            throw Failure(ExitCode::Usage,
+            throw Failure(FailureKind::BadInput,
                           QStringLiteral("--alarm-to: \"%1\" names an empty recipient").arg(text));
         }
     }
@@ -196,7 +154,7 @@ ExitCode createMonitoring(Session& session, const MemberOptions& members)
     assignMembers(members, monitoring);
     const QString purpose = QStringLiteral("create monitoring \"%1\"").arg(monitoring.name);
     session.ask(purpose, [&] { return session.projectData().createMonitoring(monitoring); });
-    requireIdentifier(monitoring, purpose);
+    requireIdentifier(monitoring, purpose, QStringLiteral("a monitoring"));
     session.output().addText(monitoringSheet({monitoring}), monitoring.id);
     return ExitCode::Success;
 }
@@ -211,7 +169,7 @@ void requireMembers(const MemberOptions& members)
 {
     if (!members.name && !members.category && !members.model && !members.alarmTo &&
         !members.isNobodyAlarmed) {
-        throw Failure(ExitCode::Usage,
+        throw Failure(FailureKind::BadInput,
                       QStringLiteral("nothing to change is given: use --name, --category, --model, "
                                      "--alarm-to or --no-alarm-to"));
     }
@@ -223,7 +181,7 @@ ExitCode updateMonitoring(Session& session, const UpdateOptions& options)
     if (options.members.alarmTo) {
         recipientsOf(*options.members.alarmTo); // refused before anything is sent
     }
-    const RKMonitoring before = readMonitoring(session, options.id);
+    const RKMonitoring before = lookup::monitoringById(session, options.id);
     RKMonitoring monitoring = before;
     assignMembers(options.members, monitoring);
     if (isSame(before, monitoring)) {
@@ -231,7 +189,7 @@ ExitCode updateMonitoring(Session& session, const UpdateOptions& options)
     } else {
         const QString purpose = QStringLiteral("update monitoring %1").arg(options.id);
         session.ask(purpose, [&] { return session.data().updateMonitoring(monitoring); });
-        requireIdentifier(monitoring, purpose);
+        requireIdentifier(monitoring, purpose, QStringLiteral("a monitoring"));
     }
     session.output().addRecord(monitoringSheet({monitoring}));
     return ExitCode::Success;
@@ -240,11 +198,11 @@ ExitCode updateMonitoring(Session& session, const UpdateOptions& options)
 ExitCode deleteMonitoring(Session& session, const DeleteOptions& options)
 {
     const auto question = [&] {
-        const RKMonitoring monitoring = readMonitoring(session, options.id);
+        const RKMonitoring monitoring = lookup::monitoringById(session, options.id);
         return QStringLiteral("Delete monitoring \"%1\" (%2, %3)?")
             .arg(monitoring.name, monitoring.category, monitoring.id);
     };
-    if (!confirmed(session, options.isConfirmed, question)) {
+    if (!confirmed(session, options, question)) {
         return ExitCode::Failed;
     }
     session.ask(QStringLiteral("delete monitoring %1").arg(options.id),
@@ -288,7 +246,7 @@ void addReadingCommands(CLI::App& group, Command& chosen)
                                "  rkmon monitoring show 6745d2f0a1b2c3d4e5f60718 --json");
 
     const auto [name, named] =
-        options::addSubcommand(group, "name", "Tell the names of monitorings", chosen, nameMonitorings);
+        options::addSubcommand(group, "name", "Print the names of monitorings", chosen, nameMonitorings);
     options::addIdentifiers(name, "ID", named->ids, "Identifiers of monitorings")->required();
     options::setExamples(name, "  rkmon monitoring name 6745d2f0a1b2c3d4e5f60718");
 
@@ -329,16 +287,6 @@ void addUpdateCommand(CLI::App& group, Command& chosen)
                               "  rkmon monitoring update 6745d2f0a1b2c3d4e5f60718 --alarm-to ana,ben");
 }
 
-void addDeleteCommand(CLI::App& group, Command& chosen)
-{
-    const auto [app, values] =
-        options::addSubcommand(group, "delete", "Delete a monitoring", chosen, deleteMonitoring);
-    options::addIdentifier(app, "ID", values->id, "Identifier of the monitoring")->required();
-    addConfirmationOption(app, values->isConfirmed);
-    options::setExamples(app, "  rkmon monitoring delete 6745d2f0a1b2c3d4e5f60718\n"
-                              "  rkmon monitoring delete --yes 6745d2f0a1b2c3d4e5f60718");
-}
-
 } // namespace
 
 void addMonitoringCommands(CLI::App& root, Command& chosen)
@@ -348,7 +296,10 @@ void addMonitoringCommands(CLI::App& root, Command& chosen)
     addReadingCommands(group, chosen);
     addCreateCommand(group, chosen);
     addUpdateCommand(group, chosen);
-    addDeleteCommand(group, chosen);
+    CLI::App& remove = addDeleteCommand(group, chosen, "Delete a monitoring", "Identifier of the monitoring",
+                                        deleteMonitoring);
+    options::setExamples(remove, "  rkmon monitoring delete 6745d2f0a1b2c3d4e5f60718\n"
+                                 "  rkmon monitoring delete --yes 6745d2f0a1b2c3d4e5f60718");
     addCountCommand(group, chosen);
     options::setExamples(group, "  rkmon monitoring list --name '^LS-'\n"
                                 "  rkmon monitoring create --name VH --category Slope\n"

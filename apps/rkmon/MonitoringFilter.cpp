@@ -1,6 +1,7 @@
 #include "MonitoringFilter.h"
 
 #include "CommandOptions.h"
+#include "Lookup.h"
 #include "PlaceMarkers.h"
 
 void addFilterOptions(CLI::App& app, MonitoringFilter& filter)
@@ -19,10 +20,8 @@ RKMonitoringCondition conditionOf(const MonitoringFilter& filter)
 {
     RKMonitoringCondition condition;
     condition.name = markers::keptOutOf(filter.name);
-    if (markers::areIn(filter.exactName)) {
-        condition.name = markers::exactPattern(filter.exactName);
-    } else {
-        condition.exactName = filter.exactName;
+    if (!filter.exactName.isEmpty()) {
+        lookup::restrictToName(filter.exactName, condition);
     }
     condition.modelId = markers::requireNone(filter.model, "--model");
     restrictTo(filter.period, condition);

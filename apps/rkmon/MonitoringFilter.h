@@ -20,5 +20,5 @@ struct MonitoringFilter
 
 void addFilterOptions(CLI::App& app, MonitoringFilter& filter);
 
-/// The library's condition. Throws a usage Failure for a time that cannot be read.
+/// The library's condition. Throws a Failure (BadInput) for a time that cannot be read.
 RKMonitoringCondition conditionOf(const MonitoringFilter& filter);

@@ -247,7 +247,7 @@ void Output::flush()
         std::fwrite(content.constData(), 1, length, stdout) == length && std::fflush(stdout) == 0;
     if (!isWritten && errno != EPIPE) {
         throw Failure(
-            ExitCode::Failed,
+            FailureKind::Other,
             QStringLiteral("cannot write the result: %1").arg(QString::fromLocal8Bit(std::strerror(errno))));
     }
 }

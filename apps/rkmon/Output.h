@@ -29,6 +29,46 @@ struct Column
     bool isComputed = false;
 };
 
+/// The kinds of columns; titles and keys are ASCII.
+namespace column {
+
+inline Column made(const char* title, const char* key, bool isListed, bool isFixed, bool isComputed = false)
+{
+    return {QLatin1String(title), QLatin1String(key), isListed, isFixed, isComputed};
+}
+
+/// A text, which the table of a list may cut.
+inline Column text(const char* title, const char* key)
+{
+    return made(title, key, true, false);
+}
+
+/// An identifier, a time, a number.
+inline Column fixed(const char* title, const char* key)
+{
+    return made(title, key, true, true);
+}
+
+/// A computed number, or its text.
+inline Column computed(const char* title, const char* key)
+{
+    return made(title, key, true, true, true);
+}
+
+/// Not in the table of a list.
+inline Column unlisted(const char* title, const char* key)
+{
+    return made(title, key, false, false);
+}
+
+} // namespace column
+
+/// What a cell shows of `text` when the empty text means that there is none.
+inline QString noneIfEmpty(const QString& text)
+{
+    return text.isEmpty() ? QString() : text;
+}
+
 /// Records of one kind, one row each. Cells are texts, lists of texts, times, numbers or booleans; a null
 /// text and an invalid time are "none": JSON null, otherwise empty.
 struct Sheet

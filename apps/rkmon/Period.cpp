@@ -11,9 +11,10 @@ QDateTime timeOf(const QString& text, const char* option)
 {
     const QDateTime time = RKPub::getDateTimeByQString(text);
     if (!time.isValid()) {
-        throw Failure(ExitCode::Usage, QStringLiteral("%1: \"%2\" is not a time; give one like 2026-03-01, "
-                                                      "2026-03-01T08:00:00 or 2026-03-01T08:00:00+01:00")
-                                           .arg(QLatin1String(option), text));
+        throw Failure(FailureKind::BadInput,
+                      QStringLiteral("%1: \"%2\" is not a time; give one like 2026-03-01, "
+                                     "2026-03-01T08:00:00 or 2026-03-01T08:00:00+01:00")
+                          .arg(QLatin1String(option), text));
     }
     return time;
 }
@@ -26,7 +27,7 @@ QDateTime dayOf(const QString& text)
     const bool isDate = text.size() == dayLength;
     const bool isMidnight = day.timeSpec() != Qt::LocalTime && day.time() == QTime(0, 0);
     if (!day.isValid() || !(isDate || isMidnight)) {
-        throw Failure(ExitCode::Usage,
+        throw Failure(FailureKind::BadInput,
                       QStringLiteral("--until: \"%1\" is not a day; give one like 2026-03-31, or "
                                      "its midnight with an offset, as 2026-03-31T00:00:00+01:00")
                           .arg(text));
@@ -55,7 +56,7 @@ void restrictTo(const Period& period, RKTimePeriod& condition)
     condition.endTime = period.until.isEmpty() ? QDateTime(QDate(lastYear, 12, 30), QTime(0, 0), Qt::UTC)
                                                : dayOf(period.until);
     if (condition.startTime >= condition.endTime.addDays(1)) {
-        throw Failure(ExitCode::Usage,
+        throw Failure(FailureKind::BadInput,
                       QStringLiteral("--since %1 is after --until %2").arg(period.since, period.until));
     }
 }

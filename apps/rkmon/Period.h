@@ -17,5 +17,5 @@ struct Period
 /// Adds --since and --until; `since` and `until` say what they mean.
 void addPeriodOptions(CLI::App& app, Period& period, const char* since, const char* until);
 
-/// Restricts `condition` to the period. Throws a usage Failure for a time that cannot be read.
+/// Restricts `condition` to the period. Throws a Failure (BadInput) for a time that cannot be read.
 void restrictTo(const Period& period, RKTimePeriod& condition);

@@ -15,9 +15,8 @@ ExitCode answer(Session& session, const QString& action, const QString& category
     const bool isPermitted =
         session.ask(QStringLiteral("ask whether you may %1 monitorings of \"%2\"").arg(action, category),
                     [&] { return (session.projectData().*question)(category); });
-    session.output().addText({{{QStringLiteral("ACTION"), QStringLiteral("action")},
-                               {QStringLiteral("CATEGORY"), QStringLiteral("category")},
-                               {QStringLiteral("PERMITTED"), QStringLiteral("permitted")}},
+    session.output().addText({{column::text("ACTION", "action"), column::text("CATEGORY", "category"),
+                               column::text("PERMITTED", "permitted")},
                               {{action, category, isPermitted}}},
                              isPermitted ? QStringLiteral("permitted") : QStringLiteral("not permitted"));
     return isPermitted ? ExitCode::Success : ExitCode::NotPermitted;

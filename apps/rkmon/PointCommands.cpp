@@ -1,10 +1,9 @@
 #include "CommandOptions.h"
 #include "Commands.h"
-#include "Failure.h"
 #include "Lookup.h"
-#include "Pages.h"
 #include "PointFilter.h"
-#include "import/PointImport.h"
+#include "PointImportCommand.h"
+#include "RecordChecks.h"
 
 namespace {
 
@@ -54,39 +53,33 @@ QStringList relationTexts(const QMap<QString, QStringList>& links)
 // Points without their samples, but the latest one.
 Sheet pointSheet(Session& session, const QList<RKPointLocation>& points)
 {
-    constexpr bool listed = true;
-    constexpr bool fixed = true;
-    Sheet sheet{{{QStringLiteral("ID"), QStringLiteral("id"), listed, fixed},
-                 {QStringLiteral("NAME"), QStringLiteral("name"), listed, !fixed},
-                 {QStringLiteral("DEPTH"), QStringLiteral("depth"), listed, fixed},
-                 {QStringLiteral("SAMPLES"), QStringLiteral("samples"), listed, fixed},
-                 {QStringLiteral("LATEST"), QStringLiteral("latestTime"), listed, fixed},
-                 {QStringLiteral("COUNT"), QStringLiteral("latestCount"), listed, fixed},
-                 {QStringLiteral("VALUE"), QStringLiteral("latestValue"), listed, fixed},
-                 {QStringLiteral("RELATIONS"), QStringLiteral("links"), listed, !fixed},
-                 {QStringLiteral("MONITORING"), QStringLiteral("cellName"), !listed, !fixed},
-                 {QStringLiteral("MONITORING ID"), QStringLiteral("cellId"), !listed, fixed},
-                 {QStringLiteral("CATEGORY"), QStringLiteral("category"), !listed, !fixed},
-                 {QStringLiteral("DATA TYPE"), QStringLiteral("dataType"), !listed, fixed},
-                 {QStringLiteral("OFFSET DIRECTION"), QStringLiteral("offsetDirection"), !listed, fixed},
-                 {QStringLiteral("SAMPLES HELD"), QStringLiteral("insertCount"), !listed, fixed},
-                 {QStringLiteral("LAST COUNT"), QStringLiteral("lastCount"), !listed, fixed},
-                 {QStringLiteral("LAST TIME"), QStringLiteral("lastDate"), !listed, fixed},
-                 {QStringLiteral("CREATED"), QStringLiteral("createdAt"), !listed, fixed},
-                 {QStringLiteral("CREATED BY"), QStringLiteral("createdBy"), !listed, !fixed},
-                 {QStringLiteral("UPDATED"), QStringLiteral("updatedAt"), !listed, fixed},
-                 {QStringLiteral("UPDATED BY"), QStringLiteral("updatedBy"), !listed, !fixed}},
+    Sheet sheet{{column::fixed("ID", "id"),
+                 column::text("NAME", "name"),
+                 column::fixed("DEPTH", "depth"),
+                 column::fixed("SAMPLES", "samples"),
+                 column::fixed("LATEST", "latestTime"),
+                 column::fixed("COUNT", "latestCount"),
+                 column::fixed("VALUE", "latestValue"),
+                 column::text("RELATIONS", "links"),
+                 column::unlisted("MONITORING", "cellName"),
+                 column::unlisted("MONITORING ID", "cellId"),
+                 column::unlisted("CATEGORY", "category"),
+                 column::unlisted("DATA TYPE", "dataType"),
+                 column::unlisted("OFFSET DIRECTION", "offsetDirection"),
+                 column::unlisted("SAMPLES HELD", "insertCount"),
+                 column::unlisted("LAST COUNT", "lastCount"),
+                 column::unlisted("LAST TIME", "lastDate"),
+                 column::unlisted("CREATED", "createdAt"),
+                 column::unlisted("CREATED BY", "createdBy"),
+                 column::unlisted("UPDATED", "updatedAt"),
+                 column::unlisted("UPDATED BY", "updatedBy")},
                 {}};
-    QSet<QString> cells;
-    for (const RKPointLocation& point : points) {
-        cells.insert(point.cellId);
-    }
-    lookup::readMonitoringNames(session, cells);
+    lookup::readMonitoringNamesOf(session, points);
     for (const RKPointLocation& point : points) {
         // Of the samples that the condition chose; the point's own members tell of all of them.
         const bool hasSamples = !point.data.isEmpty();
         const RKPointLocationData latest = hasSamples ? point.data.constLast() : RKPointLocationData();
-        const QString depth = point.depth.isEmpty() ? QString() : point.depth;
+        const QString depth = noneIfEmpty(point.depth);
         sheet.rows.append({point.id,
                            point.name,
                            depth,
@@ -114,32 +107,17 @@ Sheet pointSheet(Session& session, const QList<RKPointLocation>& points)
 // One row per sample, with the columns of a file that `point import` reads.
 Sheet sampleSheet(const QList<RKPointLocation>& points)
 {
-    constexpr bool listed = true;
-    constexpr bool fixed = true;
-    Sheet sheet{{{QStringLiteral("NAME"), QStringLiteral("name"), listed, !fixed},
-                 {QStringLiteral("DEPTH"), QStringLiteral("depth"), listed, fixed},
-                 {QStringLiteral("TIME"), QStringLiteral("time"), listed, fixed},
-                 {QStringLiteral("COUNT"), QStringLiteral("count"), listed, fixed},
-                 {QStringLiteral("VALUE"), QStringLiteral("value"), listed, fixed},
-                 {QStringLiteral("FLAG"), QStringLiteral("timeFlag"), listed, fixed}},
+    Sheet sheet{{column::text("NAME", "name"), column::fixed("DEPTH", "depth"), column::fixed("TIME", "time"),
+                 column::fixed("COUNT", "count"), column::fixed("VALUE", "value"),
+                 column::fixed("FLAG", "timeFlag")},
                 {}};
     for (const RKPointLocation& point : points) {
-        const QString depth = point.depth.isEmpty() ? QString() : point.depth;
+        const QString depth = noneIfEmpty(point.depth);
         for (const RKPointLocationData& sample : point.data) {
             sheet.rows.append({point.name, depth, sample.time, sample.count, sample.value, sample.timeFlag});
         }
     }
     return sheet;
-}
-
-void requireIdentifiers(const QList<RKPointLocation>& points, const QString& purpose)
-{
-    for (const RKPointLocation& point : points) {
-        if (point.id.isEmpty()) {
-            throw Failure(ExitCode::Failed,
-                          QStringLiteral("cannot %1: the answer is not that of points").arg(purpose));
-        }
-    }
 }
 
 void addPoints(Session& session, const QList<RKPointLocation>& points, bool hasSamples)
@@ -154,7 +132,7 @@ ExitCode listPoints(Session& session, const ListOptions& options)
     const QString purpose = QStringLiteral("list the points of \"%1\"").arg(monitoring.name);
     QList<RKPointLocation> points;
     session.ask(purpose, [&] { return session.data().getPointLocation(condition, points, false); });
-    requireIdentifiers(points, purpose);
+    requireIdentifiers(points, purpose, QStringLiteral("points"));
     addPoints(session, points, options.hasSamples);
     return ExitCode::Success;
 }
@@ -164,7 +142,7 @@ ExitCode showPoint(Session& session, const ShowOptions& options)
     const QString purpose = QStringLiteral("read point %1").arg(options.id);
     RKPointLocation point;
     session.ask(purpose, [&] { return session.data().getPointLocationByPointId(options.id, point); });
-    requireIdentifiers({point}, purpose);
+    requireIdentifier(point, purpose, QStringLiteral("a point"));
     if (options.hasSamples) {
         session.output().addList(sampleSheet({point}));
     } else {
@@ -181,7 +159,8 @@ ExitCode showLatest(Session& session, const LatestOptions& options)
     RKPointLocation point;
     session.ask(purpose, [&] { return session.data().getPointLocationByTimeOrder(condition, point); });
     if (point.id.isEmpty()) {
-        throw Failure(ExitCode::NotFound, QStringLiteral("no point of \"%1\" matches").arg(monitoring.name));
+        throw Failure(FailureKind::NotFound,
+                      QStringLiteral("no point of \"%1\" matches").arg(monitoring.name));
     }
     session.output().addRecord(pointSheet(session, {point}));
     return ExitCode::Success;
@@ -192,7 +171,7 @@ ExitCode findPoints(Session& session, const FindOptions& options)
     const QString purpose = QStringLiteral("find the points related to %1").arg(options.uuid);
     QList<RKPointLocation> points;
     session.ask(purpose, [&] { return session.projectData().getPointLocationByGuid(options.uuid, points); });
-    requireIdentifiers(points, purpose);
+    requireIdentifiers(points, purpose, QStringLiteral("points"));
     addPoints(session, points, options.hasSamples);
     return ExitCode::Success;
 }
@@ -205,7 +184,7 @@ QMap<QString, QStringList> linksOf(const QStringList& texts)
         const QString relation = text.left(equals).trimmed();
         const QString id = text.mid(equals + 1).trimmed();
         if (equals <= 0 || relation.isEmpty() || id.isEmpty()) {
-            throw Failure(ExitCode::Usage,
+            throw Failure(FailureKind::BadInput,
                           QStringLiteral("--link: \"%1\" is not RELATION=IDENTIFIER").arg(text));
         }
         links[relation].append(id);
@@ -217,10 +196,10 @@ ExitCode linkPoints(Session& session, const LinkOptions& options)
 {
     const QMap<QString, QStringList> links = linksOf(options.links);
     if (options.names.isEmpty() && !options.isEveryPoint) {
-        throw Failure(ExitCode::Usage, QStringLiteral("which points? --name says it, or --every-point"));
+        throw Failure(FailureKind::BadInput, QStringLiteral("which points? Give --name or --every-point"));
     }
     if (links.isEmpty() && !options.isUnlinked) {
-        throw Failure(ExitCode::Usage, QStringLiteral("which relations? --link says it, or --no-links"));
+        throw Failure(FailureKind::BadInput, QStringLiteral("which relations? Give --link or --no-links"));
     }
     const RKMonitoring monitoring = lookup::monitoring(session, options.cell);
     RKPointLocationCondition condition;
@@ -275,7 +254,7 @@ void addLinkCommand(CLI::App& group, Command& chosen)
 {
     const auto [app, values] = options::addSubcommand(
         group, "link", "Replace the relations of points of a monitoring", chosen, linkPoints);
-    lookup::addCellOption(app, values->cell)->required();
+    options::addCell(app, values->cell)->required();
     CLI::Option* names =
         options::addTexts(app, "--name", values->names, "The point of this name; once for each")
             ->type_name("NAME");

@@ -5,7 +5,7 @@
 
 void addPointFilterOptions(CLI::App& app, PointFilter& filter)
 {
-    lookup::addCellOption(app, filter.cell)->required();
+    options::addCell(app, filter.cell)->required();
     options::addTexts(app, "--name", filter.names, "Only the point of this name; once for each")
         ->type_name("NAME");
     addPeriodOptions(app, filter.period, "Measured at this time or later", "Measured on this day or earlier");

@@ -25,5 +25,5 @@ struct PointFilter
 /// Adds --cell (required), --name, --since, --until and --flag-a.
 void addPointFilterOptions(CLI::App& app, PointFilter& filter);
 
-/// The library's condition for points of `monitoring`. Throws a usage Failure for what cannot be asked.
+/// The library's condition for points of `monitoring`. Throws a Failure (BadInput) for what cannot be asked.
 RKPointLocationCondition conditionOf(const PointFilter& filter, const RKMonitoring& monitoring);

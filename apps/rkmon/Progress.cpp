@@ -9,7 +9,6 @@
 Progress::Progress(const QString& unit, int total)
     : m_unit(unit), m_total(total), m_isShown(total > 0 && terminal::isTerminal(stderr))
 {
-    show(0);
 }
 
 Progress::~Progress()

@@ -3,7 +3,7 @@
 #include <QString>
 
 /// A bar on standard error that grows with the work done; shown on a terminal only, and gone when the object
-/// is.
+/// is destroyed.
 class Progress
 {
 public:
@@ -13,6 +13,7 @@ public:
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
+    /// Shows that `done` steps are done.
     void show(int done);
 
 private:

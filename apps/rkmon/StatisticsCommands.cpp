@@ -1,11 +1,11 @@
 #include "CommandOptions.h"
 #include "Commands.h"
-#include "Failure.h"
 #include "Lookup.h"
 #include "PointFilter.h"
 #include "Terminal.h"
+#include "chart/LimitLines.h"
+#include "chart/StatisticsChart.h"
 #include "plot/ChartFile.h"
-#include "plot/StatisticsChart.h"
 #include "plot/TextChart.h"
 
 #include <algorithm>
@@ -22,43 +22,19 @@ struct StatisticsOptions
     QString depthUnit;
 };
 
-using Statistic = bool (RKMonitoringData::*)(const RKPointLocationCondition&, chart::Days&);
-
 Sheet statisticsSheet(const chart::Days& days)
 {
-    constexpr bool listed = true;
-    constexpr bool fixed = true;
-    Sheet sheet{{{QStringLiteral("DAY"), QStringLiteral("day"), listed, fixed},
-                 {QStringLiteral("NAME"), QStringLiteral("name"), listed, !fixed},
-                 {QStringLiteral("DEPTH"), QStringLiteral("depth"), listed, fixed},
-                 {QStringLiteral("VALUE"), QStringLiteral("value"), listed, fixed},
-                 {QStringLiteral("COUNT"), QStringLiteral("count"), listed, fixed},
-                 {QStringLiteral("MEASURED"), QStringLiteral("time"), listed, fixed},
-                 {QStringLiteral("POINT"), QStringLiteral("id"), !listed, fixed}},
+    Sheet sheet{{column::fixed("DAY", "day"), column::text("NAME", "name"), column::fixed("DEPTH", "depth"),
+                 column::fixed("VALUE", "value"), column::fixed("COUNT", "count"),
+                 column::fixed("MEASURED", "time"), column::unlisted("POINT", "id")},
                 {}};
     for (auto day = days.cbegin(); day != days.cend(); ++day) {
         for (const RKPointLocationChartData& entry : *day) {
-            const QString depth = entry.depth.isEmpty() ? QString() : entry.depth;
-            sheet.rows.append({day.key().toString(Qt::ISODate), entry.name, depth, entry.value, entry.count,
-                               entry.time, entry.id});
+            sheet.rows.append({day.key().toString(Qt::ISODate), entry.name, noneIfEmpty(entry.depth),
+                               entry.value, entry.count, entry.time, entry.id});
         }
     }
     return sheet;
-}
-
-chart::Days readDays(Session& session, const RKMonitoring& monitoring, const PointFilter& filter,
-                     Statistic statistic)
-{
-    const RKPointLocationCondition condition = conditionOf(filter, monitoring);
-    const QString purpose = QStringLiteral("read the statistics of \"%1\"").arg(monitoring.name);
-    chart::Days days;
-    session.ask(purpose, [&] { return (session.data().*statistic)(condition, days); });
-    // The library puts a day whose time it cannot read under the null date.
-    if (days.contains(QDate())) {
-        throw Failure(ExitCode::Failed,
-                      QStringLiteral("cannot %1: the answer holds a day without a date").arg(purpose));
-    }
-    return days;
 }
 
 QString withUnit(const QString& text, const QString& unit)
@@ -76,57 +52,9 @@ QString titleOf(const StatisticsOptions& options, const RKMonitoring& monitoring
                : monitoring.name + QStringLiteral(": ") + options.filter.names.join(QStringLiteral(", "));
 }
 
-// What the limits of the named points count from, by the label of their curves.
-QMap<QString, chart::Reference> readReferences(Session& session, const RKMonitoring& monitoring,
-                                               const QStringList& names)
+void addLimits(Session& session, const RKMonitoring& monitoring, const chart::Days& days, Chart& chart)
 {
-    RKPointLocationCondition condition;
-    condition.cellId = monitoring.id;
-    condition.names = names;
-    QList<RKPointLocation> points;
-    session.ask(QStringLiteral("read the initial values of \"%1\"").arg(monitoring.name),
-                [&] { return session.data().getPointLocation(condition, points, false); });
-    QMap<QString, chart::Reference> references;
-    for (const RKPointLocation& point : qAsConst(points)) {
-        // The library reads an initial value with a fraction as 0, which therefore says nothing.
-        const bool isKnown = point.initialValue != 0.0;
-        if (isKnown || !point.data.isEmpty()) {
-            references.insert(chart::label(point.name, point.depth),
-                              {isKnown ? point.initialValue : point.data.constFirst().value, !isKnown});
-        }
-    }
-    return references;
-}
-
-void addGroupLimits(Session& session, const RKMonitoring& monitoring, const chart::Days& days, Chart& chart)
-{
-    QList<PointLocSetting> groups;
-    session.ask(QStringLiteral("list the groups of \"%1\"").arg(monitoring.name),
-                [&] { return session.data().getGroupsByCellId(monitoring.id, groups, false); });
-    QStringList shown;
-    for (const QList<RKPointLocationChartData>& day : days) {
-        for (const RKPointLocationChartData& entry : day) {
-            shown.append(entry.name);
-        }
-    }
-    shown.removeDuplicates();
-    QStringList limited;
-    for (const PointLocSetting& group : qAsConst(groups)) {
-        for (const QString& name : group.groupPoint) {
-            if (group.totalVar > 0.0 && shown.contains(name) && !limited.contains(name)) {
-                limited.append(name);
-            }
-        }
-    }
-    if (limited.isEmpty()) {
-        return;
-    }
-    const QMap<QString, chart::Reference> references = readReferences(session, monitoring, limited);
-    chart::addLimits(chart, days, groups, references);
-    const bool isGuessed =
-        std::any_of(references.cbegin(), references.cend(),
-                    [](const chart::Reference& reference) { return reference.isFirstReading; });
-    if (isGuessed) {
+    if (chart::addLimitsOf(session, monitoring, days, chart) == chart::LimitOrigin::FirstReading) {
         chart.title += QStringLiteral(" (limits about the first readings)");
         session.note(
             QStringLiteral("the limits are drawn about the first readings, since initial values that are 0 "
@@ -139,13 +67,13 @@ Chart depthChart(Session& session, const chart::Days& days)
     const QStringList profiles = chart::namesWithProfile(days);
     const bool isSeveral = profiles.size() > 1;
     if (isSeveral) {
-        throw Failure(ExitCode::Usage,
+        throw Failure(FailureKind::BadInput,
                       QStringLiteral("a chart over depth shows one point; --name chooses among %1")
                           .arg(profiles.join(QStringLiteral(", "))));
     }
     constexpr int mostCurves = 20;
     if (days.size() > mostCurves) {
-        session.note(QStringLiteral("drawn are %1 of %2 days; --since and --until choose")
+        session.note(QStringLiteral("%1 of %2 days are drawn; --since and --until choose")
                          .arg(mostCurves)
                          .arg(days.size()));
     }
@@ -158,7 +86,7 @@ void draw(Session& session, const StatisticsOptions& options, const RKMonitoring
     chart.valueLabel = withUnit(QStringLiteral("Value"), options.unit);
     if (chart.curves.isEmpty()) {
         throw Failure(
-            ExitCode::NotFound,
+            FailureKind::NotFound,
             QStringLiteral("there is nothing to draw: no reading of \"%1\" matches").arg(monitoring.name));
     }
     if (options.isDrawn) {
@@ -171,42 +99,40 @@ void draw(Session& session, const StatisticsOptions& options, const RKMonitoring
     }
 }
 
-ExitCode showNormal(Session& session, const StatisticsOptions& options)
+ExitCode showStatistic(Session& session, const StatisticsOptions& options, chart::Statistic statistic)
 {
     if (!options.plot.isEmpty()) {
         requireChartPath(options.plot);
     }
     const RKMonitoring monitoring = lookup::monitoring(session, options.filter.cell);
     const chart::Days days =
-        readDays(session, monitoring, options.filter, &RKMonitoringData::getNormalPointLocation);
+        chart::readDays(session, monitoring, conditionOf(options.filter, monitoring), statistic);
     if (!options.isDrawn && options.plot.isEmpty()) {
         session.output().addList(statisticsSheet(days));
         return ExitCode::Success;
     }
-    Chart chart = chart::overTime(days);
-    if (!options.plot.isEmpty()) {
-        addGroupLimits(session, monitoring, days, chart);
+    Chart chart;
+    if (statistic == chart::Statistic::Depth) {
+        chart = depthChart(session, days);
+        chart.otherLabel = withUnit(QStringLiteral("Depth"), options.depthUnit);
+    } else {
+        chart = chart::overTime(days);
+        if (!options.plot.isEmpty()) {
+            addLimits(session, monitoring, days, chart);
+        }
     }
     draw(session, options, monitoring, chart);
     return ExitCode::Success;
 }
 
+ExitCode showNormal(Session& session, const StatisticsOptions& options)
+{
+    return showStatistic(session, options, chart::Statistic::Normal);
+}
+
 ExitCode showDepth(Session& session, const StatisticsOptions& options)
 {
-    if (!options.plot.isEmpty()) {
-        requireChartPath(options.plot);
-    }
-    const RKMonitoring monitoring = lookup::monitoring(session, options.filter.cell);
-    const chart::Days days =
-        readDays(session, monitoring, options.filter, &RKMonitoringData::getDepthPointLocation);
-    if (!options.isDrawn && options.plot.isEmpty()) {
-        session.output().addList(statisticsSheet(days));
-        return ExitCode::Success;
-    }
-    Chart chart = depthChart(session, days);
-    chart.otherLabel = withUnit(QStringLiteral("Depth"), options.depthUnit);
-    draw(session, options, monitoring, chart);
-    return ExitCode::Success;
+    return showStatistic(session, options, chart::Statistic::Depth);
 }
 
 void addDrawingOptions(CLI::App& app, StatisticsOptions& values)

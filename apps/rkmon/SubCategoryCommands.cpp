@@ -1,6 +1,7 @@
 #include "CommandOptions.h"
 #include "Commands.h"
-#include "Failure.h"
+#include "Lookup.h"
+#include "RecordChecks.h"
 
 namespace {
 
@@ -16,12 +17,8 @@ struct ShowOptions
 
 Sheet subCategorySheet(const QList<RKMonitoringSubCategory>& subCategories)
 {
-    constexpr bool listed = true;
-    constexpr bool fixed = true;
-    Sheet sheet{{{QStringLiteral("ID"), QStringLiteral("id"), listed, fixed},
-                 {QStringLiteral("NAME"), QStringLiteral("name"), listed, !fixed},
-                 {QStringLiteral("CATEGORY"), QStringLiteral("category"), listed, !fixed},
-                 {QStringLiteral("ALIAS"), QStringLiteral("alias"), listed, !fixed}},
+    Sheet sheet{{column::fixed("ID", "id"), column::text("NAME", "name"),
+                 column::text("CATEGORY", "category"), column::text("ALIAS", "alias")},
                 {}};
     for (const RKMonitoringSubCategory& subCategory : subCategories) {
         sheet.rows.append({subCategory.id, subCategory.name, subCategory.category, subCategory.alias});
@@ -29,29 +26,13 @@ Sheet subCategorySheet(const QList<RKMonitoringSubCategory>& subCategories)
     return sheet;
 }
 
-QStringList readCategories(Session& session)
-{
-    QStringList categories;
-    session.ask(QStringLiteral("list categories"),
-                [&] { return session.data().getMonitoringCategory(categories); });
-    return categories;
-}
-
-QList<RKMonitoringSubCategory> readSubCategories(Session& session, const QString& category)
-{
-    QList<RKMonitoringSubCategory> subCategories;
-    session.ask(QStringLiteral("list the sub-categories of \"%1\"").arg(category),
-                [&] { return session.projectData().getMonitoringSubCategory(category, subCategories); });
-    return subCategories;
-}
-
 ExitCode listSubCategories(Session& session, const ListOptions& options)
 {
     const QStringList categories =
-        options.category ? QStringList{*options.category} : readCategories(session);
+        options.category ? QStringList{*options.category} : lookup::categories(session);
     QList<RKMonitoringSubCategory> subCategories;
     for (const QString& category : categories) {
-        subCategories.append(readSubCategories(session, category));
+        subCategories.append(lookup::subCategories(session, category));
     }
     session.output().addList(subCategorySheet(subCategories));
     return ExitCode::Success;
@@ -62,10 +43,7 @@ ExitCode showSubCategory(Session& session, const ShowOptions& options)
     const QString purpose = QStringLiteral("read sub-category %1").arg(options.id);
     RKMonitoringSubCategory subCategory;
     session.ask(purpose, [&] { return session.data().getSubCategoryById(options.id, subCategory); });
-    if (subCategory.id.isEmpty()) {
-        throw Failure(ExitCode::Failed,
-                      QStringLiteral("cannot %1: the answer is not that of a sub-category").arg(purpose));
-    }
+    requireIdentifier(subCategory, purpose, QStringLiteral("a sub-category"));
     session.output().addRecord(subCategorySheet({subCategory}));
     return ExitCode::Success;
 }

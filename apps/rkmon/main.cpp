@@ -1,7 +1,8 @@
+#include "Advice.h"
 #include "CommandLine.h"
 #include "Completion.h"
 #include "Configuration.h"
-#include "Failure.h"
+#include "ExitCode.h"
 #include "Messages.h"
 #include "Session.h"
 #include "Terminal.h"
@@ -36,7 +37,7 @@ void writeCompletions(const CommandLine& commandLine, const QStringList& words)
 
 ExitCode runCommand(const CommandLine& commandLine)
 {
-    Session session(readConfiguration(commandLine.flags()), commandLine.form());
+    Session session(readConfiguration(commandLine.overrides()), commandLine.form());
     const ExitCode code = commandLine.command()(session);
     session.finish();
     return code;
@@ -61,8 +62,8 @@ ExitCode runGuarded(const QStringList& words)
     try {
         return run(words);
     } catch (const Failure& failure) {
-        writeMessage(failure.message());
-        return failure.code();
+        writeMessage(withAdvice(failure));
+        return exitCodeOf(failure.kind());
     } catch (const std::exception& error) {
         writeMessage(QString::fromLocal8Bit(error.what()));
         return ExitCode::Failed;

@@ -187,7 +187,7 @@ TEST_F(RkmonCommands, PagesAndSaysWhatIsLeft)
         rkmon.run({"monitoring"_q, "list"_q, "--skip"_q, "1"_q, "--limit"_q, "2"_q, "--json"_q});
     EXPECT_EQ(page.array().size(), 2);
     EXPECT_EQ(page.array().first().toObject().value("name"_q).toString(), "b"_q);
-    EXPECT_EQ(page.messages, "rkmon: shown are 2 of 5; --skip 3 continues, --all shows everything\n"_q);
+    EXPECT_EQ(page.messages, "rkmon: 2 of 5 shown; --skip 3 continues, --all shows everything\n"_q);
 
     const Result last =
         rkmon.run({"monitoring"_q, "list"_q, "--skip"_q, "3"_q, "--limit"_q, "2"_q, "--json"_q});

@@ -302,7 +302,7 @@ TEST_F(RkmonImport, WhenTheSubCategoryOfAPointCannotBeToldItsInitialValueStays)
     const Result result = import({write("a.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n")});
     EXPECT_EQ(result.code, 0);
     EXPECT_EQ(result.messages,
-              "rkmon: warning: W1 at depth 20 is taken for a point that is there already, so it gets "
+              "rkmon: warning: W1 at depth 20 is taken for a point that exists already, so it gets "
               "no initial value\n"_q);
     EXPECT_TRUE(server.isUsedUp());
     const QJsonArray body = QJsonDocument::fromJson(server.requests().last().body).array();

@@ -134,7 +134,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     try {
         project = readProjectFile(QStringLiteral("/site/project.json"), content);
     } catch (const Failure& failure) {
-        require(failure.code() == ExitCode::Usage &&
+        require(failure.kind() == FailureKind::BadInput &&
                     failure.message().startsWith(QStringLiteral("/site/project.json:")),
                 "a refusal names the file", [&] { return failure.message().toStdString(); });
         return 0;

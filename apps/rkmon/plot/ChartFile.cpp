@@ -4,7 +4,7 @@
 #include "plot/ChartFile.h"
 
 #include "Failure.h"
-#include "plot/Chart.h"
+#include "chart/Chart.h"
 
 #include <QBuffer>
 #include <QFileInfo>
@@ -287,7 +287,7 @@ void requireChartPath(const QString& path)
 {
     const QByteArray format = formatOf(path);
     if (format != "svg" && format != "png") {
-        throw Failure(ExitCode::Usage,
+        throw Failure(FailureKind::BadInput,
                       QStringLiteral("--plot: \"%1\" ends neither in .svg nor in .png").arg(path));
     }
 }
@@ -297,11 +297,11 @@ void writeChart(const Chart& chart, const QString& path)
     Drawing drawing(chart);
     const QByteArray content = formatOf(path) == "svg" ? drawing.svg() : drawing.png();
     if (content.isEmpty()) {
-        throw Failure(ExitCode::Failed, QStringLiteral("cannot draw the chart"));
+        throw Failure(FailureKind::Other, QStringLiteral("cannot draw the chart"));
     }
     QSaveFile target(path);
     if (!target.open(QIODevice::WriteOnly) || target.write(content) != content.size() || !target.commit()) {
-        throw Failure(ExitCode::Failed,
+        throw Failure(FailureKind::Other,
                       QStringLiteral("cannot write \"%1\": %2").arg(path, target.errorString()));
     }
 }

@@ -4,7 +4,7 @@
 
 struct Chart;
 
-/// Throws a usage Failure unless `path` ends in .svg or .png.
+/// Throws a Failure (BadInput) unless `path` ends in .svg or .png.
 void requireChartPath(const QString& path);
 
 /// Draws `chart` into the file at `path`, replacing it. Needs a QApplication. Throws a Failure when it cannot

@@ -1,7 +1,7 @@
 #include "plot/TextChart.h"
 
 #include "DisplayText.h"
-#include "plot/Chart.h"
+#include "chart/Chart.h"
 
 #include <QMap>
 
@@ -108,7 +108,7 @@ QStringList overDepth(const Chart& chart, int width)
         }
     }
     const int cells = std::max(leastCells, width - depthWidth - 3);
-    QMap<double, QString> marked; // by depth, rising: downwards
+    QMap<double, QString> marked; // by depth, ascending: downwards
     mark(earliest, first, values, cells, marked);
     mark(latest, last, values, cells, marked);
 

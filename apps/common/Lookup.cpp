@@ -1,0 +1,168 @@
+#include "Lookup.h"
+
+#include "PagedReading.h"
+#include "PlaceMarkers.h"
+
+#include <QRegularExpression>
+#include <QStringList>
+
+namespace lookup {
+
+namespace {
+
+QString readingOf(const QString& id)
+{
+    return QStringLiteral("read monitoring %1").arg(id);
+}
+
+QString severalText(const QString& kind, const QString& text, const QStringList& ids)
+{
+    return QStringLiteral("several %1 are called \"%2\"; say which by its identifier: %3")
+        .arg(kind, text, ids.join(QStringLiteral(", ")));
+}
+
+} // namespace
+
+bool isIdentifier(const QString& text)
+{
+    static const QRegularExpression form(QStringLiteral("\\A[0-9a-fA-F]{24}\\z"));
+    return form.match(text).hasMatch();
+}
+
+void restrictToName(const QString& name, RKMonitoringCondition& condition)
+{
+    if (markers::areIn(name)) {
+        condition.name = markers::exactPattern(name);
+    } else {
+        condition.exactName = name;
+    }
+}
+
+std::optional<RKMonitoring> monitoringNamed(ServiceSession& session, const QString& name)
+{
+    RKMonitoringCondition condition;
+    restrictToName(name, condition);
+    QList<RKMonitoring> found;
+    session.ask(QStringLiteral("find the monitoring \"%1\"").arg(name), [&] {
+        return session.projectData().getMonitoringRangeData(condition, 0, paging::pageRows, found);
+    });
+    QStringList ids;
+    for (const RKMonitoring& monitoring : qAsConst(found)) {
+        ids.append(monitoring.id);
+    }
+    if (found.size() > 1) {
+        throw Failure(FailureKind::BadInput, severalText(QStringLiteral("monitorings"), name, ids));
+    }
+    return found.isEmpty() ? std::nullopt : std::make_optional(found.constFirst());
+}
+
+RKMonitoring monitoringById(ServiceSession& session, const QString& id)
+{
+    const QString purpose = readingOf(id);
+    RKMonitoring monitoring;
+    session.ask(purpose, [&] { return session.data().getMonitoringById(id, monitoring, false); });
+    if (monitoring.id.compare(id, Qt::CaseInsensitive) != 0) {
+        throw Failure(FailureKind::BadAnswer,
+                      QStringLiteral("cannot %1: the answer is not about this monitoring").arg(purpose));
+    }
+    return monitoring;
+}
+
+RKMonitoring monitoring(ServiceSession& session, const QString& text)
+{
+    session.projectData(); // refused first when there is no project
+    if (isIdentifier(text)) {
+        return monitoringById(session, text);
+    }
+    const auto found = monitoringNamed(session, text);
+    if (!found) {
+        throw Failure(FailureKind::NotFound, QStringLiteral("there is no monitoring \"%1\"").arg(text),
+                      Remedy::ListMonitorings);
+    }
+    return *found;
+}
+
+QStringList categories(ServiceSession& session)
+{
+    QStringList found;
+    session.ask(QStringLiteral("list categories"),
+                [&] { return session.data().getMonitoringCategory(found); });
+    return found;
+}
+
+QList<RKMonitoringSubCategory> subCategories(ServiceSession& session, const QString& category)
+{
+    QList<RKMonitoringSubCategory> found;
+    session.ask(QStringLiteral("list the sub-categories of \"%1\"").arg(category),
+                [&] { return session.projectData().getMonitoringSubCategory(category, found); });
+    return found;
+}
+
+QString monitoringName(ServiceSession& session, const QString& id)
+{
+    if (id.isEmpty()) {
+        return QString();
+    }
+    return session.recall(readingOf(id), [&] { return session.data().getMonitoringName(id); });
+}
+
+QString currentMonitoringName(ServiceSession& session, const QString& id)
+{
+    return session.ask(readingOf(id), [&] { return session.data().getMonitoringName(id); });
+}
+
+void readMonitoringNames(ServiceSession& session, const QSet<QString>& ids)
+{
+    if (ids.size() < 2) {
+        return;
+    }
+    QList<RKMonitoring> monitorings;
+    session.ask(QStringLiteral("list monitorings"), [&] {
+        return session.projectData().getMonitoringRangeData(RKMonitoringCondition(), 0, paging::pageRows,
+                                                            monitorings);
+    });
+}
+
+QString subCategoryName(ServiceSession& session, const QString& id)
+{
+    if (id.isEmpty()) {
+        return QString();
+    }
+    RKMonitoringSubCategory subCategory;
+    session.recall(QStringLiteral("read sub-category %1").arg(id),
+                   [&] { return session.data().getSubCategoryById(id, subCategory); });
+    return subCategory.name;
+}
+
+std::optional<RKMonitoringSubCategory> subCategoryAmong(const QList<RKMonitoringSubCategory>& known,
+                                                        const QString& text)
+{
+    QList<RKMonitoringSubCategory> found;
+    QStringList ids;
+    for (const RKMonitoringSubCategory& subCategory : known) {
+        if (subCategory.id == text) {
+            return subCategory;
+        }
+        if (subCategory.name == text || subCategory.alias == text) {
+            found.append(subCategory);
+            ids.append(subCategory.id);
+        }
+    }
+    if (found.size() > 1) {
+        throw Failure(FailureKind::BadInput, severalText(QStringLiteral("sub-categories"), text, ids));
+    }
+    return found.isEmpty() ? std::nullopt : std::make_optional(found.constFirst());
+}
+
+RKMonitoringSubCategory subCategory(ServiceSession& session, const QString& category, const QString& text)
+{
+    const auto found = subCategoryAmong(subCategories(session, category), text);
+    if (!found) {
+        throw Failure(FailureKind::NotFound,
+                      QStringLiteral("\"%1\" has no sub-category \"%2\"").arg(category, text),
+                      Remedy::ListSubCategories);
+    }
+    return *found;
+}
+
+} // namespace lookup

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "ServiceSession.h"
+
+#include <QList>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+#include <RKConditions.h>
+#include <RKMonitoring.h>
+#include <RKMonitoringSubCategory.h>
+
+#include <optional>
+
+/// Finding what the user names.
+namespace lookup {
+
+/// Whether `text` is an identifier as the service gives it: 24 hexadecimal digits.
+bool isIdentifier(const QString& text);
+
+/// Restricts `condition` to monitorings of exactly this name.
+void restrictToName(const QString& name, RKMonitoringCondition& condition);
+
+/// The monitoring of exactly this name; nothing when there is none, a Failure when there are several.
+std::optional<RKMonitoring> monitoringNamed(ServiceSession& session, const QString& name);
+
+/// The monitoring with this identifier. Throws a Failure when there is none.
+RKMonitoring monitoringById(ServiceSession& session, const QString& id);
+
+/// The monitoring of the project with this identifier or exactly this name. Throws a Failure when there is
+/// none or several.
+RKMonitoring monitoring(ServiceSession& session, const QString& text);
+
+/// The categories of the service.
+QStringList categories(ServiceSession& session);
+
+QList<RKMonitoringSubCategory> subCategories(ServiceSession& session, const QString& category);
+
+/// Name of a monitoring; a request only for one that the library has not read yet. Empty for an empty
+/// identifier.
+QString monitoringName(ServiceSession& session, const QString& id);
+
+/// Name of a monitoring, as the service has it now.
+QString currentMonitoringName(ServiceSession& session, const QString& id);
+
+/// Makes the names of several monitorings known by one request, as far as the service gives them in one.
+void readMonitoringNames(ServiceSession& session, const QSet<QString>& ids);
+
+/// The same for the monitorings of all `records`, each of which has a cellId.
+template <typename Records>
+void readMonitoringNamesOf(ServiceSession& session, const Records& records)
+{
+    QSet<QString> ids;
+    for (const auto& record : records) {
+        ids.insert(record.cellId);
+    }
+    readMonitoringNames(session, ids);
+}
+
+/// Name of a sub-category, in the same way as that of a monitoring.
+QString subCategoryName(ServiceSession& session, const QString& id);
+
+/// The one of `known` with this identifier, name or alias; nothing when there is none, a Failure when
+/// several.
+std::optional<RKMonitoringSubCategory> subCategoryAmong(const QList<RKMonitoringSubCategory>& known,
+                                                        const QString& text);
+
+/// The sub-category of `category` with this identifier, name or alias. Throws a Failure when there is none.
+RKMonitoringSubCategory subCategory(ServiceSession& session, const QString& category, const QString& text);
+
+} // namespace lookup

@@ -1,0 +1,9 @@
+#pragma once
+
+#include <QString>
+
+/// How a point is called among others: "name" or "name, depth".
+QString pointLabel(const QString& name, const QString& depth);
+
+/// The same in a sentence: "name" or "name at depth 2.5".
+QString pointText(const QString& name, const QString& depth);

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "Configuration.h"
+#include "RequestFailure.h"
+
+#include <NetworkManager.h>
+#include <QString>
+#include <RKMonitoringData.h>
+
+#include <optional>
+
+/// Work with the service: the library, and how its requests went. One at a time.
+class ServiceSession
+{
+public:
+    /// Applies `configuration` to the process and watches its requests.
+    explicit ServiceSession(const Configuration& configuration);
+    ~ServiceSession();
+    ServiceSession(const ServiceSession&) = delete;
+    ServiceSession& operator=(const ServiceSession&) = delete;
+
+    const Configuration& configuration() const { return m_configuration; }
+
+    /// Identifier of the project; may be empty.
+    QString project() const { return m_configuration.project; }
+
+    /// The library, for operations that name no project.
+    RKMonitoringData& data() { return *RKMonitoringData::instance(); }
+
+    /// The library, for operations in the project. Throws a Failure (BadInput) when none is configured.
+    RKMonitoringData& projectData();
+
+    /// Runs one operation of the library, which must send a request, and returns its result; throws a Failure
+    /// when the request failed. The operation's own flag does not decide: some report a failure as success,
+    /// others an empty answer as a failure. `purpose` completes "cannot ...".
+    template <typename Operation>
+    auto ask(const QString& purpose, Operation operation, Repetition repetition = Repetition::MayDouble)
+    {
+        m_lastExchange.reset();
+        auto result = operation();
+        requireAnswer(purpose, repetition);
+        return result;
+    }
+
+    /// As ask(), for an operation that the library may answer from its cache.
+    template <typename Operation>
+    auto recall(const QString& purpose, Operation operation)
+    {
+        m_lastExchange.reset();
+        auto result = operation();
+        if (m_lastExchange) {
+            requireAnswer(purpose, Repetition::MayDouble);
+        }
+        return result;
+    }
+
+private:
+    void requireAnswer(const QString& purpose, Repetition repetition) const;
+
+    Configuration m_configuration;
+    std::optional<NetworkExchange> m_lastExchange;
+};

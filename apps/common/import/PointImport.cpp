@@ -1,0 +1,254 @@
+#include "import/PointImport.h"
+
+#include "Lookup.h"
+#include "import/Deliveries.h"
+#include "import/KnownPoints.h"
+#include "import/ProjectFile.h"
+#include "import/ProjectSetUp.h"
+
+#include <QFileInfo>
+#include <QRegularExpression>
+
+namespace {
+
+// A file to read, with its place in the project file when there is one.
+struct Source
+{
+    QString path;
+    PlannedFile planned;
+};
+
+// The planned file that `path` is; files are identified by where they are, not by how they are called.
+PlannedFile plannedFor(const ProjectFile& project, const QString& path, const QString& projectPath)
+{
+    const QFileInfo wanted(path);
+    for (const PlannedFile& planned : project.files) {
+        if (QFileInfo(planned.path) == wanted) {
+            return planned;
+        }
+    }
+    throw Failure(FailureKind::BadInput,
+                  QStringLiteral("%1 is not among the files of %2").arg(path, projectPath));
+}
+
+QList<Source> plannedSources(const ProjectImport& order, const ProjectFile& project)
+{
+    QList<Source> sources;
+    for (const QString& path : order.files) {
+        sources.append({path, plannedFor(project, path, order.projectFile)});
+    }
+    if (order.files.isEmpty()) {
+        for (const PlannedFile& planned : project.files) {
+            sources.append({planned.path, planned});
+        }
+    }
+    return sources;
+}
+
+void requireNoDuplicates(const QList<Source>& sources)
+{
+    for (int i = 0; i < sources.size(); ++i) {
+        for (int j = 0; j < i; ++j) {
+            if (QFileInfo(sources[i].path) == QFileInfo(sources[j].path)) {
+                throw Failure(FailureKind::BadInput,
+                              QStringLiteral("%1 is given twice").arg(sources[i].path));
+            }
+        }
+    }
+}
+
+void noteOddities(const MeasuredFile& file, const ImportNotes& notes)
+{
+    for (const QString& column : file.ignoredColumns) {
+        notes({ImportNote::Kind::Warning,
+               QStringLiteral("%1: the column \"%2\" is not read").arg(file.path, column)});
+    }
+    if (file.repeatedCount > 0) {
+        notes({ImportNote::Kind::Information,
+               QStringLiteral("%1: duplicate rows left out: %2").arg(file.path).arg(file.repeatedCount)});
+    }
+    if (file.problems.isEmpty() && file.readingCount == 0) {
+        notes({ImportNote::Kind::Information, QStringLiteral("%1: no readings").arg(file.path)});
+    }
+}
+
+// Every file, checked; bad rows go to `result`.
+QList<PlacedFile> readFiles(const QList<Source>& sources, const MeasuredFileFormat& format,
+                            const ImportNotes& notes, ImportResult& result)
+{
+    requireNoDuplicates(sources);
+    QList<PlacedFile> files;
+    for (const Source& source : sources) {
+        const MeasuredFile file = readMeasuredFile(source.path, format);
+        noteOddities(file, notes);
+        result.badRows.append(file.problems.lines(source.path));
+        result.unclear.decimalSign = result.unclear.decimalSign || file.unclear.decimalSign;
+        result.unclear.utcOffset = result.unclear.utcOffset || file.unclear.utcOffset;
+        files.append({file, {}});
+    }
+    return files;
+}
+
+// The service's words about element [i][j] of a request, with the file that element i comes from.
+QString explained(const QString& message, const QList<Delivery>& request)
+{
+    static const QRegularExpression element(QStringLiteral("\\[(\\d+)\\]\\[\\d+\\]"));
+    const QRegularExpressionMatch match = element.match(message);
+    const int index = match.hasMatch() ? match.captured(1).toInt() : -1;
+    return index >= 0 && index < request.size()
+               ? QStringLiteral("%1 ([%2] is %3)").arg(message).arg(index).arg(request[index].path)
+               : message;
+}
+
+// The files that the deliveries come from.
+QString pathsOf(const QList<Delivery>& request)
+{
+    QStringList paths;
+    for (const Delivery& delivery : request) {
+        paths.append(delivery.path);
+    }
+    paths.removeDuplicates();
+    constexpr int shown = 3;
+    const QString more =
+        paths.size() > shown ? QStringLiteral(" and %1 more").arg(paths.size() - shown) : QString();
+    return paths.mid(0, shown).join(QStringLiteral(", ")) + more;
+}
+
+void send(ServiceSession& session, const QList<Delivery>& request)
+{
+    QList<QList<RKPointLocation>> batches;
+    for (const Delivery& delivery : request) {
+        batches.append(delivery.points);
+    }
+    QString message;
+    try {
+        session.ask(
+            QStringLiteral("deliver %1").arg(pathsOf(request)),
+            [&] { return session.projectData().createPointLocation(batches, message); },
+            Repetition::IsHarmless);
+    } catch (const Failure& failure) {
+        // A refused delivery is the one internal server error whose words are meant for the sender.
+        if (failure.kind() != FailureKind::Refused || message.isEmpty()) {
+            throw;
+        }
+        throw Failure(
+            FailureKind::Refused,
+            QStringLiteral("the service refused %1: %2").arg(pathsOf(request), explained(message, request)));
+    }
+    // What was delivered stays in the library's cache, which nothing here reads.
+    session.data().clear();
+}
+
+void sendAll(ServiceSession& session, const QList<Delivery>& deliveries, const ImportCallbacks& callbacks,
+             int sampleCount)
+{
+    int sent = 0;
+    callbacks.onProgress(sent, sampleCount);
+    for (const QList<Delivery>& request : requestsOf(deliveries)) {
+        try {
+            send(session, request);
+        } catch (const Failure& failure) {
+            if (sent == 0) {
+                throw;
+            }
+            throw failure.extended(
+                QStringLiteral("%1 of %2 samples had been delivered before").arg(sent).arg(sampleCount));
+        }
+        for (const Delivery& delivery : request) {
+            sent += delivery.sampleCount;
+        }
+        callbacks.onProgress(sent, sampleCount);
+    }
+}
+
+// Runs what changes the service. After a break it says what is true of everything in an import: whether or
+// not the change was carried out, going on with the same import is safe.
+template <typename Work>
+void changeRepeatably(Work work)
+{
+    try {
+        work();
+    } catch (const Failure& failure) {
+        if (failure.kind() != FailureKind::NoConnection) {
+            throw;
+        }
+        throw failure.extended(QStringLiteral("the import can be repeated safely"));
+    }
+}
+
+// The rest of an import once every file has its target.
+void deliver(ServiceSession& session, const QList<PlacedFile>& files, bool isDryRun,
+             const ImportCallbacks& callbacks, ImportResult& result)
+{
+    const QSet<PointKey> points = pointsOf(files);
+    const QSet<PointKey> known = isDryRun ? QSet<PointKey>() : knownPoints(session, points, callbacks.onNote);
+    const QList<Delivery> deliveries = deliveriesOf(files, known);
+    result.files = files.size();
+    result.points = points.size();
+    result.deliveries = deliveries.size();
+    for (const Delivery& delivery : deliveries) {
+        result.samples += delivery.sampleCount;
+    }
+    if (!isDryRun) {
+        result.newPoints = points.size() - known.size();
+        changeRepeatably([&] { sendAll(session, deliveries, callbacks, result.samples); });
+        result.isSent = true;
+    }
+}
+
+} // namespace
+
+ImportResult importFiles(ServiceSession& session, const FileImport& order, const ImportCallbacks& callbacks)
+{
+    QList<Source> sources;
+    for (const QString& path : order.files) {
+        sources.append({path, {}});
+    }
+    ImportResult result;
+    QList<PlacedFile> files = readFiles(sources, order.format, callbacks.onNote, result);
+    if (!result.badRows.isEmpty()) {
+        return result;
+    }
+    const RKMonitoring monitoring = lookup::monitoring(session, order.monitoring);
+    const QString subCategory = lookup::subCategory(session, monitoring.category, order.subCategory).id;
+    for (PlacedFile& file : files) {
+        file.target = {monitoring.id, subCategory};
+    }
+    result.badRows = contradictions(files);
+    if (result.badRows.isEmpty()) {
+        deliver(session, files, order.isDryRun, callbacks, result);
+    }
+    return result;
+}
+
+ImportResult importProject(ServiceSession& session, const ProjectImport& order,
+                           const ImportCallbacks& callbacks)
+{
+    const ProjectFile project = readProjectFile(order.projectFile);
+    const QList<Source> sources = plannedSources(order, project);
+    ImportResult result;
+    QList<PlacedFile> files = readFiles(sources, order.format, callbacks.onNote, result);
+    if (!result.badRows.isEmpty()) {
+        return result;
+    }
+    ProjectSetUp setUp(session, project, callbacks.onNote);
+    setUp.find();
+    const auto place = [&] {
+        for (int i = 0; i < files.size(); ++i) {
+            files[i].target = setUp.target(sources[i].planned);
+        }
+    };
+    place();
+    result.badRows = contradictions(files);
+    if (!result.badRows.isEmpty()) {
+        return result;
+    }
+    if (order.isDryRun) {
+        result.missingMonitorings = setUp.missingMonitorings();
+    } else {
+        changeRepeatably([&] { setUp.createMissing(); });
+        place();
+    }
+    deliver(session, files, order.isDryRun, callbacks, result);
+    return result;
+}

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "ServiceSession.h"
+#include "import/ImportNote.h"
+#include "import/MeasuredFile.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <optional>
+
+/// Files of readings that belong to one monitoring and sub-category.
+struct FileImport
+{
+    QStringList files;
+    /// Identifier or exact name.
+    QString monitoring;
+    /// Identifier, name or alias.
+    QString subCategory;
+    MeasuredFileFormat format;
+    /// Check everything and send nothing.
+    bool isDryRun = false;
+};
+
+/// Files of readings whose places a project file knows.
+struct ProjectImport
+{
+    QString projectFile;
+    /// Some of its files; none: all of them.
+    QStringList files;
+    MeasuredFileFormat format;
+    bool isDryRun = false;
+};
+
+/// What an import tells while it runs.
+struct ImportCallbacks
+{
+    /// Samples delivered so far, of all of them: at first 0, then after every request. May run anything but
+    /// another operation of the same session.
+    std::function<void(int delivered, int total)> onProgress = [](int, int) {
+    };
+    ImportNotes onNote = [](const ImportNote&) {
+    };
+};
+
+/// What an import did, or would do.
+struct ImportResult
+{
+    /// Rows that are bad, as "FILE:LINE: reason". When there are any, nothing was sent and the numbers below
+    /// are 0.
+    QStringList badRows;
+    /// What must be given so that the bad rows can be read.
+    UnclearFormat unclear;
+    int files = 0;
+    int points = 0;
+    /// Unknown in a dry run.
+    std::optional<int> newPoints;
+    int samples = 0;
+    int deliveries = 0;
+    bool isSent = false;
+    /// Names of the monitorings that a dry run would have created.
+    QStringList missingMonitorings;
+};
+
+/// Checks every row of every file and, when all are good, delivers the readings. Doing it again changes
+/// nothing that was taken in. Throws a Failure when a file cannot be read, what it needs is not there, or a
+/// request fails; what was delivered before stays.
+ImportResult importFiles(ServiceSession& session, const FileImport& order,
+                         const ImportCallbacks& callbacks = {});
+
+/// The same for the files of a project; creates its monitorings and threshold groups that are missing.
+ImportResult importProject(ServiceSession& session, const ProjectImport& order,
+                           const ImportCallbacks& callbacks = {});
