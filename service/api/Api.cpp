@@ -1,11 +1,13 @@
 #include "api/Api.h"
 
 #include "api/ApiError.h"
+#include "api/Authentication.h"
 #include "api/Metrics.h"
 #include "api/OpenApi.h"
 #include "api/Resources.h"
 #include "json/JsonText.h"
 #include "query/QueryError.h"
+#include "time/LocalDays.h"
 
 #include <algorithm>
 #include <iostream>
@@ -22,7 +24,7 @@ HttpResponse withHeaders(HttpResponse response, const ApiError::Headers& headers
 }
 
 // One piece, so that lines of several threads do not mix.
-void report(const StoreError& error)
+void report(const std::exception& error)
 {
     std::cerr << std::string("monitor-service: ") + error.what() + "\n" << std::flush;
 }
@@ -95,6 +97,9 @@ HttpResponse Api::answer(HttpRequest& request) const
         return errorResponse(static_cast<unsigned>(error.status()), error.what());
     } catch (const StoreError& error) {
         return answerStoreError(error);
+    } catch (const UnknownTimeZone& error) {
+        report(error);
+        return errorResponse(500, "the store has failed");
     }
 }
 

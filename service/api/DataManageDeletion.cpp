@@ -42,9 +42,10 @@ std::string dependentsOf(const Session& session, const StoredDocument& dataManag
     const auto add = [&names](bool present, const char* name) {
         names += present ? (names.empty() ? "" : ", ") + std::string(name) : std::string();
     };
-    add(hasAny(session.pointLocations(), dataManage.project, cell, &where), "point locations");
-    add(hasAny(session.histories(), dataManage.project, dataManage.id), "history");
-    add(hasAny(session.alarms(), dataManage.project, cell, &where), "alarms");
+    add(hasAny(session.documents(DocumentKind::PointLocation), dataManage.project, cell, &where),
+        "point locations");
+    add(hasAny(session.documents(DocumentKind::History), dataManage.project, dataManage.id), "history");
+    add(hasAny(session.documents(DocumentKind::Alarm), dataManage.project, cell, &where), "alarms");
     return names;
 }
 
@@ -57,7 +58,7 @@ HttpResponse deleteDataManage(ApiRequest& request)
     const std::string& id = request.ids[0];
 
     const auto [session, principal] = beginWriting(request);
-    std::optional<StoredDocument> stored = session->dataManages().find(id);
+    std::optional<StoredDocument> stored = session->documents(DocumentKind::DataManage).find(id);
     if (!stored || !principal.may(Right::Read, stored->project, stored->category)) {
         throw notFound("data manage", id);
     }

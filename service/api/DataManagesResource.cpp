@@ -58,21 +58,21 @@ private:
 // category, alias and name.
 HttpResponse listDataManages(ApiRequest& request)
 {
-    SubCategories subCategories(request.session->subCategories());
+    SubCategories subCategories(request.session->documents(DocumentKind::SubCategory));
     ListKind list;
     list.order = "-updatedAt,-_id";
     list.expanded = [&subCategories](std::string_view document) {
         return subCategories.addedTo(document);
     };
-    return answerListing(request, request.ids[0], request.session->dataManages(), list);
+    return answerListing(request, request.ids[0], request.session->documents(DocumentKind::DataManage), list);
 }
 
 // GET dataManages/{id}/historyDatas: the deliveries one by one, newest first; identifiers rise with time
 // whatever the clock does.
 HttpResponse listHistory(ApiRequest& request)
 {
-    return answerListingOf(request, {request.session->dataManages(), "data manage"},
-                           request.session->histories(), "-_id");
+    return answerListingOf(request, {request.session->documents(DocumentKind::DataManage), "data manage"},
+                           request.session->documents(DocumentKind::History), "-_id");
 }
 
 } // namespace

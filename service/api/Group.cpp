@@ -1,8 +1,8 @@
 #include "api/Group.h"
 
-#include "analysis/Assign.h"
 #include "api/ApiError.h"
 #include "api/JsonBody.h"
+#include "domain/Assign.h"
 #include "json/JsonText.h"
 #include "json/StoredText.h"
 #include "store/StoreError.h"

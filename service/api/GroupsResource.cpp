@@ -20,7 +20,7 @@ constexpr const char* kinds = "groups";
 StoredDocument namedCell(const Session& session, const Principal& principal, Right right,
                          const std::string& project, const std::string& id)
 {
-    std::optional<StoredDocument> cell = session.cells().find(id);
+    std::optional<StoredDocument> cell = session.documents(DocumentKind::Cell).find(id);
     const bool known = cell && cell->project == project &&
                        (principal.may(Right::Read, project, cell->category) ||
                         principal.may(right, project, cell->category));
@@ -35,7 +35,8 @@ StoredDocument namedCell(const Session& session, const Principal& principal, Rig
 void requirePlace(const Session& session, const Principal& principal, Right right, const Group& group)
 {
     const StoredDocument cell = namedCell(session, principal, right, group.project, group.cell);
-    const std::optional<StoredDocument> subCategory = session.subCategories().find(group.subCategory);
+    const std::optional<StoredDocument> subCategory =
+        session.documents(DocumentKind::SubCategory).find(group.subCategory);
     if (!subCategory || subCategory->project != group.project || subCategory->category != cell.category) {
         throw ApiError(400, "\"subCategoryId\": category \"" + cell.category +
                                 "\" of the monitoring has no sub-category \"" + group.subCategory +
@@ -62,7 +63,7 @@ HttpResponse createGroup(ApiRequest& request)
     group.createdAt = group.updatedAt = isoText(session->now());
     group.createdBy = group.updatedBy = principal.owner();
     std::string document = toDocument(group);
-    session->groups().insert(group.project, group.id, document);
+    session->documents(DocumentKind::Group).insert(group.project, group.id, document);
     session->commit();
     return answerCreated(std::move(document), "groupSettings/" + group.id);
 }
@@ -71,7 +72,9 @@ HttpResponse createGroup(ApiRequest& request)
 HttpResponse getGroup(ApiRequest& request)
 {
     const Parameters parameters(request.http, {});
-    return answerJson(readable(request.session->groups(), request.principal, kind, request.ids[0]).text);
+    return answerJson(
+        readable(request.session->documents(DocumentKind::Group), request.principal, kind, request.ids[0])
+            .text);
 }
 
 // PUT groupSettings/{id}: changes the members that are sent and answers the whole group. Its times change
@@ -82,7 +85,8 @@ HttpResponse updateGroup(ApiRequest& request)
     const GroupBody body = parseGroupBody(request.http.body);
 
     const auto [session, principal] = beginWriting(request);
-    StoredDocument stored = readable(session->groups(), principal, kind, request.ids[0]);
+    StoredDocument stored =
+        readable(session->documents(DocumentKind::Group), principal, kind, request.ids[0]);
     requireRight(principal, Right::Edit, kinds, stored.project, stored.category);
     if (body.project && *body.project != stored.project) {
         throw ApiError(400, "\"projectId\": a group stays in its project");
@@ -98,7 +102,7 @@ HttpResponse updateGroup(ApiRequest& request)
     group.updatedAt = std::max(isoText(session->now()), group.updatedAt);
     group.updatedBy = principal.owner();
     std::string document = toDocument(group);
-    session->groups().replace(group.project, group.id, document);
+    session->documents(DocumentKind::Group).replace(group.project, group.id, document);
     session->commit();
     return answerJson(std::move(document));
 }
@@ -108,9 +112,10 @@ HttpResponse deleteGroup(ApiRequest& request)
 {
     const Parameters parameters(request.http, {});
     const auto [session, principal] = beginWriting(request);
-    StoredDocument stored = readable(session->groups(), principal, kind, request.ids[0]);
+    StoredDocument stored =
+        readable(session->documents(DocumentKind::Group), principal, kind, request.ids[0]);
     requireRight(principal, Right::Delete, kinds, stored.project, stored.category);
-    session->groups().remove(stored.project, stored.id);
+    session->documents(DocumentKind::Group).remove(stored.project, stored.id);
     session->commit();
     return answerJson(std::move(stored.text));
 }
@@ -118,13 +123,14 @@ HttpResponse deleteGroup(ApiRequest& request)
 // GET projects/{project}/groupSettings: see answerListing().
 HttpResponse listGroups(ApiRequest& request)
 {
-    return answerListing(request, request.ids[0], request.session->groups());
+    return answerListing(request, request.ids[0], request.session->documents(DocumentKind::Group));
 }
 
 // GET cells/{id}/groupSettings: see answerListing().
 HttpResponse listGroupsOfCell(ApiRequest& request)
 {
-    return answerListingOf(request, {request.session->cells(), "monitoring"}, request.session->groups());
+    return answerListingOf(request, {request.session->documents(DocumentKind::Cell), "monitoring"},
+                           request.session->documents(DocumentKind::Group));
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 #include "api/PointText.h"
 
 #include "api/AnswerSize.h"
+#include "domain/SampleText.h"
 #include "json/JsonText.h"
-#include "store/SampleText.h"
 
 namespace monitorservice {
 

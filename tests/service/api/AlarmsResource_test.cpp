@@ -14,20 +14,21 @@ protected:
     {
         std::string id;
         write([&](Session& session) {
-            const StoredDocument stored = *session.cells().find(cell);
+            const StoredDocument stored = *session.documents(DocumentKind::Cell).find(cell);
             id = session.newIdentifier();
-            session.alarms().insert(stored.project, id,
-                                    JsonObjectWriter()
-                                        .text("_id", id)
-                                        .text("projectId", stored.project)
-                                        .text("cellId", cell)
-                                        .text("cellName", test::member(stored.text, "name"))
-                                        .text("subCategoryId", subCategory)
-                                        .text("alarmTime", isoText(session.now()))
-                                        .integer("pointCounts", 1)
-                                        .text("createdAt", isoText(session.now()))
-                                        .text("createdBy", "Ada Editor")
-                                        .finish());
+            session.documents(DocumentKind::Alarm)
+                .insert(stored.project, id,
+                        JsonObjectWriter()
+                            .text("_id", id)
+                            .text("projectId", stored.project)
+                            .text("cellId", cell)
+                            .text("cellName", test::member(stored.text, "name"))
+                            .text("subCategoryId", subCategory)
+                            .text("alarmTime", isoText(session.now()))
+                            .integer("pointCounts", 1)
+                            .text("createdAt", isoText(session.now()))
+                            .text("createdBy", "Ada Editor")
+                            .finish());
         });
         return id;
     }
@@ -37,14 +38,15 @@ protected:
         std::string id;
         write([&](Session& session) {
             id = session.newIdentifier();
-            session.alarmDetails().insert(session.alarms().find(alarm)->project, id,
-                                          JsonObjectWriter()
-                                              .text("_id", id)
-                                              .text("alarmManId", alarm)
-                                              .text("pointName", point)
-                                              .text("totalVar", "12.5")
-                                              .text("monitorTime", time)
-                                              .finish());
+            session.documents(DocumentKind::AlarmDetail)
+                .insert(session.documents(DocumentKind::Alarm).find(alarm)->project, id,
+                        JsonObjectWriter()
+                            .text("_id", id)
+                            .text("alarmManId", alarm)
+                            .text("pointName", point)
+                            .text("totalVar", "12.5")
+                            .text("monitorTime", time)
+                            .finish());
         });
         return id;
     }
@@ -54,13 +56,14 @@ protected:
         std::string id;
         write([&](Session& session) {
             id = session.newIdentifier();
-            session.alarmDepths().insert(session.alarmDetails().find(detail)->project, id,
-                                         JsonObjectWriter()
-                                             .text("_id", id)
-                                             .text("detailId", detail)
-                                             .text("pointName", "I1")
-                                             .text("depth", depth)
-                                             .finish());
+            session.documents(DocumentKind::AlarmDepth)
+                .insert(session.documents(DocumentKind::AlarmDetail).find(detail)->project, id,
+                        JsonObjectWriter()
+                            .text("_id", id)
+                            .text("detailId", detail)
+                            .text("pointName", "I1")
+                            .text("depth", depth)
+                            .finish());
         });
         return id;
     }

@@ -16,8 +16,9 @@ protected:
         std::string id;
         write([&](Session& session) {
             id = session.newIdentifier();
-            session.dataManages().insert(session.cells().find(cell)->project, id,
-                                         document(id, cell, subCategory, isoText(session.now())));
+            session.documents(DocumentKind::DataManage)
+                .insert(session.documents(DocumentKind::Cell).find(cell)->project, id,
+                        document(id, cell, subCategory, isoText(session.now())));
         });
         return id;
     }
@@ -26,8 +27,9 @@ protected:
     void touch(const std::string& id, const std::string& cell, const std::string& subCategory)
     {
         write([&](Session& session) {
-            session.dataManages().replace(session.cells().find(cell)->project, id,
-                                          document(id, cell, subCategory, isoText(session.now())));
+            session.documents(DocumentKind::DataManage)
+                .replace(session.documents(DocumentKind::Cell).find(cell)->project, id,
+                         document(id, cell, subCategory, isoText(session.now())));
         });
     }
 
@@ -50,14 +52,15 @@ protected:
         std::string id;
         write([&](Session& session) {
             id = session.newIdentifier();
-            session.histories().insert(session.dataManages().find(dataManage)->project, id,
-                                       JsonObjectWriter()
-                                           .text("_id", id)
-                                           .text("dataManageId", dataManage)
-                                           .text("lastDate", lastDate)
-                                           .integer("insertCount", 2)
-                                           .text("updatedAt", isoText(session.now()))
-                                           .finish());
+            session.documents(DocumentKind::History)
+                .insert(session.documents(DocumentKind::DataManage).find(dataManage)->project, id,
+                        JsonObjectWriter()
+                            .text("_id", id)
+                            .text("dataManageId", dataManage)
+                            .text("lastDate", lastDate)
+                            .integer("insertCount", 2)
+                            .text("updatedAt", isoText(session.now()))
+                            .finish());
         });
         return id;
     }
