@@ -1,10 +1,12 @@
 #include "alarm/Alarms.h"
 
 #include "alarm/Thresholds.h"
+#include "domain/Alarm.h"
+#include "domain/AlarmDepth.h"
+#include "domain/AlarmDetail.h"
+#include "domain/Group.h"
 #include "domain/PointLocation.h"
 #include "json/JsonText.h"
-
-#include <simdjson.h>
 
 #include <array>
 #include <charconv>
@@ -38,34 +40,25 @@ std::string decimalText(double value)
     return {text.data(), end};
 }
 
-void addGroup(LimitsByName& limits, std::string_view document)
+void addGroup(LimitsByName& limits, const Group& group)
 {
-    try {
-        simdjson::dom::parser parser;
-        const simdjson::dom::element group = parser.parse(document.data(), document.size());
-        const Limits ofGroup{static_cast<DayVariationKind>(group["dayVarType"].get_int64().value()),
-                             group["dayVarValue"].get_double().value(),
-                             group["totalVar"].get_double().value()};
-        const simdjson::dom::array names = group["groupPoint"];
-        for (const simdjson::dom::element name : names) {
-            limits[std::string(name.get_string().value())].push_back(ofGroup);
-        }
-    } catch (const simdjson::simdjson_error& error) {
-        throw StoreError(StoreFailure::InputOutput,
-                         std::string("a stored group is damaged: ") + error.what());
+    const Limits ofGroup{static_cast<DayVariationKind>(group.dayVariationType), group.dayVariation,
+                         group.totalVariation};
+    for (const std::string& name : group.points) {
+        limits[name].push_back(ofGroup);
     }
 }
 
-LimitsByName limitsOf(const Session& session, const DeliveryTarget& target)
+LimitsByName limitsOf(const Session& session, const MonitoredQuantity& quantity)
 {
-    const Where where = Where::parse(JsonObjectWriter().text("subCategoryId", target.subCategory).finish());
+    const Where where = Where::parse(JsonObjectWriter().text("subCategoryId", quantity.subCategory).finish());
     DocumentQuery query;
-    query.project = target.project;
-    query.parent = target.cell;
+    query.project = quantity.project;
+    query.parent = quantity.cell;
     query.where = &where;
     LimitsByName limits;
     session.documents(DocumentKind::Group).visit(query, [&limits](std::string_view document) {
-        addGroup(limits, document);
+        addGroup(limits, fromDocument<Group>(document));
     });
     return limits;
 }
@@ -128,15 +121,15 @@ struct DepthReading
 };
 
 // Each depth as it was last measured by that day.
-std::vector<DepthReading> depthsOf(const Session& session, const DeliveryTarget& target,
+std::vector<DepthReading> depthsOf(const Session& session, const MonitoredQuantity& quantity,
                                    const std::string& name, std::int64_t day)
 {
     std::vector<DepthReading> depths;
     const Measurements& measurements = session.measurements();
-    measurements.visitPoints(target.cell, target.subCategory, name, [&](const StoredPoint& stored) {
+    measurements.visitPoints(quantity.cell, quantity.subCategory, name, [&](const StoredPoint& stored) {
         const std::optional<DaySummary> latest = measurements.latestDayBefore(stored.key, day + 1);
         if (latest) {
-            const PointLocation point = pointLocationOf(stored.document);
+            const PointLocation point = fromDocument<PointLocation>(stored.document);
             const PointReading reading{point.initialValue, latest->value, std::nullopt};
             depths.push_back({point.depth, variationOf(reading, {}).total, *latest});
         }
@@ -144,86 +137,70 @@ std::vector<DepthReading> depthsOf(const Session& session, const DeliveryTarget&
     return depths;
 }
 
-void insertDepth(Session& session, const DeliveryTarget& target, const std::string& detail,
-                 const std::string& name, const DepthReading& depth)
+void insertDepth(Session& session, const MonitoredQuantity& quantity, const AlarmDetail& detail,
+                 const DepthReading& reading)
 {
-    const std::string id = session.newIdentifier();
-    session.documents(DocumentKind::AlarmDepth)
-        .insert(target.project, id,
-                JsonObjectWriter()
-                    .text("_id", id)
-                    .text("detailId", detail)
-                    .text("pointName", name)
-                    .integer("monitorCount", depth.latest.count)
-                    .text("monitorTime", isoText(depth.latest.time, depth.latest.offsetMinutes))
-                    .number("totalValue", depth.total)
-                    .text("depth", depth.depth)
-                    .finish());
+    AlarmDepth depth;
+    depth.id = session.newIdentifier();
+    depth.detail = detail.id;
+    depth.point = detail.point;
+    depth.count = reading.latest.count;
+    depth.time = isoText(reading.latest.time, reading.latest.offsetMinutes);
+    depth.total = reading.total;
+    depth.depth = reading.depth;
+    session.documents(DocumentKind::AlarmDepth).insert(quantity.project, depth.id, toDocument(depth));
 }
 
-void insertDetail(Session& session, const DeliveryTarget& target, const std::string& alarm,
-                  const std::string& name, const Excess& excess, const Author& author)
+void insertDetail(Session& session, const MonitoredQuantity& quantity, const std::string& alarm,
+                  const std::string& point, const Excess& excess, const Author& author)
 {
-    const std::vector<DepthReading> depths = depthsOf(session, target, name, excess.day.day);
-    const bool hasSeveralDepths = depths.size() > 1;
-    const std::string id = session.newIdentifier();
+    const std::vector<DepthReading> depths = depthsOf(session, quantity, point, excess.day.day);
     const Variation& variation = excess.variation;
-    session.documents(DocumentKind::AlarmDetail)
-        .insert(target.project, id,
-                JsonObjectWriter()
-                    .text("_id", id)
-                    .text("alarmManId", alarm)
-                    .text("pointName", name)
-                    .text("totalVar", decimalText(variation.total))
-                    .text("dayVar", variation.day ? decimalText(*variation.day) : std::string())
-                    .number("totalBeyound", variation.totalBeyond)
-                    .number("dayBeyound", variation.dayBeyond)
-                    .boolean("isThreeVar", hasSeveralDepths)
-                    .boolean("isInclinometer", hasSeveralDepths)
-                    .integer("monitorCount", excess.day.count)
-                    .text("monitorTime", isoText(excess.day.time, excess.day.offsetMinutes))
-                    .text("depth", excess.depth)
-                    .text("alarmTime", author.time)
-                    .text("createdAt", author.time)
-                    .text("createdBy", author.name)
-                    .text("updatedAt", author.time)
-                    .text("updatedBy", author.name)
-                    .finish());
-    if (hasSeveralDepths) {
+    AlarmDetail detail;
+    detail.id = session.newIdentifier();
+    detail.alarm = alarm;
+    detail.point = point;
+    detail.total = decimalText(variation.total);
+    detail.daily = variation.day ? decimalText(*variation.day) : std::string();
+    detail.totalExcess = variation.totalBeyond;
+    detail.dailyExcess = variation.dayBeyond;
+    detail.hasDepths = depths.size() > 1;
+    detail.isInclinometer = detail.hasDepths;
+    detail.count = excess.day.count;
+    detail.time = isoText(excess.day.time, excess.day.offsetMinutes);
+    detail.depth = excess.depth;
+    detail.raisedAt = author.time;
+    detail.stamp = Stamp::of(author);
+    session.documents(DocumentKind::AlarmDetail).insert(quantity.project, detail.id, toDocument(detail));
+    if (detail.hasDepths) {
         for (const DepthReading& depth : depths) {
-            insertDepth(session, target, id, name, depth);
+            insertDepth(session, quantity, detail, depth);
         }
     }
 }
 
 } // namespace
 
-void raiseAlarm(Session& session, const DeliveryTarget& target, const std::vector<EvaluatedPoint>& points,
-                const Author& author)
+void raiseAlarm(Session& session, const MonitoredQuantity& quantity,
+                const std::vector<EvaluatedPoint>& points, const Author& author)
 {
-    const LimitsByName limits = limitsOf(session, target);
+    const LimitsByName limits = limitsOf(session, quantity);
     const std::map<std::string, Excess> excesses = excessesOf(session, limits, points);
     if (excesses.empty()) {
         return;
     }
-    const std::string id = session.newIdentifier();
-    session.documents(DocumentKind::Alarm)
-        .insert(target.project, id,
-                JsonObjectWriter()
-                    .text("_id", id)
-                    .text("projectId", target.project)
-                    .text("cellId", target.cell)
-                    .text("cellName", target.cellName)
-                    .text("subCategoryId", target.subCategory)
-                    .text("alarmTime", author.time)
-                    .integer("pointCounts", static_cast<std::int64_t>(excesses.size()))
-                    .text("createdAt", author.time)
-                    .text("createdBy", author.name)
-                    .text("updatedAt", author.time)
-                    .text("updatedBy", author.name)
-                    .finish());
+    Alarm alarm;
+    alarm.id = session.newIdentifier();
+    alarm.project = quantity.project;
+    alarm.cell = quantity.cell;
+    alarm.cellName = quantity.cellName;
+    alarm.subCategory = quantity.subCategory;
+    alarm.raisedAt = author.time;
+    alarm.pointCount = static_cast<std::int64_t>(excesses.size());
+    alarm.stamp = Stamp::of(author);
+    session.documents(DocumentKind::Alarm).insert(quantity.project, alarm.id, toDocument(alarm));
     for (const auto& [name, excess] : excesses) {
-        insertDetail(session, target, id, name, excess, author);
+        insertDetail(session, quantity, alarm.id, name, excess, author);
     }
 }
 

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "delivery/DeliveryTargets.h"
-#include "delivery/PointMerge.h"
+#include "domain/MonitoredQuantity.h"
+#include "domain/Stamp.h"
 #include "store/Store.h"
+#include "time/DayRange.h"
 
 #include <cstdint>
 #include <string>
@@ -20,12 +21,12 @@ struct EvaluatedPoint
     DayRange newDays;
 };
 
-/// Compares each new day of the points of one target with the limits of the groups that list them, so that
+/// Compares each new day of the points of one quantity with the limits of the groups that list them, so that
 /// nothing between the ends of a delivery of many days is missed. When at least one point is over a limit, an
 /// alarm is raised with a detail for each point name that is: its day, depth and group with the greatest
 /// variation in proportion to the limit. A point measured at several depths has the total variation of each
 /// of them at that time besides.
-void raiseAlarm(Session& session, const DeliveryTarget& target, const std::vector<EvaluatedPoint>& points,
-                const Author& author);
+void raiseAlarm(Session& session, const MonitoredQuantity& quantity,
+                const std::vector<EvaluatedPoint>& points, const Author& author);
 
 } // namespace monitorservice

@@ -5,6 +5,7 @@
 #include "api/Metrics.h"
 #include "api/OpenApi.h"
 #include "api/Resources.h"
+#include "domain/Document.h"
 #include "json/JsonText.h"
 #include "query/QueryError.h"
 #include "time/LocalDays.h"
@@ -29,6 +30,12 @@ void report(const std::exception& error)
     std::cerr << std::string("monitor-service: ") + error.what() + "\n" << std::flush;
 }
 
+HttpResponse answerFailure(const std::exception& error)
+{
+    report(error);
+    return errorResponse(500, "the store has failed");
+}
+
 // What a client is told of a failure of the store; the operator reads the rest on the standard error.
 HttpResponse answerStoreError(const StoreError& error)
 {
@@ -44,8 +51,7 @@ HttpResponse answerStoreError(const StoreError& error)
     case StoreFailure::Conflict:
         return errorResponse(409, "this contradicts what is stored");
     default:
-        report(error);
-        return errorResponse(500, "the store has failed");
+        return answerFailure(error);
     }
 }
 
@@ -97,9 +103,10 @@ HttpResponse Api::answer(HttpRequest& request) const
         return errorResponse(static_cast<unsigned>(error.status()), error.what());
     } catch (const StoreError& error) {
         return answerStoreError(error);
+    } catch (const DamagedDocument& error) {
+        return answerFailure(error);
     } catch (const UnknownTimeZone& error) {
-        report(error);
-        return errorResponse(500, "the store has failed");
+        return answerFailure(error);
     }
 }
 

@@ -1,13 +1,11 @@
 #include "api/Answers.h"
 #include "api/ApiError.h"
-#include "api/Cell.h"
+#include "api/CellBody.h"
 #include "api/JsonBody.h"
 #include "api/Listing.h"
 #include "api/Parameters.h"
 #include "api/Permission.h"
 #include "api/Resources.h"
-
-#include <algorithm>
 
 namespace monitorservice {
 
@@ -48,8 +46,7 @@ HttpResponse createCell(ApiRequest& request)
     Cell cell;
     cell.id = session->newIdentifier();
     cell.project = *body.project;
-    cell.createdAt = cell.updatedAt = isoText(session->now());
-    cell.createdBy = cell.updatedBy = principal.owner();
+    cell.stamp = Stamp::of({principal.owner(), isoText(session->now())});
     applyTo(cell, body);
     std::string document = toDocument(cell);
     session->documents(DocumentKind::Cell).insert(cell.project, cell.id, document);
@@ -108,13 +105,11 @@ HttpResponse updateCell(ApiRequest& request)
         requireRight(principal, Right::Edit, kinds, stored.project, *body.category);
         requireNothingMeasured(*session, stored, "change its category");
     }
-    Cell cell = cellOf(stored.text);
+    Cell cell = fromDocument<Cell>(stored.text);
     if (!applyTo(cell, body)) {
         return answerJson(std::move(stored.text));
     }
-    // A clock that was set back does not make a change older than the one before.
-    cell.updatedAt = std::max(isoText(session->now()), cell.updatedAt);
-    cell.updatedBy = principal.owner();
+    cell.stamp.change({principal.owner(), isoText(session->now())});
     std::string document = toDocument(cell);
     session->documents(DocumentKind::Cell).replace(cell.project, cell.id, document);
     session->commit();

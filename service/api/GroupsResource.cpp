@@ -1,13 +1,11 @@
 #include "api/Answers.h"
 #include "api/ApiError.h"
-#include "api/Group.h"
+#include "api/GroupBody.h"
 #include "api/JsonBody.h"
 #include "api/Listing.h"
 #include "api/Parameters.h"
 #include "api/Permission.h"
 #include "api/Resources.h"
-
-#include <algorithm>
 
 namespace monitorservice {
 
@@ -60,8 +58,7 @@ HttpResponse createGroup(ApiRequest& request)
     applyTo(group, body);
     requirePlace(*session, principal, Right::Create, group);
     group.id = session->newIdentifier();
-    group.createdAt = group.updatedAt = isoText(session->now());
-    group.createdBy = group.updatedBy = principal.owner();
+    group.stamp = Stamp::of({principal.owner(), isoText(session->now())});
     std::string document = toDocument(group);
     session->documents(DocumentKind::Group).insert(group.project, group.id, document);
     session->commit();
@@ -91,16 +88,14 @@ HttpResponse updateGroup(ApiRequest& request)
     if (body.project && *body.project != stored.project) {
         throw ApiError(400, "\"projectId\": a group stays in its project");
     }
-    Group group = groupOf(stored.text);
+    Group group = fromDocument<Group>(stored.text);
     if (!applyTo(group, body)) {
         return answerJson(std::move(stored.text));
     }
     if (body.cell || body.subCategory) {
         requirePlace(*session, principal, Right::Edit, group);
     }
-    // A clock that was set back does not make a change older than the one before.
-    group.updatedAt = std::max(isoText(session->now()), group.updatedAt);
-    group.updatedBy = principal.owner();
+    group.stamp.change({principal.owner(), isoText(session->now())});
     std::string document = toDocument(group);
     session->documents(DocumentKind::Group).replace(group.project, group.id, document);
     session->commit();

@@ -1,7 +1,7 @@
 #include "delivery/DeliveryIntake.h"
 
 #include "alarm/Alarms.h"
-#include "delivery/DataManages.h"
+#include "delivery/DeliveryRecord.h"
 #include "delivery/PointMerge.h"
 #include "json/JsonText.h"
 
@@ -80,8 +80,8 @@ IntakeResult takeIn(Session& session, const Delivery& delivery, const MayDo& may
     for (const TargetTally& tally : tallies) {
         if (tally.share.changed) {
             result.changed = true;
-            recordDelivery(session, *tally.target, tally.share, author);
-            raiseAlarm(session, *tally.target, tally.evaluated, author);
+            recordDelivery(session, tally.target->quantity, tally.share, author);
+            raiseAlarm(session, tally.target->quantity, tally.evaluated, author);
         }
     }
     return result;

@@ -1,8 +1,7 @@
 #include "delivery/DeliveryTargets.h"
 
 #include "delivery/DeliveryRefusal.h"
-
-#include <simdjson.h>
+#include "domain/Cell.h"
 
 namespace monitorservice {
 
@@ -11,18 +10,6 @@ namespace {
 [[noreturn]] void refuse(const std::string& place, const std::string& member, const std::string& reason)
 {
     throw DeliveryRefusal("\"" + place + "." + member + "\": " + reason);
-}
-
-std::string nameIn(const std::string& document)
-{
-    simdjson::dom::parser parser;
-    simdjson::dom::element object;
-    std::string_view name;
-    if (parser.parse(document).get(object) != simdjson::SUCCESS ||
-        object["name"].get(name) != simdjson::SUCCESS) {
-        throw StoreError(StoreFailure::InputOutput, "a stored monitoring is damaged");
-    }
-    return std::string(name);
 }
 
 } // namespace
@@ -34,7 +21,7 @@ const DeliveryTarget& DeliveryTargets::of(const Delivery& delivery, const Delive
     if (found == m_found.end()) {
         found = m_found.emplace(key, find(delivery.nameOf(point.element), point)).first;
     }
-    if (point.project && *point.project != found->second.project) {
+    if (point.project && *point.project != found->second.quantity.project) {
         refuse(delivery.nameOf(point.element), "projectId",
                "the monitoring is not of project \"" + *point.project + "\"");
     }
@@ -66,8 +53,8 @@ DeliveryTarget DeliveryTargets::find(const std::string& place, const DeliveredPo
                "the sub-category is of category \"" + subCategory->category + "\", the monitoring of \"" +
                    cell->category + "\"");
     }
-    return {cell->project,        cell->id,        nameIn(cell->text),
-            cell->category,       subCategory->id, m_mayDo(Right::Edit, cell->project, cell->category),
+    return {{cell->project, cell->id, fromDocument<Cell>(cell->text).name, cell->category, subCategory->id},
+            m_mayDo(Right::Edit, cell->project, cell->category),
             daysOf(cell->project)};
 }
 
@@ -75,7 +62,11 @@ std::shared_ptr<LocalDays> DeliveryTargets::daysOf(const std::string& project)
 {
     std::shared_ptr<LocalDays>& days = m_days[project];
     if (!days) {
-        days = std::make_shared<LocalDays>(m_session.projects().find(project).value().timeZone);
+        const std::optional<Project> found = m_session.projects().find(project);
+        if (!found) {
+            throw StoreError(StoreFailure::InputOutput, "the project of a monitoring is missing");
+        }
+        days = std::make_shared<LocalDays>(found->timeZone);
     }
     return days;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "delivery/Delivery.h"
+#include "domain/MonitoredQuantity.h"
 #include "store/Store.h"
 #include "time/LocalDays.h"
 
@@ -16,14 +17,10 @@ namespace monitorservice {
 /// Whether the sender has a right in a category of a project.
 using MayDo = std::function<bool(Right right, const std::string& project, const std::string& category)>;
 
-/// A monitoring and one of its sub-categories, into which something is delivered.
+/// What a delivery brings readings of.
 struct DeliveryTarget
 {
-    std::string project;
-    std::string cell;
-    std::string cellName;
-    std::string category;
-    std::string subCategory;
+    MonitoredQuantity quantity;
     bool mayEdit = false; ///< the sender may change what is there, not only add to it
     std::shared_ptr<LocalDays> days;
 };

@@ -4,7 +4,6 @@
 #include "domain/Assign.h"
 #include "time/Timestamp.h"
 
-#include <algorithm>
 #include <tuple>
 
 namespace monitorservice {
@@ -46,6 +45,15 @@ Outcome store(Measurements& measurements, std::int64_t point, Sample& sample)
     return Outcome::Corrected;
 }
 
+Instant lastTimeOf(const PointLocation& location)
+{
+    const std::optional<Timestamp> time = parseTimestamp(location.lastDate);
+    if (!time) {
+        throw DamagedDocument("a stored point location is damaged: \"lastDate\" is no time");
+    }
+    return time->milliseconds;
+}
+
 // Merges the samples of one point.
 class SampleMerge
 {
@@ -54,7 +62,7 @@ public:
         : m_measurements(measurements), m_days(days), m_merged(merged)
     {
         if (merged.location.insertCount > 0) {
-            m_merged.lastTime = parseTimestamp(merged.location.lastDate).value().milliseconds;
+            m_merged.lastTime = lastTimeOf(merged.location);
         }
     }
 
@@ -115,13 +123,12 @@ PointLocation newLocation(Session& session, const DeliveryTarget& target, const 
 {
     PointLocation location;
     location.id = session.newIdentifier();
-    location.project = target.project;
-    location.cell = target.cell;
-    location.subCategory = target.subCategory;
+    location.project = target.quantity.project;
+    location.cell = target.quantity.cell;
+    location.subCategory = target.quantity.subCategory;
     location.name = point.name;
     location.depth = point.depth;
-    location.createdAt = author.time;
-    location.createdBy = author.name;
+    location.stamp = Stamp::of(author);
     return location;
 }
 
@@ -142,20 +149,20 @@ MergedPoint mergePoint(Session& session, const DeliveryTarget& target, const Del
 {
     Measurements& measurements = session.measurements();
     const std::optional<StoredPoint> stored =
-        measurements.findPoint(target.cell, target.subCategory, point.name, point.depth);
+        measurements.findPoint(target.quantity.cell, target.quantity.subCategory, point.name, point.depth);
     MergedPoint merged;
     merged.location =
-        stored ? pointLocationOf(stored->document) : newLocation(session, target, point, author);
+        stored ? fromDocument<PointLocation>(stored->document) : newLocation(session, target, point, author);
     if (stored && !target.mayEdit && point.links && *point.links != merged.location.links) {
         throw DeliveryRefusal("\"" + delivery.nameOf(point.element) +
                                   ".links\": the token may not edit monitorings of category \"" +
-                                  target.category + "\" in this project",
+                                  target.quantity.category + "\" in this project",
                               DeliveryRefusal::Reason::Forbidden);
     }
     merged.changed = describe(merged.location, point) || !stored;
-    merged.key =
-        stored ? stored->key
-               : measurements.insertPoint(target.project, merged.location.id, toDocument(merged.location));
+    merged.key = stored ? stored->key
+                        : measurements.insertPoint(target.quantity.project, merged.location.id,
+                                                   toDocument(merged.location));
     SampleMerge samples(measurements, *target.days, merged);
     for (const DeliveredSample& sample : point.samples) {
         samples.add(sampleOf(delivery, sample));
@@ -165,9 +172,7 @@ MergedPoint mergePoint(Session& session, const DeliveryTarget& target, const Del
         // The file alone is no change: an earlier delivery that is repeated does not put its file back.
         assign(merged.location.fileId, point.fileId);
         merged.location.insertCount += merged.inserted;
-        // A clock that was set back does not make a change older than the one before.
-        merged.location.updatedAt = std::max(author.time, merged.location.updatedAt);
-        merged.location.updatedBy = author.name;
+        merged.location.stamp.change(author);
         measurements.replacePoint(merged.key, toDocument(merged.location), merged.lastTime);
     }
     return merged;

@@ -3,27 +3,15 @@
 #include "delivery/Delivery.h"
 #include "delivery/DeliveryTargets.h"
 #include "domain/PointLocation.h"
+#include "domain/Stamp.h"
 #include "store/Store.h"
+#include "time/DayRange.h"
 
 #include <cstdint>
 #include <optional>
 #include <string>
 
 namespace monitorservice {
-
-/// Who changes the store, and when.
-struct Author
-{
-    std::string name;
-    std::string time; ///< as isoText() writes it
-};
-
-/// Days of a project's time zone, the first and the last one.
-struct DayRange
-{
-    std::int64_t first = 0;
-    std::int64_t last = 0;
-};
 
 /// What came of one delivered point.
 struct MergedPoint

@@ -1,7 +1,11 @@
 #pragma once
 
+#include "domain/Document.h"
+#include "domain/Stamp.h"
+
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace monitorservice {
 
@@ -24,16 +28,13 @@ struct PointLocation
     std::string lastDate;         ///< time of the latest sample; empty when there is none
     std::string fileId;           ///< file of the latest delivery that changed the point; may be empty
     std::string links = "[]";     ///< JSON array of {"type": relation, "rId": identifier}
-    std::string createdAt;        ///< times as isoText() writes them
-    std::string createdBy;
-    std::string updatedAt;
-    std::string updatedBy;
+    Stamp stamp;
 };
 
-/// The document under which it is stored.
-std::string toDocument(const PointLocation& point);
+/// The document under which it is stored and answered.
+std::string toDocument(const PointLocation& pointLocation);
 
-/// The reverse of toDocument(). Throws StoreError when the text is no such document.
-PointLocation pointLocationOf(const std::string& document);
+template <>
+PointLocation fromDocument<PointLocation>(std::string_view text);
 
 } // namespace monitorservice

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "domain/Document.h"
+
 #include <string>
+#include <string_view>
 
 namespace monitorservice {
 
@@ -14,7 +17,10 @@ struct SubCategory
     std::string alias; ///< short name; may be empty
 };
 
-/// The document under which it is stored and answered: "_id", "projectId", "name", "category" and "alias".
+/// The document under which it is stored and answered.
 std::string toDocument(const SubCategory& subCategory);
+
+template <>
+SubCategory fromDocument<SubCategory>(std::string_view text);
 
 } // namespace monitorservice

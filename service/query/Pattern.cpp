@@ -35,8 +35,8 @@ std::uint32_t readOptions(std::string_view letters, std::string_view path)
             options |= PCRE2_EXTENDED;
             break;
         default:
-            throw QueryError(400, "where: $options " + quotedText(letters) + " has letters other than imsx at " +
-                                      quotedText(path));
+            throw QueryError(400, "where: $options " + quotedText(letters) +
+                                      " has letters other than imsx at " + quotedText(path));
         }
     }
     return options;

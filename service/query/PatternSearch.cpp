@@ -147,8 +147,8 @@ bool PatternSearch::findsCounted(const Pattern& pattern, std::string_view subjec
         result = match(pattern.counted(), subject, m_data.get(), m_counted.get());
     }
     if (result < 0 && result != PCRE2_ERROR_NOMATCH) {
-        throw QueryError(422, "where: pattern " + quotedText(pattern.text()) + " at " + quotedText(pattern.path()) +
-                                  " takes too many steps");
+        throw QueryError(422, "where: pattern " + quotedText(pattern.text()) + " at " +
+                                  quotedText(pattern.path()) + " takes too many steps");
     }
     return result >= 0;
 }

@@ -270,8 +270,8 @@ std::string generatedTextColumn(std::string_view documentColumn, std::string_vie
     const std::string escapes = "replace(" + document + " -> " + path + R"(, '\\', ''))";
     return "CASE coalesce(json_type(" + document + ", " + path +
            "), 'null') WHEN 'null' THEN NULL WHEN 'text' THEN " + "CASE WHEN instr(" + escapes +
-           R"(, '\u0000') = 0 THEN )" + document + " ->> " + path + " ELSE " + other + " END ELSE " +
-           other + " END";
+           R"(, '\u0000') = 0 THEN )" + document + " ->> " + path + " ELSE " + other + " END ELSE " + other +
+           " END";
 }
 
 } // namespace monitorservice

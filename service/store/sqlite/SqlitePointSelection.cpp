@@ -1,5 +1,6 @@
 #include "store/sqlite/SqlitePointSelection.h"
 
+#include "domain/Document.h"
 #include "domain/SampleText.h"
 #include "json/JsonText.h"
 #include "query/Matcher.h"
@@ -350,8 +351,7 @@ std::optional<DayValue> SqlitePointSelection::lastSampleOfPeriod(std::int64_t po
 // What the conditions on a point are asked of.
 std::string SqlitePointSelection::pointDocument(const SqliteFunction::Arguments& arguments, bool withSamples)
 {
-    const std::string_view document = arguments.text(2);
-    std::string json(document.substr(0, document.rfind('}')));
+    std::string json(openedDocument(arguments.text(2)));
     json += ",\"category\":";
     appendJsonString(json, arguments.text(1));
     if (withSamples) {

@@ -1,8 +1,12 @@
 #include "store/sqlite/SqliteSchema.h"
 
+#include "json/WholeNumbers.h"
+
 #include <array>
 #include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
 namespace monitorservice {
 
@@ -283,8 +287,47 @@ ANALYZE sqlite_schema; -- this connection reads them, others do when they open t
 )sql";
 }
 
+// Numbers from 1e17 on were written in digits, and beyond 64 bits in a form that the reader of documents
+// refuses.
+void rewriteWholeNumbers(SqliteConnection& connection, const std::string& table)
+{
+    // Two statements and not one that reads while it writes: what is found is few.
+    std::vector<std::pair<std::int64_t, std::string>> mended;
+    {
+        SqliteStatement statement = connection.statement("SELECT rowid, document FROM " + table);
+        while (statement.step()) {
+            std::string document = withReadableWholeNumbers(statement.view(1));
+            if (document != statement.view(1)) {
+                mended.emplace_back(statement.integer(0), std::move(document));
+            }
+        }
+    }
+    for (const auto& [row, document] : mended) {
+        connection.statement("UPDATE " + table + " SET document = ? WHERE rowid = ?")
+            .bind(document, row)
+            .run();
+    }
+}
+
+void toFirstVersion(SqliteConnection& connection)
+{
+    connection.execute(firstVersion());
+}
+
+void toSecondVersion(SqliteConnection& connection)
+{
+    connection.execute(secondVersion());
+}
+
+void toThirdVersion(SqliteConnection& connection)
+{
+    for (const char* const table : {"groups", "point_locations", "alarm_details", "alarm_depths"}) {
+        rewriteWholeNumbers(connection, table);
+    }
+}
+
 // The step at index n leads from version n to version n + 1. Steps that were released are never changed.
-constexpr std::array migrations{firstVersion, secondVersion};
+constexpr std::array migrations{toFirstVersion, toSecondVersion, toThirdVersion};
 
 void checkOwnership(SqliteConnection& connection)
 {
@@ -342,7 +385,7 @@ void migrate(SqliteConnection& connection, std::chrono::milliseconds busyTimeout
         checkOwnership(connection);
         for (auto version = static_cast<std::size_t>(connection.integer("PRAGMA user_version"));
              version < migrations.size(); ++version) {
-            connection.execute(migrations.at(version)());
+            migrations.at(version)(connection);
         }
         connection.execute("PRAGMA application_id = " + std::to_string(applicationId));
         connection.execute("PRAGMA user_version = " + std::to_string(migrations.size()));

@@ -1,4 +1,7 @@
 #include "MeasuredFixture.h"
+#include "domain/Alarm.h"
+#include "domain/AlarmDepth.h"
+#include "domain/AlarmDetail.h"
 
 namespace monitorservice {
 namespace {
@@ -16,19 +19,11 @@ protected:
         write([&](Session& session) {
             const StoredDocument stored = *session.documents(DocumentKind::Cell).find(cell);
             id = session.newIdentifier();
+            const std::string time = isoText(session.now());
             session.documents(DocumentKind::Alarm)
                 .insert(stored.project, id,
-                        JsonObjectWriter()
-                            .text("_id", id)
-                            .text("projectId", stored.project)
-                            .text("cellId", cell)
-                            .text("cellName", test::member(stored.text, "name"))
-                            .text("subCategoryId", subCategory)
-                            .text("alarmTime", isoText(session.now()))
-                            .integer("pointCounts", 1)
-                            .text("createdAt", isoText(session.now()))
-                            .text("createdBy", "Ada Editor")
-                            .finish());
+                        toDocument(Alarm{id, stored.project, cell, test::member(stored.text, "name"),
+                                         subCategory, time, 1, Stamp::of({"Ada Editor", time})}));
         });
         return id;
     }
@@ -40,13 +35,8 @@ protected:
             id = session.newIdentifier();
             session.documents(DocumentKind::AlarmDetail)
                 .insert(session.documents(DocumentKind::Alarm).find(alarm)->project, id,
-                        JsonObjectWriter()
-                            .text("_id", id)
-                            .text("alarmManId", alarm)
-                            .text("pointName", point)
-                            .text("totalVar", "12.5")
-                            .text("monitorTime", time)
-                            .finish());
+                        toDocument(AlarmDetail{
+                            id, alarm, point, "12.5", "", 0, 0, false, false, 1, time, "", "", {}}));
         });
         return id;
     }
@@ -58,12 +48,7 @@ protected:
             id = session.newIdentifier();
             session.documents(DocumentKind::AlarmDepth)
                 .insert(session.documents(DocumentKind::AlarmDetail).find(detail)->project, id,
-                        JsonObjectWriter()
-                            .text("_id", id)
-                            .text("detailId", detail)
-                            .text("pointName", "I1")
-                            .text("depth", depth)
-                            .finish());
+                        toDocument(AlarmDepth{id, detail, "I1", 1, "", 0, depth}));
         });
         return id;
     }

@@ -1,4 +1,5 @@
 #include "ApiFixture.h"
+#include "domain/Group.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 
@@ -44,10 +45,7 @@ protected:
     {
         write([this](Session& session) {
             session.documents(DocumentKind::Group)
-                .insert("p1", "g1",
-                        R"({"_id":"g1","projectId":"p1","cellId":")" + cell +
-                            R"(","subCategoryId":"s1","groupName":"G","groupPoint":["W1"],)"
-                            R"("dayVarType":0,"dayVarValue":0,"totalVar":1})");
+                .insert("p1", "g1", toDocument(Group{"g1", "p1", cell, "s1", "G", {"W1"}, 0, 0, 1, {}, {}}));
         });
     }
 

@@ -95,7 +95,7 @@ protected:
         location.depth = point.depth;
         location.links = point.links;
         location.insertCount = static_cast<std::int64_t>(samples.size());
-        location.createdAt = location.updatedAt = isoText(session.now());
+        location.stamp = Stamp::of({"", isoText(session.now())});
         const auto latest =
             std::max_element(samples.begin(), samples.end(),
                              [](const Sample& left, const Sample& right) { return left.time < right.time; });

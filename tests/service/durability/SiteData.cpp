@@ -110,11 +110,11 @@ std::vector<std::string> expectedLines(const std::vector<const SiteModel*>& mode
         for (const auto& [key, point] : model->points()) {
             addPoint(lines, key, point);
         }
-        for (const SiteModel::History& history : model->documents(DocumentKind::History)) {
+        for (const SiteModel::History& history : model->histories()) {
             lines.push_back(
                 historyText(history.target, history.fileId, static_cast<std::int64_t>(history.inserted)));
         }
-        for (const std::string& alarm : model->documents(DocumentKind::Alarm)) {
+        for (const std::string& alarm : model->alarms()) {
             lines.push_back("alarm " + alarm);
         }
     }

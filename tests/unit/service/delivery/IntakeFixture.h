@@ -3,6 +3,7 @@
 #include "delivery/DeliveryIntake.h"
 #include "delivery/DeliveryParser.h"
 #include "delivery/DeliveryRefusal.h"
+#include "domain/Group.h"
 #include "json/JsonText.h"
 #include "store/sqlite/SqliteStore.h"
 #include "support/TemporaryFolder.h"
@@ -76,24 +77,10 @@ protected:
                   double dayVarValue, double totalVar, const std::string& cell = "c1",
                   const std::string& subCategory = "s1")
     {
-        JsonArrayWriter names;
-        for (const std::string& name : points) {
-            names.text(name);
-        }
+        const Group group{id,          "p1",     cell, subCategory, "group " + id, points, dayVarType,
+                          dayVarValue, totalVar, {},   {}};
         const auto session = store.write();
-        session->documents(DocumentKind::Group)
-            .insert("p1", id,
-                    JsonObjectWriter()
-                        .text("_id", id)
-                        .text("projectId", "p1")
-                        .text("cellId", cell)
-                        .text("subCategoryId", subCategory)
-                        .text("groupName", "group " + id)
-                        .json("groupPoint", names.finish())
-                        .integer("dayVarType", dayVarType)
-                        .number("dayVarValue", dayVarValue)
-                        .number("totalVar", totalVar)
-                        .finish());
+        session->documents(DocumentKind::Group).insert("p1", id, toDocument(group));
         session->commit();
     }
 

@@ -1,7 +1,5 @@
 #include "domain/PointLocation.h"
 
-#include "store/StoreError.h"
-
 #include <gtest/gtest.h>
 
 namespace monitorservice {
@@ -25,10 +23,7 @@ PointLocation point()
     point.lastDate = "2015-12-21T06:30:00.000-08:00";
     point.fileId = "f1";
     point.links = R"([{"type":"model","rId":"m1"}])";
-    point.createdAt = "2026-01-01T00:00:00.000Z";
-    point.createdBy = "Ada";
-    point.updatedAt = "2026-01-02T00:00:00.000Z";
-    point.updatedBy = "Bob";
+    point.stamp = {"2026-01-01T00:00:00.000Z", "Ada", "2026-01-02T00:00:00.000Z", "Bob"};
     return point;
 }
 
@@ -46,7 +41,7 @@ TEST(PointLocation, DocumentHoldsEveryMember)
 TEST(PointLocation, IsReadBackAsItWasWritten)
 {
     const std::string document = toDocument(point());
-    EXPECT_EQ(toDocument(pointLocationOf(document)), document);
+    EXPECT_EQ(toDocument(fromDocument<PointLocation>(document)), document);
 }
 
 TEST(PointLocation, WholeInitialValueIsWrittenWithoutAPoint)
@@ -55,13 +50,13 @@ TEST(PointLocation, WholeInitialValueIsWrittenWithoutAPoint)
     whole.initialValue = 12;
     const std::string document = toDocument(whole);
     EXPECT_NE(document.find(R"("initialValue":12,)"), std::string::npos);
-    EXPECT_EQ(pointLocationOf(document).initialValue, 12.0);
+    EXPECT_EQ(fromDocument<PointLocation>(document).initialValue, 12.0);
 }
 
 TEST(PointLocation, DamagedDocumentIsAnError)
 {
-    EXPECT_THROW(pointLocationOf("{}"), StoreError);
-    EXPECT_THROW(pointLocationOf("nonsense"), StoreError);
+    EXPECT_THROW(fromDocument<PointLocation>("{}"), DamagedDocument);
+    EXPECT_THROW(fromDocument<PointLocation>("nonsense"), DamagedDocument);
 }
 
 } // namespace

@@ -69,6 +69,21 @@ TEST(LocalDays, DayWithoutMidnightBeginsWhereTheClockHasJumped)
     EXPECT_EQ(days.dayOf(days.beginOf(day) - 1), day - 1);
 }
 
+// In Havana the clock goes back from 1:00 to 0:00, so that midnight comes twice; the day begins with the
+// first.
+TEST(LocalDays, DayWithTwoMidnightsBeginsWithTheFirst)
+{
+    LocalDays days("America/Havana");
+    const std::int64_t day = dayNumber("2023-11-05");
+    EXPECT_EQ(days.beginOf(day), at("2023-11-05T00:00:00-04:00"));
+    EXPECT_EQ(days.beginOf(day + 1), at("2023-11-06T00:00:00-05:00"));
+    EXPECT_EQ(days.dayOf(at("2023-11-05T00:00:00-04:00") - 1), day - 1);
+    EXPECT_EQ(days.dayOf(at("2023-11-05T00:30:00-04:00")), day);
+    EXPECT_EQ(days.dayOf(at("2023-11-05T00:00:00-05:00") - 1), day);
+    EXPECT_EQ(days.dayOf(at("2023-11-05T00:30:00-05:00")), day);
+    EXPECT_EQ(days.offsetMinutesAt(days.beginOf(day)), -240);
+}
+
 TEST(LocalDays, EveryInstantLiesBetweenTheBeginningsOfItsDayAndTheNext)
 {
     for (const char* const zone : {"UTC", "Europe/Vienna", "Asia/Kathmandu", "Australia/Lord_Howe",

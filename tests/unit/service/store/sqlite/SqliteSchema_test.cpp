@@ -1,5 +1,6 @@
 #include "store/sqlite/SqliteSchema.h"
 
+#include "domain/Group.h"
 #include "store/sqlite/SqliteDocuments.h"
 #include "store/sqlite/SqliteMeasurements.h"
 #include "store/sqlite/SqliteStore.h"
@@ -77,8 +78,37 @@ TEST_F(SqliteSchema, FileOfTheFirstVersionBecomesTheCurrentOneWithItsData)
                 Not(Contains(HasSubstr("sqlite_stat"))));
     migrate(connection, patience);
     EXPECT_EQ(schemaOf(connection), current);
-    EXPECT_EQ(connection.integer("PRAGMA user_version"), 2);
+    EXPECT_EQ(connection.integer("PRAGMA user_version"), 3);
     EXPECT_EQ(SqliteStore(file).read()->documents(DocumentKind::Cell).find("c")->category, "Settlement");
+}
+
+// Earlier versions wrote 18446744073709551615 in a form that the reader of documents refuses.
+TEST_F(SqliteSchema, NumbersThatCouldNotBeReadCanBeReadAfterwards)
+{
+    Group group;
+    group.id = "g";
+    group.project = "p";
+    group.cell = "c";
+    group.subCategory = "s";
+    group.name = "Limit 18446744073709552000";
+    group.totalVariation = 18446744073709551615.0;
+    group.stamp = Stamp::of({"Ada", "2015-12-21T00:00:00.000Z"});
+    std::string damaged = toDocument(group);
+    damaged.replace(damaged.find("1.8446744073709552e+19"), 22, "18446744073709552000");
+    {
+        SqliteStore store(file);
+        const auto session = store.write();
+        session->documents(DocumentKind::SubCategory)
+            .insert("p", "s",
+                    R"({"_id":"s","projectId":"p","name":"Level","category":"Settlement","alias":""})");
+        session->documents(DocumentKind::Group).insert("p", "g", damaged);
+        session->commit();
+    }
+    EXPECT_THROW(fromDocument<Group>(damaged), DamagedDocument);
+    SqliteConnection connection = open();
+    connection.execute("PRAGMA user_version = 2");
+    migrate(connection, patience);
+    EXPECT_EQ(SqliteStore(file).read()->documents(DocumentKind::Group).find("g")->text, toDocument(group));
 }
 
 TEST_F(SqliteSchema, EveryIndexOfATableWithFiguresHasThem)

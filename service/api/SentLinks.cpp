@@ -1,8 +1,7 @@
-#include "api/Links.h"
+#include "api/SentLinks.h"
 
 #include "api/ApiError.h"
 #include "api/JsonBody.h"
-#include "json/JsonText.h"
 
 #include <optional>
 
@@ -44,15 +43,6 @@ SentLinks parseLinks(simdjson::dom::element value, const std::string& name)
         parseLink(element, name + "[" + std::to_string(index++) + "]", links);
     }
     return links;
-}
-
-std::string toJson(const std::vector<Link>& links)
-{
-    JsonArrayWriter array;
-    for (const Link& link : links) {
-        array.json(JsonObjectWriter().text("type", link.type).text("rId", link.identifier).finish());
-    }
-    return array.finish();
 }
 
 } // namespace monitorservice

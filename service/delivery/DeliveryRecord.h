@@ -1,16 +1,17 @@
 #pragma once
 
-#include "delivery/DeliveryTargets.h"
-#include "delivery/PointMerge.h"
+#include "domain/MonitoredQuantity.h"
+#include "domain/Stamp.h"
 #include "store/Store.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 
 namespace monitorservice {
 
-/// What one delivery brought into one target.
+/// What one delivery brought of one quantity.
 struct DeliveryShare
 {
     std::size_t rows = 0;            ///< samples delivered
@@ -21,9 +22,9 @@ struct DeliveryShare
     std::string lastDate;            ///< the same as text; empty when there is none
 };
 
-/// Notes a delivery that has changed something: in the data manage of the target, which is made when there is
-/// none, and by one more entry of its history.
-void recordDelivery(Session& session, const DeliveryTarget& target, const DeliveryShare& share,
+/// Notes a delivery that has changed something: in the data manage of the quantity, which is made when there
+/// is none, and by one more entry of its history.
+void recordDelivery(Session& session, const MonitoredQuantity& quantity, const DeliveryShare& share,
                     const Author& author);
 
 } // namespace monitorservice

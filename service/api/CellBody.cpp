@@ -1,11 +1,8 @@
-#include "api/Cell.h"
+#include "api/CellBody.h"
 
 #include "api/ApiError.h"
 #include "api/JsonBody.h"
 #include "domain/Assign.h"
-#include "json/JsonText.h"
-#include "json/StoredText.h"
-#include "store/StoreError.h"
 
 #include <algorithm>
 
@@ -68,55 +65,6 @@ bool applyTo(Cell& cell, const CellBody& body)
         changed = assign(cell.links, std::optional(merged(cell.links, *body.links))) || changed;
     }
     return changed;
-}
-
-std::string toDocument(const Cell& cell)
-{
-    JsonArrayWriter alarmTo;
-    for (const std::string& recipient : cell.alarmTo) {
-        alarmTo.text(recipient);
-    }
-    return JsonObjectWriter()
-        .text("_id", cell.id)
-        .text("projectId", cell.project)
-        .text("name", cell.name)
-        .text("category", cell.category)
-        .json("alarmTo", alarmTo.finish())
-        .json("links", toJson(cell.links))
-        .text("createdAt", cell.createdAt)
-        .text("createdBy", cell.createdBy)
-        .text("updatedAt", cell.updatedAt)
-        .text("updatedBy", cell.updatedBy)
-        .finish();
-}
-
-Cell cellOf(const std::string& document)
-{
-    try {
-        simdjson::dom::parser parser;
-        const simdjson::dom::element object = parser.parse(document);
-        Cell cell;
-        cell.id = storedText(object, "_id");
-        cell.project = storedText(object, "projectId");
-        cell.name = storedText(object, "name");
-        cell.category = storedText(object, "category");
-        const simdjson::dom::array recipients = object["alarmTo"];
-        for (const simdjson::dom::element recipient : recipients) {
-            cell.alarmTo.emplace_back(recipient.get_string().value());
-        }
-        const simdjson::dom::array links = object["links"];
-        for (const simdjson::dom::element link : links) {
-            cell.links.push_back({storedText(link, "type"), storedText(link, "rId")});
-        }
-        cell.createdAt = storedText(object, "createdAt");
-        cell.createdBy = storedText(object, "createdBy");
-        cell.updatedAt = storedText(object, "updatedAt");
-        cell.updatedBy = storedText(object, "updatedBy");
-        return cell;
-    } catch (const simdjson::simdjson_error& error) {
-        throw StoreError(StoreFailure::InputOutput,
-                         std::string("a stored monitoring is damaged: ") + error.what());
-    }
 }
 
 } // namespace monitorservice

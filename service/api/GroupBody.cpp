@@ -1,11 +1,8 @@
-#include "api/Group.h"
+#include "api/GroupBody.h"
 
 #include "api/ApiError.h"
 #include "api/JsonBody.h"
 #include "domain/Assign.h"
-#include "json/JsonText.h"
-#include "json/StoredText.h"
-#include "store/StoreError.h"
 
 namespace monitorservice {
 
@@ -80,60 +77,6 @@ bool applyTo(Group& group, const GroupBody& body)
     changed = assign(group.dayVariationType, body.dayVariationType) || changed;
     changed = assign(group.dayVariation, body.dayVariation) || changed;
     return assign(group.totalVariation, body.totalVariation) || changed;
-}
-
-std::string toDocument(const Group& group)
-{
-    JsonArrayWriter points;
-    for (const std::string& point : group.points) {
-        points.text(point);
-    }
-    return JsonObjectWriter()
-        .text("_id", group.id)
-        .text("projectId", group.project)
-        .text("cellId", group.cell)
-        .text("subCategoryId", group.subCategory)
-        .text("groupName", group.name)
-        .json("groupPoint", points.finish())
-        .integer("dayVarType", group.dayVariationType)
-        .number("dayVarValue", group.dayVariation)
-        .number("totalVar", group.totalVariation)
-        .text("viewPortId", group.viewPort)
-        .text("createdAt", group.createdAt)
-        .text("createdBy", group.createdBy)
-        .text("updatedAt", group.updatedAt)
-        .text("updatedBy", group.updatedBy)
-        .finish();
-}
-
-Group groupOf(const std::string& document)
-{
-    try {
-        simdjson::dom::parser parser;
-        const simdjson::dom::element object = parser.parse(document);
-        Group group;
-        group.id = storedText(object, "_id");
-        group.project = storedText(object, "projectId");
-        group.cell = storedText(object, "cellId");
-        group.subCategory = storedText(object, "subCategoryId");
-        group.name = storedText(object, "groupName");
-        const simdjson::dom::array points = object["groupPoint"];
-        for (const simdjson::dom::element point : points) {
-            group.points.emplace_back(point.get_string().value());
-        }
-        group.dayVariationType = static_cast<std::int32_t>(object["dayVarType"].get_int64().value());
-        group.dayVariation = object["dayVarValue"].get_double().value();
-        group.totalVariation = object["totalVar"].get_double().value();
-        group.viewPort = storedText(object, "viewPortId");
-        group.createdAt = storedText(object, "createdAt");
-        group.createdBy = storedText(object, "createdBy");
-        group.updatedAt = storedText(object, "updatedAt");
-        group.updatedBy = storedText(object, "updatedBy");
-        return group;
-    } catch (const simdjson::simdjson_error& error) {
-        throw StoreError(StoreFailure::InputOutput,
-                         std::string("a stored group is damaged: ") + error.what());
-    }
 }
 
 } // namespace monitorservice

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "api/Links.h"
+#include "api/SentLinks.h"
+#include "domain/Cell.h"
 
 #include <optional>
 #include <string>
@@ -8,21 +9,6 @@
 #include <vector>
 
 namespace monitorservice {
-
-/// A monitoring as it is stored.
-struct Cell
-{
-    std::string id;
-    std::string project;
-    std::string name;
-    std::string category;
-    std::vector<std::string> alarmTo; ///< who is told of its alarms
-    std::vector<Link> links;
-    std::string createdAt; ///< times as isoText() writes them
-    std::string createdBy;
-    std::string updatedAt;
-    std::string updatedBy;
-};
 
 /// What a client sends of a monitoring; a member that it did not send is absent.
 struct CellBody
@@ -41,11 +27,5 @@ CellBody parseCellBody(std::string_view json);
 /// links of other types stay, so that who knows one relation only does not lose the others. An empty list of
 /// links removes all. Gives whether anything changed.
 bool applyTo(Cell& cell, const CellBody& body);
-
-/// The document under which it is stored and answered.
-std::string toDocument(const Cell& cell);
-
-/// The reverse of toDocument(). Throws StoreError when the text is no such document.
-Cell cellOf(const std::string& document);
 
 } // namespace monitorservice
