@@ -1,6 +1,6 @@
 #include "DeliveryText.h"
 
-#include "store/Instant.h"
+#include "time/Instant.h"
 
 #include <array>
 #include <charconv>

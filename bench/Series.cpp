@@ -1,8 +1,8 @@
 #include "Series.h"
 
-#include "analysis/LocalDays.h"
-#include "analysis/PointLocation.h"
-#include "store/Instant.h"
+#include "domain/PointLocation.h"
+#include "time/Instant.h"
+#include "time/LocalDays.h"
 
 #include <cmath>
 #include <optional>

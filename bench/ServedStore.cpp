@@ -1,6 +1,6 @@
 #include "ServedStore.h"
 
-#include "admin/Secret.h"
+#include "access/Secret.h"
 #include "json/JsonText.h"
 
 #include <curl/curl.h>
@@ -27,10 +27,12 @@ void insertProject(Store& store)
     session->projects().insert({"p", "Pit", "Europe/Vienna", 1});
     session->categories().add("Settlement");
     session->categories().add("Inclinometer");
-    session->subCategories().insert(
-        "p", "s", R"({"_id":"s","projectId":"p","name":"Ground","category":"Settlement","alias":""})");
-    session->subCategories().insert(
-        "p", "i", R"({"_id":"i","projectId":"p","name":"Wall","category":"Inclinometer","alias":""})");
+    session->documents(DocumentKind::SubCategory)
+        .insert("p", "s",
+                R"({"_id":"s","projectId":"p","name":"Ground","category":"Settlement","alias":""})");
+    session->documents(DocumentKind::SubCategory)
+        .insert("p", "i",
+                R"({"_id":"i","projectId":"p","name":"Wall","category":"Inclinometer","alias":""})");
     session->tokens().insert({"t", "Bench", "", 1, std::nullopt, std::nullopt}, sha256(token));
     session->grants().add({session->newIdentifier(), "t", "p", std::nullopt, Right::Read, 0});
     session->commit();
@@ -91,19 +93,20 @@ std::string insertMonitoring(Session& session, const std::string& name, const st
 {
     std::string id = session.newIdentifier();
     const std::string now = isoText(session.now());
-    session.cells().insert("p", id,
-                           JsonObjectWriter()
-                               .text("_id", id)
-                               .text("projectId", "p")
-                               .text("name", name)
-                               .text("category", category)
-                               .json("alarmTo", R"(["site@example.org"])")
-                               .json("links", R"([{"type":"model","rId":"m1"}])")
-                               .text("createdAt", now)
-                               .text("createdBy", "Bench")
-                               .text("updatedAt", now)
-                               .text("updatedBy", "Bench")
-                               .finish());
+    session.documents(DocumentKind::Cell)
+        .insert("p", id,
+                JsonObjectWriter()
+                    .text("_id", id)
+                    .text("projectId", "p")
+                    .text("name", name)
+                    .text("category", category)
+                    .json("alarmTo", R"(["site@example.org"])")
+                    .json("links", R"([{"type":"model","rId":"m1"}])")
+                    .text("createdAt", now)
+                    .text("createdBy", "Bench")
+                    .text("updatedAt", now)
+                    .text("updatedBy", "Bench")
+                    .finish());
     return id;
 }
 

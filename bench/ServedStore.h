@@ -2,7 +2,7 @@
 
 #include "api/Api.h"
 #include "http/HttpServer.h"
-#include "store/SqliteStore.h"
+#include "store/sqlite/SqliteStore.h"
 
 #include <filesystem>
 #include <memory>

@@ -4,11 +4,12 @@
 // samples are made beforehand and sent over connections that stay open. Linux: the memory is read from /proc.
 
 #include "DeliveryText.h"
-#include "admin/Secret.h"
+#include "access/Secret.h"
 #include "api/Api.h"
+#include "domain/Group.h"
 #include "http/HttpServer.h"
 #include "service/http/RawClient.h"
-#include "store/SqliteStore.h"
+#include "store/sqlite/SqliteStore.h"
 #include "support/TemporaryFolder.h"
 
 #include <sys/wait.h>
@@ -48,14 +49,12 @@ void fill(Store& store)
         document += id;
         document += R"(","projectId":"p","name":"Cell","category":"Settlement","alarmTo":[],"links":[],)";
         document += audit;
-        session->cells().insert("p", id, document);
+        session->documents(DocumentKind::Cell).insert("p", id, document);
     }
-    session->subCategories().insert(
-        "p", "s", R"({"_id":"s","projectId":"p","name":"Level","category":"Settlement","alias":""})");
-    session->groups().insert(
-        "p", "g",
-        R"({"_id":"g","projectId":"p","cellId":"c0","subCategoryId":"s","groupName":"G",)"
-        R"("groupPoint":["W0","W1"],"dayVarType":0,"dayVarValue":5,"totalVar":1000})");
+    session->documents(DocumentKind::SubCategory)
+        .insert("p", "s", R"({"_id":"s","projectId":"p","name":"Level","category":"Settlement","alias":""})");
+    session->documents(DocumentKind::Group)
+        .insert("p", "g", toDocument(Group{"g", "p", "c0", "s", "G", {"W0", "W1"}, 0, 5, 1000, {}, {}}));
     session->tokens().insert({"t", "Ada", "", 1, std::nullopt, std::nullopt}, sha256("rkm_bench"));
     session->grants().add({"g", "t", "p", std::nullopt, Rights::ofBits(15), 1});
     session->commit();

@@ -7,7 +7,7 @@
 #include "MeasuredReads.h"
 #include "Series.h"
 #include "json/JsonText.h"
-#include "store/Instant.h"
+#include "time/Instant.h"
 
 #include <algorithm>
 #include <cstdio>

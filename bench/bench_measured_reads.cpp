@@ -6,9 +6,9 @@
 
 #include "MeasuredReads.h"
 #include "Series.h"
-#include "analysis/LocalDays.h"
-#include "query/Timestamp.h"
-#include "store/Instant.h"
+#include "time/Instant.h"
+#include "time/LocalDays.h"
+#include "time/Timestamp.h"
 
 #include <algorithm>
 #include <chrono>

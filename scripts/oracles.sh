@@ -15,5 +15,5 @@ if grep -q '"resolved"' tests/oracle/package-lock.json; then
 fi
 (cd tests/oracle && npm ci --ignore-scripts --no-audit --no-fund)
 cmake --preset "$preset" > /dev/null # the test exists from now on
-cmake --build --preset "$preset" --target where_verdicts service_query_tests
+cmake --build --preset "$preset" --target where_verdicts service_store_sql_test
 ctest --preset "$preset" --tests-regex '^(WhereOracles$|NarrowingAgreement\.)' --verbose

@@ -4,7 +4,7 @@
 #include "api/Api.h"
 #include "http/HttpServer.h"
 #include "http/ListenAddress.h"
-#include "store/SqliteStore.h"
+#include "store/sqlite/SqliteStore.h"
 
 #include <chrono>
 #include <csignal>

@@ -1,6 +1,6 @@
 #include "admin/AdminCommand.h"
 
-#include "store/SqliteStore.h"
+#include "store/sqlite/SqliteStore.h"
 
 #include <simdjson.h>
 

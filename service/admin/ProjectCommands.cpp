@@ -1,6 +1,6 @@
 #include "admin/AdminCommand.h"
-#include "admin/TimeZone.h"
 #include "json/JsonText.h"
+#include "time/TimeZone.h"
 
 #include <iostream>
 

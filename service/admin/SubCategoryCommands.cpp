@@ -1,5 +1,5 @@
 #include "admin/AdminCommand.h"
-#include "admin/SubCategory.h"
+#include "domain/SubCategory.h"
 #include "json/JsonText.h"
 
 #include <simdjson.h>
@@ -22,7 +22,8 @@ void createSubCategory(const AdminSettings& settings, SubCategory subCategory)
     checkCategory(*session, subCategory.category);
     subCategory.id = session->newIdentifier();
     try {
-        session->subCategories().insert(subCategory.project, subCategory.id, toDocument(subCategory));
+        session->documents(DocumentKind::SubCategory)
+            .insert(subCategory.project, subCategory.id, toDocument(subCategory));
     } catch (const StoreError& error) {
         if (error.failure() != StoreFailure::Conflict) {
             throw;
@@ -43,8 +44,9 @@ std::vector<std::string> documentsOf(const Session& session, const std::string& 
         }
         DocumentQuery query;
         query.project = project.id;
-        session.subCategories().visit(query,
-                                      [&](std::string_view document) { documents.emplace_back(document); });
+        session.documents(DocumentKind::SubCategory).visit(query, [&](std::string_view document) {
+            documents.emplace_back(document);
+        });
     }
     return documents;
 }

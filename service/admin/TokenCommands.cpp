@@ -1,7 +1,7 @@
+#include "access/Secret.h"
 #include "admin/AdminCommand.h"
-#include "admin/Secret.h"
 #include "json/JsonText.h"
-#include "query/Timestamp.h"
+#include "time/Timestamp.h"
 
 #include <iostream>
 

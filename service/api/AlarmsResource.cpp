@@ -11,21 +11,21 @@ HttpResponse listAlarms(ApiRequest& request)
 {
     ListKind list;
     list.order = "-_id";
-    return answerListing(request, request.ids[0], request.session->alarms(), list);
+    return answerListing(request, request.ids[0], request.session->documents(DocumentKind::Alarm), list);
 }
 
 // GET alarmManages/{id}/alarmDetails: the points that an alarm is about, by name.
 HttpResponse listDetails(ApiRequest& request)
 {
-    return answerListingOf(request, {request.session->alarms(), "alarm"}, request.session->alarmDetails(),
-                           "pointName");
+    return answerListingOf(request, {request.session->documents(DocumentKind::Alarm), "alarm"},
+                           request.session->documents(DocumentKind::AlarmDetail), "pointName");
 }
 
 // GET alarmDetails/{id}/threeDetails: the values of a point at its depths, downwards.
 HttpResponse listDepths(ApiRequest& request)
 {
-    return answerListingOf(request, {request.session->alarmDetails(), "alarm detail"},
-                           request.session->alarmDepths(), "depth");
+    return answerListingOf(request, {request.session->documents(DocumentKind::AlarmDetail), "alarm detail"},
+                           request.session->documents(DocumentKind::AlarmDepth), "depth");
 }
 
 } // namespace

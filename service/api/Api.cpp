@@ -1,11 +1,14 @@
 #include "api/Api.h"
 
 #include "api/ApiError.h"
+#include "api/Authentication.h"
 #include "api/Metrics.h"
 #include "api/OpenApi.h"
 #include "api/Resources.h"
+#include "domain/Document.h"
 #include "json/JsonText.h"
 #include "query/QueryError.h"
+#include "time/LocalDays.h"
 
 #include <algorithm>
 #include <iostream>
@@ -22,9 +25,15 @@ HttpResponse withHeaders(HttpResponse response, const ApiError::Headers& headers
 }
 
 // One piece, so that lines of several threads do not mix.
-void report(const StoreError& error)
+void report(const std::exception& error)
 {
     std::cerr << std::string("monitor-service: ") + error.what() + "\n" << std::flush;
+}
+
+HttpResponse answerFailure(const std::exception& error)
+{
+    report(error);
+    return errorResponse(500, "the store has failed");
 }
 
 // What a client is told of a failure of the store; the operator reads the rest on the standard error.
@@ -42,8 +51,7 @@ HttpResponse answerStoreError(const StoreError& error)
     case StoreFailure::Conflict:
         return errorResponse(409, "this contradicts what is stored");
     default:
-        report(error);
-        return errorResponse(500, "the store has failed");
+        return answerFailure(error);
     }
 }
 
@@ -95,6 +103,10 @@ HttpResponse Api::answer(HttpRequest& request) const
         return errorResponse(static_cast<unsigned>(error.status()), error.what());
     } catch (const StoreError& error) {
         return answerStoreError(error);
+    } catch (const DamagedDocument& error) {
+        return answerFailure(error);
+    } catch (const UnknownTimeZone& error) {
+        return answerFailure(error);
     }
 }
 

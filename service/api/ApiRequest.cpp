@@ -1,5 +1,7 @@
 #include "api/ApiRequest.h"
 
+#include "api/Authentication.h"
+
 #include <utility>
 
 namespace monitorservice {

@@ -1,13 +1,11 @@
 #include "api/Answers.h"
 #include "api/ApiError.h"
-#include "api/Cell.h"
+#include "api/CellBody.h"
 #include "api/JsonBody.h"
 #include "api/Listing.h"
 #include "api/Parameters.h"
 #include "api/Permission.h"
 #include "api/Resources.h"
-
-#include <algorithm>
 
 namespace monitorservice {
 
@@ -48,11 +46,10 @@ HttpResponse createCell(ApiRequest& request)
     Cell cell;
     cell.id = session->newIdentifier();
     cell.project = *body.project;
-    cell.createdAt = cell.updatedAt = isoText(session->now());
-    cell.createdBy = cell.updatedBy = principal.owner();
+    cell.stamp = Stamp::of({principal.owner(), isoText(session->now())});
     applyTo(cell, body);
     std::string document = toDocument(cell);
-    session->cells().insert(cell.project, cell.id, document);
+    session->documents(DocumentKind::Cell).insert(cell.project, cell.id, document);
     session->commit();
 
     return answerCreated(std::move(document), "cells/" + cell.id);
@@ -62,7 +59,9 @@ HttpResponse createCell(ApiRequest& request)
 HttpResponse getCell(ApiRequest& request)
 {
     const Parameters parameters(request.http, {});
-    return answerJson(readable(request.session->cells(), request.principal, kind, request.ids[0]).text);
+    return answerJson(
+        readable(request.session->documents(DocumentKind::Cell), request.principal, kind, request.ids[0])
+            .text);
 }
 
 // What hangs on a monitoring would be lost with it, and belongs to a sub-category of its category: it has to
@@ -79,10 +78,10 @@ void requireNothingMeasured(const Session& session, const StoredDocument& cell, 
             names += (names.empty() ? "" : ", ") + std::string(name) + ": " + std::to_string(number);
         }
     };
-    add(session.pointLocations(), "point locations");
-    add(session.groups(), "groups");
-    add(session.dataManages(), "data manages");
-    add(session.alarms(), "alarms");
+    add(session.documents(DocumentKind::PointLocation), "point locations");
+    add(session.documents(DocumentKind::Group), "groups");
+    add(session.documents(DocumentKind::DataManage), "data manages");
+    add(session.documents(DocumentKind::Alarm), "alarms");
     if (!names.empty()) {
         throw ApiError(409, "the monitoring cannot " + what + " while it has " + names);
     }
@@ -96,7 +95,7 @@ HttpResponse updateCell(ApiRequest& request)
     const CellBody body = parseCellBody(request.http.body);
 
     const auto [session, principal] = beginWriting(request);
-    StoredDocument stored = readable(session->cells(), principal, kind, request.ids[0]);
+    StoredDocument stored = readable(session->documents(DocumentKind::Cell), principal, kind, request.ids[0]);
     requireRight(principal, Right::Edit, kinds, stored.project, stored.category);
     if (body.project && *body.project != stored.project) {
         throw ApiError(400, "\"projectId\": a monitoring stays in its project");
@@ -106,15 +105,13 @@ HttpResponse updateCell(ApiRequest& request)
         requireRight(principal, Right::Edit, kinds, stored.project, *body.category);
         requireNothingMeasured(*session, stored, "change its category");
     }
-    Cell cell = cellOf(stored.text);
+    Cell cell = fromDocument<Cell>(stored.text);
     if (!applyTo(cell, body)) {
         return answerJson(std::move(stored.text));
     }
-    // A clock that was set back does not make a change older than the one before.
-    cell.updatedAt = std::max(isoText(session->now()), cell.updatedAt);
-    cell.updatedBy = principal.owner();
+    cell.stamp.change({principal.owner(), isoText(session->now())});
     std::string document = toDocument(cell);
-    session->cells().replace(cell.project, cell.id, document);
+    session->documents(DocumentKind::Cell).replace(cell.project, cell.id, document);
     session->commit();
     return answerJson(std::move(document));
 }
@@ -124,10 +121,10 @@ HttpResponse deleteCell(ApiRequest& request)
 {
     const Parameters parameters(request.http, {});
     const auto [session, principal] = beginWriting(request);
-    StoredDocument stored = readable(session->cells(), principal, kind, request.ids[0]);
+    StoredDocument stored = readable(session->documents(DocumentKind::Cell), principal, kind, request.ids[0]);
     requireRight(principal, Right::Delete, kinds, stored.project, stored.category);
     requireNothingMeasured(*session, stored, "be deleted");
-    session->cells().remove(stored.project, stored.id);
+    session->documents(DocumentKind::Cell).remove(stored.project, stored.id);
     session->commit();
     return answerJson(std::move(stored.text));
 }
@@ -135,7 +132,7 @@ HttpResponse deleteCell(ApiRequest& request)
 // GET projects/{project}/cells: see answerListing().
 HttpResponse listCells(ApiRequest& request)
 {
-    return answerListing(request, request.ids[0], request.session->cells());
+    return answerListing(request, request.ids[0], request.session->documents(DocumentKind::Cell));
 }
 
 } // namespace

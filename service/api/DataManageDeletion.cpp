@@ -1,23 +1,12 @@
 #include "api/ApiError.h"
 #include "api/Parameters.h"
 #include "api/Resources.h"
+#include "domain/DataManage.h"
 #include "json/JsonText.h"
-
-#include <simdjson.h>
 
 namespace monitorservice {
 
 namespace {
-
-std::string textIn(const std::string& document, const char* name)
-{
-    simdjson::dom::parser parser;
-    std::string_view text;
-    if (parser.parse(document)[name].get(text) != simdjson::SUCCESS) {
-        throw StoreError(StoreFailure::InputOutput, "a stored data manage is damaged");
-    }
-    return std::string(text);
-}
 
 bool hasAny(const Documents& documents, const std::string& project, const std::string& parent,
             const Where* where = nullptr)
@@ -33,18 +22,19 @@ bool hasAny(const Documents& documents, const std::string& project, const std::s
 }
 
 // What would go with the data manage, for a message; empty when nothing would.
-std::string dependentsOf(const Session& session, const StoredDocument& dataManage)
+std::string dependentsOf(const Session& session, const DataManage& dataManage)
 {
-    const std::string cell = textIn(dataManage.text, "cellId");
-    const Where where = Where::parse(
-        JsonObjectWriter().text("subCategoryId", textIn(dataManage.text, "subCategoryId")).finish());
+    const Where where =
+        Where::parse(JsonObjectWriter().text("subCategoryId", dataManage.subCategory).finish());
     std::string names;
     const auto add = [&names](bool present, const char* name) {
         names += present ? (names.empty() ? "" : ", ") + std::string(name) : std::string();
     };
-    add(hasAny(session.pointLocations(), dataManage.project, cell, &where), "point locations");
-    add(hasAny(session.histories(), dataManage.project, dataManage.id), "history");
-    add(hasAny(session.alarms(), dataManage.project, cell, &where), "alarms");
+    add(hasAny(session.documents(DocumentKind::PointLocation), dataManage.project, dataManage.cell, &where),
+        "point locations");
+    add(hasAny(session.documents(DocumentKind::History), dataManage.project, dataManage.id), "history");
+    add(hasAny(session.documents(DocumentKind::Alarm), dataManage.project, dataManage.cell, &where),
+        "alarms");
     return names;
 }
 
@@ -57,7 +47,7 @@ HttpResponse deleteDataManage(ApiRequest& request)
     const std::string& id = request.ids[0];
 
     const auto [session, principal] = beginWriting(request);
-    std::optional<StoredDocument> stored = session->dataManages().find(id);
+    std::optional<StoredDocument> stored = session->documents(DocumentKind::DataManage).find(id);
     if (!stored || !principal.may(Right::Read, stored->project, stored->category)) {
         throw notFound("data manage", id);
     }
@@ -65,13 +55,13 @@ HttpResponse deleteDataManage(ApiRequest& request)
         throw ApiError(403, "the token may not delete in monitorings of category \"" + stored->category +
                                 "\" in this project");
     }
-    const std::string dependents = dependentsOf(*session, *stored);
+    const auto dataManage = fromDocument<DataManage>(stored->text);
+    const std::string dependents = dependentsOf(*session, dataManage);
     if (!cascade && !dependents.empty()) {
         throw ApiError(409,
                        "the data manage has " + dependents + "; cascade=true deletes them together with it");
     }
-    session->measurements().removeDelivered(textIn(stored->text, "cellId"),
-                                            textIn(stored->text, "subCategoryId"));
+    session->measurements().removeDelivered(dataManage.cell, dataManage.subCategory);
     session->commit();
     HttpResponse response;
     response.body = std::move(stored->text);

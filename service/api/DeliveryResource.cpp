@@ -1,9 +1,9 @@
-#include "analysis/DeliveryIntake.h"
-#include "analysis/DeliveryParser.h"
-#include "analysis/DeliveryRefusal.h"
 #include "api/ApiError.h"
 #include "api/Parameters.h"
 #include "api/Resources.h"
+#include "delivery/DeliveryIntake.h"
+#include "delivery/DeliveryParser.h"
+#include "delivery/DeliveryRefusal.h"
 
 #include <utility>
 

@@ -1,13 +1,11 @@
 #include "api/Answers.h"
 #include "api/ApiError.h"
-#include "api/Group.h"
+#include "api/GroupBody.h"
 #include "api/JsonBody.h"
 #include "api/Listing.h"
 #include "api/Parameters.h"
 #include "api/Permission.h"
 #include "api/Resources.h"
-
-#include <algorithm>
 
 namespace monitorservice {
 
@@ -20,7 +18,7 @@ constexpr const char* kinds = "groups";
 StoredDocument namedCell(const Session& session, const Principal& principal, Right right,
                          const std::string& project, const std::string& id)
 {
-    std::optional<StoredDocument> cell = session.cells().find(id);
+    std::optional<StoredDocument> cell = session.documents(DocumentKind::Cell).find(id);
     const bool known = cell && cell->project == project &&
                        (principal.may(Right::Read, project, cell->category) ||
                         principal.may(right, project, cell->category));
@@ -35,7 +33,8 @@ StoredDocument namedCell(const Session& session, const Principal& principal, Rig
 void requirePlace(const Session& session, const Principal& principal, Right right, const Group& group)
 {
     const StoredDocument cell = namedCell(session, principal, right, group.project, group.cell);
-    const std::optional<StoredDocument> subCategory = session.subCategories().find(group.subCategory);
+    const std::optional<StoredDocument> subCategory =
+        session.documents(DocumentKind::SubCategory).find(group.subCategory);
     if (!subCategory || subCategory->project != group.project || subCategory->category != cell.category) {
         throw ApiError(400, "\"subCategoryId\": category \"" + cell.category +
                                 "\" of the monitoring has no sub-category \"" + group.subCategory +
@@ -59,10 +58,9 @@ HttpResponse createGroup(ApiRequest& request)
     applyTo(group, body);
     requirePlace(*session, principal, Right::Create, group);
     group.id = session->newIdentifier();
-    group.createdAt = group.updatedAt = isoText(session->now());
-    group.createdBy = group.updatedBy = principal.owner();
+    group.stamp = Stamp::of({principal.owner(), isoText(session->now())});
     std::string document = toDocument(group);
-    session->groups().insert(group.project, group.id, document);
+    session->documents(DocumentKind::Group).insert(group.project, group.id, document);
     session->commit();
     return answerCreated(std::move(document), "groupSettings/" + group.id);
 }
@@ -71,7 +69,9 @@ HttpResponse createGroup(ApiRequest& request)
 HttpResponse getGroup(ApiRequest& request)
 {
     const Parameters parameters(request.http, {});
-    return answerJson(readable(request.session->groups(), request.principal, kind, request.ids[0]).text);
+    return answerJson(
+        readable(request.session->documents(DocumentKind::Group), request.principal, kind, request.ids[0])
+            .text);
 }
 
 // PUT groupSettings/{id}: changes the members that are sent and answers the whole group. Its times change
@@ -82,23 +82,22 @@ HttpResponse updateGroup(ApiRequest& request)
     const GroupBody body = parseGroupBody(request.http.body);
 
     const auto [session, principal] = beginWriting(request);
-    StoredDocument stored = readable(session->groups(), principal, kind, request.ids[0]);
+    StoredDocument stored =
+        readable(session->documents(DocumentKind::Group), principal, kind, request.ids[0]);
     requireRight(principal, Right::Edit, kinds, stored.project, stored.category);
     if (body.project && *body.project != stored.project) {
         throw ApiError(400, "\"projectId\": a group stays in its project");
     }
-    Group group = groupOf(stored.text);
+    Group group = fromDocument<Group>(stored.text);
     if (!applyTo(group, body)) {
         return answerJson(std::move(stored.text));
     }
     if (body.cell || body.subCategory) {
         requirePlace(*session, principal, Right::Edit, group);
     }
-    // A clock that was set back does not make a change older than the one before.
-    group.updatedAt = std::max(isoText(session->now()), group.updatedAt);
-    group.updatedBy = principal.owner();
+    group.stamp.change({principal.owner(), isoText(session->now())});
     std::string document = toDocument(group);
-    session->groups().replace(group.project, group.id, document);
+    session->documents(DocumentKind::Group).replace(group.project, group.id, document);
     session->commit();
     return answerJson(std::move(document));
 }
@@ -108,9 +107,10 @@ HttpResponse deleteGroup(ApiRequest& request)
 {
     const Parameters parameters(request.http, {});
     const auto [session, principal] = beginWriting(request);
-    StoredDocument stored = readable(session->groups(), principal, kind, request.ids[0]);
+    StoredDocument stored =
+        readable(session->documents(DocumentKind::Group), principal, kind, request.ids[0]);
     requireRight(principal, Right::Delete, kinds, stored.project, stored.category);
-    session->groups().remove(stored.project, stored.id);
+    session->documents(DocumentKind::Group).remove(stored.project, stored.id);
     session->commit();
     return answerJson(std::move(stored.text));
 }
@@ -118,13 +118,14 @@ HttpResponse deleteGroup(ApiRequest& request)
 // GET projects/{project}/groupSettings: see answerListing().
 HttpResponse listGroups(ApiRequest& request)
 {
-    return answerListing(request, request.ids[0], request.session->groups());
+    return answerListing(request, request.ids[0], request.session->documents(DocumentKind::Group));
 }
 
 // GET cells/{id}/groupSettings: see answerListing().
 HttpResponse listGroupsOfCell(ApiRequest& request)
 {
-    return answerListingOf(request, {request.session->cells(), "monitoring"}, request.session->groups());
+    return answerListingOf(request, {request.session->documents(DocumentKind::Cell), "monitoring"},
+                           request.session->documents(DocumentKind::Group));
 }
 
 } // namespace

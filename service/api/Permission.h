@@ -1,6 +1,6 @@
 #pragma once
 
-#include "admin/Access.h"
+#include "access/Principal.h"
 #include "store/Store.h"
 
 #include <string>

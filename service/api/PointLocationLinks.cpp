@@ -1,9 +1,9 @@
 #include "api/Answers.h"
 #include "api/ApiError.h"
 #include "api/JsonBody.h"
-#include "api/Links.h"
 #include "api/Parameters.h"
 #include "api/Resources.h"
+#include "api/SentLinks.h"
 
 #include <algorithm>
 #include <optional>

@@ -31,8 +31,8 @@ HttpResponse getPoint(ApiRequest& request)
 {
     const Parameters parameters(request.http, {"expand"});
     parameters.flag("expand"); // read for its check alone: relations are always there
-    const StoredDocument stored =
-        readable(request.session->pointLocations(), request.principal, "point location", request.ids[0]);
+    const StoredDocument stored = readable(request.session->documents(DocumentKind::PointLocation),
+                                           request.principal, "point location", request.ids[0]);
     const Where where = Where::parse(JsonObjectWriter().text("_id", stored.id).finish());
     DocumentQuery query;
     query.project = stored.project;

@@ -1,14 +1,15 @@
 #include "api/PointText.h"
 
 #include "api/AnswerSize.h"
+#include "domain/Document.h"
+#include "domain/SampleText.h"
 #include "json/JsonText.h"
-#include "store/SampleText.h"
 
 namespace monitorservice {
 
 void appendPoint(std::string& out, PointSelection& selection, const FoundPoint& point)
 {
-    out += point.document.substr(0, point.document.rfind('}'));
+    out += openedDocument(point.document);
     out += ",\"category\":";
     appendJsonString(out, point.category);
     out += ",\"entity\":";

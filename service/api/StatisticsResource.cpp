@@ -1,9 +1,9 @@
-#include "analysis/DailyStatistics.h"
-#include "analysis/LocalDays.h"
 #include "api/Answers.h"
 #include "api/ApiError.h"
 #include "api/Parameters.h"
 #include "api/Resources.h"
+#include "statistics/DailyStatistics.h"
+#include "time/LocalDays.h"
 
 namespace monitorservice {
 

@@ -11,15 +11,16 @@ namespace {
 // GET projects/{project}/subCategories: see answerListing().
 HttpResponse listSubCategories(ApiRequest& request)
 {
-    return answerListing(request, request.ids[0], request.session->subCategories());
+    return answerListing(request, request.ids[0], request.session->documents(DocumentKind::SubCategory));
 }
 
 // GET subCategories/{id}
 HttpResponse getSubCategory(ApiRequest& request)
 {
     const Parameters parameters(request.http, {});
-    return answerJson(
-        readable(request.session->subCategories(), request.principal, "sub-category", request.ids[0]).text);
+    return answerJson(readable(request.session->documents(DocumentKind::SubCategory), request.principal,
+                               "sub-category", request.ids[0])
+                          .text);
 }
 
 } // namespace

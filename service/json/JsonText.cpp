@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <utility>
 
@@ -63,8 +64,17 @@ void appendJsonString(std::string& out, std::string_view text)
 
 void appendJsonNumber(std::string& out, double value)
 {
+    // Beyond it whole numbers in digits do not fit 64 bits, and readers of JSON refuse them or take them for
+    // others.
+    constexpr double largestInDigits = 1e17;
+    const double number = value == 0 ? 0 : value; // "-0" would come back as 0 all the same
     std::array<char, 32> text{};
-    out.append(text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr);
+    char* const begin = text.data();
+    char* const end = begin + text.size();
+    const std::to_chars_result written =
+        std::abs(number) < largestInDigits ? std::to_chars(begin, end, number)
+                                           : std::to_chars(begin, end, number, std::chars_format::scientific);
+    out.append(begin, written.ptr);
 }
 
 void appendJsonInteger(std::string& out, std::int64_t value)

@@ -11,7 +11,8 @@ namespace monitorservice {
 /// they are; the text must be valid UTF-8.
 void appendJsonString(std::string& out, std::string_view text);
 
-/// Appends a finite number in the shortest form that reads back as the same.
+/// Appends a finite number in a short form that reads back as the same. From 1e17 on it has an exponent: RFC
+/// 8259, section 6, leaves it to the reader what becomes of whole numbers that 64 bits cannot hold.
 void appendJsonNumber(std::string& out, double value);
 
 /// Appends a whole number.

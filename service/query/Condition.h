@@ -1,6 +1,6 @@
 #pragma once
 
-#include "query/Timestamp.h"
+#include "time/Timestamp.h"
 
 #include <simdjson.h>
 

@@ -1,7 +1,7 @@
 #include "query/Order.h"
 
-#include "query/InQuotes.h"
 #include "query/QueryError.h"
+#include "query/QuotedText.h"
 
 #include <algorithm>
 
@@ -25,7 +25,7 @@ OrderTerm readTerm(std::string_view text, const std::vector<SortableField>& fiel
         return candidate.path == path;
     });
     if (field == fields.end()) {
-        refuse("cannot order by " + inQuotes(path));
+        refuse("cannot order by " + quotedText(path));
     }
     return {field->sql, falling};
 }
@@ -42,7 +42,7 @@ std::vector<OrderTerm> parseOrder(std::string_view text, const std::vector<Sorta
         const bool twice = std::any_of(terms.begin(), terms.end(),
                                        [&term](const OrderTerm& earlier) { return earlier.sql == term.sql; });
         if (twice) {
-            refuse(inQuotes(part) + " orders by the same field again");
+            refuse(quotedText(part) + " orders by the same field again");
         }
         terms.push_back(std::move(term));
         begin = end + 1;

@@ -1,7 +1,7 @@
 #include "query/Pattern.h"
 
-#include "query/InQuotes.h"
 #include "query/QueryError.h"
+#include "query/QuotedText.h"
 
 #define PCRE2_CODE_UNIT_WIDTH 8
 #include <pcre2.h>
@@ -35,8 +35,8 @@ std::uint32_t readOptions(std::string_view letters, std::string_view path)
             options |= PCRE2_EXTENDED;
             break;
         default:
-            throw QueryError(400, "where: $options " + inQuotes(letters) +
-                                      " has letters other than imsx at " + inQuotes(path));
+            throw QueryError(400, "where: $options " + quotedText(letters) +
+                                      " has letters other than imsx at " + quotedText(path));
         }
     }
     return options;
@@ -71,7 +71,7 @@ Pattern::Code Pattern::compiled(std::uint32_t options) const
     Code code(pcre2_compile(reinterpret_cast<PCRE2_SPTR>(m_text.data()), m_text.size(), options, &error,
                             &offset, nullptr));
     if (!code) {
-        throw QueryError(400, "where: pattern " + inQuotes(m_text) + " at " + inQuotes(m_path) + ": " +
+        throw QueryError(400, "where: pattern " + quotedText(m_text) + " at " + quotedText(m_path) + ": " +
                                   message(error) + " (at byte " + std::to_string(offset) + ")");
     }
     // Where there is no just-in-time compiler, the interpreter gives the same answers.

@@ -1,8 +1,8 @@
 #include "query/PatternSearch.h"
 
-#include "query/InQuotes.h"
 #include "query/Pattern.h"
 #include "query/QueryError.h"
+#include "query/QuotedText.h"
 
 #define PCRE2_CODE_UNIT_WIDTH 8
 #include <pcre2.h>
@@ -147,8 +147,8 @@ bool PatternSearch::findsCounted(const Pattern& pattern, std::string_view subjec
         result = match(pattern.counted(), subject, m_data.get(), m_counted.get());
     }
     if (result < 0 && result != PCRE2_ERROR_NOMATCH) {
-        throw QueryError(422, "where: pattern " + inQuotes(pattern.text()) + " at " +
-                                  inQuotes(pattern.path()) + " takes too many steps");
+        throw QueryError(422, "where: pattern " + quotedText(pattern.text()) + " at " +
+                                  quotedText(pattern.path()) + " takes too many steps");
     }
     return result >= 0;
 }

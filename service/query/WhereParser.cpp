@@ -1,7 +1,7 @@
 #include "query/AnyOf.h"
-#include "query/InQuotes.h"
 #include "query/Pattern.h"
 #include "query/QueryError.h"
+#include "query/QuotedText.h"
 #include "query/Values.h"
 #include "query/Where.h"
 
@@ -22,7 +22,7 @@ namespace {
 
 [[noreturn]] void refuse(const std::string& what, std::string_view path)
 {
-    refuse(what + " at " + inQuotes(path));
+    refuse(what + " at " + quotedText(path));
 }
 
 bool isOperator(std::string_view key)
@@ -63,7 +63,7 @@ void checkShape(dom::element value, std::size_t depth)
         const std::vector<std::string_view> keys = sortedKeys(object);
         const auto twice = std::adjacent_find(keys.begin(), keys.end());
         if (twice != keys.end()) {
-            refuse("the key " + inQuotes(*twice) + " is given twice");
+            refuse("the key " + quotedText(*twice) + " is given twice");
         }
         for (const dom::key_value_pair& member : object) {
             checkShape(member.value, depth + 1);
@@ -84,7 +84,7 @@ void checkValue(dom::element value, std::string_view path)
     if (value.get(object) == simdjson::SUCCESS) {
         for (const dom::key_value_pair& member : object) {
             if (isOperator(member.key)) {
-                refuse("operator " + inQuotes(member.key) + " within a value", path);
+                refuse("operator " + quotedText(member.key) + " within a value", path);
             }
             checkValue(member.value, path);
         }
@@ -101,7 +101,7 @@ std::vector<std::string> splitPath(std::string_view path)
             refuse("empty name in the path", path);
         }
         if (isOperator(names.back())) {
-            refuse("unknown operator " + inQuotes(names.back()), path);
+            refuse("unknown operator " + quotedText(names.back()), path);
         }
         begin = end + 1;
     }
@@ -140,7 +140,7 @@ private:
     {
         for (const dom::key_value_pair& member : operators) {
             if (!isOperator(member.key)) {
-                refuse("plain key " + inQuotes(member.key) + " among operators", m_path);
+                refuse("plain key " + quotedText(member.key) + " among operators", m_path);
             }
             if (member.key == "$regex") {
                 addRegex(member.value, operators);
@@ -171,7 +171,7 @@ private:
         const auto* const found = std::find_if(comparisons.begin(), comparisons.end(),
                                                [key](const Name& candidate) { return candidate.key == key; });
         if (found == comparisons.end()) {
-            refuse("unknown operator " + inQuotes(key), m_path);
+            refuse("unknown operator " + quotedText(key), m_path);
         }
         return found->operation;
     }
@@ -289,7 +289,7 @@ Where Where::parse(std::string_view json)
     where.m_values = values;
     for (const dom::key_value_pair& member : object) {
         if (isOperator(member.key)) {
-            refuse("unknown operator " + inQuotes(member.key));
+            refuse("unknown operator " + quotedText(member.key));
         }
         PathConditions(member.key, where.m_conditions).read(member.value);
     }

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "store/Records.h"
+#include "domain/Sample.h"
+#include "store/StoreInterface.h"
 
 #include <cstdint>
 #include <functional>
@@ -40,17 +41,12 @@ struct DayValue
 ///
 /// Every member may throw StoreError and QueryError; the patterns of the query have one budget for all of
 /// them.
-class PointSelection
+class PointSelection : public StoreInterface
 {
 public:
     using PointVisitor = std::function<void(const FoundPoint& point)>;
     using SampleVisitor = std::function<void(const Sample& sample)>;
     using DayVisitor = std::function<void(const DayValue& day)>;
-
-    PointSelection() = default;
-    PointSelection(const PointSelection&) = delete;
-    PointSelection& operator=(const PointSelection&) = delete;
-    virtual ~PointSelection() = default;
 
     /// Reads neither the query's skip nor its limit.
     virtual std::uint64_t count() = 0;

@@ -1,9 +1,15 @@
 #pragma once
 
+#include "access/Grant.h"
+#include "access/Token.h"
+#include "domain/DocumentKind.h"
+#include "domain/Project.h"
+#include "domain/Sample.h"
 #include "query/Where.h"
 #include "store/PointSelection.h"
-#include "store/Records.h"
 #include "store/StoreError.h"
+#include "store/StoreInterface.h"
+#include "store/StoredDocument.h"
 
 #include <cstdint>
 #include <functional>
@@ -33,16 +39,11 @@ struct DocumentQuery
 };
 
 /// The documents of one kind. Every member may throw StoreError; those with a condition also QueryError.
-class Documents
+class Documents : public StoreInterface
 {
 public:
     /// Is given each document's text; the view ends with the call.
     using Visitor = std::function<void(std::string_view document)>;
-
-    Documents() = default;
-    Documents(const Documents&) = delete;
-    Documents& operator=(const Documents&) = delete;
-    virtual ~Documents() = default;
 
     virtual std::optional<StoredDocument> find(const std::string& id) const = 0;
     virtual std::uint64_t count(const DocumentQuery& query) const = 0;
@@ -54,14 +55,9 @@ public:
     virtual void remove(const std::string& project, const std::string& id) = 0;
 };
 
-class Projects
+class Projects : public StoreInterface
 {
 public:
-    Projects() = default;
-    Projects(const Projects&) = delete;
-    Projects& operator=(const Projects&) = delete;
-    virtual ~Projects() = default;
-
     virtual std::optional<Project> find(const std::string& id) const = 0;
     /// In the order of their identifiers.
     virtual std::vector<Project> list() const = 0;
@@ -69,14 +65,9 @@ public:
 };
 
 /// The texts that monitorings are classified by, the same for every project.
-class Categories
+class Categories : public StoreInterface
 {
 public:
-    Categories() = default;
-    Categories(const Categories&) = delete;
-    Categories& operator=(const Categories&) = delete;
-    virtual ~Categories() = default;
-
     virtual bool contains(const std::string& category) const = 0;
     /// In the order in which they were added.
     virtual std::vector<std::string> list() const = 0;
@@ -84,14 +75,9 @@ public:
     virtual bool add(const std::string& category) = 0;
 };
 
-class Tokens
+class Tokens : public StoreInterface
 {
 public:
-    Tokens() = default;
-    Tokens(const Tokens&) = delete;
-    Tokens& operator=(const Tokens&) = delete;
-    virtual ~Tokens() = default;
-
     virtual std::optional<Token> find(const std::string& id) const = 0;
     /// Expired and revoked ones are found too.
     virtual std::optional<Token> findBySecretHash(const std::string& sha256) const = 0;
@@ -102,14 +88,9 @@ public:
     virtual bool revoke(const std::string& id, Instant when) = 0;
 };
 
-class Grants
+class Grants : public StoreInterface
 {
 public:
-    Grants() = default;
-    Grants(const Grants&) = delete;
-    Grants& operator=(const Grants&) = delete;
-    virtual ~Grants() = default;
-
     virtual std::vector<Grant> ofToken(const std::string& token) const = 0;
     /// In the order of their identifiers.
     virtual std::vector<Grant> list() const = 0;
@@ -121,17 +102,12 @@ public:
 };
 
 /// The samples of the point locations, and what is kept of each day. Every member may throw StoreError.
-class Measurements
+class Measurements : public StoreInterface
 {
 public:
     using SampleVisitor = std::function<void(const Sample& sample)>;
     using DayVisitor = std::function<void(const DaySummary& day)>;
     using PointVisitor = std::function<void(const StoredPoint& point)>;
-
-    Measurements() = default;
-    Measurements(const Measurements&) = delete;
-    Measurements& operator=(const Measurements&) = delete;
-    virtual ~Measurements() = default;
 
     virtual std::optional<StoredPoint> findPoint(const std::string& cell, const std::string& subCategory,
                                                  const std::string& name, const std::string& depth) const = 0;
@@ -179,39 +155,17 @@ public:
 
 /// One transaction: everything it reads is of one moment, everything it writes comes to be at once with
 /// commit(), or not at all. To be used and destroyed by the thread that began it.
-class Session
+class Session : public StoreInterface
 {
 public:
-    Session() = default;
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
-    /// Undoes what was not committed.
-    virtual ~Session() = default;
-
-    virtual const Documents& cells() const = 0;
-    virtual const Documents& subCategories() const = 0;
-    virtual const Documents& groups() const = 0;
-    virtual const Documents& pointLocations() const = 0;
-    virtual const Documents& dataManages() const = 0;
-    virtual const Documents& histories() const = 0;
-    virtual const Documents& alarms() const = 0;
-    virtual const Documents& alarmDetails() const = 0;
-    virtual const Documents& alarmDepths() const = 0;
+    virtual const Documents& documents(DocumentKind kind) const = 0;
     virtual const Measurements& measurements() const = 0;
     virtual const Projects& projects() const = 0;
     virtual const Categories& categories() const = 0;
     virtual const Tokens& tokens() const = 0;
     virtual const Grants& grants() const = 0;
 
-    virtual Documents& cells() = 0;
-    virtual Documents& subCategories() = 0;
-    virtual Documents& groups() = 0;
-    virtual Documents& pointLocations() = 0;
-    virtual Documents& dataManages() = 0;
-    virtual Documents& histories() = 0;
-    virtual Documents& alarms() = 0;
-    virtual Documents& alarmDetails() = 0;
-    virtual Documents& alarmDepths() = 0;
+    virtual Documents& documents(DocumentKind kind) = 0;
     virtual Measurements& measurements() = 0;
     virtual Projects& projects() = 0;
     virtual Categories& categories() = 0;
@@ -228,14 +182,9 @@ public:
 };
 
 /// All that the service keeps. Safe to use from several threads at once.
-class Store
+class Store : public StoreInterface
 {
 public:
-    Store() = default;
-    Store(const Store&) = delete;
-    Store& operator=(const Store&) = delete;
-    virtual ~Store() = default;
-
     /// A session that only reads; it neither waits for writers nor holds them up.
     virtual std::unique_ptr<const Session> read() = 0;
     /// A session that may write. There is one at a time: waits for its turn, which goes in the order of

@@ -3,7 +3,7 @@
 // must agree. Sixteen bytes and more are also taken as an instant and an offset that are written and read.
 
 #include "Fuzzer.h"
-#include "query/Timestamp.h"
+#include "time/Timestamp.h"
 
 #include <QTimeZone>
 #include <RKPub.h>

@@ -2,9 +2,9 @@
 // can be sent to the client. What was sent is read a second time by another JSON library.
 
 #include "Fuzzer.h"
-#include "analysis/DeliveryParser.h"
-#include "analysis/DeliveryRefusal.h"
-#include "query/Timestamp.h"
+#include "delivery/DeliveryParser.h"
+#include "delivery/DeliveryRefusal.h"
+#include "time/Timestamp.h"
 
 #include <nlohmann/json.hpp>
 #include <simdjson.h>

@@ -5,9 +5,9 @@
 #include "Fuzzer.h"
 #include "query/AnyOf.h"
 #include "query/Matcher.h"
-#include "query/Narrowing.h"
 #include "query/PatternSearch.h"
 #include "query/QueryError.h"
+#include "store/sql/Narrowing.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <sqlite3.h>
@@ -200,7 +200,7 @@ void checkConjunction(const Where& where, dom::element document, bool together)
     require(each == together, "conditions hold together when each holds");
 }
 
-std::string quoted(std::string_view text)
+std::string quotedText(std::string_view text)
 {
     std::string result = "\"";
     for (const char c : text) {
@@ -223,10 +223,10 @@ void checkOpposites(std::string_view json, dom::element document)
     for (const dom::key_value_pair& member : conditions) {
         const std::string value = simdjson::minify(member.value);
         const auto ask = [&](const std::string& begin, const std::string& end) -> std::optional<bool> {
-            const auto where = parsed("{" + quoted(member.key) + ":{" + begin + value + end + "}}");
+            const auto where = parsed("{" + quotedText(member.key) + ":{" + begin + value + end + "}}");
             return where ? matches(*where, document) : std::nullopt;
         };
-        const auto equalWhere = parsed("{" + quoted(member.key) + ":" + value + "}");
+        const auto equalWhere = parsed("{" + quotedText(member.key) + ":" + value + "}");
         const std::optional<bool> isNot = ask(R"("$ne":)", "");
         const std::optional<bool> isIn = ask(R"("$in":[)", "]");
         const std::optional<bool> isNotIn = ask(R"("$nin":[)", "]");

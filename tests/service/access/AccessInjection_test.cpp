@@ -1,4 +1,5 @@
 #include "AccessRules.h"
+#include "api/Authentication.h"
 #include "json/JsonText.h"
 
 #include <iostream>
@@ -165,7 +166,7 @@ protected:
         return text;
     }
 
-    static std::string quoted(const std::string& text)
+    static std::string quotedText(const std::string& text)
     {
         const std::string object = JsonObjectWriter().text("x", text).finish();
         return object.substr(5, object.size() - 6);
@@ -197,13 +198,13 @@ TEST_F(AccessInjection, WhatIsReadFindsNothingElse)
              {"cells", "subCategories", "pointLocations", "groupSettings", "dataManages", "alarmManages"}) {
             const std::string path = "projects/project-own/" + std::string(list);
             for (const std::string& condition :
-                 {"{\"name\":" + quoted(text) + "}", "{\"_id\":{\"$in\":[" + quoted(text) + "]}}",
-                  "{\"alias\":{\"$gte\":\"~\",\"$in\":[" + quoted(text) + "]}}"}) {
+                 {"{\"name\":" + quotedText(text) + "}", "{\"_id\":{\"$in\":[" + quotedText(text) + "]}}",
+                  "{\"alias\":{\"$gte\":\"~\",\"$in\":[" + quotedText(text) + "]}}"}) {
                 const RawAnswer answer = ask("GET", path + "?where=" + percentEncoded(condition));
                 EXPECT_TRUE(answer.status == 400 || answer.body == "[]") << answer.status << answer.body;
             }
             const RawAnswer byName =
-                ask("GET", path + "?where=" + percentEncoded("{" + quoted(text) + ":\"v\"}"));
+                ask("GET", path + "?where=" + percentEncoded("{" + quotedText(text) + ":\"v\"}"));
             EXPECT_TRUE(byName.status == 400 || byName.body == "[]") << byName.status << byName.body;
             const RawAnswer raw = ask("GET", path + "?where=" + encoded);
             EXPECT_TRUE(raw.status == 400 || raw.status == 200) << raw.status << raw.body;
@@ -216,7 +217,7 @@ TEST_F(AccessInjection, WhatIsReadFindsNothingElse)
         }
         const RawAnswer pattern =
             ask("GET", "projects/project-own/cells?where=" +
-                           percentEncoded("{\"name\":{\"$regex\":" + quoted(text) + "}}"));
+                           percentEncoded("{\"name\":{\"$regex\":" + quotedText(text) + "}}"));
         EXPECT_TRUE(pattern.status == 200 || pattern.status == 400 || pattern.status == 422) << pattern.body;
         for (const char* const kind : {"cells/", "pointLocations/", "groupSettings/", "subCategories/"}) {
             const unsigned status = ask("GET", kind + encoded).status;
@@ -240,7 +241,7 @@ TEST_F(AccessInjection, WhatIsWrittenToWrongPlacesIsRefused)
     const int version = served->dataVersion();
     for (const std::string& text : hostileTexts()) {
         SCOPED_TRACE(text);
-        const std::string value = quoted(text);
+        const std::string value = quotedText(text);
         for (const std::string& body :
              {"{\"projectId\":" + value + R"(,"name":"n","category":"Settlement"})",
               R"({"projectId":"project-own","name":"n","category":)" + value + "}",
@@ -296,12 +297,12 @@ TEST_F(AccessInjection, WhatMayBeAnyTextIsKeptLetterByLetter)
         SCOPED_TRACE(text);
         const RawAnswer answer =
             ask("POST", "cells",
-                R"({"projectId":"project-own","category":"Settlement","name":)" + quoted(text) + "}");
+                R"({"projectId":"project-own","category":"Settlement","name":)" + quotedText(text) + "}");
         ASSERT_EQ(answer.status, 201U) << answer.body;
         EXPECT_EQ(member(answer.body, "name"), text);
         const std::string id = member(answer.body, "_id");
         const RawAnswer found = ask("GET", "projects/project-own/cells?where=" +
-                                               percentEncoded("{\"name\":" + quoted(text) + "}"));
+                                               percentEncoded("{\"name\":" + quotedText(text) + "}"));
         EXPECT_EQ(membersOf(found.body, "_id"), std::vector<std::string>{id});
         EXPECT_EQ(ask("DELETE", "cells/" + id).status, 200U);
     }

@@ -1,4 +1,5 @@
 #include "AccessRules.h"
+#include "api/Authentication.h"
 #include "service/admin/ServiceProcess.h"
 
 #include <fstream>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "admin/SubCategory.h"
+#include "domain/SubCategory.h"
 #include "http/RefusedRequest.h"
 #include "http/RequestTarget.h"
 #include "service/api/ApiFixture.h"
@@ -173,7 +173,7 @@ private:
         const SubCategory ground{place.word + "Ground", place.project, place.word + " ground", place.category,
                                  place.word + "GL"};
         write(store, [&](Session& session) {
-            session.subCategories().insert(place.project, ground.id, toDocument(ground));
+            session.documents(DocumentKind::SubCategory).insert(place.project, ground.id, toDocument(ground));
         });
         ids["subCategories"] = {ground.id};
         ids["cells"] = {newCell(place, " tower"), newCell(place, " spare")};

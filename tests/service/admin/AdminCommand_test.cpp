@@ -1,5 +1,5 @@
 #include "ServiceProcess.h"
-#include "store/Identifier.h"
+#include "domain/Identifier.h"
 #include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,7 @@
 #include "MeasuredFixture.h"
+#include "domain/Alarm.h"
+#include "domain/AlarmDepth.h"
+#include "domain/AlarmDetail.h"
 
 namespace monitorservice {
 namespace {
@@ -14,20 +17,13 @@ protected:
     {
         std::string id;
         write([&](Session& session) {
-            const StoredDocument stored = *session.cells().find(cell);
+            const StoredDocument stored = *session.documents(DocumentKind::Cell).find(cell);
             id = session.newIdentifier();
-            session.alarms().insert(stored.project, id,
-                                    JsonObjectWriter()
-                                        .text("_id", id)
-                                        .text("projectId", stored.project)
-                                        .text("cellId", cell)
-                                        .text("cellName", test::member(stored.text, "name"))
-                                        .text("subCategoryId", subCategory)
-                                        .text("alarmTime", isoText(session.now()))
-                                        .integer("pointCounts", 1)
-                                        .text("createdAt", isoText(session.now()))
-                                        .text("createdBy", "Ada Editor")
-                                        .finish());
+            const std::string time = isoText(session.now());
+            session.documents(DocumentKind::Alarm)
+                .insert(stored.project, id,
+                        toDocument(Alarm{id, stored.project, cell, test::member(stored.text, "name"),
+                                         subCategory, time, 1, Stamp::of({"Ada Editor", time})}));
         });
         return id;
     }
@@ -37,14 +33,10 @@ protected:
         std::string id;
         write([&](Session& session) {
             id = session.newIdentifier();
-            session.alarmDetails().insert(session.alarms().find(alarm)->project, id,
-                                          JsonObjectWriter()
-                                              .text("_id", id)
-                                              .text("alarmManId", alarm)
-                                              .text("pointName", point)
-                                              .text("totalVar", "12.5")
-                                              .text("monitorTime", time)
-                                              .finish());
+            session.documents(DocumentKind::AlarmDetail)
+                .insert(session.documents(DocumentKind::Alarm).find(alarm)->project, id,
+                        toDocument(AlarmDetail{
+                            id, alarm, point, "12.5", "", 0, 0, false, false, 1, time, "", "", {}}));
         });
         return id;
     }
@@ -54,13 +46,9 @@ protected:
         std::string id;
         write([&](Session& session) {
             id = session.newIdentifier();
-            session.alarmDepths().insert(session.alarmDetails().find(detail)->project, id,
-                                         JsonObjectWriter()
-                                             .text("_id", id)
-                                             .text("detailId", detail)
-                                             .text("pointName", "I1")
-                                             .text("depth", depth)
-                                             .finish());
+            session.documents(DocumentKind::AlarmDepth)
+                .insert(session.documents(DocumentKind::AlarmDetail).find(detail)->project, id,
+                        toDocument(AlarmDepth{id, detail, "I1", 1, "", 0, depth}));
         });
         return id;
     }

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "admin/Secret.h"
-#include "admin/SubCategory.h"
+#include "access/Secret.h"
 #include "api/Api.h"
+#include "domain/SubCategory.h"
 #include "service/http/RawClient.h"
-#include "store/SqliteStore.h"
+#include "store/sqlite/SqliteStore.h"
 #include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>

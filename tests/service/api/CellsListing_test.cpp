@@ -28,7 +28,7 @@ protected:
         document += alarmTo;
         document += R"(,"links":[],"createdAt":"2015-12-21T06:30:00.123Z","createdBy":"a",)"
                     R"("updatedAt":"2015-12-21T06:30:00.123Z","updatedBy":"a"})";
-        session.cells().insert("p1", id, document);
+        session.documents(DocumentKind::Cell).insert("p1", id, document);
     }
 
     std::vector<std::string> names(const test::RawAnswer& answer) const

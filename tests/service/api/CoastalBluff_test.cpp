@@ -1,5 +1,5 @@
 #include "ApiFixture.h"
-#include "query/Timestamp.h"
+#include "time/Timestamp.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 
@@ -66,10 +66,10 @@ protected:
         write([](Session& session) {
             session.projects().insert({"bluff", "Coastal bluff", "America/Los_Angeles", 1});
             for (const char* const quantity : {"moisture", "rain", "air"}) {
-                session.subCategories().insert("bluff", quantity,
-                                               R"({"_id":")" + std::string(quantity) +
-                                                   R"(","projectId":"bluff","name":")" + quantity +
-                                                   R"(","category":"Settlement","alias":""})");
+                session.documents(DocumentKind::SubCategory)
+                    .insert("bluff", quantity,
+                            R"({"_id":")" + std::string(quantity) + R"(","projectId":"bluff","name":")" +
+                                quantity + R"(","category":"Settlement","alias":""})");
             }
         });
         grant(editor, "bluff", std::nullopt, Rights(Right::Read) | Right::Create);

@@ -1,4 +1,6 @@
 #include "MeasuredFixture.h"
+#include "domain/DataManage.h"
+#include "domain/History.h"
 
 namespace monitorservice {
 namespace {
@@ -16,8 +18,8 @@ protected:
         std::string id;
         write([&](Session& session) {
             id = session.newIdentifier();
-            session.dataManages().insert(session.cells().find(cell)->project, id,
-                                         document(id, cell, subCategory, isoText(session.now())));
+            session.documents(DocumentKind::DataManage)
+                .insert(projectOf(session, cell), id, document(session, id, cell, subCategory));
         });
         return id;
     }
@@ -26,23 +28,24 @@ protected:
     void touch(const std::string& id, const std::string& cell, const std::string& subCategory)
     {
         write([&](Session& session) {
-            session.dataManages().replace(session.cells().find(cell)->project, id,
-                                          document(id, cell, subCategory, isoText(session.now())));
+            session.documents(DocumentKind::DataManage)
+                .replace(projectOf(session, cell), id, document(session, id, cell, subCategory));
         });
     }
 
-    static std::string document(const std::string& id, const std::string& cell,
-                                const std::string& subCategory, const std::string& updatedAt)
+    static std::string projectOf(const Session& session, const std::string& cell)
     {
-        return JsonObjectWriter()
-            .text("_id", id)
-            .text("cellId", cell)
-            .text("subCategoryId", subCategory)
-            .text("lastDate", "2015-12-21T05:00:00.000Z")
-            .integer("lastCount", 3)
-            .text("createdAt", "2015-12-20T00:00:00.000Z")
-            .text("updatedAt", updatedAt)
-            .finish();
+        return session.documents(DocumentKind::Cell).find(cell)->project;
+    }
+
+    static std::string document(const Session& session, const std::string& id, const std::string& cell,
+                                const std::string& subCategory)
+    {
+        DataManage dataManage{
+            id, projectOf(session, cell), cell, subCategory, "2015-12-21T05:00:00.000Z", 3, {}, {}};
+        dataManage.stamp = Stamp::of({"Ada", "2015-12-20T00:00:00.000Z"});
+        dataManage.stamp.change({"Ada", isoText(session.now())});
+        return toDocument(dataManage);
     }
 
     std::string newHistory(const std::string& dataManage, const std::string& lastDate)
@@ -50,14 +53,10 @@ protected:
         std::string id;
         write([&](Session& session) {
             id = session.newIdentifier();
-            session.histories().insert(session.dataManages().find(dataManage)->project, id,
-                                       JsonObjectWriter()
-                                           .text("_id", id)
-                                           .text("dataManageId", dataManage)
-                                           .text("lastDate", lastDate)
-                                           .integer("insertCount", 2)
-                                           .text("updatedAt", isoText(session.now()))
-                                           .finish());
+            session.documents(DocumentKind::History)
+                .insert(session.documents(DocumentKind::DataManage).find(dataManage)->project, id,
+                        toDocument(History{
+                            id, dataManage, lastDate, 2, 2, {}, Stamp::of({"Ada", isoText(session.now())})}));
         });
         return id;
     }

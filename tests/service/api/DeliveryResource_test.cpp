@@ -1,4 +1,5 @@
 #include "ApiFixture.h"
+#include "domain/Group.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 
@@ -16,9 +17,9 @@ protected:
     DeliveryResource()
     {
         write([](Session& session) {
-            session.subCategories().insert(
-                "p1", "s1",
-                R"({"_id":"s1","projectId":"p1","name":"Level","category":"Settlement","alias":""})");
+            session.documents(DocumentKind::SubCategory)
+                .insert("p1", "s1",
+                        R"({"_id":"s1","projectId":"p1","name":"Level","category":"Settlement","alias":""})");
         });
         cell = newCell("North");
     }
@@ -43,10 +44,8 @@ protected:
     void addGroup()
     {
         write([this](Session& session) {
-            session.groups().insert("p1", "g1",
-                                    R"({"_id":"g1","projectId":"p1","cellId":")" + cell +
-                                        R"(","subCategoryId":"s1","groupName":"G","groupPoint":["W1"],)"
-                                        R"("dayVarType":0,"dayVarValue":0,"totalVar":1})");
+            session.documents(DocumentKind::Group)
+                .insert("p1", "g1", toDocument(Group{"g1", "p1", cell, "s1", "G", {"W1"}, 0, 0, 1, {}, {}}));
         });
     }
 
@@ -163,8 +162,9 @@ TEST_F(DeliveryResource, DataManageIsDeletedByWhoMayDelete)
 TEST_F(DeliveryResource, OtherDataOfTheMonitoringStay)
 {
     write([](Session& session) {
-        session.subCategories().insert(
-            "p1", "s2", R"({"_id":"s2","projectId":"p1","name":"Tilt","category":"Settlement","alias":""})");
+        session.documents(DocumentKind::SubCategory)
+            .insert("p1", "s2",
+                    R"({"_id":"s2","projectId":"p1","name":"Tilt","category":"Settlement","alias":""})");
     });
     deliver("[" + point("W1") + "]");
     const std::string first = dataManage();
@@ -201,7 +201,7 @@ TEST_F(DeliveryResource, MonitoringWithDataIsNotDeleted)
         "409 the monitoring cannot be deleted while it has point locations: 2, groups: 1, data manages: 1, "
         "alarms: 1");
     call(editor, "DELETE", "dataManages/" + dataManage() + "?cascade=true");
-    write([](Session& session) { session.groups().remove("p1", "g1"); });
+    write([](Session& session) { session.documents(DocumentKind::Group).remove("p1", "g1"); });
     EXPECT_EQ(call(editor, "DELETE", "cells/" + cell).status, 200U);
 }
 

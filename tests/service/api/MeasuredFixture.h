@@ -1,10 +1,10 @@
 #pragma once
 
 #include "ApiFixture.h"
-#include "analysis/LocalDays.h"
-#include "analysis/PointLocation.h"
+#include "domain/PointLocation.h"
 #include "json/JsonText.h"
-#include "query/Timestamp.h"
+#include "time/LocalDays.h"
+#include "time/Timestamp.h"
 
 #include <algorithm>
 #include <map>
@@ -54,7 +54,8 @@ protected:
     void newSubCategory(const SubCategory& subCategory)
     {
         write([&](Session& session) {
-            session.subCategories().insert(subCategory.project, subCategory.id, toDocument(subCategory));
+            session.documents(DocumentKind::SubCategory)
+                .insert(subCategory.project, subCategory.id, toDocument(subCategory));
         });
     }
 
@@ -84,7 +85,7 @@ protected:
             samples.push_back(
                 {time->milliseconds, reading.count, time->offsetMinutes, reading.value, reading.flag});
         }
-        const std::string project = session.cells().find(point.cell)->project;
+        const std::string project = session.documents(DocumentKind::Cell).find(point.cell)->project;
         PointLocation location;
         location.id = session.newIdentifier();
         location.project = project;
@@ -94,7 +95,7 @@ protected:
         location.depth = point.depth;
         location.links = point.links;
         location.insertCount = static_cast<std::int64_t>(samples.size());
-        location.createdAt = location.updatedAt = isoText(session.now());
+        location.stamp = Stamp::of({"", isoText(session.now())});
         const auto latest =
             std::max_element(samples.begin(), samples.end(),
                              [](const Sample& left, const Sample& right) { return left.time < right.time; });

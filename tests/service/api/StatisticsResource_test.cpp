@@ -152,6 +152,44 @@ TEST_F(StatisticsResource, APeriodMayBeginAndEndWithinADay)
     EXPECT_THAT(period("2015-12-01T00:00:00.000Z", "2016-01-01T00:00:00.000Z").size(), 3U);
 }
 
+// The days of these zones are one ahead of UTC's or one behind when the period ends or begins.
+TEST_F(StatisticsResource, APeriodMayEndAndBeginOnAnotherDayThanItsOwnOffsetSays)
+{
+    struct Place
+    {
+        std::string project;
+        std::string zone;
+    };
+    for (const Place& place : {Place{"ahead", "Pacific/Kiritimati"}, Place{"behind", "Pacific/Pago_Pago"}}) {
+        write([&place](Session& session) {
+            session.projects().insert({place.project, "Reef", place.zone, 1});
+        });
+        grant(editor, place.project, std::nullopt, Rights(Right::Read) | Right::Create);
+        newSubCategory({place.project, place.project, "Level", "Settlement", "L"});
+        newPoint({newCellIn(place.project, "Pier"),
+                  place.project,
+                  "P1",
+                  "",
+                  {{"2015-12-20T11:00:00Z", 1},
+                   {"2015-12-21T05:00:00Z", 2},
+                   {"2015-12-21T10:30:00Z", 3},
+                   {"2015-12-21T12:00:00Z", 4}}});
+    }
+    const auto period = [this](const std::string& project, const std::string& from,
+                               const std::string& before) {
+        return days(where("projects/" + project + "/normal_statistics",
+                          R"({"time":{"$gte":")" + from + R"(","$lt":")" + before + "\"}}"));
+    };
+    EXPECT_THAT(period("ahead", "2015-12-20T05:30:00+05:30", "2015-12-20T17:30:00+05:30"),
+                ElementsAre("2015-12-21T00:00:00.000+14:00 P1/=1"));
+    EXPECT_THAT(period("ahead", "2015-12-20T12:00:00-08:00", "2015-12-21T02:29:00-08:00"),
+                ElementsAre("2015-12-21T00:00:00.000+14:00 P1/=2"));
+    EXPECT_THAT(period("behind", "2015-12-21T05:00:00+00:00", "2015-12-21T11:00:00+00:00"),
+                ElementsAre("2015-12-20T00:00:00.000-11:00 P1/=3"));
+    EXPECT_THAT(period("behind", "2015-12-21T10:30:00+05:30", "2015-12-22T00:00:00+05:30"),
+                ElementsAre("2015-12-20T00:00:00.000-11:00 P1/=3", "2015-12-21T00:00:00.000-11:00 P1/=4"));
+}
+
 TEST_F(StatisticsResource, FlagChoosesTheSamplesOfWhichTheLastCounts)
 {
     newPoint({tunnel,

@@ -21,7 +21,8 @@ protected:
     void add(const SubCategory& subCategory)
     {
         write([&](Session& session) {
-            session.subCategories().insert(subCategory.project, subCategory.id, toDocument(subCategory));
+            session.documents(DocumentKind::SubCategory)
+                .insert(subCategory.project, subCategory.id, toDocument(subCategory));
         });
     }
 

@@ -1,10 +1,10 @@
 #include "SiteData.h"
 
 #include "DeliveringClient.h"
-#include "admin/Secret.h"
-#include "admin/SubCategory.h"
+#include "access/Secret.h"
+#include "domain/SubCategory.h"
 #include "json/JsonText.h"
-#include "store/SqliteStore.h"
+#include "store/sqlite/SqliteStore.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <simdjson.h>
@@ -310,19 +310,21 @@ Site makeSite(Store& store, std::size_t clients)
     for (const char* const category : {"Settlement", "Settlement", "Inclinometer"}) {
         session->categories().add(category);
         const std::string subCategory = session->newIdentifier();
-        session->subCategories().insert(
-            site.project, subCategory,
-            toDocument(SubCategory{subCategory, site.project, "Level " + subCategory, category, "L"}));
+        session->documents(DocumentKind::SubCategory)
+            .insert(
+                site.project, subCategory,
+                toDocument(SubCategory{subCategory, site.project, "Level " + subCategory, category, "L"}));
         const std::string cell = session->newIdentifier();
-        session->cells().insert(site.project, cell, cellJson(cell, site.project, category));
+        session->documents(DocumentKind::Cell)
+            .insert(site.project, cell, cellJson(cell, site.project, category));
         site.targets.push_back({cell, subCategory});
     }
     site.groups = {{{0, 2.5, 7}, {1, 150, 0}}, {{0, 0, 9}}, {{0, 3, 0}, {0, 0, 6}}};
     for (std::size_t target = 0; target < site.targets.size(); ++target) {
         for (const GroupLimits& limits : site.groups[target]) {
             const std::string id = session->newIdentifier();
-            session->groups().insert(site.project, id,
-                                     groupJson(id, site, site.targets[target], limits, clients));
+            session->documents(DocumentKind::Group)
+                .insert(site.project, id, groupJson(id, site, site.targets[target], limits, clients));
         }
     }
     session->commit();

@@ -2,7 +2,7 @@
 
 #include "DeliveringClient.h"
 #include "api/Api.h"
-#include "store/SqliteStore.h"
+#include "store/sqlite/SqliteStore.h"
 
 #include <atomic>
 #include <filesystem>

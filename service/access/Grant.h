@@ -1,0 +1,22 @@
+#pragma once
+
+#include "access/Rights.h"
+#include "time/Instant.h"
+
+#include <optional>
+#include <string>
+
+namespace monitorservice {
+
+/// Rights of one token in one project.
+struct Grant
+{
+    std::string id;
+    std::string token;
+    std::string project;
+    std::optional<std::string> category; ///< nothing: every category, those added later too
+    Rights rights;
+    Instant createdAt = 0;
+};
+
+} // namespace monitorservice

@@ -1,0 +1,56 @@
+#include "access/Principal.h"
+
+#include <utility>
+
+namespace monitorservice {
+
+Principal::Principal(std::string owner, const std::vector<Grant>& grants) : m_owner(std::move(owner))
+{
+    for (const Grant& grant : grants) {
+        ProjectRights& project = m_projects[grant.project];
+        Rights& rights = grant.category ? project.byCategory[*grant.category] : project.everywhere;
+        rights = rights | grant.rights;
+    }
+}
+
+const Principal::ProjectRights* Principal::rightsIn(const std::string& project) const
+{
+    const auto found = m_projects.find(project);
+    return found == m_projects.end() ? nullptr : &found->second;
+}
+
+bool Principal::may(Right right, const std::string& project, const std::string& category) const
+{
+    const ProjectRights* const rights = rightsIn(project);
+    if (rights == nullptr) {
+        return false;
+    }
+    const auto inCategory = rights->byCategory.find(category);
+    return rights->everywhere.has(right) ||
+           (inCategory != rights->byCategory.end() && inCategory->second.has(right));
+}
+
+bool Principal::mayAnywhere(Right right, const std::string& project) const
+{
+    const auto categories = categoriesWith(right, project);
+    return !categories || !categories->empty();
+}
+
+std::optional<std::vector<std::string>> Principal::categoriesWith(Right right,
+                                                                  const std::string& project) const
+{
+    std::vector<std::string> categories;
+    if (const ProjectRights* const rights = rightsIn(project)) {
+        if (rights->everywhere.has(right)) {
+            return std::nullopt;
+        }
+        for (const auto& [category, held] : rights->byCategory) {
+            if (held.has(right)) {
+                categories.push_back(category);
+            }
+        }
+    }
+    return categories;
+}
+
+} // namespace monitorservice

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "access/Grant.h"
+#include "access/Rights.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace monitorservice {
+
+/// Who sent a request, and what they may do.
+class Principal
+{
+public:
+    Principal(std::string owner, const std::vector<Grant>& grants);
+
+    /// The owner of the token.
+    const std::string& owner() const { return m_owner; }
+
+    bool may(Right right, const std::string& project, const std::string& category) const;
+
+    /// Whether the right is held in at least one category of the project, or in every one.
+    bool mayAnywhere(Right right, const std::string& project) const;
+
+    /// The categories of the project in which the right is held; nothing when it is held in every category.
+    std::optional<std::vector<std::string>> categoriesWith(Right right, const std::string& project) const;
+
+private:
+    struct ProjectRights
+    {
+        Rights everywhere;
+        std::map<std::string, Rights> byCategory;
+    };
+
+    const ProjectRights* rightsIn(const std::string& project) const;
+
+    std::string m_owner;
+    std::map<std::string, ProjectRights> m_projects;
+};
+
+} // namespace monitorservice

@@ -1,0 +1,53 @@
+#include "api/Authentication.h"
+
+#include "access/Secret.h"
+
+#include <algorithm>
+#include <cctype>
+#include <string_view>
+
+namespace monitorservice {
+
+namespace {
+
+bool isScheme(std::string_view text)
+{
+    constexpr std::string_view scheme = "bearer";
+    return std::equal(text.begin(), text.end(), scheme.begin(), scheme.end(), [](char given, char wanted) {
+        return std::tolower(static_cast<unsigned char>(given)) == wanted;
+    });
+}
+
+std::string_view tokenIn(const std::optional<std::string>& authorization)
+{
+    if (!authorization) {
+        throw AuthenticationError("a token is needed: send \"Authorization: Bearer TOKEN\"");
+    }
+    std::string_view text = *authorization;
+    const std::size_t blank = text.find(' ');
+    if (blank == std::string_view::npos || !isScheme(text.substr(0, blank))) {
+        throw AuthenticationError("Authorization must be \"Bearer TOKEN\"");
+    }
+    text.remove_prefix(std::min(text.find_first_not_of(' ', blank), text.size()));
+    return text;
+}
+
+} // namespace
+
+Principal authenticate(const Session& session, const std::optional<std::string>& authorization)
+{
+    // Found by its hash: how long the search takes tells nothing about the tokens there are.
+    const std::optional<Token> token = session.tokens().findBySecretHash(sha256(tokenIn(authorization)));
+    if (!token) {
+        throw AuthenticationError("the token is not known");
+    }
+    if (token->revokedAt) {
+        throw AuthenticationError("the token has been revoked");
+    }
+    if (token->expiresAt && session.now() >= *token->expiresAt) {
+        throw AuthenticationError("the token has expired");
+    }
+    return {token->owner, session.grants().ofToken(token->id)};
+}
+
+} // namespace monitorservice

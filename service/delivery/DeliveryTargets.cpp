@@ -1,0 +1,74 @@
+#include "delivery/DeliveryTargets.h"
+
+#include "delivery/DeliveryRefusal.h"
+#include "domain/Cell.h"
+
+namespace monitorservice {
+
+namespace {
+
+[[noreturn]] void refuse(const std::string& place, const std::string& member, const std::string& reason)
+{
+    throw DeliveryRefusal("\"" + place + "." + member + "\": " + reason);
+}
+
+} // namespace
+
+const DeliveryTarget& DeliveryTargets::of(const Delivery& delivery, const DeliveredPoint& point)
+{
+    const auto key = std::pair(point.cell, point.subCategory);
+    auto found = m_found.find(key);
+    if (found == m_found.end()) {
+        found = m_found.emplace(key, find(delivery.nameOf(point.element), point)).first;
+    }
+    if (point.project && *point.project != found->second.quantity.project) {
+        refuse(delivery.nameOf(point.element), "projectId",
+               "the monitoring is not of project \"" + *point.project + "\"");
+    }
+    return found->second;
+}
+
+DeliveryTarget DeliveryTargets::find(const std::string& place, const DeliveredPoint& point)
+{
+    const std::optional<StoredDocument> cell = m_session.documents(DocumentKind::Cell).find(point.cell);
+    const bool mayCreate = cell && m_mayDo(Right::Create, cell->project, cell->category);
+    if (!cell || (!mayCreate && !m_mayDo(Right::Read, cell->project, cell->category))) {
+        refuse(place, "cellId", "there is no monitoring \"" + point.cell + "\"");
+    }
+    if (!mayCreate) {
+        throw DeliveryRefusal("\"" + place + "\": the token may not create in monitorings of category \"" +
+                                  cell->category + "\" in this project",
+                              DeliveryRefusal::Reason::Forbidden);
+    }
+    const std::optional<StoredDocument> subCategory =
+        m_session.documents(DocumentKind::SubCategory).find(point.subCategory);
+    const bool isOfCategory = subCategory && subCategory->category == cell->category;
+    const bool isKnown =
+        isOfCategory || (subCategory && m_mayDo(Right::Read, cell->project, subCategory->category));
+    if (!isKnown || subCategory->project != cell->project) {
+        refuse(place, "subCategoryId", "the project has no sub-category \"" + point.subCategory + "\"");
+    }
+    if (!isOfCategory) {
+        refuse(place, "subCategoryId",
+               "the sub-category is of category \"" + subCategory->category + "\", the monitoring of \"" +
+                   cell->category + "\"");
+    }
+    return {{cell->project, cell->id, fromDocument<Cell>(cell->text).name, cell->category, subCategory->id},
+            m_mayDo(Right::Edit, cell->project, cell->category),
+            daysOf(cell->project)};
+}
+
+std::shared_ptr<LocalDays> DeliveryTargets::daysOf(const std::string& project)
+{
+    std::shared_ptr<LocalDays>& days = m_days[project];
+    if (!days) {
+        const std::optional<Project> found = m_session.projects().find(project);
+        if (!found) {
+            throw StoreError(StoreFailure::InputOutput, "the project of a monitoring is missing");
+        }
+        days = std::make_shared<LocalDays>(found->timeZone);
+    }
+    return days;
+}
+
+} // namespace monitorservice

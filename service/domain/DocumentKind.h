@@ -1,0 +1,26 @@
+#pragma once
+
+#include <array>
+
+namespace monitorservice {
+
+/// What the documents of a project are.
+enum class DocumentKind
+{
+    Cell,
+    SubCategory,
+    Group,
+    PointLocation,
+    DataManage,
+    History,
+    Alarm,
+    AlarmDetail,
+    AlarmDepth
+};
+
+constexpr std::array<DocumentKind, 9> allDocumentKinds{
+    DocumentKind::Cell,          DocumentKind::SubCategory, DocumentKind::Group,
+    DocumentKind::PointLocation, DocumentKind::DataManage,  DocumentKind::History,
+    DocumentKind::Alarm,         DocumentKind::AlarmDetail, DocumentKind::AlarmDepth};
+
+} // namespace monitorservice

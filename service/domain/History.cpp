@@ -1,0 +1,36 @@
+#include "domain/History.h"
+
+#include "domain/DocumentReader.h"
+#include "domain/DocumentWriter.h"
+#include "json/JsonText.h"
+
+namespace monitorservice {
+
+std::string toDocument(const History& history)
+{
+    JsonObjectWriter document;
+    document.text("_id", history.id)
+        .text("dataManageId", history.dataManage)
+        .text("lastDate", history.lastDate)
+        .integer("lastCount", history.lastCount)
+        .integer("insertCount", history.insertCount)
+        .text("fileId", history.fileId);
+    return appendStamp(document, history.stamp).finish();
+}
+
+template <>
+History fromDocument<History>(std::string_view text)
+{
+    const DocumentReader document("history", text);
+    History history;
+    history.id = document.text("_id");
+    history.dataManage = document.text("dataManageId");
+    history.lastDate = document.text("lastDate");
+    history.lastCount = document.integer("lastCount");
+    history.insertCount = document.integer("insertCount");
+    history.fileId = document.text("fileId");
+    history.stamp = document.stamp();
+    return history;
+}
+
+} // namespace monitorservice

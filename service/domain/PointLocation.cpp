@@ -1,0 +1,54 @@
+#include "domain/PointLocation.h"
+
+#include "domain/DocumentReader.h"
+#include "domain/DocumentWriter.h"
+#include "json/JsonText.h"
+
+namespace monitorservice {
+
+std::string toDocument(const PointLocation& pointLocation)
+{
+    JsonObjectWriter document;
+    document.text("_id", pointLocation.id)
+        .text("projectId", pointLocation.project)
+        .text("cellId", pointLocation.cell)
+        .text("subCategoryId", pointLocation.subCategory)
+        .text("alias", pointLocation.alias)
+        .text("name", pointLocation.name)
+        .integer("dataType", pointLocation.dataType)
+        .number("initialValue", pointLocation.initialValue)
+        .text("offsetDirection", pointLocation.offsetDirection)
+        .text("depth", pointLocation.depth)
+        .integer("insertCount", pointLocation.insertCount)
+        .integer("lastCount", pointLocation.lastCount)
+        .text("lastDate", pointLocation.lastDate)
+        .text("fileId", pointLocation.fileId)
+        .json("links", pointLocation.links);
+    return appendStamp(document, pointLocation.stamp).finish();
+}
+
+template <>
+PointLocation fromDocument<PointLocation>(std::string_view text)
+{
+    const DocumentReader document("point location", text);
+    PointLocation pointLocation;
+    pointLocation.id = document.text("_id");
+    pointLocation.project = document.text("projectId");
+    pointLocation.cell = document.text("cellId");
+    pointLocation.subCategory = document.text("subCategoryId");
+    pointLocation.alias = document.text("alias");
+    pointLocation.name = document.text("name");
+    pointLocation.dataType = document.smallInteger("dataType");
+    pointLocation.initialValue = document.number("initialValue");
+    pointLocation.offsetDirection = document.text("offsetDirection");
+    pointLocation.depth = document.text("depth");
+    pointLocation.insertCount = document.integer("insertCount");
+    pointLocation.lastCount = document.smallInteger("lastCount");
+    pointLocation.lastDate = document.text("lastDate");
+    pointLocation.fileId = document.text("fileId");
+    pointLocation.links = document.json("links");
+    pointLocation.stamp = document.stamp();
+    return pointLocation;
+}
+
+} // namespace monitorservice

@@ -1,0 +1,211 @@
+#include "store/sqlite/SqliteMeasurements.h"
+
+#include "store/sqlite/SqlitePointSelection.h"
+#include "store/sqlite/SqliteSchema.h"
+
+#include <array>
+
+namespace monitorservice {
+
+namespace {
+
+std::optional<std::int64_t> columnOf(const std::optional<int>& offsetMinutes)
+{
+    return offsetMinutes ? std::optional<std::int64_t>(*offsetMinutes) : std::nullopt;
+}
+
+std::optional<int> offsetIn(const SqliteStatement& row, int column)
+{
+    return row.isNull(column) ? std::nullopt : std::optional(static_cast<int>(row.integer(column)));
+}
+
+// Columns time, count, offset_minutes, value, time_flag.
+void readSample(const SqliteStatement& row, Sample& sample)
+{
+    sample.time = row.integer(0);
+    sample.count = static_cast<std::int32_t>(row.integer(1));
+    sample.offsetMinutes = offsetIn(row, 2);
+    sample.value = row.real(3);
+    sample.timeFlag = row.view(4);
+}
+
+// Columns day, time, count, offset_minutes, value, samples.
+DaySummary dayOf(const SqliteStatement& row)
+{
+    return {row.integer(0),   row.integer(1), static_cast<std::int32_t>(row.integer(2)),
+            offsetIn(row, 3), row.real(4),    row.integer(5)};
+}
+
+} // namespace
+
+std::optional<StoredPoint> SqliteMeasurements::findPoint(const std::string& cell,
+                                                         const std::string& subCategory,
+                                                         const std::string& name,
+                                                         const std::string& depth) const
+{
+    SqliteStatement statement =
+        m_connection.statement("SELECT point, id, document FROM point_locations WHERE cell = ? AND "
+                               "sub_category = ? AND name = ? AND depth = ?");
+    statement.bind(cell, subCategory, name, depth);
+    if (!statement.step()) {
+        return std::nullopt;
+    }
+    return StoredPoint{statement.integer(0), statement.text(1), statement.text(2)};
+}
+
+void SqliteMeasurements::visitPoints(const std::string& cell, const std::string& subCategory,
+                                     const std::string& name, const PointVisitor& visitor) const
+{
+    SqliteStatement statement =
+        m_connection.statement("SELECT point, id, document FROM point_locations WHERE cell = ? AND "
+                               "sub_category = ? AND name = ? ORDER BY depth");
+    statement.bind(cell, subCategory, name);
+    while (statement.step()) {
+        visitor({statement.integer(0), statement.text(1), statement.text(2)});
+    }
+}
+
+std::int64_t SqliteMeasurements::insertPoint(const std::string& project, const std::string& id,
+                                             const std::string& document)
+{
+    static const std::string sql =
+        "INSERT INTO point_locations (project, id, document, cell, sub_category, name, depth, last_time) "
+        "VALUES (?1, ?2, ?3, json_extract(?3, '$.cellId'), json_extract(?3, '$.subCategoryId'), "
+        "json_extract(?3, '$.name'), json_extract(?3, '$.depth'), " +
+        instantIn("json_extract(?3, '$.lastDate')") + ")";
+    m_connection.statement(sql).bind(project, id, document).run();
+    return m_connection.database().getLastInsertRowid();
+}
+
+void SqliteMeasurements::replacePoint(std::int64_t point, const std::string& document,
+                                      const std::optional<Instant>& lastTime)
+{
+    m_connection.statement("UPDATE point_locations SET document = ?, last_time = ? WHERE point = ?")
+        .bind(document, lastTime, point)
+        .run();
+}
+
+bool SqliteMeasurements::replaceLinks(std::int64_t point, const std::string& links, Instant when,
+                                      const std::string& who)
+{
+    SqliteStatement statement = m_connection.statement(
+        "UPDATE point_locations SET document = json_set(document, '$.links', json(?), '$.updatedAt', "
+        "max(json_extract(document, '$.updatedAt'), ?), '$.updatedBy', ?) WHERE point = ? AND "
+        "json_extract(document, '$.links') <> json(?)");
+    statement.bind(links, isoText(when), who, point, links);
+    return statement.run() > 0;
+}
+
+std::unique_ptr<PointSelection> SqliteMeasurements::select(const DocumentQuery& query) const
+{
+    return std::make_unique<SqlitePointSelection>(m_connection, query);
+}
+
+std::optional<Sample> SqliteMeasurements::findSample(std::int64_t point, Instant time,
+                                                     std::int32_t count) const
+{
+    SqliteStatement statement =
+        m_connection.statement("SELECT time, count, offset_minutes, value, time_flag FROM samples WHERE "
+                               "point = ? AND time = ? AND count = ?");
+    statement.bind(point, time, std::int64_t{count});
+    if (!statement.step()) {
+        return std::nullopt;
+    }
+    Sample sample;
+    readSample(statement, sample);
+    return sample;
+}
+
+void SqliteMeasurements::visitSamples(std::int64_t point, Instant from, Instant before,
+                                      const SampleVisitor& visitor) const
+{
+    SqliteStatement statement =
+        m_connection.statement("SELECT time, count, offset_minutes, value, time_flag FROM samples WHERE "
+                               "point = ? AND time >= ? AND time < ? ORDER BY time, count");
+    statement.bind(point, from, before);
+    Sample sample;
+    while (statement.step()) {
+        readSample(statement, sample);
+        visitor(sample);
+    }
+}
+
+bool SqliteMeasurements::insertSample(std::int64_t point, const Sample& sample)
+{
+    SqliteStatement statement = m_connection.statement(
+        "INSERT INTO samples (point, time, count, offset_minutes, value, time_flag) VALUES "
+        "(?, ?, ?, ?, ?, ?) ON CONFLICT (point, time, count) DO NOTHING");
+    statement.bind(point, sample.time, std::int64_t{sample.count}, columnOf(sample.offsetMinutes),
+                   sample.value, sample.timeFlag);
+    return statement.run() > 0;
+}
+
+void SqliteMeasurements::replaceSample(std::int64_t point, const Sample& sample)
+{
+    m_connection
+        .statement("UPDATE samples SET value = ?, time_flag = ? WHERE point = ? AND time = ? AND count = ?")
+        .bind(sample.value, sample.timeFlag, point, sample.time, std::int64_t{sample.count})
+        .run();
+}
+
+void SqliteMeasurements::visitDays(std::int64_t point, std::int64_t first, std::int64_t last,
+                                   const DayVisitor& visitor) const
+{
+    SqliteStatement statement =
+        m_connection.statement("SELECT day, time, count, offset_minutes, value, samples FROM day_rollup "
+                               "WHERE point = ? AND day BETWEEN ? AND ? ORDER BY day");
+    statement.bind(point, first, last);
+    while (statement.step()) {
+        visitor(dayOf(statement));
+    }
+}
+
+std::optional<DaySummary> SqliteMeasurements::latestDayBefore(std::int64_t point, std::int64_t day) const
+{
+    SqliteStatement statement =
+        m_connection.statement("SELECT day, time, count, offset_minutes, value, samples FROM day_rollup "
+                               "WHERE point = ? AND day < ? ORDER BY day DESC LIMIT 1");
+    statement.bind(point, day);
+    if (!statement.step()) {
+        return std::nullopt;
+    }
+    return dayOf(statement);
+}
+
+void SqliteMeasurements::addToDay(std::int64_t point, const DaySummary& added)
+{
+    SqliteStatement statement = m_connection.statement(
+        "INSERT INTO day_rollup AS held (point, day, time, count, offset_minutes, value, samples) "
+        "VALUES (?, ?, ?, ?, ?, ?, ?) ON CONFLICT (point, day) DO UPDATE SET "
+        "samples = held.samples + excluded.samples, (time, count, offset_minutes, value) = "
+        "(SELECT held.time, held.count, held.offset_minutes, held.value "
+        "WHERE (held.time, held.count) > (excluded.time, excluded.count) UNION ALL "
+        "SELECT excluded.time, excluded.count, excluded.offset_minutes, excluded.value LIMIT 1)");
+    statement.bind(point, added.day, added.time, std::int64_t{added.count}, columnOf(added.offsetMinutes),
+                   added.value, added.samples);
+    statement.run();
+}
+
+void SqliteMeasurements::removeDelivered(const std::string& cell, const std::string& subCategory)
+{
+    // What refers comes before what is referred to.
+    constexpr std::array<const char*, 8> statements{
+        "DELETE FROM alarm_depths WHERE detail IN (SELECT e.id FROM alarm_details AS e JOIN alarms AS a ON "
+        "a.id = e.alarm WHERE a.cell = ? AND a.sub_category = ?)",
+        "DELETE FROM alarm_details WHERE alarm IN (SELECT id FROM alarms WHERE cell = ? AND sub_category = "
+        "?)",
+        "DELETE FROM alarms WHERE cell = ? AND sub_category = ?",
+        "DELETE FROM histories WHERE data_manage IN (SELECT id FROM data_manages WHERE cell = ? AND "
+        "sub_category = ?)",
+        "DELETE FROM data_manages WHERE cell = ? AND sub_category = ?",
+        "DELETE FROM samples WHERE point IN (SELECT point FROM point_locations WHERE cell = ? AND "
+        "sub_category = ?)",
+        "DELETE FROM day_rollup WHERE point IN (SELECT point FROM point_locations WHERE cell = ? AND "
+        "sub_category = ?)",
+        "DELETE FROM point_locations WHERE cell = ? AND sub_category = ?"};
+    for (const char* const sql : statements) {
+        m_connection.statement(sql).bind(cell, subCategory).run();
+    }
+}
+
+} // namespace monitorservice

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "store/Store.h"
+#include "store/sqlite/SqliteConnection.h"
+
+namespace monitorservice {
+
+class SqliteMeasurements final : public Measurements
+{
+public:
+    explicit SqliteMeasurements(SqliteConnection& connection) : m_connection(connection) {}
+
+    std::optional<StoredPoint> findPoint(const std::string& cell, const std::string& subCategory,
+                                         const std::string& name, const std::string& depth) const override;
+    void visitPoints(const std::string& cell, const std::string& subCategory, const std::string& name,
+                     const PointVisitor& visitor) const override;
+    std::int64_t insertPoint(const std::string& project, const std::string& id,
+                             const std::string& document) override;
+    void replacePoint(std::int64_t point, const std::string& document,
+                      const std::optional<Instant>& lastTime) override;
+    bool replaceLinks(std::int64_t point, const std::string& links, Instant when,
+                      const std::string& who) override;
+    std::unique_ptr<PointSelection> select(const DocumentQuery& query) const override;
+
+    std::optional<Sample> findSample(std::int64_t point, Instant time, std::int32_t count) const override;
+    void visitSamples(std::int64_t point, Instant from, Instant before,
+                      const SampleVisitor& visitor) const override;
+    bool insertSample(std::int64_t point, const Sample& sample) override;
+    void replaceSample(std::int64_t point, const Sample& sample) override;
+
+    void visitDays(std::int64_t point, std::int64_t first, std::int64_t last,
+                   const DayVisitor& visitor) const override;
+    std::optional<DaySummary> latestDayBefore(std::int64_t point, std::int64_t day) const override;
+    void addToDay(std::int64_t point, const DaySummary& added) override;
+
+    void removeDelivered(const std::string& cell, const std::string& subCategory) override;
+
+private:
+    SqliteConnection& m_connection;
+};
+
+} // namespace monitorservice

@@ -1,0 +1,414 @@
+#include "store/sqlite/SqlitePointSelection.h"
+
+#include "domain/Document.h"
+#include "domain/SampleText.h"
+#include "json/JsonText.h"
+#include "query/Matcher.h"
+#include "query/Order.h"
+#include "store/sqlite/SqliteDocuments.h"
+
+#include <simdjson.h>
+
+#include <algorithm>
+#include <limits>
+#include <tuple>
+#include <utility>
+
+namespace monitorservice {
+
+namespace {
+
+constexpr const char* samplePathTime = "time";
+constexpr const char* samplePathFlag = "data.timeFlag";
+
+// Asks the matcher about one JSON text after another.
+class TextMatcher
+{
+public:
+    explicit TextMatcher(const Where& where) : m_matcher(where) {}
+
+    bool matches(std::string_view json)
+    {
+        simdjson::dom::element element;
+        if (m_parser.parse(json.data(), json.size()).get(element) != simdjson::SUCCESS) {
+            throw StoreError(StoreFailure::InputOutput, "a stored document is damaged");
+        }
+        return m_matcher.matches(element);
+    }
+
+private:
+    simdjson::dom::parser m_parser;
+    Matcher m_matcher;
+};
+
+std::optional<int> offsetIn(const SqliteStatement& row, int column)
+{
+    return row.isNull(column) ? std::nullopt : std::optional(static_cast<int>(row.integer(column)));
+}
+
+// What the conditions on a sample are asked of: its members stand where their paths lead.
+std::string sampleDocument(const SqliteFunction::Arguments& arguments)
+{
+    const std::optional<int> offset =
+        arguments.isNull(1) ? std::nullopt : std::optional(static_cast<int>(arguments.integer(1)));
+    std::string json = "{\"time\":\"";
+    appendIsoText(json, arguments.integer(0), offset);
+    json += "\",\"data\":{\"timeFlag\":";
+    appendJsonString(json, arguments.text(2));
+    json += "}}";
+    return json;
+}
+
+// The period that the conditions describe: all of them are on "time", from or before a whole millisecond.
+std::optional<SqlitePointSelection::Period> periodOf(const Where& where)
+{
+    SqlitePointSelection::Period period;
+    for (const Condition& condition : where.conditions()) {
+        const bool isBound = condition.path == samplePathTime && !condition.operands.empty() &&
+                             condition.operands.front().instant &&
+                             condition.operands.front().instant->finerDigits.empty();
+        if (!isBound) {
+            return std::nullopt;
+        }
+        const Instant bound = condition.operands.front().instant->milliseconds;
+        if (condition.operation == Operator::GreaterOrEqual) {
+            period.from = std::max(period.from, bound);
+        } else if (condition.operation == Operator::Less) {
+            period.before = std::min(period.before, bound);
+        } else {
+            return std::nullopt;
+        }
+    }
+    return period;
+}
+
+// Whether a condition is on the member or on something within it.
+bool leadsInto(const Where& where, std::string_view member)
+{
+    const auto& conditions = where.conditions();
+    return std::any_of(conditions.begin(), conditions.end(),
+                       [member](const Condition& condition) { return condition.names.front() == member; });
+}
+
+std::int64_t sqlNumber(std::uint64_t number)
+{
+    constexpr auto largest = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+    return static_cast<std::int64_t>(std::min(number, largest));
+}
+
+std::int64_t utcDayOf(Instant instant)
+{
+    constexpr std::int64_t millisecondsPerDay = 86'400'000;
+    return instant / millisecondsPerDay - (instant % millisecondsPerDay < 0 ? 1 : 0);
+}
+
+// Columns day, time, count, offset_minutes, value.
+DayValue dayOf(const SqliteStatement& row)
+{
+    return {row.integer(0), row.integer(1), static_cast<std::int32_t>(row.integer(2)), offsetIn(row, 3),
+            row.real(4)};
+}
+
+// Columns time, count, offset_minutes, value, time_flag.
+Sample sampleOf(const SqliteStatement& row)
+{
+    return {row.integer(0), static_cast<std::int32_t>(row.integer(1)), offsetIn(row, 2), row.real(3),
+            std::string(row.view(4))};
+}
+
+void bindValues(SqliteStatement& statement, const std::vector<SqlValue>& values)
+{
+    for (const SqlValue& value : values) {
+        std::visit([&statement](const auto& one) { statement.bindNext(one); }, value);
+    }
+}
+
+bool isBefore(const DayValue& left, const DayValue& right)
+{
+    return std::tie(left.time, left.count) < std::tie(right.time, right.count);
+}
+
+// Relations are stored as "links" and asked for as "entity", their identifiers as "uuid".
+Where asStored(const Where& where)
+{
+    return where.readAs("entity", {"links"}).readAs("uuid", {"links", "rId"});
+}
+
+} // namespace
+
+void SqlitePointSelection::Sql::append(const std::string& more, const std::vector<SqlValue>& moreValues)
+{
+    text += more;
+    values.insert(values.end(), moreValues.begin(), moreValues.end());
+}
+
+SqlitePointSelection::SqlitePointSelection(SqliteConnection& connection, const DocumentQuery& query)
+    : m_connection(connection)
+{
+    const auto [ofSamples, ofPoints] = query.where == nullptr
+                                           ? std::pair<Where, Where>()
+                                           : query.where->split({samplePathTime, samplePathFlag});
+    selectSamples(ofSamples);
+    selectPoints(asStored(ofPoints), query);
+    orderPoints(query);
+}
+
+void SqlitePointSelection::selectSamples(const Where& where)
+{
+    static const std::vector<NarrowableField> fields{
+        {samplePathTime, "samples.time", FieldKind::Time, true},
+        {samplePathFlag, "samples.time_flag", FieldKind::Text, true}};
+    const Narrowing narrowing = narrow(where, fields);
+    m_choosesSamples = !where.isEmpty();
+    m_sampleCondition = {narrowing.sql, narrowing.values};
+    if (narrowing.exact) {
+        m_period = periodOf(where);
+        return;
+    }
+    m_sampleCondition.text += " AND sample_matches(samples.time, samples.offset_minutes, samples.time_flag)";
+    const auto matcher = std::make_shared<TextMatcher>(where);
+    m_sampleMatches = std::make_unique<SqliteFunction>(m_connection, "sample_matches", 3,
+                                                       [matcher](const SqliteFunction::Arguments& arguments) {
+                                                           return matcher->matches(sampleDocument(arguments));
+                                                       });
+}
+
+// Which points of the view the query may reach at all, whatever its condition.
+SqlitePointSelection::Sql SqlitePointSelection::reachOf(const DocumentQuery& query, const std::string& alias)
+{
+    Sql reach{alias + ".project = ?", {query.project}};
+    if (query.categories) {
+        std::string placeholders;
+        for (const std::string& category : *query.categories) {
+            placeholders += placeholders.empty() ? "?" : ", ?";
+            reach.values.emplace_back(category);
+        }
+        reach.text += " AND " + alias + ".category IN (" + placeholders + ")";
+    }
+    return reach;
+}
+
+void SqlitePointSelection::selectPoints(const Where& where, const DocumentQuery& query)
+{
+    const DocumentTable& table = documentTable(DocumentKind::PointLocation);
+    m_points = {" FROM " + table.view + " AS p WHERE ", {}};
+    const Sql reach = reachOf(query, "p");
+    m_points.append(reach.text, reach.values);
+    if (query.parent) {
+        m_points.append(" AND p." + table.parent + " = ?", {*query.parent});
+    }
+    const Narrowing narrowing = narrow(where, table.narrowable);
+    Sql matches;
+    if (!narrowing.exact) {
+        matches.text = "point_matches(p.point, p.category, p.document)";
+        const auto matcher = std::make_shared<TextMatcher>(where);
+        m_pointMatches = std::make_unique<SqliteFunction>(
+            m_connection, "point_matches", 3,
+            [this, matcher,
+             withSamples = leadsInto(where, "data")](const SqliteFunction::Arguments& arguments) {
+                return matcher->matches(pointDocument(arguments, withSamples));
+            });
+    }
+    if (m_choosesSamples) {
+        matches.append(std::string(matches.text.empty() ? "" : " AND ") +
+                           "EXISTS (SELECT 1 FROM samples WHERE samples.point = p.point AND " +
+                           m_sampleCondition.text + ")",
+                       m_sampleCondition.values);
+    }
+    m_points.append(" AND (" + narrowing.sql + ")", narrowing.values);
+    if (!matches.text.empty()) {
+        // Points out of reach must not cost steps of a pattern, or their number would tell about them. SQLite
+        // evaluates the terms of an AND in any order, and where a column equals a value puts the value in its
+        // place everywhere: hence CASE, whose order is kept, and the point looked up by its key once more.
+        const Sql reachOfKey = reachOf(query, "r");
+        m_points.append(" AND CASE WHEN EXISTS (SELECT 1 FROM " + table.view +
+                            " AS r WHERE r.point = p.point AND " + reachOfKey.text + ")",
+                        reachOfKey.values);
+        m_points.append(" THEN " + matches.text + " ELSE FALSE END", matches.values);
+    }
+}
+
+void SqlitePointSelection::orderPoints(const DocumentQuery& query)
+{
+    Sql newest{"p.last_time", {}};
+    if (m_choosesSamples) {
+        newest = {"(SELECT samples.time FROM samples WHERE samples.point = p.point AND " +
+                      m_sampleCondition.text + " ORDER BY samples.time DESC LIMIT 1)",
+                  m_sampleCondition.values};
+    }
+    std::vector<SortableField> fields = documentTable(DocumentKind::PointLocation).sortable;
+    for (SortableField& field : fields) {
+        if (field.path == "data.time") {
+            field.sql = newest.text;
+        }
+    }
+    const std::vector<OrderTerm> terms =
+        query.order ? parseOrder(*query.order, fields) : std::vector<OrderTerm>();
+    m_order.text = " " + orderBy(terms, "id") + " LIMIT ? OFFSET ?";
+    for (const OrderTerm& term : terms) {
+        if (term.sql == newest.text) {
+            m_order.append("", newest.values);
+        }
+    }
+    m_order.append("", {sqlNumber(query.limit), sqlNumber(query.skip)});
+}
+
+std::uint64_t SqlitePointSelection::count()
+{
+    SqliteStatement statement = bound("SELECT count(*)", m_points);
+    step(statement);
+    return static_cast<std::uint64_t>(statement.integer(0));
+}
+
+void SqlitePointSelection::visit(const PointVisitor& visitor)
+{
+    Sql sql = m_points;
+    sql.append(m_order.text, m_order.values);
+    SqliteStatement statement =
+        bound("SELECT p.point, p.id, p.category, p.name, p.depth, p.links, p.document", sql);
+    while (step(statement)) {
+        visitor({statement.integer(0), statement.view(1), statement.view(2), statement.view(3),
+                 statement.view(4), statement.view(5), statement.view(6)});
+    }
+}
+
+void SqlitePointSelection::visitSamples(std::int64_t point, const SampleVisitor& visitor)
+{
+    SqliteStatement statement = boundSamples(point, "ORDER BY time, count");
+    while (step(statement)) {
+        visitor(sampleOf(statement));
+    }
+}
+
+void SqlitePointSelection::visitDays(std::int64_t point, const DayVisitor& visitor)
+{
+    if (m_period) {
+        visitDaysOfPeriod(point, *m_period, visitor);
+    } else {
+        visitDaysOfSamples(point, visitor);
+    }
+}
+
+// The last sample of a day is the last chosen one as well, but for the day within which the period ends.
+void SqlitePointSelection::visitDaysOfPeriod(std::int64_t point, const Period& period,
+                                             const DayVisitor& visitor)
+{
+    // A day begins and ends less than a day away from that of UTC with the same number.
+    SqliteStatement statement = boundDays(point, utcDayOf(period.from) - 1, utcDayOf(period.before) + 1);
+    std::optional<DayValue> previous;
+    while (statement.step()) {
+        DayValue day = dayOf(statement);
+        if (day.time >= period.before) {
+            const std::optional<DayValue> last = lastSampleOfPeriod(point);
+            if (last && (!previous || isBefore(*previous, *last))) {
+                visitor({day.day, last->time, last->count, last->offsetMinutes, last->value});
+            }
+            return;
+        }
+        if (day.time >= period.from) {
+            visitor(day);
+        }
+        previous = day;
+    }
+}
+
+// A sample belongs to the first day whose last sample is not before it.
+void SqlitePointSelection::visitDaysOfSamples(std::int64_t point, const DayVisitor& visitor)
+{
+    constexpr auto ever = std::numeric_limits<std::int64_t>::max();
+    SqliteStatement days = boundDays(point, std::numeric_limits<std::int64_t>::min(), ever);
+    std::optional<DayValue> day;
+    std::optional<DayValue> last;
+    visitSamples(point, [&](const Sample& sample) {
+        const DayValue value{0, sample.time, sample.count, sample.offsetMinutes, sample.value};
+        while (!day || isBefore(*day, value)) {
+            if (!days.step()) {
+                throw StoreError(StoreFailure::InputOutput, "what is kept of each day is damaged");
+            }
+            day = dayOf(days);
+        }
+        if (last && last->day != day->day) {
+            visitor(*last);
+        }
+        last = value;
+        last->day = day->day;
+    });
+    if (last) {
+        visitor(*last);
+    }
+}
+
+std::optional<DayValue> SqlitePointSelection::lastSampleOfPeriod(std::int64_t point)
+{
+    SqliteStatement statement = boundSamples(point, "ORDER BY time DESC, count DESC LIMIT 1");
+    if (!step(statement)) {
+        return std::nullopt;
+    }
+    const Sample sample = sampleOf(statement);
+    return DayValue{0, sample.time, sample.count, sample.offsetMinutes, sample.value};
+}
+
+// What the conditions on a point are asked of.
+std::string SqlitePointSelection::pointDocument(const SqliteFunction::Arguments& arguments, bool withSamples)
+{
+    std::string json(openedDocument(arguments.text(2)));
+    json += ",\"category\":";
+    appendJsonString(json, arguments.text(1));
+    if (withSamples) {
+        json += ",\"data\":[";
+        SqliteStatement statement = m_connection.statement(
+            "SELECT time, count, offset_minutes, value, time_flag FROM samples WHERE point = ? "
+            "ORDER BY time, count");
+        statement.bind(arguments.integer(0));
+        for (bool first = true; statement.step(); first = false) {
+            json += first ? "" : ",";
+            appendSample(json, sampleOf(statement));
+        }
+        json += ']';
+    }
+    json += '}';
+    return json;
+}
+
+SqliteStatement SqlitePointSelection::bound(const std::string& columns, const Sql& sql)
+{
+    SqliteStatement statement = m_connection.statement(columns + sql.text);
+    bindValues(statement, sql.values);
+    return statement;
+}
+
+SqliteStatement SqlitePointSelection::boundSamples(std::int64_t point, const std::string& order)
+{
+    SqliteStatement statement = m_connection.statement(
+        "SELECT time, count, offset_minutes, value, time_flag FROM samples WHERE point = ? AND " +
+        m_sampleCondition.text + " " + order);
+    statement.bind(point);
+    bindValues(statement, m_sampleCondition.values);
+    return statement;
+}
+
+SqliteStatement SqlitePointSelection::boundDays(std::int64_t point, std::int64_t first, std::int64_t last)
+{
+    SqliteStatement statement =
+        m_connection.statement("SELECT day, time, count, offset_minutes, value FROM day_rollup "
+                               "WHERE point = ? AND day BETWEEN ? AND ? ORDER BY day");
+    statement.bind(point, first, last);
+    return statement;
+}
+
+// Goes to the next row; what a condition threw on the way is thrown in place of SQLite's message about it.
+bool SqlitePointSelection::step(SqliteStatement& statement)
+{
+    try {
+        return statement.step();
+    } catch (const StoreError&) {
+        for (const auto& function : {m_sampleMatches.get(), m_pointMatches.get()}) {
+            if (function != nullptr) {
+                function->rethrow();
+            }
+        }
+        throw;
+    }
+}
+
+} // namespace monitorservice

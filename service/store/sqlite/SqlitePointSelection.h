@@ -1,0 +1,69 @@
+#pragma once
+
+#include "store/PointSelection.h"
+#include "store/Store.h"
+#include "store/sql/Narrowing.h"
+#include "store/sqlite/SqliteConnection.h"
+#include "store/sqlite/SqliteFunction.h"
+
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace monitorservice {
+
+/// Selects in SQL alone: what SQL cannot decide it asks the matcher, through functions that live as long as
+/// the selection. One selection at a time on a connection.
+class SqlitePointSelection final : public PointSelection
+{
+public:
+    /// From the first instant to before the second.
+    struct Period
+    {
+        Instant from = std::numeric_limits<Instant>::min();
+        Instant before = std::numeric_limits<Instant>::max();
+    };
+
+    /// The query's condition is copied.
+    SqlitePointSelection(SqliteConnection& connection, const DocumentQuery& query);
+
+    std::uint64_t count() override;
+    void visit(const PointVisitor& visitor) override;
+    void visitSamples(std::int64_t point, const SampleVisitor& visitor) override;
+    void visitDays(std::int64_t point, const DayVisitor& visitor) override;
+
+private:
+    struct Sql
+    {
+        std::string text;
+        std::vector<SqlValue> values;
+
+        void append(const std::string& more, const std::vector<SqlValue>& moreValues = {});
+    };
+
+    static Sql reachOf(const DocumentQuery& query, const std::string& alias);
+    void selectSamples(const Where& where);
+    void selectPoints(const Where& where, const DocumentQuery& query);
+    void orderPoints(const DocumentQuery& query);
+    std::string pointDocument(const SqliteFunction::Arguments& arguments, bool withSamples);
+    void visitDaysOfPeriod(std::int64_t point, const Period& period, const DayVisitor& visitor);
+    void visitDaysOfSamples(std::int64_t point, const DayVisitor& visitor);
+    std::optional<DayValue> lastSampleOfPeriod(std::int64_t point);
+    SqliteStatement bound(const std::string& columns, const Sql& sql);
+    SqliteStatement boundSamples(std::int64_t point, const std::string& order);
+    SqliteStatement boundDays(std::int64_t point, std::int64_t first, std::int64_t last);
+    bool step(SqliteStatement& statement);
+
+    SqliteConnection& m_connection;
+    Sql m_sampleCondition; ///< of a row of samples
+    bool m_choosesSamples = false;
+    std::optional<Period> m_period; ///< when the chosen samples are those of a period
+    Sql m_points;                   ///< FROM and WHERE
+    Sql m_order;                    ///< ORDER BY, LIMIT and OFFSET
+    std::unique_ptr<SqliteFunction> m_sampleMatches;
+    std::unique_ptr<SqliteFunction> m_pointMatches;
+};
+
+} // namespace monitorservice

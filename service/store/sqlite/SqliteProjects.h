@@ -1,0 +1,34 @@
+#pragma once
+
+#include "store/Store.h"
+#include "store/sqlite/SqliteConnection.h"
+
+namespace monitorservice {
+
+class SqliteProjects final : public Projects
+{
+public:
+    explicit SqliteProjects(SqliteConnection& connection) : m_connection(connection) {}
+
+    std::optional<Project> find(const std::string& id) const override;
+    std::vector<Project> list() const override;
+    void insert(const Project& project) override;
+
+private:
+    SqliteConnection& m_connection;
+};
+
+class SqliteCategories final : public Categories
+{
+public:
+    explicit SqliteCategories(SqliteConnection& connection) : m_connection(connection) {}
+
+    bool contains(const std::string& category) const override;
+    std::vector<std::string> list() const override;
+    bool add(const std::string& category) override;
+
+private:
+    SqliteConnection& m_connection;
+};
+
+} // namespace monitorservice

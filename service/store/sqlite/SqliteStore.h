@@ -1,0 +1,53 @@
+#pragma once
+
+#include "store/Store.h"
+#include "store/sqlite/FairMutex.h"
+
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace monitorservice {
+
+class SqliteConnection;
+
+struct SqliteStoreOptions
+{
+    bool createIfMissing = false;
+    /// How long a write waits for writers of this and other processes.
+    std::chrono::milliseconds busyTimeout{5000};
+    Clock clock = systemNow;
+};
+
+/// The store in one SQLite file with its write-ahead log beside it. One connection writes; every session that
+/// only reads has a connection of its own from a pool. Several processes may use the file at once.
+class SqliteStore final : public Store
+{
+public:
+    /// Opens the file and brings it to the current version. Throws StoreError with StoreFailure::CannotOpen
+    /// and a message that names the file when it cannot.
+    explicit SqliteStore(std::filesystem::path file, SqliteStoreOptions options = {});
+    /// Moves the write-ahead log into the file, as far as other processes let it.
+    ~SqliteStore() override;
+
+    std::unique_ptr<const Session> read() override;
+    std::unique_ptr<Session> write() override;
+
+private:
+    class ReadSession;
+    class WriteSession;
+
+    std::unique_ptr<SqliteConnection> takeReader();
+    void giveBack(std::unique_ptr<SqliteConnection> reader);
+
+    std::filesystem::path m_file;
+    SqliteStoreOptions m_options;
+    FairMutex m_writing;
+    std::unique_ptr<SqliteConnection> m_writer;
+    std::mutex m_poolMutex;
+    std::vector<std::unique_ptr<SqliteConnection>> m_idleReaders;
+};
+
+} // namespace monitorservice

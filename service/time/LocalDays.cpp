@@ -1,0 +1,71 @@
+#include "time/LocalDays.h"
+
+#include <date/tz.h>
+
+#include <chrono>
+#include <stdexcept>
+
+namespace monitorservice {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr std::int64_t millisecondsPerDay = 24LL * 60 * 60 * 1000;
+// The database says "for ever" with instants that milliseconds cannot hold.
+constexpr Instant earliest = -100'000 * 366 * millisecondsPerDay;
+constexpr Instant latest = 100'000 * 366 * millisecondsPerDay;
+
+Instant bounded(date::sys_seconds time)
+{
+    const std::int64_t seconds = time.time_since_epoch().count();
+    if (seconds <= earliest / 1000) {
+        return earliest;
+    }
+    return seconds >= latest / 1000 ? latest : seconds * 1000;
+}
+
+const date::time_zone* located(const std::string& name)
+{
+    try {
+        return date::locate_zone(name);
+    } catch (const std::runtime_error&) {
+        throw UnknownTimeZone("the system's time zone database has no zone \"" + name + "\"");
+    }
+}
+
+} // namespace
+
+LocalDays::LocalDays(const std::string& timeZone) : m_zone(located(timeZone)) {}
+
+std::int64_t LocalDays::dayOf(Instant instant)
+{
+    const milliseconds local(instant + offsetAt(instant));
+    return date::floor<date::days>(local).count();
+}
+
+Instant LocalDays::beginOf(std::int64_t day) const
+{
+    const date::local_days midnight{date::days(day)};
+    return m_zone->to_sys(date::local_seconds(midnight), date::choose::earliest).time_since_epoch().count() *
+           1000;
+}
+
+int LocalDays::offsetMinutesAt(Instant instant)
+{
+    return static_cast<int>(offsetAt(instant) / (60LL * 1000));
+}
+
+std::int64_t LocalDays::offsetAt(Instant instant)
+{
+    if (instant < m_from || instant >= m_before) {
+        const date::sys_time<milliseconds> time{milliseconds(instant)};
+        const date::sys_info info = m_zone->get_info(time);
+        m_from = bounded(info.begin);
+        m_before = bounded(info.end);
+        m_offset = info.offset.count() * 1000;
+    }
+    return m_offset;
+}
+
+} // namespace monitorservice

@@ -1,0 +1,47 @@
+#include "access/Principal.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace monitorservice {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+Grant grant(const std::string& project, const std::optional<std::string>& category, Rights rights)
+{
+    return {"g", "t", project, category, rights, 0};
+}
+
+TEST(Principal, HoldsWhatItsGrantsAddUpTo)
+{
+    const Principal principal("Ada", {grant("p1", "A", Right::Read), grant("p1", std::nullopt, Right::Create),
+                                      grant("p1", "A", Right::Edit), grant("p2", "B", Right::Delete)});
+    EXPECT_EQ(principal.owner(), "Ada");
+    EXPECT_TRUE(principal.may(Right::Read, "p1", "A"));
+    EXPECT_TRUE(principal.may(Right::Edit, "p1", "A"));
+    EXPECT_TRUE(principal.may(Right::Create, "p1", "A"));
+    EXPECT_TRUE(principal.may(Right::Create, "p1", "B"));
+    EXPECT_FALSE(principal.may(Right::Read, "p1", "B"));
+    EXPECT_FALSE(principal.may(Right::Delete, "p1", "B"));
+    EXPECT_TRUE(principal.may(Right::Delete, "p2", "B"));
+    EXPECT_FALSE(principal.may(Right::Create, "p3", "A"));
+}
+
+TEST(Principal, KnowsWhereARightIsHeld)
+{
+    const Principal principal("Ada",
+                              {grant("p1", "A", Right::Read), grant("p1", "B", Right::Read),
+                               grant("p1", "C", Right::Edit), grant("p1", std::nullopt, Right::Create)});
+    EXPECT_THAT(*principal.categoriesWith(Right::Read, "p1"), ElementsAre("A", "B"));
+    EXPECT_EQ(principal.categoriesWith(Right::Create, "p1"), std::nullopt);
+    EXPECT_THAT(*principal.categoriesWith(Right::Delete, "p1"), IsEmpty());
+    EXPECT_THAT(*principal.categoriesWith(Right::Read, "p2"), IsEmpty());
+    EXPECT_TRUE(principal.mayAnywhere(Right::Edit, "p1"));
+    EXPECT_TRUE(principal.mayAnywhere(Right::Create, "p1"));
+    EXPECT_FALSE(principal.mayAnywhere(Right::Delete, "p1"));
+}
+
+} // namespace
+} // namespace monitorservice

@@ -1,0 +1,39 @@
+#include "access/Rights.h"
+
+#include <gtest/gtest.h>
+
+namespace monitorservice {
+namespace {
+
+TEST(Rights, AreReadFromNamesAndWrittenInOneOrder)
+{
+    const auto rights = Rights::ofNames("delete,read");
+    ASSERT_TRUE(rights);
+    EXPECT_TRUE(rights->has(Right::Read));
+    EXPECT_TRUE(rights->has(Right::Delete));
+    EXPECT_FALSE(rights->has(Right::Create));
+    EXPECT_FALSE(rights->has(Right::Edit));
+    EXPECT_EQ(rights->names(), "read,delete");
+}
+
+TEST(Rights, EveryNameIsKnown)
+{
+    EXPECT_EQ(Rights::ofNames("read,create,edit,delete")->names(), "read,create,edit,delete");
+}
+
+TEST(Rights, UnknownAndEmptyNamesAreRefused)
+{
+    for (const char* const names : {"", ",", "read,", ",read", "read,,edit", "Read", "read, edit", "write"}) {
+        EXPECT_FALSE(Rights::ofNames(names)) << names;
+    }
+}
+
+TEST(Rights, SurviveTheirBits)
+{
+    const Rights rights = Rights(Right::Create) | Right::Edit;
+    EXPECT_TRUE(Rights::ofBits(rights.bits()) == rights);
+    EXPECT_TRUE(Rights::ofBits(0xff0).empty());
+}
+
+} // namespace
+} // namespace monitorservice

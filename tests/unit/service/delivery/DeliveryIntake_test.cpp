@@ -1,0 +1,336 @@
+#include "delivery/DeliveryIntake.h"
+
+#include "unit/service/delivery/DeliveryText.h"
+#include "unit/service/delivery/IntakeFixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace monitorservice {
+namespace {
+
+using test::delivery;
+using test::member;
+using test::point;
+using test::sample;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+const std::string day1 = "2015-12-21T12:00:00.000-08:00";
+const std::string day2 = "2015-12-22T12:00:00.000-08:00";
+const std::string day3 = "2015-12-23T12:00:00.000-08:00";
+
+class DeliveryIntake : public test::IntakeFixture
+{
+protected:
+    std::string pointDocument(const std::string& name) const
+    {
+        return value("SELECT document FROM point_locations WHERE name = '" + name + "'");
+    }
+    std::string samples() const
+    {
+        return value(
+            "SELECT group_concat(value, ' ') FROM (SELECT value FROM samples ORDER BY point, time, count)");
+    }
+    std::string dayValues() const
+    {
+        return value(
+            "SELECT group_concat(value || '/' || samples, ' ') FROM (SELECT * FROM day_rollup ORDER BY "
+            "point, day)");
+    }
+};
+
+TEST_F(DeliveryIntake, NewPointIsMadeWithItsSamples)
+{
+    ASSERT_EQ(take(delivery(
+                  {point("W1", {sample(day2, 2, "1.5"), sample(day1, 1, "1.25", "A")},
+                         R"(,"alias":"north","dataType":3,"initialValue":1,"depth":"2.5",)"
+                         R"("offsetDirection":"down","fileId":"f1","links":[{"type":"model","rId":"m"}])")})),
+              "changed");
+    const std::string document = pointDocument("W1");
+    EXPECT_EQ(member(document, "_id").size(), 24U);
+    EXPECT_EQ(member(document, "projectId"), "p1");
+    EXPECT_EQ(member(document, "cellId"), "c1");
+    EXPECT_EQ(member(document, "subCategoryId"), "s1");
+    EXPECT_EQ(member(document, "alias"), "north");
+    EXPECT_EQ(member(document, "dataType"), "3");
+    EXPECT_EQ(member(document, "initialValue"), "1");
+    EXPECT_EQ(member(document, "offsetDirection"), "down");
+    EXPECT_EQ(member(document, "depth"), "2.5");
+    EXPECT_EQ(member(document, "insertCount"), "2");
+    EXPECT_EQ(member(document, "lastCount"), "2");
+    EXPECT_EQ(member(document, "lastDate"), day2);
+    EXPECT_EQ(member(document, "fileId"), "f1");
+    EXPECT_EQ(member(document, "links"), R"([{"type":"model","rId":"m"}])");
+    EXPECT_EQ(member(document, "createdAt"), "2015-12-21T06:30:01.123Z");
+    EXPECT_EQ(member(document, "createdBy"), "Ada");
+    EXPECT_EQ(member(document, "updatedAt"), "2015-12-21T06:30:01.123Z");
+    EXPECT_EQ(member(document, "updatedBy"), "Ada");
+    EXPECT_EQ(answer, R"([{"_id":")" + member(document, "_id") +
+                          R"(","cellId":"c1","subCategoryId":"s1","name":"W1","depth":"2.5","insertCount":2,)"
+                          R"("lastCount":2,"lastDate":")" +
+                          day2 + R"("}])");
+    EXPECT_EQ(samples(), "1.25 1.5");
+    EXPECT_EQ(dayValues(), "1.25/1 1.5/1");
+    EXPECT_EQ(value("SELECT time_flag || offset_minutes FROM samples ORDER BY time"), "A-480");
+}
+
+TEST_F(DeliveryIntake, DataManageAndHistoryTellOfEachDelivery)
+{
+    take(delivery({point("W1", {sample(day1, 1, "1"), sample(day2, 2, "2")}, R"(,"fileId":"f1")"),
+                   point("W2", {sample(day1, 1, "3")}, R"(,"fileId":"f1")")}));
+    take(delivery({point("W1", {sample(day2, 2, "2"), sample(day3, 3, "4")}, R"(,"fileId":"f2")")}));
+    const std::string dataManage = value("SELECT document FROM data_manages");
+    EXPECT_EQ(member(dataManage, "projectId"), "p1");
+    EXPECT_EQ(member(dataManage, "cellId"), "c1");
+    EXPECT_EQ(member(dataManage, "subCategoryId"), "s1");
+    EXPECT_EQ(member(dataManage, "lastDate"), day3);
+    EXPECT_EQ(member(dataManage, "lastCount"), "2");
+    EXPECT_EQ(member(dataManage, "fileId"), "f2");
+    EXPECT_EQ(member(dataManage, "createdAt"), "2015-12-21T06:30:01.123Z");
+    EXPECT_EQ(member(dataManage, "updatedAt"), "2015-12-21T06:30:02.123Z");
+    const std::vector<std::string> history = column("SELECT document FROM histories ORDER BY id");
+    ASSERT_EQ(history.size(), 2U);
+    EXPECT_EQ(member(history[0], "dataManageId"), member(dataManage, "_id"));
+    EXPECT_EQ(member(history[0], "lastDate"), day2);
+    EXPECT_EQ(member(history[0], "lastCount"), "3");
+    EXPECT_EQ(member(history[0], "insertCount"), "3");
+    EXPECT_EQ(member(history[0], "fileId"), "f1");
+    EXPECT_EQ(member(history[1], "lastDate"), day3);
+    EXPECT_EQ(member(history[1], "lastCount"), "4");
+    EXPECT_EQ(member(history[1], "insertCount"), "1");
+    EXPECT_EQ(member(history[1], "fileId"), "f2");
+    EXPECT_EQ(member(history[1], "createdBy"), "Ada");
+}
+
+TEST_F(DeliveryIntake, OlderDataLeaveTheLatestTimeAsItIs)
+{
+    take(delivery({point("W1", {sample(day3, 3, "3")})}));
+    take(delivery({point("W1", {sample(day1, 1, "1")})}));
+    EXPECT_EQ(member(pointDocument("W1"), "lastDate"), day3);
+    EXPECT_EQ(member(pointDocument("W1"), "lastCount"), "3");
+    EXPECT_EQ(member(pointDocument("W1"), "insertCount"), "2");
+    EXPECT_EQ(member(value("SELECT document FROM data_manages"), "lastDate"), day3);
+    EXPECT_EQ(samples(), "1.0 3.0");
+}
+
+TEST_F(DeliveryIntake, RepeatedDeliveryChangesNothing)
+{
+    addGroup("g1", {"W1"}, 0, 0, 0.5);
+    const std::string body =
+        delivery({point("W1", {sample(day1, 1, "1"), sample(day2, 2, "2", "A")},
+                        R"(,"alias":"a","initialValue":1,"fileId":"f1","links":[{"type":"t","rId":"r"}])"),
+                  point("W2", {}), point("W3", {sample(day1, 1, "1")}, "", "c2", "s2")});
+    ASSERT_EQ(take(body), "changed");
+    EXPECT_EQ(value("SELECT count(*) FROM alarms"), "1");
+    const std::vector<std::string> before = everything();
+    const std::string firstAnswer = answer;
+    EXPECT_EQ(take(body), "same");
+    EXPECT_EQ(take(body), "same");
+    EXPECT_EQ(everything(), before);
+    EXPECT_EQ(answer, firstAnswer);
+}
+
+TEST_F(DeliveryIntake, EarlierDeliveryRepeatedAfterALaterOneChangesNothing)
+{
+    const std::string first = delivery({point("W1", {sample(day1, 1, "1")}, R"(,"fileId":"week1")")});
+    const std::string second = delivery({point("W1", {sample(day2, 2, "2")}, R"(,"fileId":"week2")")});
+    take(first);
+    take(second);
+    const std::vector<std::string> before = everything();
+    EXPECT_EQ(take(first), "same");
+    EXPECT_EQ(everything(), before);
+    EXPECT_EQ(member(pointDocument("W1"), "fileId"), "week2");
+}
+
+TEST_F(DeliveryIntake, SameInstantWithAnotherOffsetIsHeldAlready)
+{
+    take(delivery({point("W1", {sample("2015-12-21T12:00:00-08:00", 1, "1")})}));
+    const std::vector<std::string> before = everything();
+    EXPECT_EQ(take(delivery({point("W1", {sample("2015-12-21T20:00:00Z", 1, "1")})})), "same");
+    EXPECT_EQ(everything(), before);
+}
+
+TEST_F(DeliveryIntake, OverlappingDeliveriesAreMerged)
+{
+    take(delivery({point("W1", {sample(day1, 1, "1"), sample(day2, 2, "2")})}));
+    take(delivery({point("W1", {sample(day2, 2, "2"), sample(day2, 3, "2.5"), sample(day3, 4, "3")})}));
+    EXPECT_EQ(samples(), "1.0 2.0 2.5 3.0");
+    EXPECT_EQ(dayValues(), "1.0/1 2.5/2 3.0/1");
+    EXPECT_EQ(member(pointDocument("W1"), "insertCount"), "4");
+}
+
+TEST_F(DeliveryIntake, AnotherValueIsACorrection)
+{
+    take(delivery({point("W1", {sample(day1, 1, "1"), sample(day2, 2, "2")})}));
+    EXPECT_EQ(take(delivery({point("W1", {sample(day1, 1, "7"), sample(day2, 2, "8")})})), "changed");
+    EXPECT_EQ(samples(), "7.0 8.0");
+    EXPECT_EQ(dayValues(), "7.0/1 8.0/1");
+    EXPECT_EQ(member(pointDocument("W1"), "insertCount"), "2");
+    const std::string history = value("SELECT document FROM histories ORDER BY id DESC");
+    EXPECT_EQ(member(history, "insertCount"), "0");
+    EXPECT_EQ(member(history, "lastCount"), "2");
+}
+
+TEST_F(DeliveryIntake, AnotherTimeFlagIsACorrection)
+{
+    take(delivery({point("W1", {sample(day1, 1, "1", "A")})}));
+    EXPECT_EQ(take(delivery({point("W1", {sample("2015-12-21T20:00:00Z", 1, "1", "B")})})), "changed");
+    EXPECT_EQ(value("SELECT time_flag || offset_minutes FROM samples"), "B-480");
+    EXPECT_EQ(value("SELECT offset_minutes FROM day_rollup"), "-480");
+}
+
+TEST_F(DeliveryIntake, CorrectionOfAnEarlierSampleOfADayLeavesItsLast)
+{
+    take(delivery({point("W1", {sample(day1, 1, "1"), sample(day1, 2, "2")})}));
+    take(delivery({point("W1", {sample(day1, 1, "9")})}));
+    EXPECT_EQ(samples(), "9.0 2.0");
+    EXPECT_EQ(dayValues(), "2.0/2");
+}
+
+TEST_F(DeliveryIntake, LaterDescriptionWinsAndEmptyMembersStay)
+{
+    take(delivery({point("W1", {},
+                         R"(,"alias":"a","dataType":1,"initialValue":5,"offsetDirection":"x",)"
+                         R"("links":[{"type":"t","rId":"r"}])")}));
+    EXPECT_EQ(
+        take(delivery({point(
+            "W1", {}, R"(,"alias":"","dataType":0,"initialValue":0,"offsetDirection":"","links":[])")})),
+        "same");
+    EXPECT_EQ(take(delivery({point("W1", {},
+                                   R"(,"alias":"b","dataType":2,"initialValue":6,"offsetDirection":"y",)"
+                                   R"("links":[{"type":"t","rId":"q"}])")})),
+              "changed");
+    const std::string document = pointDocument("W1");
+    EXPECT_EQ(member(document, "alias"), "b");
+    EXPECT_EQ(member(document, "dataType"), "2");
+    EXPECT_EQ(member(document, "initialValue"), "6");
+    EXPECT_EQ(member(document, "offsetDirection"), "y");
+    EXPECT_EQ(member(document, "links"), R"([{"type":"t","rId":"q"}])");
+}
+
+TEST_F(DeliveryIntake, RelationNamedWithoutIdentifierRemovesTheLinks)
+{
+    take(delivery({point("W1", {}, R"(,"links":[{"type":"t","rId":"r"}])")}));
+    take(delivery({point("W1", {}, R"(,"links":[{"type":"t"}])")}));
+    EXPECT_EQ(member(pointDocument("W1"), "links"), "[]");
+}
+
+TEST_F(DeliveryIntake, SeveralMonitoringsEachHaveTheirShare)
+{
+    take(delivery({point("W1", {sample(day1, 1, "1")}), point("W1", {sample(day1, 1, "2")}, "", "c2", "s1"),
+                   point("W1", {sample(day1, 1, "3"), sample(day2, 1, "3")}, "", "c1", "s2"),
+                   point("W1", {sample(day1, 1, "4")}, "", "d1", "t1")}));
+    EXPECT_THAT(column("SELECT project || cell || sub_category || json_extract(document, '$.lastCount') FROM "
+                       "data_manages ORDER BY 1"),
+                ElementsAre("p1c1s11", "p1c1s22", "p1c2s11", "p2d1t11"));
+    EXPECT_EQ(value("SELECT count(*) FROM histories"), "4");
+    EXPECT_EQ(value("SELECT count(*) FROM point_locations"), "4");
+    // Only what a repeated delivery changes is noted.
+    take(
+        delivery({point("W1", {sample(day1, 1, "1")}), point("W1", {sample(day1, 2, "2")}, "", "c2", "s1")}));
+    EXPECT_EQ(value("SELECT count(*) FROM histories"), "5");
+}
+
+TEST_F(DeliveryIntake, RefusedDeliveryWritesNothing)
+{
+    take(delivery({point("W1", {sample(day1, 1, "1")}, R"(,"links":[{"type":"t","rId":"r"}])")}));
+    const std::vector<std::string> before = everything();
+    const std::string good = point("W1", {sample(day2, 2, "2"), sample(day1, 1, "9")});
+    const std::string newPoint = point("W9", {sample(day2, 2, "2")});
+    struct Refused
+    {
+        std::string element;
+        std::string message;
+    };
+    const std::vector<Refused> cases{
+        {point("W1", {}, "", "nowhere"), R"("[2].cellId": there is no monitoring "nowhere")"},
+        {point("W1", {}, "", ""), R"("[2].cellId": there is no monitoring "")"},
+        {point("W1", {}, "", "c1", "nothing"),
+         R"("[2].subCategoryId": the project has no sub-category "nothing")"},
+        {point("W1", {}, "", "c1", "t1"), R"("[2].subCategoryId": the project has no sub-category "t1")"},
+        {point("W1", {}, "", "c1", "s3"),
+         R"("[2].subCategoryId": the sub-category is of category "Inclinometer", the monitoring of "Settlement")"},
+        {point("W2", {}, R"(,"projectId":"p2")"),
+         R"("[2].projectId": the monitoring is not of project "p2")"},
+        {point("W2", {sample(day1, 1, "x")}), R"("[2].data[0].value" must be a finite number)"},
+        {point("W1", {sample(day2, 2, "3")}), R"("[2].data[0]" contradicts "[0].data[0]")"},
+    };
+    for (const Refused& one : cases) {
+        EXPECT_THAT(take(delivery({good, newPoint, one.element})), HasSubstr(one.message));
+        EXPECT_EQ(reason, DeliveryRefusal::Reason::Malformed);
+        EXPECT_EQ(everything(), before) << one.message;
+    }
+    EXPECT_EQ(take(delivery({good, newPoint})), "changed");
+}
+
+TEST_F(DeliveryIntake, SenderNeedsTheRightToCreate)
+{
+    const std::vector<std::string> before = everything();
+    lacking = {{Right::Create, "p2"}};
+    const std::string body =
+        delivery({point("W1", {sample(day1, 1, "1")}), point("W1", {sample(day1, 1, "1")}, "", "d1", "t1")});
+    EXPECT_THAT(take(body),
+                HasSubstr(R"("[1]": the token may not create in monitorings of category "Settlement")"));
+    EXPECT_EQ(reason, DeliveryRefusal::Reason::Forbidden);
+    EXPECT_EQ(everything(), before);
+    // What cannot be read either looks as if it did not exist.
+    lacking = {{Right::Create, "p2"}, {Right::Read, "p2"}};
+    EXPECT_THAT(take(body), HasSubstr(R"("[1].cellId": there is no monitoring "d1")"));
+    EXPECT_EQ(reason, DeliveryRefusal::Reason::Malformed);
+    // Who may deliver need not be able to read.
+    lacking = {{Right::Read, "p2"}, {Right::Edit, "p1"}, {Right::Edit, "p2"}};
+    EXPECT_EQ(take(body), "changed");
+}
+
+TEST_F(DeliveryIntake, LinksThatAreThereAreChangedByWhoMayEdit)
+{
+    lacking = {{Right::Edit, "p1"}};
+    const std::string linked =
+        delivery({point("W1", {sample(day1, 1, "1")}, R"(,"links":[{"type":"t","rId":"r"}])")});
+    const std::string relinked =
+        delivery({point("W1", {sample(day2, 2, "1")}, R"(,"links":[{"type":"t","rId":"q"}])")});
+    EXPECT_EQ(take(linked), "changed");
+    EXPECT_EQ(take(linked), "same");
+    const std::vector<std::string> before = everything();
+    EXPECT_THAT(take(relinked), HasSubstr(R"("[0].links": the token may not edit)"));
+    EXPECT_EQ(reason, DeliveryRefusal::Reason::Forbidden);
+    EXPECT_EQ(everything(), before);
+    lacking.clear();
+    EXPECT_EQ(take(relinked), "changed");
+}
+
+TEST_F(DeliveryIntake, EmptyDeliveryIsNothing)
+{
+    const std::vector<std::string> before = everything();
+    EXPECT_EQ(take("[]"), "same");
+    EXPECT_EQ(answer, "[]");
+    EXPECT_EQ(take("[[],[]]"), "same");
+    EXPECT_EQ(everything(), before);
+}
+
+TEST_F(DeliveryIntake, PointNamedTwiceIsAnsweredOnce)
+{
+    take("[[" + point("W1", {sample(day1, 1, "1")}) + "],[" + point("W1", {sample(day2, 1, "1")}) + "," +
+         point("W2", {}) + "]]");
+    simdjson::dom::parser parser;
+    const simdjson::dom::array points = parser.parse(answer);
+    ASSERT_EQ(points.size(), 2U);
+    EXPECT_EQ(std::string_view(points.at(0)["name"]), "W1");
+    EXPECT_EQ(std::int64_t(points.at(0)["insertCount"]), 2);
+    EXPECT_EQ(std::string_view(points.at(1)["name"]), "W2");
+    EXPECT_EQ(member(pointDocument("W1"), "insertCount"), "2");
+}
+
+TEST_F(DeliveryIntake, ClockThatWentBackDoesNotMakeAChangeOlder)
+{
+    take(delivery({point("W1", {sample(day1, 1, "1")})}));
+    const std::string changedAt = member(pointDocument("W1"), "updatedAt");
+    now -= 1'000'000;
+    take(delivery({point("W1", {sample(day2, 1, "1")})}));
+    EXPECT_EQ(member(pointDocument("W1"), "updatedAt"), changedAt);
+    EXPECT_EQ(member(value("SELECT document FROM data_manages"), "updatedAt"), changedAt);
+}
+
+} // namespace
+} // namespace monitorservice

@@ -1,0 +1,225 @@
+#include "store/sqlite/SqliteSchema.h"
+
+#include "domain/Group.h"
+#include "store/sqlite/SqliteDocuments.h"
+#include "store/sqlite/SqliteMeasurements.h"
+#include "store/sqlite/SqliteStore.h"
+#include "support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <functional>
+
+namespace monitorservice {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+constexpr std::chrono::milliseconds patience(1000);
+
+class SqliteSchema : public ::testing::Test
+{
+protected:
+    SqliteSchema()
+    {
+        SqliteStoreOptions options;
+        options.createIfMissing = true;
+        SqliteStore store(file, options);
+        const auto session = store.write();
+        session->projects().insert({"p", "Pit", "UTC", 1});
+        session->categories().add("Settlement");
+        session->documents(DocumentKind::Cell)
+            .insert("p", "c",
+                    R"({"_id":"c","projectId":"p","name":"Tower","category":"Settlement",)"
+                    R"("alarmTo":[],"links":[],"createdAt":"2015-12-21T00:00:00.000Z",)"
+                    R"("createdBy":"","updatedAt":"2015-12-21T00:00:00.000Z","updatedBy":""})");
+        session->commit();
+    }
+
+    SqliteConnection open() const { return {file, SqliteConnection::Access::Write, patience}; }
+
+    const test::TemporaryFolder folder;
+    const std::filesystem::path file = folder.file("data.db");
+};
+
+std::vector<std::string> textsOf(SqliteConnection& connection, const std::string& sql, int column)
+{
+    std::vector<std::string> texts;
+    SqliteStatement statement = connection.statement(sql);
+    while (statement.step()) {
+        texts.push_back(statement.text(column));
+    }
+    return texts;
+}
+
+std::vector<std::string> schemaOf(SqliteConnection& connection)
+{
+    std::vector<std::string> schema =
+        textsOf(connection, "SELECT ifnull(sql, name) FROM sqlite_schema ORDER BY name", 0);
+    const std::vector<std::string> figures =
+        textsOf(connection, "SELECT idx || ' ' || stat FROM sqlite_stat1 ORDER BY idx", 0);
+    schema.insert(schema.end(), figures.begin(), figures.end());
+    return schema;
+}
+
+TEST_F(SqliteSchema, FileOfTheFirstVersionBecomesTheCurrentOneWithItsData)
+{
+    SqliteConnection connection = open();
+    const std::vector<std::string> current = schemaOf(connection);
+    // What the second version has added is taken away.
+    connection.execute("DROP INDEX point_locations_by_name; DROP INDEX point_locations_by_sub_category; "
+                       "DROP TABLE sqlite_stat1; PRAGMA user_version = 1");
+    EXPECT_THAT(textsOf(connection, "SELECT name FROM sqlite_schema", 0),
+                Not(Contains(HasSubstr("sqlite_stat"))));
+    migrate(connection, patience);
+    EXPECT_EQ(schemaOf(connection), current);
+    EXPECT_EQ(connection.integer("PRAGMA user_version"), 3);
+    EXPECT_EQ(SqliteStore(file).read()->documents(DocumentKind::Cell).find("c")->category, "Settlement");
+}
+
+// Earlier versions wrote 18446744073709551615 in a form that the reader of documents refuses.
+TEST_F(SqliteSchema, NumbersThatCouldNotBeReadCanBeReadAfterwards)
+{
+    Group group;
+    group.id = "g";
+    group.project = "p";
+    group.cell = "c";
+    group.subCategory = "s";
+    group.name = "Limit 18446744073709552000";
+    group.totalVariation = 18446744073709551615.0;
+    group.stamp = Stamp::of({"Ada", "2015-12-21T00:00:00.000Z"});
+    std::string damaged = toDocument(group);
+    damaged.replace(damaged.find("1.8446744073709552e+19"), 22, "18446744073709552000");
+    {
+        SqliteStore store(file);
+        const auto session = store.write();
+        session->documents(DocumentKind::SubCategory)
+            .insert("p", "s",
+                    R"({"_id":"s","projectId":"p","name":"Level","category":"Settlement","alias":""})");
+        session->documents(DocumentKind::Group).insert("p", "g", damaged);
+        session->commit();
+    }
+    EXPECT_THROW(fromDocument<Group>(damaged), DamagedDocument);
+    SqliteConnection connection = open();
+    connection.execute("PRAGMA user_version = 2");
+    migrate(connection, patience);
+    EXPECT_EQ(SqliteStore(file).read()->documents(DocumentKind::Group).find("g")->text, toDocument(group));
+}
+
+TEST_F(SqliteSchema, EveryIndexOfATableWithFiguresHasThem)
+{
+    SqliteConnection connection = open();
+    EXPECT_THAT(
+        textsOf(connection,
+                "SELECT name FROM sqlite_schema WHERE type = 'index' AND tbl_name IN (SELECT tbl FROM "
+                "sqlite_stat1) AND name NOT IN (SELECT idx FROM sqlite_stat1)",
+                0),
+        ElementsAre());
+    EXPECT_THAT(textsOf(connection,
+                        "SELECT idx FROM sqlite_stat1 WHERE idx NOT IN (SELECT name FROM sqlite_schema WHERE "
+                        "tbl_name = tbl)",
+                        0),
+                ElementsAre());
+}
+
+// How SQLite goes about the statements that the action runs.
+std::vector<std::string> plansOf(SqliteConnection& connection, const std::function<void()>& action)
+{
+    std::vector<std::string> statements;
+    const auto note = [](unsigned /*event*/, void* list, void* statement, void* /*text*/) {
+        static_cast<std::vector<std::string>*>(list)->emplace_back(
+            sqlite3_sql(static_cast<sqlite3_stmt*>(statement)));
+        return 0;
+    };
+    sqlite3_trace_v2(connection.database().getHandle(), SQLITE_TRACE_STMT, note, &statements);
+    action();
+    sqlite3_trace_v2(connection.database().getHandle(), 0, nullptr, nullptr);
+    std::vector<std::string> plans;
+    for (const std::string& statement : statements) {
+        for (const std::string& step : textsOf(connection, "EXPLAIN QUERY PLAN " + statement, 3)) {
+            plans.push_back(step);
+        }
+    }
+    return plans;
+}
+
+struct Key
+{
+    const char* where;
+    const char* order;
+    const char* used; // part of the plan
+};
+
+TEST_F(SqliteSchema, PointsAreReadByTheNarrowestKey)
+{
+    SqliteConnection connection = open();
+    const SqliteMeasurements measurements(connection);
+    const char* const newest = "-data.time";
+    for (const Key& key : std::vector<Key>{
+             {R"({"cellId":"c"})", nullptr, "(cell=?)"},
+             {R"({"cellId":"c"})", newest, "(cell=?)"},
+             {R"({"cellId":"c","time":{"$gte":"2015-12-21T00:00:00Z"}})", nullptr, "(cell=?)"},
+             {R"({"cellId":"c","time":{"$gte":"2015-12-21T00:00:00Z"}})", newest, "(cell=?)"},
+             {R"({"cellId":"c","name":{"$in":["S1","S2"]}})", nullptr, "(project=? AND name=? AND cell=?)"},
+             {R"({"cellId":"c","name":{"$in":["S1","S2"]}})", newest, "(project=? AND name=? AND cell=?)"},
+             {R"({"name":{"$in":["S1","S2"]}})", nullptr, "(project=? AND name=?)"},
+             {R"({"name":{"$in":["S1","S2"]}})", newest, "(project=? AND name=?)"},
+             {R"({"subCategoryId":"s"})", nullptr, "(project=? AND sub_category=?)"},
+             {R"({"subCategoryId":"s"})", newest, "(project=? AND sub_category=?)"},
+             {R"({"_id":"x"})", nullptr, "(project=? AND id=?)"},
+         }) {
+        SCOPED_TRACE(std::string(key.where) + (key.order == nullptr ? "" : key.order));
+        const Where where = Where::parse(key.where);
+        DocumentQuery query;
+        query.project = "p";
+        query.where = &where;
+        query.limit = 100;
+        if (key.order != nullptr) {
+            query.order = key.order;
+        }
+        const std::vector<std::string> plans = plansOf(connection, [&] {
+            const auto selection = measurements.select(query);
+            selection->count();
+            selection->visit([](const FoundPoint& /*point*/) {});
+        });
+        EXPECT_THAT(plans, Contains(HasSubstr(key.used)).Times(2));
+        EXPECT_THAT(plans, Not(Contains(HasSubstr("SCAN"))));
+    }
+}
+
+TEST_F(SqliteSchema, WhatBelongsToADocumentIsReadByIt)
+{
+    SqliteConnection connection = open();
+    struct Table
+    {
+        const DocumentTable& table;
+        const char* used;
+    };
+    for (const Table& one : std::vector<Table>{{documentTable(DocumentKind::Group), "(cell=?)"},
+                                               {documentTable(DocumentKind::PointLocation), "(cell=?)"},
+                                               {documentTable(DocumentKind::DataManage), "(cell=?)"},
+                                               {documentTable(DocumentKind::History), "(data_manage=?)"},
+                                               {documentTable(DocumentKind::Alarm), "(cell=?)"},
+                                               {documentTable(DocumentKind::AlarmDetail), "(alarm=?)"},
+                                               {documentTable(DocumentKind::AlarmDepth), "(detail=?)"}}) {
+        SCOPED_TRACE(one.table.name);
+        const SqliteDocuments documents(connection, one.table);
+        DocumentQuery query;
+        query.project = "p";
+        query.parent = "x";
+        const std::vector<std::string> plans = plansOf(connection, [&] {
+            documents.count(query);
+            documents.visit(query, [](std::string_view /*document*/) {});
+        });
+        EXPECT_THAT(plans, Contains(HasSubstr(one.used)).Times(2));
+        EXPECT_THAT(plans, Not(Contains(HasSubstr("SCAN"))));
+    }
+}
+
+} // namespace
+} // namespace monitorservice

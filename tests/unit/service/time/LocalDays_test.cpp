@@ -1,0 +1,109 @@
+#include "time/LocalDays.h"
+
+#include "time/Timestamp.h"
+
+#include <gtest/gtest.h>
+
+#include <string_view>
+
+namespace monitorservice {
+namespace {
+
+constexpr Instant minute = 60'000;
+constexpr Instant hour = 60 * minute;
+
+Instant at(std::string_view text)
+{
+    return parseTimestamp(text).value().milliseconds;
+}
+
+std::int64_t dayNumber(std::string_view date)
+{
+    return at(std::string(date) + "T00:00:00Z") / (24 * hour);
+}
+
+TEST(LocalDays, DayEndsAtMidnightOfTheZone)
+{
+    LocalDays days("America/Los_Angeles");
+    EXPECT_EQ(days.dayOf(at("2015-12-21T23:59:59.999-08:00")), dayNumber("2015-12-21"));
+    EXPECT_EQ(days.dayOf(at("2015-12-22T00:00:00-08:00")), dayNumber("2015-12-22"));
+    EXPECT_EQ(days.dayOf(at("2015-12-22T07:59:59Z")), dayNumber("2015-12-21"));
+}
+
+TEST(LocalDays, DaysBeforeTheEpochAreCountedDown)
+{
+    LocalDays days("UTC");
+    EXPECT_EQ(days.dayOf(-1), -1);
+    EXPECT_EQ(days.dayOf(0), 0);
+    EXPECT_EQ(days.dayOf(at("0000-01-01T00:00:00Z")), -719528);
+    EXPECT_EQ(days.dayOf(at("9999-12-31T23:59:59Z")), 2932896);
+}
+
+TEST(LocalDays, DayIsLongerOrShorterWhereTheClockIsChanged)
+{
+    const LocalDays days("Europe/Vienna");
+    const std::int64_t spring = dayNumber("2026-03-29");
+    const std::int64_t autumn = dayNumber("2026-10-25");
+    EXPECT_EQ(days.beginOf(spring + 1) - days.beginOf(spring), 23 * hour);
+    EXPECT_EQ(days.beginOf(autumn + 1) - days.beginOf(autumn), 25 * hour);
+}
+
+TEST(LocalDays, ZonesMayBeOffByLessThanAnHour)
+{
+    LocalDays kathmandu("Asia/Kathmandu");
+    EXPECT_EQ(kathmandu.dayOf(at("2026-05-01T18:14:59Z")), dayNumber("2026-05-01"));
+    EXPECT_EQ(kathmandu.dayOf(at("2026-05-01T18:15:00Z")), dayNumber("2026-05-02"));
+    EXPECT_EQ(kathmandu.offsetMinutesAt(0), 330);
+    EXPECT_EQ(kathmandu.offsetMinutesAt(at("2026-05-01T00:00:00Z")), 345);
+    const LocalDays lordHowe("Australia/Lord_Howe");
+    const std::int64_t spring = dayNumber("2026-10-04");
+    EXPECT_EQ(lordHowe.beginOf(spring + 1) - lordHowe.beginOf(spring), 23 * hour + 30 * minute);
+}
+
+TEST(LocalDays, DayWithoutMidnightBeginsWhereTheClockHasJumped)
+{
+    LocalDays days("America/Sao_Paulo");
+    const std::int64_t day = dayNumber("2017-10-15");
+    EXPECT_EQ(days.beginOf(day), at("2017-10-15T01:00:00-02:00"));
+    EXPECT_EQ(days.dayOf(days.beginOf(day)), day);
+    EXPECT_EQ(days.dayOf(days.beginOf(day) - 1), day - 1);
+}
+
+// In Havana the clock goes back from 1:00 to 0:00, so that midnight comes twice; the day begins with the
+// first.
+TEST(LocalDays, DayWithTwoMidnightsBeginsWithTheFirst)
+{
+    LocalDays days("America/Havana");
+    const std::int64_t day = dayNumber("2023-11-05");
+    EXPECT_EQ(days.beginOf(day), at("2023-11-05T00:00:00-04:00"));
+    EXPECT_EQ(days.beginOf(day + 1), at("2023-11-06T00:00:00-05:00"));
+    EXPECT_EQ(days.dayOf(at("2023-11-05T00:00:00-04:00") - 1), day - 1);
+    EXPECT_EQ(days.dayOf(at("2023-11-05T00:30:00-04:00")), day);
+    EXPECT_EQ(days.dayOf(at("2023-11-05T00:00:00-05:00") - 1), day);
+    EXPECT_EQ(days.dayOf(at("2023-11-05T00:30:00-05:00")), day);
+    EXPECT_EQ(days.offsetMinutesAt(days.beginOf(day)), -240);
+}
+
+TEST(LocalDays, EveryInstantLiesBetweenTheBeginningsOfItsDayAndTheNext)
+{
+    for (const char* const zone : {"UTC", "Europe/Vienna", "Asia/Kathmandu", "Australia/Lord_Howe",
+                                   "America/St_Johns", "America/Los_Angeles", "Pacific/Apia"}) {
+        LocalDays days(zone);
+        // Forwards and backwards over clock changes: what is remembered of the last look-up must not show.
+        for (int step = 0; step < 20'000; ++step) {
+            const Instant instant =
+                at("2010-01-01T00:00:00Z") + ((step * 7919LL) % 20'000) * 6 * hour + 17 * minute;
+            const std::int64_t day = days.dayOf(instant);
+            ASSERT_LE(days.beginOf(day), instant) << zone << " " << instant;
+            ASSERT_GT(days.beginOf(day + 1), instant) << zone << " " << instant;
+        }
+    }
+}
+
+TEST(LocalDays, UnknownZoneIsAnErrorOfTheInstallation)
+{
+    EXPECT_THROW(LocalDays("Atlantis/Capital"), UnknownTimeZone);
+}
+
+} // namespace
+} // namespace monitorservice
