@@ -264,14 +264,14 @@ std::string generatedTextColumn(std::string_view documentColumn, std::string_vie
     }
     const std::string document(documentColumn);
     const std::string path = "'$.\"" + std::string(member) + "\"'";
-    const std::string unusual(unusual);
+    const std::string other(unusual);
     // SQLite cuts a text at U+0000 when it extracts it, so such a text is found by its escape, after escaped
     // backslashes are taken away: they may stand before a plain "u0000".
     const std::string escapes = "replace(" + document + " -> " + path + R"(, '\\', ''))";
     return "CASE coalesce(json_type(" + document + ", " + path +
            "), 'null') WHEN 'null' THEN NULL WHEN 'text' THEN " + "CASE WHEN instr(" + escapes +
-           R"(, '\u0000') = 0 THEN )" + document + " ->> " + path + " ELSE " + unusual + " END ELSE " +
-           unusual + " END";
+           R"(, '\u0000') = 0 THEN )" + document + " ->> " + path + " ELSE " + other + " END ELSE " + other +
+           " END";
 }
 
 } // namespace monitorservice
