@@ -100,7 +100,7 @@ def main():
         seen.add(layer)
         for number, line in enumerate(pathlib.Path(path).read_text(encoding="utf-8").splitlines(), 1):
             for pattern, folders in only:
-                if pattern.search(line) and layer_of(path, dict.fromkeys(folders)) is None:
+                if layer not in folders and pattern.search(line):
                     problems.append(f"{path}:{number}: belongs into {' or '.join(folders)} alone: {line.strip()}")
             include = re.match(r'\s*#\s*include\s*["<]([^">]+)[">]', line)
             target = include and included_file(include[1], path, files, roots)
@@ -113,7 +113,7 @@ def main():
             if target_layer not in allowed[layer] and "*" not in allowed[layer]:
                 problems.append(f"{path}:{number}: {layer} may not include {target_layer} ({include[1]})")
 
-    for folder in allowed:
+    for folder in (*allowed, *(folder for _, folders in only for folder in folders)):
         if folder not in seen:
             problems.append(f"{LAYERS}: {folder} is listed, and there is no file of it")
     graph = {folder: [target for target in targets if target != "*"] for folder, targets in allowed.items()}
