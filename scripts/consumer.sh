@@ -21,7 +21,7 @@ build() { # build SOURCE BINARY [CMAKE OPTIONS]
 }
 
 echo "consumer: with the bundled companions"
-build . "$work/bundled" -DRKMONITORINGDATA_BUILD_TESTS=OFF
+build . "$work/bundled" -DRKMONITORINGDATA_BUILD_TESTS=OFF -DRKMONITORINGDATA_PRECOMPILED_HEADERS=ON
 quietly cmake --install "$work/bundled" --prefix "$work/prefix"
 build tests/consumer/example "$work/example" -DCMAKE_PREFIX_PATH="$work/prefix"
 # The packages ask for no later C++ than the example does.

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Sets up, builds everything and runs all tests.
-#   scripts/test.sh [PRESET]    dev (default) or asan
+#   scripts/test.sh [PRESET]    dev (default), asan, or tsan: only the tests of what runs in several threads
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 

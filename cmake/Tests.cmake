@@ -1,0 +1,23 @@
+# How tests are built and made known to ctest.
+find_package(GTest REQUIRED)
+find_package(Qt5 5.15 REQUIRED COMPONENTS Core Network)
+include(GoogleTest)
+
+# rk_add_test(<name> SOURCES <file> ... LIBRARIES <target> ... [QT])
+#   One executable of GoogleTest cases. QT: runs under a QCoreApplication (support/QtTestMain.cpp).
+function(rk_add_test name)
+  cmake_parse_arguments(arg "QT" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  rk_target_defaults(${name})
+  target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock)
+  if(arg_QT)
+    target_link_libraries(${name} PRIVATE rk_qt_test_main)
+  else()
+    target_link_libraries(${name} PRIVATE GTest::gtest_main)
+  endif()
+  set(labels "")
+  if(name IN_LIST RK_TESTS_OF_THREADS)
+    set(labels LABELS threads)
+  endif()
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120 ${labels})
+endfunction()
