@@ -2,6 +2,7 @@
 
 #include "DeliveringClient.h"
 #include "access/Secret.h"
+#include "domain/Group.h"
 #include "domain/SubCategory.h"
 #include "json/JsonText.h"
 #include "store/sqlite/SqliteStore.h"
@@ -42,25 +43,23 @@ std::string cellJson(const std::string& id, const std::string& project, const st
 std::string groupJson(const std::string& id, const Site& site, const Target& target,
                       const GroupLimits& limits, std::size_t clients)
 {
-    JsonArrayWriter names;
+    Group group;
+    group.id = id;
+    group.project = site.project;
+    group.cell = target.cell;
+    group.subCategory = target.subCategory;
+    group.name = "Group " + id;
     for (std::size_t client = 0; client < clients; ++client) {
         for (const std::string& name : DeliveringClient::pointNames(client)) {
             if (!Site::isWithoutLimits(name)) {
-                names.text(name);
+                group.points.push_back(name);
             }
         }
     }
-    return JsonObjectWriter()
-        .text("_id", id)
-        .text("projectId", site.project)
-        .text("cellId", target.cell)
-        .text("subCategoryId", target.subCategory)
-        .text("groupName", "Group " + id)
-        .json("groupPoint", names.finish())
-        .integer("dayVarType", limits.dayVarType)
-        .number("dayVarValue", limits.dayVarValue)
-        .number("totalVar", limits.totalVar)
-        .finish();
+    group.dayVariationType = limits.dayVarType;
+    group.dayVariation = limits.dayVarValue;
+    group.totalVariation = limits.totalVar;
+    return toDocument(group);
 }
 
 std::size_t targetOf(const Site& site, const std::string& cell, const std::string& subCategory)
