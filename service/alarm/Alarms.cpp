@@ -58,7 +58,7 @@ void addGroup(LimitsByName& limits, std::string_view document)
 
 LimitsByName limitsOf(const Session& session, const DeliveryTarget& target)
 {
-    const Where where = Where::parse(JsonObjectWriter().text("subCategoryId", target.subCategory).finish());
+    const Where where = Where::equals("subCategoryId", target.subCategory);
     DocumentQuery query;
     query.project = target.project;
     query.parent = target.cell;
@@ -131,16 +131,19 @@ struct DepthReading
 std::vector<DepthReading> depthsOf(const Session& session, const DeliveryTarget& target,
                                    const std::string& name, std::int64_t day)
 {
-    std::vector<DepthReading> depths;
     const Measurements& measurements = session.measurements();
-    measurements.visitPoints(target.cell, target.subCategory, name, [&](const StoredPoint& stored) {
+    std::vector<StoredPoint> points;
+    measurements.visitPoints(target.cell, target.subCategory, name,
+                             [&points](const StoredPoint& stored) { points.push_back(stored); });
+    std::vector<DepthReading> depths;
+    for (const StoredPoint& stored : points) {
         const std::optional<DaySummary> latest = measurements.latestDayBefore(stored.key, day + 1);
         if (latest) {
             const PointLocation point = pointLocationOf(stored.document);
             const PointReading reading{point.initialValue, latest->value, std::nullopt};
             depths.push_back({point.depth, variationOf(reading, {}).total, *latest});
         }
-    });
+    }
     return depths;
 }
 

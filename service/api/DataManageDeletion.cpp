@@ -1,7 +1,6 @@
 #include "api/ApiError.h"
 #include "api/Parameters.h"
 #include "api/Resources.h"
-#include "json/JsonText.h"
 
 #include <simdjson.h>
 
@@ -36,8 +35,7 @@ bool hasAny(const Documents& documents, const std::string& project, const std::s
 std::string dependentsOf(const Session& session, const StoredDocument& dataManage)
 {
     const std::string cell = textIn(dataManage.text, "cellId");
-    const Where where = Where::parse(
-        JsonObjectWriter().text("subCategoryId", textIn(dataManage.text, "subCategoryId")).finish());
+    const Where where = Where::equals("subCategoryId", textIn(dataManage.text, "subCategoryId"));
     std::string names;
     const auto add = [&names](bool present, const char* name) {
         names += present ? (names.empty() ? "" : ", ") + std::string(name) : std::string();

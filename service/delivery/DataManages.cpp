@@ -38,7 +38,7 @@ void readDocument(std::string_view document, Read&& read)
 
 std::optional<DataManage> find(const Session& session, const DeliveryTarget& target)
 {
-    const Where where = Where::parse(JsonObjectWriter().text("subCategoryId", target.subCategory).finish());
+    const Where where = Where::equals("subCategoryId", target.subCategory);
     DocumentQuery query;
     query.project = target.project;
     query.parent = target.cell;
@@ -61,7 +61,7 @@ std::int64_t rowsHeld(const Session& session, const std::string& project, const 
     DocumentQuery query;
     query.project = project;
     query.parent = dataManage;
-    query.order = "-_id";
+    query.order = {{"_id", true}};
     query.limit = 1;
     std::int64_t rows = 0;
     session.documents(DocumentKind::History).visit(query, [&rows](std::string_view document) {
