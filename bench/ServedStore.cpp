@@ -48,9 +48,9 @@ ServedStore::ServedStore()
                 &curl_slist_free_all)
 {
     std::filesystem::create_directories(m_folder);
-    SqliteStoreOptions options;
+    StoreOptions options;
     options.createIfMissing = true;
-    m_store = std::make_unique<SqliteStore>(m_folder / "data.db", options);
+    m_store = openStore((m_folder / "data.db").string(), options);
     insertProject(*m_store);
     m_api = std::make_unique<Api>(*m_store, m_counters);
     m_server = std::make_unique<HttpServer>(

@@ -2,7 +2,7 @@
 
 #include "api/Api.h"
 #include "http/HttpServer.h"
-#include "store/sqlite/SqliteStore.h"
+#include "store/OpenStore.h"
 
 #include <filesystem>
 #include <memory>
@@ -32,7 +32,7 @@ public:
 
 private:
     std::filesystem::path m_folder;
-    std::unique_ptr<SqliteStore> m_store;
+    std::unique_ptr<Store> m_store;
     std::shared_ptr<HttpCounters> m_counters;
     std::unique_ptr<Api> m_api;
     std::unique_ptr<HttpServer> m_server;

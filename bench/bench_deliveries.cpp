@@ -9,7 +9,7 @@
 #include "domain/Group.h"
 #include "http/HttpServer.h"
 #include "service/http/RawClient.h"
-#include "store/sqlite/SqliteStore.h"
+#include "store/OpenStore.h"
 #include "support/TemporaryFolder.h"
 
 #include <sys/wait.h>
@@ -109,12 +109,12 @@ private:
     static void run(int portPipe)
     {
         const test::TemporaryFolder folder;
-        SqliteStoreOptions options;
+        StoreOptions options;
         options.createIfMissing = true;
-        SqliteStore store(folder.file("data.db"), options);
-        fill(store);
+        const std::unique_ptr<Store> store = openStore(folder.file("data.db").string(), options);
+        fill(*store);
         const auto counters = std::make_shared<HttpCounters>();
-        const Api api(store, counters);
+        const Api api(*store, counters);
         HttpServer server(
             ListenAddress(), HttpLimits(), [&api](HttpRequest&& request) { return api.answer(request); },
             counters);

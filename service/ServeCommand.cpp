@@ -1,14 +1,12 @@
 #include "ServeCommand.h"
 
-#include "ServiceLock.h"
 #include "api/Api.h"
 #include "http/HttpServer.h"
 #include "http/ListenAddress.h"
-#include "store/sqlite/SqliteStore.h"
+#include "store/OpenStore.h"
 
 #include <chrono>
 #include <csignal>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -46,18 +44,19 @@ HttpHandler logged(HttpHandler handler)
     };
 }
 
-std::unique_ptr<Store> openStore(const std::string& file)
+std::unique_ptr<Store> openStoreOfService(const std::string& file)
 {
-    if (!std::filesystem::exists(file)) {
+    if (!storeExists(file)) {
         std::cerr << "monitor-service: " << file << " does not exist and is made\n";
     }
-    SqliteStoreOptions options;
+    StoreOptions options;
     options.createIfMissing = true;
+    options.forService = true;
     // The largest delivery holds the turn for seconds. Whoever waits longer than this, and the 10 s before
     // that for a thread, is told to come again, before the client library gives up at 30 s without knowing
     // what became of the request.
-    options.busyTimeout = std::chrono::seconds(15);
-    return std::make_unique<SqliteStore>(file, options);
+    options.patience = std::chrono::seconds(15);
+    return openStore(file, options);
 }
 
 // A file that may not grow any more and a log that nobody reads are errors to be answered and gone on after;
@@ -81,8 +80,7 @@ void serve(const ServeSettings& settings)
                   << " can be reached from other machines, and tokens travel unencrypted; put a proxy with "
                      "TLS before it\n";
     }
-    const ServiceLock lock(settings.file);
-    const std::unique_ptr<Store> store = openStore(settings.file);
+    const std::unique_ptr<Store> store = openStoreOfService(settings.file);
     const auto counters = std::make_shared<HttpCounters>();
     const Api api(*store, counters);
     HttpHandler handler = [&api](HttpRequest&& request) {

@@ -1,6 +1,6 @@
 #include "admin/AdminCommand.h"
 
-#include "store/sqlite/SqliteStore.h"
+#include "store/OpenStore.h"
 
 #include <simdjson.h>
 
@@ -68,14 +68,14 @@ void addAdminCommand(CLI::App& application)
 
 std::unique_ptr<Store> openOrCreate(const AdminSettings& settings)
 {
-    SqliteStoreOptions options;
+    StoreOptions options;
     options.createIfMissing = true;
-    return std::make_unique<SqliteStore>(settings.file, options);
+    return openStore(settings.file, options);
 }
 
 std::unique_ptr<Store> openExisting(const AdminSettings& settings)
 {
-    return std::make_unique<SqliteStore>(settings.file);
+    return openStore(settings.file);
 }
 
 void checkText(const std::string& what, const std::string& text)

@@ -51,7 +51,7 @@ void addGroup(LimitsByName& limits, const Group& group)
 
 LimitsByName limitsOf(const Session& session, const MonitoredQuantity& quantity)
 {
-    const Where where = Where::parse(JsonObjectWriter().text("subCategoryId", quantity.subCategory).finish());
+    const Where where = Where::equals("subCategoryId", quantity.subCategory);
     DocumentQuery query;
     query.project = quantity.project;
     query.parent = quantity.cell;
@@ -124,16 +124,19 @@ struct DepthReading
 std::vector<DepthReading> depthsOf(const Session& session, const MonitoredQuantity& quantity,
                                    const std::string& name, std::int64_t day)
 {
-    std::vector<DepthReading> depths;
     const Measurements& measurements = session.measurements();
-    measurements.visitPoints(quantity.cell, quantity.subCategory, name, [&](const StoredPoint& stored) {
+    std::vector<StoredPoint> points;
+    measurements.visitPoints(quantity.cell, quantity.subCategory, name,
+                             [&points](const StoredPoint& stored) { points.push_back(stored); });
+    std::vector<DepthReading> depths;
+    for (const StoredPoint& stored : points) {
         const std::optional<DaySummary> latest = measurements.latestDayBefore(stored.key, day + 1);
         if (latest) {
             const PointLocation point = fromDocument<PointLocation>(stored.document);
             const PointReading reading{point.initialValue, latest->value, std::nullopt};
             depths.push_back({point.depth, variationOf(reading, {}).total, *latest});
         }
-    });
+    }
     return depths;
 }
 

@@ -2,7 +2,6 @@
 #include "api/Parameters.h"
 #include "api/Resources.h"
 #include "domain/DataManage.h"
-#include "json/JsonText.h"
 
 namespace monitorservice {
 
@@ -24,8 +23,7 @@ bool hasAny(const Documents& documents, const std::string& project, const std::s
 // What would go with the data manage, for a message; empty when nothing would.
 std::string dependentsOf(const Session& session, const DataManage& dataManage)
 {
-    const Where where =
-        Where::parse(JsonObjectWriter().text("subCategoryId", dataManage.subCategory).finish());
+    const Where where = Where::equals("subCategoryId", dataManage.subCategory);
     std::string names;
     const auto add = [&names](bool present, const char* name) {
         names += present ? (names.empty() ? "" : ", ") + std::string(name) : std::string();

@@ -6,8 +6,28 @@
 #include "api/Parameters.h"
 #include "api/Permission.h"
 #include "json/JsonText.h"
+#include "query/Order.h"
+
+#include <cstddef>
+#include <vector>
 
 namespace monitorservice {
+
+namespace {
+
+std::vector<std::string> textsOf(const Documents& documents, const DocumentQuery& query)
+{
+    std::vector<std::string> texts;
+    std::size_t bytes = 0;
+    documents.visit(query, [&texts, &bytes](std::string_view document) {
+        texts.emplace_back(document);
+        bytes += document.size();
+        requireRoom(bytes);
+    });
+    return texts;
+}
+
+} // namespace
 
 ListParameters::ListParameters(const ApiRequest& request, const std::string& project)
 {
@@ -18,15 +38,15 @@ ListParameters::ListParameters(const ApiRequest& request, const std::string& pro
     query.limit = parameters.number("limit").value_or(query.limit);
     onlyCount = parameters.flag("only_count");
     expand = parameters.flag("expand");
-    if (const std::string* const order = parameters.text("order")) {
-        query.order = *order;
-    }
     if (const std::string* const condition = parameters.text("where")) {
         where = Where::parse(*condition);
         query.where = &where;
     }
     if (query.categories && query.categories->empty()) {
         throw notFound("project", project);
+    }
+    if (const std::string* const order = parameters.text("order")) {
+        query.order = parseOrder(*order);
     }
 }
 
@@ -36,18 +56,26 @@ HttpResponse answerListing(const ApiRequest& request, const std::string& project
     ListParameters parameters(request, project);
     DocumentQuery& query = parameters.query;
     query.parent = kind.parent;
-    if (!query.order && kind.order != nullptr) {
-        query.order = kind.order;
+    if (query.order.empty() && kind.order != nullptr) {
+        query.order = parseOrder(kind.order);
     }
     if (parameters.onlyCount) {
         return answerCount(documents.count(query));
     }
     const bool expanding = parameters.expand && kind.expanded != nullptr;
     JsonArrayWriter array;
-    documents.visit(query, [&](std::string_view document) {
-        expanding ? array.json(kind.expanded(document)) : array.json(document);
+    if (!expanding) {
+        documents.visit(query, [&array](std::string_view document) {
+            array.json(document);
+            requireRoom(array.size());
+        });
+        return answerJson(array.finish());
+    }
+    // What is added may be read from the same session, which is free only after the visit.
+    for (const std::string& document : textsOf(documents, query)) {
+        array.json(kind.expanded(document));
         requireRoom(array.size());
-    });
+    }
     return answerJson(array.finish());
 }
 

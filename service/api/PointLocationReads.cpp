@@ -18,12 +18,7 @@ HttpResponse listPoints(ApiRequest& request)
     if (parameters.onlyCount) {
         return answerCount(selection->count());
     }
-    std::string text = "[";
-    selection->visit([&](const FoundPoint& point) {
-        text += text.size() > 1 ? "," : "";
-        appendPoint(text, *selection, point);
-    });
-    return answerJson(text += ']');
+    return answerJson(pointTexts(*selection, "[") + "]");
 }
 
 // GET pointLocations/{id}: the point with all its samples.
@@ -33,15 +28,13 @@ HttpResponse getPoint(ApiRequest& request)
     parameters.flag("expand"); // read for its check alone: relations are always there
     const StoredDocument stored = readable(request.session->documents(DocumentKind::PointLocation),
                                            request.principal, "point location", request.ids[0]);
-    const Where where = Where::parse(JsonObjectWriter().text("_id", stored.id).finish());
+    const Where where = Where::equals("_id", stored.id);
     DocumentQuery query;
     query.project = stored.project;
     query.where = &where;
     query.limit = 1;
     const auto selection = request.session->measurements().select(query);
-    std::string text;
-    selection->visit([&](const FoundPoint& point) { appendPoint(text, *selection, point); });
-    return answerJson(std::move(text));
+    return answerJson(pointTexts(*selection));
 }
 
 } // namespace

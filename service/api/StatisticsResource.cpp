@@ -42,16 +42,18 @@ HttpResponse answerStatistics(const ApiRequest& request, const Where& where, Poi
 
     DailyStatistics statistics;
     const auto selection = request.session->measurements().select(query);
-    selection->visit([&](const FoundPoint& point) {
-        if (points == Points::WithDepth && point.depth.empty()) {
-            return;
-        }
-        statistics.beginPoint(point);
-        selection->visitDays(point.key, [&statistics](const DayValue& day) {
+    selection->visitDays(
+        [&statistics, points](const FoundPoint& point) {
+            const bool isWanted = points == Points::All || !point.depth.empty();
+            if (isWanted) {
+                statistics.beginPoint(point);
+            }
+            return isWanted;
+        },
+        [&statistics](const DayValue& day) {
             statistics.add(day);
             requireRoom(statistics);
         });
-    });
     LocalDays days(project->timeZone);
     return answerJson(statistics.text(days));
 }

@@ -2,7 +2,6 @@
 
 #include "domain/DataManage.h"
 #include "domain/History.h"
-#include "json/JsonText.h"
 #include "time/Timestamp.h"
 
 #include <utility>
@@ -13,7 +12,7 @@ namespace {
 
 std::optional<DataManage> find(const Session& session, const MonitoredQuantity& quantity)
 {
-    const Where where = Where::parse(JsonObjectWriter().text("subCategoryId", quantity.subCategory).finish());
+    const Where where = Where::equals("subCategoryId", quantity.subCategory);
     DocumentQuery query;
     query.project = quantity.project;
     query.parent = quantity.cell;
@@ -43,7 +42,7 @@ std::int64_t rowsHeld(const Session& session, const DataManage& dataManage)
     DocumentQuery query;
     query.project = dataManage.project;
     query.parent = dataManage.id;
-    query.order = "-_id";
+    query.order = {{"_id", true}};
     query.limit = 1;
     std::int64_t rows = 0;
     session.documents(DocumentKind::History).visit(query, [&rows](std::string_view document) {

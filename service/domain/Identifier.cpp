@@ -21,13 +21,6 @@ std::uint64_t hexadecimal(std::string_view digits)
 
 } // namespace
 
-bool isIdentifier(std::string_view text)
-{
-    return text.size() == identifierLength && std::all_of(text.begin(), text.end(), [](char c) {
-               return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f');
-           });
-}
-
 std::string identifierAfter(std::string_view previous, Instant now)
 {
     std::uint64_t milliseconds = static_cast<std::uint64_t>(std::max<Instant>(now, 0)) & largestHalf;

@@ -10,9 +10,6 @@ namespace monitorservice {
 /// Digits of an identifier: 12 for its millisecond, 12 that count within it, all hexadecimal and lower-case.
 constexpr std::size_t identifierLength = 24;
 
-/// Whether the text has the form of an identifier.
-bool isIdentifier(std::string_view text);
-
 /// The identifier after `previous` (empty: none yet) at the time `now`. It is greater than `previous`
 /// whatever the clock does: when the clock stands still or goes back, the count within the last millisecond
 /// goes on.

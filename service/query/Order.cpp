@@ -14,35 +14,29 @@ namespace {
     throw QueryError(400, "order: " + what);
 }
 
-OrderTerm readTerm(std::string_view text, const std::vector<SortableField>& fields)
+OrderTerm readTerm(std::string_view text)
 {
-    const bool falling = !text.empty() && text.front() == '-';
-    const std::string_view path = text.substr(falling ? 1 : 0);
+    const bool descending = !text.empty() && text.front() == '-';
+    const std::string_view path = text.substr(descending ? 1 : 0);
     if (path.empty()) {
         refuse("a name is missing");
     }
-    const auto field = std::find_if(fields.begin(), fields.end(), [path](const SortableField& candidate) {
-        return candidate.path == path;
-    });
-    if (field == fields.end()) {
-        refuse("cannot order by " + quotedText(path));
-    }
-    return {field->sql, falling};
+    return {std::string(path), descending};
 }
 
 } // namespace
 
-std::vector<OrderTerm> parseOrder(std::string_view text, const std::vector<SortableField>& fields)
+std::vector<OrderTerm> parseOrder(std::string_view text)
 {
     std::vector<OrderTerm> terms;
     for (std::size_t begin = 0; begin <= text.size();) {
         const std::size_t end = std::min(text.find(',', begin), text.size());
-        const std::string_view part = text.substr(begin, end - begin);
-        OrderTerm term = readTerm(part, fields);
-        const bool twice = std::any_of(terms.begin(), terms.end(),
-                                       [&term](const OrderTerm& earlier) { return earlier.sql == term.sql; });
+        OrderTerm term = readTerm(text.substr(begin, end - begin));
+        const bool twice = std::any_of(terms.begin(), terms.end(), [&term](const OrderTerm& earlier) {
+            return earlier.path == term.path;
+        });
         if (twice) {
-            refuse(quotedText(part) + " orders by the same field again");
+            refuseRepeatedOrder(term);
         }
         terms.push_back(std::move(term));
         begin = end + 1;
@@ -50,18 +44,14 @@ std::vector<OrderTerm> parseOrder(std::string_view text, const std::vector<Sorta
     return terms;
 }
 
-std::string orderBy(const std::vector<OrderTerm>& terms, std::string_view identifierColumn)
+void refuseOrder(std::string_view path)
 {
-    std::string sql = "ORDER BY ";
-    bool byIdentifier = false;
-    for (const OrderTerm& term : terms) {
-        sql += term.sql + (term.falling ? " DESC, " : ", ");
-        byIdentifier = byIdentifier || term.sql == identifierColumn;
-    }
-    if (byIdentifier) {
-        return sql.substr(0, sql.size() - 2);
-    }
-    return sql + std::string(identifierColumn);
+    refuse("cannot order by " + quotedText(path));
+}
+
+void refuseRepeatedOrder(const OrderTerm& term)
+{
+    refuse(quotedText((term.descending ? "-" : "") + term.path) + " orders by the same field again");
 }
 
 } // namespace monitorservice

@@ -6,27 +6,20 @@
 
 namespace monitorservice {
 
-/// A path that results can be ordered by.
-struct SortableField
-{
-    std::string path;
-
-    /// SQL: the column. Taken as it is, so never from a request.
-    std::string sql;
-};
-
+/// One path that results are ordered by.
 struct OrderTerm
 {
-    std::string sql;
-    bool falling = false;
+    std::string path;
+    bool descending = false;
 };
 
 /// Reads the value of an order parameter, `-createdAt,name`: paths, the most significant first, `-` for
-/// falling. Throws QueryError with status 400 for a path that is not in `fields`, an empty one, or one given
-/// twice.
-std::vector<OrderTerm> parseOrder(std::string_view text, const std::vector<SortableField>& fields);
+/// descending. Throws QueryError with status 400 for a path that is empty or given twice.
+std::vector<OrderTerm> parseOrder(std::string_view text);
 
-/// `ORDER BY ...` for the terms, with ties broken by rising `identifierColumn`.
-std::string orderBy(const std::vector<OrderTerm>& terms, std::string_view identifierColumn);
+/// Throw QueryError with status 400: results cannot be ordered by the path; the term orders by what an
+/// earlier one orders by already.
+[[noreturn]] void refuseOrder(std::string_view path);
+[[noreturn]] void refuseRepeatedOrder(const OrderTerm& term);
 
 } // namespace monitorservice

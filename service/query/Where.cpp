@@ -1,21 +1,8 @@
 #include "query/Where.h"
 
-#include "query/Matcher.h"
-
 #include <algorithm>
 
 namespace monitorservice {
-
-bool Where::matches(simdjson::dom::element document) const
-{
-    return Matcher(*this).matches(document);
-}
-
-bool Where::names(std::string_view path) const
-{
-    return std::any_of(m_conditions.begin(), m_conditions.end(),
-                       [path](const Condition& condition) { return condition.path == path; });
-}
 
 std::pair<Where, Where> Where::split(const std::vector<std::string_view>& paths) const
 {

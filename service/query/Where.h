@@ -12,8 +12,8 @@
 
 namespace monitorservice {
 
-/// A parsed where document: a list of conditions that must all hold. Immutable, cheap to copy, usable from
-/// any thread.
+/// A parsed where document: a list of conditions that must all hold. What it means is what a Matcher says of
+/// documents. Immutable, cheap to copy, usable from any thread.
 ///
 /// The language is described in docs/query-language.md.
 class Where
@@ -30,19 +30,15 @@ public:
     /// Throws QueryError with status 400 when `json` is not a where document.
     static Where parse(std::string_view json);
 
-    /// Whether `document` matches. The definition of what a where document means; for more than one document
-    /// use a Matcher, whose step budget covers them together. Throws QueryError with status 422 when a
-    /// pattern takes too many steps.
-    bool matches(simdjson::dom::element document) const;
+    /// The one condition that what stands at the path equals the text. The path is taken as parse() takes it;
+    /// the text is UTF-8.
+    static Where equals(std::string_view path, std::string_view text);
 
     /// Whether there are no conditions, so that every document matches.
     bool isEmpty() const { return m_conditions.empty(); }
 
     /// In the order of the where document; a path with several operators has one condition for each.
     const std::vector<Condition>& conditions() const { return m_conditions; }
-
-    /// Whether a condition on exactly this path exists.
-    bool names(std::string_view path) const;
 
     /// The conditions on exactly these paths, and the others: what is asked of a sample apart from what is
     /// asked of its point.

@@ -1,3 +1,4 @@
+#include "json/JsonText.h"
 #include "query/AnyOf.h"
 #include "query/Pattern.h"
 #include "query/QueryError.h"
@@ -257,11 +258,8 @@ private:
     std::vector<Condition>& m_conditions;
 };
 
-dom::object parseObject(std::string_view json, dom::document& values)
+dom::element parseValue(std::string_view json, dom::document& values)
 {
-    if (json.size() > Where::maximumBytes) {
-        refuse("longer than " + std::to_string(Where::maximumBytes) + " bytes");
-    }
     thread_local dom::parser parser;
     dom::element root;
     const simdjson::error_code error = parser.parse_into_document(values, json.data(), json.size()).get(root);
@@ -271,6 +269,15 @@ dom::object parseObject(std::string_view json, dom::document& values)
     if (error != simdjson::SUCCESS) {
         refuse(std::string("not valid JSON: ") + simdjson::error_message(error));
     }
+    return root;
+}
+
+dom::object parseObject(std::string_view json, dom::document& values)
+{
+    if (json.size() > Where::maximumBytes) {
+        refuse("longer than " + std::to_string(Where::maximumBytes) + " bytes");
+    }
+    const dom::element root = parseValue(json, values);
     dom::object object;
     if (root.get(object) != simdjson::SUCCESS) {
         refuse("not a JSON object");
@@ -293,6 +300,18 @@ Where Where::parse(std::string_view json)
         }
         PathConditions(member.key, where.m_conditions).read(member.value);
     }
+    return where;
+}
+
+Where Where::equals(std::string_view path, std::string_view text)
+{
+    // An operand is a JSON value, and those come from a parser.
+    std::string json;
+    appendJsonString(json, text);
+    const auto values = std::make_shared<dom::document>();
+    Where where;
+    where.m_values = values;
+    PathConditions(path, where.m_conditions).read(parseValue(json, *values));
     return where;
 }
 

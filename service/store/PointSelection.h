@@ -13,7 +13,7 @@ namespace monitorservice {
 /// A point that was found. The views end with the visit.
 struct FoundPoint
 {
-    std::int64_t key = 0; ///< what its samples are found by; never leaves the service
+    std::int64_t key = 0; ///< as Measurements knows it; never leaves the service
     std::string_view id;
     std::string_view category; ///< of its monitoring
     std::string_view name;
@@ -40,11 +40,14 @@ struct DayValue
 /// as "entity", their identifiers as "uuid", and, where a condition asks for that, its samples as "data".
 ///
 /// Every member may throw StoreError and QueryError; the patterns of the query have one budget for all of
-/// them.
+/// them. A visitor must not call into the selection or its session: points come with their samples in one
+/// visit, so that a database can be asked for those of many points while the first ones are taken in.
 class PointSelection : public StoreInterface
 {
 public:
     using PointVisitor = std::function<void(const FoundPoint& point)>;
+    /// False when the point's samples are not wanted: they are not read then.
+    using PointChooser = std::function<bool(const FoundPoint& point)>;
     using SampleVisitor = std::function<void(const Sample& sample)>;
     using DayVisitor = std::function<void(const DayValue& day)>;
 
@@ -52,11 +55,12 @@ public:
     virtual std::uint64_t count() = 0;
     /// The page in the query's order; "data.time" stands for the time of a point's newest chosen sample.
     virtual void visit(const PointVisitor& visitor) = 0;
-    /// The point's chosen samples in the order of time and count.
-    virtual void visitSamples(std::int64_t point, const SampleVisitor& visitor) = 0;
-    /// The last chosen sample of each day, days rising. Whole days are read from what is kept of each day,
-    /// not from the samples, unless a sample's flag or an unusual condition on its time matters.
-    virtual void visitDays(std::int64_t point, const DayVisitor& visitor) = 0;
+    /// The same page, and behind each point its chosen samples in the order of time and count.
+    virtual void visitSamples(const PointChooser& point, const SampleVisitor& sample) = 0;
+    /// The same page, and behind each point the last chosen sample of each day, days ascending. Whole days
+    /// are read from what is kept of each day, not from the samples, unless a sample's flag or an unusual
+    /// condition on its time matters.
+    virtual void visitDays(const PointChooser& point, const DayVisitor& day) = 0;
 };
 
 } // namespace monitorservice

@@ -8,7 +8,7 @@ namespace monitorservice {
 /// Why the store could not do what was asked.
 enum class StoreFailure
 {
-    Busy,        ///< another writer held the store for longer than the busy timeout; trying again later helps
+    Busy,        ///< other writers took longer than the patience of the store; trying again later helps
     Full,        ///< no room left where the data lie
     NotWritable, ///< writing failed for another reason: the disk does not let it; what is held can be read
     InputOutput, ///< reading failed, or what was read is damaged

@@ -1,16 +1,13 @@
 // Input: a where document on the first line, then a document per line. What the matcher says must hold
-// together, and the rows that SQL is narrowed to must hold every row that matches; no other when narrowing
-// says that it is exact, or when the patterns that it leaves are found in the columns.
+// together, and the rows that a database is narrowed to must hold every row that matches; no other when
+// narrowing says that it is exact, or when the patterns that it leaves are found in the columns.
 
 #include "Fuzzer.h"
 #include "query/AnyOf.h"
 #include "query/Matcher.h"
 #include "query/PatternSearch.h"
 #include "query/QueryError.h"
-#include "store/sql/Narrowing.h"
-
-#include <SQLiteCpp/SQLiteCpp.h>
-#include <sqlite3.h>
+#include "unit/service/store/sql/NarrowedTable.h"
 
 #include <algorithm>
 #include <optional>
@@ -53,117 +50,25 @@ bool isStorable(dom::element value)
     return std::adjacent_find(keys.begin(), keys.end()) == keys.end();
 }
 
-// A table of one document, with columns as the store makes them.
-class Row
+// Whether the patterns that are left are found in the columns; nothing when one takes too many steps.
+std::optional<bool> holdsPatterns(const Narrowing& narrowing, dom::element document)
 {
-public:
-    Row()
-    {
-        m_database.exec("CREATE TABLE cells (document TEXT NOT NULL, name TEXT GENERATED ALWAYS AS (" +
-                        generatedTextColumn("document", "name") +
-                        ") STORED, category TEXT GENERATED ALWAYS AS (" +
-                        generatedTextColumn("document", "category") + ") VIRTUAL, created_ms INTEGER)");
-        m_insert.emplace(m_database, "INSERT INTO cells (document, created_ms) VALUES (?, ?)");
-        m_delete.emplace(m_database, "DELETE FROM cells");
-        m_isUniform.emplace(m_database, "SELECT typeof(name) <> 'blob' AND typeof(category) <> 'blob' AND "
-                                        "typeof(created_ms) <> 'blob' FROM cells");
+    PatternSearch search;
+    try {
+        return !anyOf(narrowing.patterns, [&](const ColumnPattern& one) {
+            const std::optional<std::string> text = textOf(one, document).text;
+            return !text || !search.finds(*one.pattern, *text);
+        });
+    } catch (const QueryError&) {
+        return std::nullopt;
     }
-
-    // False when SQLite does not take the text for JSON.
-    bool set(std::string_view json, dom::element document)
-    {
-        m_delete->exec();
-        m_delete->reset();
-        m_insert->reset();
-        m_insert->bind(1, std::string(json));
-        bindTime(document["createdAt"]);
-        try {
-            m_insert->exec();
-        } catch (const SQLite::Exception&) {
-            m_insert->tryReset();
-            return false;
-        }
-        return true;
-    }
-
-    // Whether the document keeps what narrowing may be promised of the columns.
-    bool isUniform()
-    {
-        m_isUniform->reset();
-        m_isUniform->executeStep();
-        const bool uniform = m_isUniform->getColumn(0).getInt() != 0;
-        m_isUniform->reset();
-        return uniform;
-    }
-
-    bool isSelectedBy(const Narrowing& narrowing)
-    {
-        SQLite::Statement statement(m_database, "SELECT 1 FROM cells WHERE " + narrowing.sql);
-        require(statement.getBindParameterCount() == static_cast<int>(narrowing.values.size()),
-                "a value is bound for each place", [&] { return narrowing.sql; });
-        int place = 0;
-        for (const SqlValue& value : narrowing.values) {
-            ++place;
-            std::visit([&](const auto& bound) { statement.bind(place, bound); }, value);
-        }
-        return statement.executeStep();
-    }
-
-    // Whether the patterns that are left are found in the columns; nothing when one takes too many steps.
-    std::optional<bool> holdsPatterns(const Narrowing& narrowing)
-    {
-        PatternSearch search;
-        try {
-            return !anyOf(narrowing.patterns, [&](const ColumnPattern& one) {
-                SQLite::Statement statement(m_database, "SELECT " + one.sql + " FROM cells");
-                statement.executeStep();
-                const SQLite::Column text = statement.getColumn(0);
-                return text.isNull() || !search.finds(*one.pattern, text.getString());
-            });
-        } catch (const QueryError&) {
-            return std::nullopt;
-        }
-    }
-
-private:
-    void bindTime(const simdjson::simdjson_result<dom::element>& member)
-    {
-        m_insert->bind(2);
-        if (member.error() != simdjson::SUCCESS || member.is_null()) {
-            return;
-        }
-        std::string_view text;
-        const bool isText = member.get(text) == simdjson::SUCCESS;
-        const std::optional<Timestamp> time = isText ? parseTimestamp(text) : std::nullopt;
-        if (time) {
-            m_insert->bind(2, time->milliseconds);
-        } else {
-            m_insert->bind(2, "", 0);
-        }
-    }
-
-    SQLite::Database m_database{":memory:", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE};
-    std::optional<SQLite::Statement> m_insert;
-    std::optional<SQLite::Statement> m_delete;
-    std::optional<SQLite::Statement> m_isUniform;
-};
-
-std::vector<NarrowableField> fields(bool uniform)
-{
-    return {{"name", "name", FieldKind::Text, uniform},
-            {"category", "category", FieldKind::Text, uniform},
-            {"createdAt", "created_ms", FieldKind::Time, uniform},
-            {"alarmTo",
-             "EXISTS (SELECT 1 FROM json_each(document, '$.alarmTo') WHERE value IN ({}) OR "
-             "instr(cells.document, '\\u0000') > 0)",
-             FieldKind::TextSet, false}};
 }
 
 // Nothing when a pattern takes too many steps.
 std::optional<bool> matches(const Where& where, dom::element document)
 {
     try {
-        return where.matches(document);
+        return Matcher(where).matches(document);
     } catch (const QueryError& error) {
         require(error.status() == 422, "only a pattern's steps end a search", [&] { return error.what(); });
         return std::nullopt;
@@ -241,7 +146,7 @@ void checkOpposites(std::string_view json, dom::element document)
 
 void checkDocument(std::string_view whereText, const Where& where, std::string_view json)
 {
-    static Row row;
+    static NarrowedTable table;
     dom::parser parser;
     dom::element document;
     if (parser.parse(json.data(), json.size()).get(document) != simdjson::SUCCESS || !document.is_object() ||
@@ -254,25 +159,22 @@ void checkDocument(std::string_view whereText, const Where& where, std::string_v
     }
     checkConjunction(where, document, *isMatch);
     checkOpposites(whereText, document);
-    if (!row.set(json, document)) {
+    if (!NarrowedTable::isUniform(document)) {
         return;
     }
-    const Narrowing odd = narrow(where, fields(false));
-    require(!*isMatch || row.isSelectedBy(odd), "SQL loses no row that matches", [&] { return odd.sql; });
-    require(!odd.exact || row.isSelectedBy(odd) == *isMatch, "exact narrowing selects what matches",
-            [&] { return odd.sql; });
-    if (!row.isUniform()) {
+    table.clear();
+    table.insert(document);
+    const Narrowing narrowing = NarrowedTable::narrowed(where);
+    const bool isSelected = !table.select(narrowing).empty();
+    const auto condition = [&narrowing] {
+        return narrowing.condition.text({});
+    };
+    require(!*isMatch || isSelected, "narrowing loses no row that matches", condition);
+    require(!narrowing.exact || isSelected == *isMatch, "exact narrowing selects what matches", condition);
+    if (narrowing.patterns.empty() || !isSelected) {
         return;
     }
-    const Narrowing uniform = narrow(where, fields(true));
-    require(!*isMatch || row.isSelectedBy(uniform), "SQL loses no uniform row that matches",
-            [&] { return uniform.sql; });
-    require(!uniform.exact || row.isSelectedBy(uniform) == *isMatch,
-            "exact narrowing selects the uniform rows that match", [&] { return uniform.sql; });
-    if (uniform.patterns.empty() || !row.isSelectedBy(uniform)) {
-        return;
-    }
-    const std::optional<bool> holds = row.holdsPatterns(uniform);
+    const std::optional<bool> holds = holdsPatterns(narrowing, document);
     require(!holds || *holds == *isMatch, "patterns tell which selected rows match",
             [&] { return std::string(whereText); });
 }

@@ -1,8 +1,8 @@
 // Reads pairs {"doc": "...", "where": "..."}, one JSON object a line, both members JSON documents as text,
 // and writes what the matcher says of each: true, false, or why it refuses the where document.
 
+#include "query/Matcher.h"
 #include "query/QueryError.h"
-#include "query/Where.h"
 
 #include <simdjson.h>
 
@@ -18,7 +18,7 @@ std::string verdict(std::string_view document, std::string_view where)
     try {
         simdjson::dom::parser parser;
         const simdjson::dom::element root = parser.parse(document.data(), document.size());
-        return monitorservice::Where::parse(where).matches(root) ? "true" : "false";
+        return monitorservice::Matcher(monitorservice::Where::parse(where)).matches(root) ? "true" : "false";
     } catch (const monitorservice::QueryError& error) {
         return error.what();
     }

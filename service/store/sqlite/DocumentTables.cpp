@@ -11,22 +11,22 @@ const DocumentTable& cellTable()
     static const DocumentTable table{
         "cells",
         {
-            {"_id", "id", FieldKind::Text, true},
-            {"projectId", "project", FieldKind::Text, true},
-            {"name", "name", FieldKind::Text, true},
-            {"category", "category", FieldKind::Text, true},
-            {"createdAt", "created_at", FieldKind::Time, true},
-            {"createdBy", "created_by", FieldKind::Text, true},
-            {"updatedAt", "updated_at", FieldKind::Time, true},
-            {"updatedBy", "updated_by", FieldKind::Text, true},
+            {"_id", "id"},
+            {"projectId", "project"},
+            {"name", "name"},
+            {"category", "category"},
+            {"createdAt", "created_at", FieldKind::Time},
+            {"createdBy", "created_by"},
+            {"updatedAt", "updated_at", FieldKind::Time},
+            {"updatedBy", "updated_by"},
         },
         {
             {"_id", "id"},
             {"name", "name"},
             {"category", "category"},
-            {"createdAt", "created_at"},
+            {"createdAt", "created_at", SortedAs::Number},
             {"createdBy", "created_by"},
-            {"updatedAt", "updated_at"},
+            {"updatedAt", "updated_at", SortedAs::Number},
             {"updatedBy", "updated_by"},
         },
     };
@@ -38,11 +38,11 @@ const DocumentTable& subCategoryTable()
     static const DocumentTable table{
         "sub_categories",
         {
-            {"_id", "id", FieldKind::Text, true},
-            {"projectId", "project", FieldKind::Text, true},
-            {"name", "name", FieldKind::Text, true},
-            {"category", "category", FieldKind::Text, true},
-            {"alias", "alias", FieldKind::Text, true},
+            {"_id", "id"},
+            {"projectId", "project"},
+            {"name", "name"},
+            {"category", "category"},
+            {"alias", "alias"},
         },
         {
             {"_id", "id"},
@@ -59,12 +59,12 @@ const DocumentTable& groupTable()
     static const DocumentTable table{
         "groups",
         {
-            {"_id", "id", FieldKind::Text, true},
-            {"projectId", "project", FieldKind::Text, true},
-            {"cellId", "cell", FieldKind::Text, true},
-            {"subCategoryId", "sub_category", FieldKind::Text, true},
-            {"groupName", "name", FieldKind::Text, true},
-            {"category", "category", FieldKind::Text, true},
+            {"_id", "id"},
+            {"projectId", "project"},
+            {"cellId", "cell"},
+            {"subCategoryId", "sub_category"},
+            {"groupName", "name"},
+            {"category", "category"},
         },
         {
             {"_id", "id"},
@@ -83,21 +83,21 @@ const DocumentTable& pointLocationTable()
     static const DocumentTable table{
         "point_locations",
         {
-            {"_id", "id", FieldKind::Text, true},
-            {"projectId", "project", FieldKind::Text, true},
-            {"cellId", "cell", FieldKind::Text, true},
-            {"subCategoryId", "sub_category", FieldKind::Text, true},
-            {"name", "name", FieldKind::Text, true},
-            {"depth", "depth", FieldKind::Text, true},
-            {"category", "category", FieldKind::Text, true},
+            {"_id", "id"},
+            {"projectId", "project"},
+            {"cellId", "cell"},
+            {"subCategoryId", "sub_category"},
+            {"name", "name"},
+            {"depth", "depth"},
+            {"category", "category"},
         },
         {
             {"_id", "id"},
             {"cellId", "cell"},
             {"name", "name"},
-            {"depth", "CAST(depth AS REAL)"}, // as a number: 2.5 stands before 10
-            {"lastDate", "last_time"},
-            {"data.time", "last_time"},
+            {"depth", "CAST(depth AS REAL)", SortedAs::Number}, // as a number: 2.5 stands before 10
+            {"lastDate", "last_time", SortedAs::Number},
+            {"data.time", "last_time", SortedAs::Number},
         },
         "point_locations_read",
         "searched",
@@ -111,18 +111,18 @@ const DocumentTable& dataManageTable()
     static const DocumentTable table{
         "data_manages",
         {
-            {"_id", "id", FieldKind::Text, true},
-            {"projectId", "project", FieldKind::Text, true},
-            {"cellId", "cell", FieldKind::Text, true},
-            {"subCategoryId", "sub_category", FieldKind::Text, true},
-            {"category", "searched_category", FieldKind::Text, true},
-            {"createdAt", "created_at", FieldKind::Time, true},
-            {"updatedAt", "updated_at", FieldKind::Time, true},
+            {"_id", "id"},
+            {"projectId", "project"},
+            {"cellId", "cell"},
+            {"subCategoryId", "sub_category"},
+            {"category", "searched_category"},
+            {"createdAt", "created_at", FieldKind::Time},
+            {"updatedAt", "updated_at", FieldKind::Time},
         },
         {
             {"_id", "id"},
-            {"createdAt", "created_at"},
-            {"updatedAt", "updated_at"},
+            {"createdAt", "created_at", SortedAs::Number},
+            {"updatedAt", "updated_at", SortedAs::Number},
         },
         "data_manages_read",
         "searched",
@@ -134,12 +134,9 @@ const DocumentTable& dataManageTable()
 const DocumentTable& historyTable()
 {
     static const DocumentTable table{
-        "histories",
-        {{"_id", "id", FieldKind::Text, true}, {"dataManageId", "data_manage", FieldKind::Text, true}},
-        {{"_id", "id"}},
-        "histories_read",
-        "searched",
-        "data_manage",
+        "histories",     {{"_id", "id"}, {"dataManageId", "data_manage"}},
+        {{"_id", "id"}}, "histories_read",
+        "searched",      "data_manage",
     };
     return table;
 }
@@ -149,17 +146,17 @@ const DocumentTable& alarmTable()
     static const DocumentTable table{
         "alarms",
         {
-            {"_id", "id", FieldKind::Text, true},
-            {"projectId", "project", FieldKind::Text, true},
-            {"cellId", "cell", FieldKind::Text, true},
-            {"subCategoryId", "sub_category", FieldKind::Text, true},
-            {"name", "name", FieldKind::Text, true},
-            {"category", "category", FieldKind::Text, true},
-            {"createdAt", "created_at", FieldKind::Time, true},
+            {"_id", "id"},
+            {"projectId", "project"},
+            {"cellId", "cell"},
+            {"subCategoryId", "sub_category"},
+            {"name", "name"},
+            {"category", "category"},
+            {"createdAt", "created_at", FieldKind::Time},
         },
         {
             {"_id", "id"},
-            {"createdAt", "created_at"},
+            {"createdAt", "created_at", SortedAs::Number},
         },
         "alarms_read",
         "searched",
@@ -173,9 +170,9 @@ const DocumentTable& alarmDetailTable()
     static const DocumentTable table{
         "alarm_details",
         {
-            {"_id", "id", FieldKind::Text, true},
-            {"alarmManId", "alarm", FieldKind::Text, true},
-            {"pointName", "point_name", FieldKind::Text, true},
+            {"_id", "id"},
+            {"alarmManId", "alarm"},
+            {"pointName", "point_name"},
         },
         {
             {"_id", "id"},
@@ -193,12 +190,13 @@ const DocumentTable& alarmDepthTable()
     static const DocumentTable table{
         "alarm_depths",
         {
-            {"_id", "id", FieldKind::Text, true},
-            {"detailId", "detail", FieldKind::Text, true},
-            {"depth", "depth", FieldKind::Text, true},
+            {"_id", "id"},
+            {"detailId", "detail"},
+            {"depth", "depth"},
         },
         {
-            {"_id", "id"}, {"depth", "CAST(depth AS REAL)"}, // as a number: 2.5 stands before 10
+            {"_id", "id"},
+            {"depth", "CAST(depth AS REAL)", SortedAs::Number}, // as a number: 2.5 stands before 10
         },
         "alarm_depths_read",
         "searched",

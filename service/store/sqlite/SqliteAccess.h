@@ -1,6 +1,7 @@
 #pragma once
 
-#include "store/Store.h"
+#include "store/Grants.h"
+#include "store/Tokens.h"
 #include "store/sqlite/SqliteConnection.h"
 
 namespace monitorservice {

@@ -4,6 +4,7 @@
 
 #include <limits>
 #include <utility>
+#include <variant>
 
 namespace monitorservice {
 
@@ -60,7 +61,7 @@ auto translated(Action&& action)
 }
 
 SQLite::Database open(const std::filesystem::path& file, SqliteConnection::Access access,
-                      std::chrono::milliseconds busyTimeout)
+                      std::chrono::milliseconds patience)
 {
     const int mode =
         access == SqliteConnection::Access::Write ? SQLite::OPEN_READWRITE : SQLite::OPEN_READONLY;
@@ -70,7 +71,7 @@ SQLite::Database open(const std::filesystem::path& file, SqliteConnection::Acces
     static_cast<void>(withoutStatistics);
     return translated([&] {
         return SQLite::Database(file.u8string(), mode | SQLite::OPEN_NOMUTEX,
-                                static_cast<int>(busyTimeout.count()));
+                                static_cast<int>(patience.count()));
     });
 }
 
@@ -177,8 +178,8 @@ std::optional<std::string> SqliteStatement::optionalText(int column) const
 }
 
 SqliteConnection::SqliteConnection(const std::filesystem::path& file, Access access,
-                                   std::chrono::milliseconds busyTimeout)
-    : m_database(open(file, access, busyTimeout))
+                                   std::chrono::milliseconds patience)
+    : m_database(open(file, access, patience))
 {
     execute("PRAGMA foreign_keys = ON");
     // With the write-ahead log, FULL is what makes a commit survive a loss of power.
@@ -198,6 +199,15 @@ SqliteStatement SqliteConnection::statement(std::string_view sql)
     return translated([&] {
         return SqliteStatement(*this, std::make_unique<SQLite::Statement>(m_database, std::string(sql)));
     });
+}
+
+SqliteStatement SqliteConnection::bound(const Sql& sql)
+{
+    SqliteStatement bound = statement(sql.text(sqliteDialect));
+    for (const SqlValue& value : sql.values()) {
+        std::visit([&bound](const auto& one) { bound.bindNext(one); }, value);
+    }
+    return bound;
 }
 
 void SqliteConnection::keep(std::unique_ptr<SQLite::Statement> statement)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/StoreError.h"
+#include "store/sql/Sql.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 
@@ -16,6 +17,8 @@
 namespace monitorservice {
 
 class SqliteConnection;
+
+constexpr Dialect sqliteDialect{};
 
 /// A prepared statement in use; goes back to its connection, reset, when destroyed. Every member throws
 /// StoreError.
@@ -75,10 +78,12 @@ public:
     };
 
     /// Throws StoreError with StoreFailure::CannotOpen.
-    SqliteConnection(const std::filesystem::path& file, Access access, std::chrono::milliseconds busyTimeout);
+    SqliteConnection(const std::filesystem::path& file, Access access, std::chrono::milliseconds patience);
 
     /// A statement of this text, prepared once and kept for the next use.
     SqliteStatement statement(std::string_view sql);
+    /// The same of a piece of SQL, with its values bound.
+    SqliteStatement bound(const Sql& sql);
     /// Runs statements that take and give nothing.
     void execute(const std::string& sql);
     /// The first value of the first row.

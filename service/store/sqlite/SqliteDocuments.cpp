@@ -1,13 +1,14 @@
 #include "store/sqlite/SqliteDocuments.h"
 
+#include "domain/Document.h"
 #include "query/Matcher.h"
 #include "query/PatternSearch.h"
+#include "store/StoreError.h"
+#include "store/sql/Reach.h"
 
 #include <simdjson.h>
 
 #include <algorithm>
-#include <limits>
-#include <variant>
 
 namespace monitorservice {
 
@@ -17,50 +18,30 @@ namespace {
 // patterns in columns tell, or without any the document.
 struct Selection
 {
-    std::string sql;
-    std::vector<SqlValue> values;
+    Sql rows; // FROM and WHERE
     bool exact = true;
     std::vector<ColumnPattern> patterns;
 };
 
 Selection select(const DocumentQuery& query, const DocumentTable& table)
 {
-    Selection selection{" FROM " + table.view + " WHERE project = ?", {query.project}, true, {}};
+    Selection selection;
+    selection.rows = Sql(" FROM " + table.view + " WHERE ").append(reachOf(query, table.view));
     if (query.parent) {
-        selection.sql += " AND " + table.parent + " = ?";
-        selection.values.emplace_back(*query.parent);
-    }
-    if (query.categories) {
-        std::string placeholders;
-        for (const std::string& category : *query.categories) {
-            placeholders += placeholders.empty() ? "?" : ", ?";
-            selection.values.emplace_back(category);
-        }
-        selection.sql += " AND category IN (" + placeholders + ")";
+        selection.rows.append(" AND " + table.parent + " = ").appendValue(*query.parent);
     }
     if (query.where != nullptr) {
-        Narrowing narrowing = narrow(*query.where, table.narrowable);
-        selection.sql += " AND (" + narrowing.sql + ")";
-        selection.values.insert(selection.values.end(), narrowing.values.begin(), narrowing.values.end());
+        Narrowing narrowing = narrow(*query.where, table.narrowable, sqliteDialect);
+        selection.rows.append(" AND (").append(narrowing.condition).append(")");
         selection.exact = narrowing.exact;
         selection.patterns = std::move(narrowing.patterns);
     }
     return selection;
 }
 
-std::vector<OrderTerm> orderOf(const DocumentQuery& query, const DocumentTable& table)
+Sql orderOf(const DocumentQuery& query, const DocumentTable& table)
 {
-    return query.order ? parseOrder(*query.order, table.sortable) : std::vector<OrderTerm>();
-}
-
-SqliteStatement bound(SqliteConnection& connection, const std::string& sql,
-                      const std::vector<SqlValue>& values)
-{
-    SqliteStatement statement = connection.statement(sql);
-    for (const SqlValue& value : values) {
-        std::visit([&statement](const auto& one) { statement.bindNext(one); }, value);
-    }
-    return statement;
+    return orderBy(query.order, table.orderable, "id", sqliteDialect);
 }
 
 // Tells of one selected row after another whether it matches, by the columns that it names.
@@ -71,7 +52,7 @@ public:
         : m_patterns(selection.patterns), m_matcher(where)
     {
         for (const ColumnPattern& pattern : m_patterns) {
-            m_columns += ", " + pattern.sql;
+            m_columns += ", " + pattern.column;
         }
         if (m_patterns.empty()) {
             m_columns += ", " + table.searched;
@@ -100,7 +81,7 @@ private:
     {
         simdjson::dom::element element;
         if (m_parser.parse(document.data(), document.size()).get(element) != simdjson::SUCCESS) {
-            throw StoreError(StoreFailure::InputOutput, "a stored document is damaged");
+            throw DamagedDocument("a stored document is damaged: it is not JSON");
         }
         return m_matcher.matches(element);
     }
@@ -111,12 +92,6 @@ private:
     Matcher m_matcher;
     std::string m_columns = "id";
 };
-
-std::int64_t sqlNumber(std::uint64_t number)
-{
-    constexpr auto largest = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
-    return static_cast<std::int64_t>(std::min(number, largest));
-}
 
 } // namespace
 
@@ -136,13 +111,12 @@ std::uint64_t SqliteDocuments::count(const DocumentQuery& query) const
     orderOf(query, m_table); // read for its check alone
     const Selection selection = select(query, m_table);
     if (selection.exact) {
-        SqliteStatement statement = bound(m_connection, "SELECT count(*)" + selection.sql, selection.values);
+        SqliteStatement statement = m_connection.bound(Sql("SELECT count(*)").append(selection.rows));
         statement.step();
         return static_cast<std::uint64_t>(statement.integer(0));
     }
     RowMatcher matcher(*query.where, selection, m_table);
-    SqliteStatement statement =
-        bound(m_connection, "SELECT " + matcher.columns() + selection.sql, selection.values);
+    SqliteStatement statement = m_connection.bound(Sql("SELECT " + matcher.columns()).append(selection.rows));
     std::uint64_t matching = 0;
     while (statement.step()) {
         matching += matcher.matches(statement) ? 1 : 0;
@@ -152,14 +126,15 @@ std::uint64_t SqliteDocuments::count(const DocumentQuery& query) const
 
 void SqliteDocuments::visit(const DocumentQuery& query, const Visitor& visitor) const
 {
-    const std::string order = orderBy(orderOf(query, m_table), "id");
-    Selection selection = select(query, m_table);
+    const Sql order = orderOf(query, m_table);
+    const Selection selection = select(query, m_table);
     if (selection.exact) {
-        selection.values.emplace_back(sqlNumber(query.limit));
-        selection.values.emplace_back(sqlNumber(query.skip));
-        SqliteStatement statement =
-            bound(m_connection, "SELECT document" + selection.sql + " " + order + " LIMIT ? OFFSET ?",
-                  selection.values);
+        SqliteStatement statement = m_connection.bound(Sql("SELECT document")
+                                                           .append(selection.rows)
+                                                           .append(" ")
+                                                           .append(order)
+                                                           .append(" ")
+                                                           .append(Sql::page(query.skip, query.limit)));
         while (statement.step()) {
             visitor(statement.view(0));
         }
@@ -167,8 +142,8 @@ void SqliteDocuments::visit(const DocumentQuery& query, const Visitor& visitor) 
     }
     // The document is looked up for the page alone: what tells the rows apart may stand in an index.
     RowMatcher matcher(*query.where, selection, m_table);
-    SqliteStatement statement =
-        bound(m_connection, "SELECT " + matcher.columns() + selection.sql + " " + order, selection.values);
+    SqliteStatement statement = m_connection.bound(
+        Sql("SELECT " + matcher.columns()).append(selection.rows).append(" ").append(order));
     std::uint64_t toSkip = query.skip;
     std::uint64_t toGive = query.limit;
     while (toGive > 0 && statement.step()) {

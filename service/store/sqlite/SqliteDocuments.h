@@ -1,8 +1,9 @@
 #pragma once
 
-#include "query/Order.h"
-#include "store/Store.h"
+#include "domain/DocumentKind.h"
+#include "store/Documents.h"
 #include "store/sql/Narrowing.h"
+#include "store/sql/Ordering.h"
 #include "store/sqlite/SqliteConnection.h"
 
 #include <string>
@@ -16,7 +17,7 @@ struct DocumentTable
 {
     std::string name;
     std::vector<NarrowableField> narrowable;
-    std::vector<SortableField> sortable;
+    std::vector<OrderableField> orderable;
     std::string view = name;           ///< what is read: the table, or a view that adds the category
     std::string searched = "document"; ///< the column that conditions are tried against
     std::string parent = {};           ///< the column with the identifier that DocumentQuery::parent names

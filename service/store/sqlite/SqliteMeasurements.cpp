@@ -1,5 +1,6 @@
 #include "store/sqlite/SqliteMeasurements.h"
 
+#include "store/sqlite/SampleRows.h"
 #include "store/sqlite/SqlitePointSelection.h"
 #include "store/sqlite/SqliteSchema.h"
 
@@ -12,21 +13,6 @@ namespace {
 std::optional<std::int64_t> columnOf(const std::optional<int>& offsetMinutes)
 {
     return offsetMinutes ? std::optional<std::int64_t>(*offsetMinutes) : std::nullopt;
-}
-
-std::optional<int> offsetIn(const SqliteStatement& row, int column)
-{
-    return row.isNull(column) ? std::nullopt : std::optional(static_cast<int>(row.integer(column)));
-}
-
-// Columns time, count, offset_minutes, value, time_flag.
-void readSample(const SqliteStatement& row, Sample& sample)
-{
-    sample.time = row.integer(0);
-    sample.count = static_cast<std::int32_t>(row.integer(1));
-    sample.offsetMinutes = offsetIn(row, 2);
-    sample.value = row.real(3);
-    sample.timeFlag = row.view(4);
 }
 
 // Columns day, time, count, offset_minutes, value, samples.
@@ -104,24 +90,21 @@ std::unique_ptr<PointSelection> SqliteMeasurements::select(const DocumentQuery& 
 std::optional<Sample> SqliteMeasurements::findSample(std::int64_t point, Instant time,
                                                      std::int32_t count) const
 {
-    SqliteStatement statement =
-        m_connection.statement("SELECT time, count, offset_minutes, value, time_flag FROM samples WHERE "
-                               "point = ? AND time = ? AND count = ?");
+    static const std::string sql = std::string(selectSamplesOf) + "? AND time = ? AND count = ?";
+    SqliteStatement statement = m_connection.statement(sql);
     statement.bind(point, time, std::int64_t{count});
     if (!statement.step()) {
         return std::nullopt;
     }
-    Sample sample;
-    readSample(statement, sample);
-    return sample;
+    return sampleOf(statement);
 }
 
 void SqliteMeasurements::visitSamples(std::int64_t point, Instant from, Instant before,
                                       const SampleVisitor& visitor) const
 {
-    SqliteStatement statement =
-        m_connection.statement("SELECT time, count, offset_minutes, value, time_flag FROM samples WHERE "
-                               "point = ? AND time >= ? AND time < ? ORDER BY time, count");
+    static const std::string sql =
+        std::string(selectSamplesOf) + "? AND time >= ? AND time < ? ORDER BY time, count";
+    SqliteStatement statement = m_connection.statement(sql);
     statement.bind(point, from, before);
     Sample sample;
     while (statement.step()) {

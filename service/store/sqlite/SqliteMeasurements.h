@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/Store.h"
+#include "store/Measurements.h"
 #include "store/sqlite/SqliteConnection.h"
 
 namespace monitorservice {

@@ -4,7 +4,10 @@
 #include "domain/SampleText.h"
 #include "json/JsonText.h"
 #include "query/Matcher.h"
-#include "query/Order.h"
+#include "store/StoreError.h"
+#include "store/sql/Narrowing.h"
+#include "store/sql/Reach.h"
+#include "store/sqlite/SampleRows.h"
 #include "store/sqlite/SqliteDocuments.h"
 
 #include <simdjson.h>
@@ -13,6 +16,7 @@
 #include <limits>
 #include <tuple>
 #include <utility>
+#include <vector>
 
 namespace monitorservice {
 
@@ -31,7 +35,7 @@ public:
     {
         simdjson::dom::element element;
         if (m_parser.parse(json.data(), json.size()).get(element) != simdjson::SUCCESS) {
-            throw StoreError(StoreFailure::InputOutput, "a stored document is damaged");
+            throw DamagedDocument("a stored document is damaged: it is not JSON");
         }
         return m_matcher.matches(element);
     }
@@ -40,11 +44,6 @@ private:
     simdjson::dom::parser m_parser;
     Matcher m_matcher;
 };
-
-std::optional<int> offsetIn(const SqliteStatement& row, int column)
-{
-    return row.isNull(column) ? std::nullopt : std::optional(static_cast<int>(row.integer(column)));
-}
 
 // What the conditions on a sample are asked of: its members stand where their paths lead.
 std::string sampleDocument(const SqliteFunction::Arguments& arguments)
@@ -90,12 +89,6 @@ bool leadsInto(const Where& where, std::string_view member)
                        [member](const Condition& condition) { return condition.names.front() == member; });
 }
 
-std::int64_t sqlNumber(std::uint64_t number)
-{
-    constexpr auto largest = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
-    return static_cast<std::int64_t>(std::min(number, largest));
-}
-
 std::int64_t utcDayOf(Instant instant)
 {
     constexpr std::int64_t millisecondsPerDay = 86'400'000;
@@ -107,20 +100,6 @@ DayValue dayOf(const SqliteStatement& row)
 {
     return {row.integer(0), row.integer(1), static_cast<std::int32_t>(row.integer(2)), offsetIn(row, 3),
             row.real(4)};
-}
-
-// Columns time, count, offset_minutes, value, time_flag.
-Sample sampleOf(const SqliteStatement& row)
-{
-    return {row.integer(0), static_cast<std::int32_t>(row.integer(1)), offsetIn(row, 2), row.real(3),
-            std::string(row.view(4))};
-}
-
-void bindValues(SqliteStatement& statement, const std::vector<SqlValue>& values)
-{
-    for (const SqlValue& value : values) {
-        std::visit([&statement](const auto& one) { statement.bindNext(one); }, value);
-    }
 }
 
 bool isBefore(const DayValue& left, const DayValue& right)
@@ -136,36 +115,29 @@ Where asStored(const Where& where)
 
 } // namespace
 
-void SqlitePointSelection::Sql::append(const std::string& more, const std::vector<SqlValue>& moreValues)
-{
-    text += more;
-    values.insert(values.end(), moreValues.begin(), moreValues.end());
-}
-
 SqlitePointSelection::SqlitePointSelection(SqliteConnection& connection, const DocumentQuery& query)
     : m_connection(connection)
 {
     const auto [ofSamples, ofPoints] = query.where == nullptr
                                            ? std::pair<Where, Where>()
                                            : query.where->split({samplePathTime, samplePathFlag});
-    selectSamples(ofSamples);
-    selectPoints(asStored(ofPoints), query);
+    chooseSamples(ofSamples);
+    choosePoints(asStored(ofPoints), query);
     orderPoints(query);
 }
 
-void SqlitePointSelection::selectSamples(const Where& where)
+void SqlitePointSelection::chooseSamples(const Where& where)
 {
-    static const std::vector<NarrowableField> fields{
-        {samplePathTime, "samples.time", FieldKind::Time, true},
-        {samplePathFlag, "samples.time_flag", FieldKind::Text, true}};
-    const Narrowing narrowing = narrow(where, fields);
+    static const std::vector<NarrowableField> fields{{samplePathTime, "samples.time", FieldKind::Time},
+                                                     {samplePathFlag, "samples.time_flag"}};
+    const Narrowing narrowing = narrow(where, fields, sqliteDialect);
     m_choosesSamples = !where.isEmpty();
-    m_sampleCondition = {narrowing.sql, narrowing.values};
+    m_sampleCondition = narrowing.condition;
     if (narrowing.exact) {
         m_period = periodOf(where);
         return;
     }
-    m_sampleCondition.text += " AND sample_matches(samples.time, samples.offset_minutes, samples.time_flag)";
+    m_sampleCondition.andAlso("sample_matches(samples.time, samples.offset_minutes, samples.time_flag)");
     const auto matcher = std::make_shared<TextMatcher>(where);
     m_sampleMatches = std::make_unique<SqliteFunction>(m_connection, "sample_matches", 3,
                                                        [matcher](const SqliteFunction::Arguments& arguments) {
@@ -173,34 +145,18 @@ void SqlitePointSelection::selectSamples(const Where& where)
                                                        });
 }
 
-// Which points of the view the query may reach at all, whatever its condition.
-SqlitePointSelection::Sql SqlitePointSelection::reachOf(const DocumentQuery& query, const std::string& alias)
-{
-    Sql reach{alias + ".project = ?", {query.project}};
-    if (query.categories) {
-        std::string placeholders;
-        for (const std::string& category : *query.categories) {
-            placeholders += placeholders.empty() ? "?" : ", ?";
-            reach.values.emplace_back(category);
-        }
-        reach.text += " AND " + alias + ".category IN (" + placeholders + ")";
-    }
-    return reach;
-}
-
-void SqlitePointSelection::selectPoints(const Where& where, const DocumentQuery& query)
+void SqlitePointSelection::choosePoints(const Where& where, const DocumentQuery& query)
 {
     const DocumentTable& table = documentTable(DocumentKind::PointLocation);
-    m_points = {" FROM " + table.view + " AS p WHERE ", {}};
-    const Sql reach = reachOf(query, "p");
-    m_points.append(reach.text, reach.values);
+    m_points = Sql(" FROM " + table.view + " AS p WHERE ").append(reachOf(query, "p"));
     if (query.parent) {
-        m_points.append(" AND p." + table.parent + " = ?", {*query.parent});
+        m_points.append(" AND p." + table.parent + " = ").appendValue(*query.parent);
     }
-    const Narrowing narrowing = narrow(where, table.narrowable);
+    const Narrowing narrowing = narrow(where, table.narrowable, sqliteDialect);
+    m_points.append(" AND (").append(narrowing.condition).append(")");
     Sql matches;
     if (!narrowing.exact) {
-        matches.text = "point_matches(p.point, p.category, p.document)";
+        matches = "point_matches(p.point, p.category, p.document)";
         const auto matcher = std::make_shared<TextMatcher>(where);
         m_pointMatches = std::make_unique<SqliteFunction>(
             m_connection, "point_matches", 3,
@@ -210,82 +166,90 @@ void SqlitePointSelection::selectPoints(const Where& where, const DocumentQuery&
             });
     }
     if (m_choosesSamples) {
-        matches.append(std::string(matches.text.empty() ? "" : " AND ") +
-                           "EXISTS (SELECT 1 FROM samples WHERE samples.point = p.point AND " +
-                           m_sampleCondition.text + ")",
-                       m_sampleCondition.values);
+        matches.andAlso(Sql("EXISTS (SELECT 1 FROM samples WHERE samples.point = p.point AND ")
+                            .append(m_sampleCondition)
+                            .append(")"));
     }
-    m_points.append(" AND (" + narrowing.sql + ")", narrowing.values);
-    if (!matches.text.empty()) {
+    if (!matches.isEmpty()) {
         // Points out of reach must not cost steps of a pattern, or their number would tell about them. SQLite
         // evaluates the terms of an AND in any order, and where a column equals a value puts the value in its
         // place everywhere: hence CASE, whose order is kept, and the point looked up by its key once more.
-        const Sql reachOfKey = reachOf(query, "r");
-        m_points.append(" AND CASE WHEN EXISTS (SELECT 1 FROM " + table.view +
-                            " AS r WHERE r.point = p.point AND " + reachOfKey.text + ")",
-                        reachOfKey.values);
-        m_points.append(" THEN " + matches.text + " ELSE FALSE END", matches.values);
+        m_points
+            .append(" AND CASE WHEN EXISTS (SELECT 1 FROM " + table.view +
+                    " AS r WHERE r.point = p.point AND ")
+            .append(reachOf(query, "r"))
+            .append(") THEN ")
+            .append(matches)
+            .append(" ELSE FALSE END");
     }
 }
 
 void SqlitePointSelection::orderPoints(const DocumentQuery& query)
 {
-    Sql newest{"p.last_time", {}};
+    std::vector<OrderableField> fields = documentTable(DocumentKind::PointLocation).orderable;
     if (m_choosesSamples) {
-        newest = {"(SELECT samples.time FROM samples WHERE samples.point = p.point AND " +
-                      m_sampleCondition.text + " ORDER BY samples.time DESC LIMIT 1)",
-                  m_sampleCondition.values};
+        const auto newest = std::find_if(fields.begin(), fields.end(), [](const OrderableField& field) {
+            return field.path == "data.time";
+        });
+        newest->value = Sql("(SELECT samples.time FROM samples WHERE samples.point = p.point AND ")
+                            .append(m_sampleCondition)
+                            .append(" ORDER BY samples.time DESC LIMIT 1)");
     }
-    std::vector<SortableField> fields = documentTable(DocumentKind::PointLocation).sortable;
-    for (SortableField& field : fields) {
-        if (field.path == "data.time") {
-            field.sql = newest.text;
-        }
-    }
-    const std::vector<OrderTerm> terms =
-        query.order ? parseOrder(*query.order, fields) : std::vector<OrderTerm>();
-    m_order.text = " " + orderBy(terms, "id") + " LIMIT ? OFFSET ?";
-    for (const OrderTerm& term : terms) {
-        if (term.sql == newest.text) {
-            m_order.append("", newest.values);
-        }
-    }
-    m_order.append("", {sqlNumber(query.limit), sqlNumber(query.skip)});
+    m_page = Sql(" ")
+                 .append(orderBy(query.order, fields, "id", sqliteDialect))
+                 .append(" ")
+                 .append(Sql::page(query.skip, query.limit));
 }
 
 std::uint64_t SqlitePointSelection::count()
 {
-    SqliteStatement statement = bound("SELECT count(*)", m_points);
+    SqliteStatement statement = m_connection.bound(Sql("SELECT count(*)").append(m_points));
     step(statement);
     return static_cast<std::uint64_t>(statement.integer(0));
 }
 
 void SqlitePointSelection::visit(const PointVisitor& visitor)
 {
-    Sql sql = m_points;
-    sql.append(m_order.text, m_order.values);
     SqliteStatement statement =
-        bound("SELECT p.point, p.id, p.category, p.name, p.depth, p.links, p.document", sql);
+        m_connection.bound(Sql("SELECT p.point, p.id, p.category, p.name, p.depth, p.links, p.document")
+                               .append(m_points)
+                               .append(m_page));
     while (step(statement)) {
         visitor({statement.integer(0), statement.view(1), statement.view(2), statement.view(3),
                  statement.view(4), statement.view(5), statement.view(6)});
     }
 }
 
-void SqlitePointSelection::visitSamples(std::int64_t point, const SampleVisitor& visitor)
+void SqlitePointSelection::visitSamples(const PointChooser& point, const SampleVisitor& sample)
 {
-    SqliteStatement statement = boundSamples(point, "ORDER BY time, count");
-    while (step(statement)) {
-        visitor(sampleOf(statement));
-    }
+    visit([&](const FoundPoint& found) {
+        if (point(found)) {
+            visitSamplesOf(found.key, sample);
+        }
+    });
 }
 
-void SqlitePointSelection::visitDays(std::int64_t point, const DayVisitor& visitor)
+void SqlitePointSelection::visitDays(const PointChooser& point, const DayVisitor& day)
 {
-    if (m_period) {
-        visitDaysOfPeriod(point, *m_period, visitor);
-    } else {
-        visitDaysOfSamples(point, visitor);
+    visit([&](const FoundPoint& found) {
+        if (!point(found)) {
+            return;
+        }
+        if (m_period) {
+            visitDaysOfPeriod(found.key, *m_period, day);
+        } else {
+            visitDaysOfSamples(found.key, day);
+        }
+    });
+}
+
+void SqlitePointSelection::visitSamplesOf(std::int64_t point, const SampleVisitor& visitor)
+{
+    SqliteStatement statement = chosenSamplesOf(point, " ORDER BY time, count");
+    Sample sample;
+    while (step(statement)) {
+        readSample(statement, sample);
+        visitor(sample);
     }
 }
 
@@ -294,7 +258,7 @@ void SqlitePointSelection::visitDaysOfPeriod(std::int64_t point, const Period& p
                                              const DayVisitor& visitor)
 {
     // A day begins and ends less than a day away from that of UTC with the same number.
-    SqliteStatement statement = boundDays(point, utcDayOf(period.from) - 1, utcDayOf(period.before) + 1);
+    SqliteStatement statement = daysOf(point, utcDayOf(period.from) - 1, utcDayOf(period.before) + 1);
     std::optional<DayValue> previous;
     while (statement.step()) {
         DayValue day = dayOf(statement);
@@ -316,10 +280,10 @@ void SqlitePointSelection::visitDaysOfPeriod(std::int64_t point, const Period& p
 void SqlitePointSelection::visitDaysOfSamples(std::int64_t point, const DayVisitor& visitor)
 {
     constexpr auto ever = std::numeric_limits<std::int64_t>::max();
-    SqliteStatement days = boundDays(point, std::numeric_limits<std::int64_t>::min(), ever);
+    SqliteStatement days = daysOf(point, std::numeric_limits<std::int64_t>::min(), ever);
     std::optional<DayValue> day;
     std::optional<DayValue> last;
-    visitSamples(point, [&](const Sample& sample) {
+    visitSamplesOf(point, [&](const Sample& sample) {
         const DayValue value{0, sample.time, sample.count, sample.offsetMinutes, sample.value};
         while (!day || isBefore(*day, value)) {
             if (!days.step()) {
@@ -340,7 +304,7 @@ void SqlitePointSelection::visitDaysOfSamples(std::int64_t point, const DayVisit
 
 std::optional<DayValue> SqlitePointSelection::lastSampleOfPeriod(std::int64_t point)
 {
-    SqliteStatement statement = boundSamples(point, "ORDER BY time DESC, count DESC LIMIT 1");
+    SqliteStatement statement = chosenSamplesOf(point, " ORDER BY time DESC, count DESC LIMIT 1");
     if (!step(statement)) {
         return std::nullopt;
     }
@@ -356,9 +320,8 @@ std::string SqlitePointSelection::pointDocument(const SqliteFunction::Arguments&
     appendJsonString(json, arguments.text(1));
     if (withSamples) {
         json += ",\"data\":[";
-        SqliteStatement statement = m_connection.statement(
-            "SELECT time, count, offset_minutes, value, time_flag FROM samples WHERE point = ? "
-            "ORDER BY time, count");
+        SqliteStatement statement =
+            m_connection.statement(std::string(selectSamplesOf) + "? ORDER BY time, count");
         statement.bind(arguments.integer(0));
         for (bool first = true; statement.step(); first = false) {
             json += first ? "" : ",";
@@ -370,24 +333,13 @@ std::string SqlitePointSelection::pointDocument(const SqliteFunction::Arguments&
     return json;
 }
 
-SqliteStatement SqlitePointSelection::bound(const std::string& columns, const Sql& sql)
+SqliteStatement SqlitePointSelection::chosenSamplesOf(std::int64_t point, const char* order)
 {
-    SqliteStatement statement = m_connection.statement(columns + sql.text);
-    bindValues(statement, sql.values);
-    return statement;
+    return m_connection.bound(
+        Sql(selectSamplesOf).appendValue(point).append(" AND ").append(m_sampleCondition).append(order));
 }
 
-SqliteStatement SqlitePointSelection::boundSamples(std::int64_t point, const std::string& order)
-{
-    SqliteStatement statement = m_connection.statement(
-        "SELECT time, count, offset_minutes, value, time_flag FROM samples WHERE point = ? AND " +
-        m_sampleCondition.text + " " + order);
-    statement.bind(point);
-    bindValues(statement, m_sampleCondition.values);
-    return statement;
-}
-
-SqliteStatement SqlitePointSelection::boundDays(std::int64_t point, std::int64_t first, std::int64_t last)
+SqliteStatement SqlitePointSelection::daysOf(std::int64_t point, std::int64_t first, std::int64_t last)
 {
     SqliteStatement statement =
         m_connection.statement("SELECT day, time, count, offset_minutes, value FROM day_rollup "

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "store/DocumentQuery.h"
 #include "store/PointSelection.h"
-#include "store/Store.h"
-#include "store/sql/Narrowing.h"
+#include "store/sql/Sql.h"
 #include "store/sqlite/SqliteConnection.h"
 #include "store/sqlite/SqliteFunction.h"
 
@@ -10,7 +10,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace monitorservice {
 
@@ -31,29 +30,20 @@ public:
 
     std::uint64_t count() override;
     void visit(const PointVisitor& visitor) override;
-    void visitSamples(std::int64_t point, const SampleVisitor& visitor) override;
-    void visitDays(std::int64_t point, const DayVisitor& visitor) override;
+    void visitSamples(const PointChooser& point, const SampleVisitor& sample) override;
+    void visitDays(const PointChooser& point, const DayVisitor& day) override;
 
 private:
-    struct Sql
-    {
-        std::string text;
-        std::vector<SqlValue> values;
-
-        void append(const std::string& more, const std::vector<SqlValue>& moreValues = {});
-    };
-
-    static Sql reachOf(const DocumentQuery& query, const std::string& alias);
-    void selectSamples(const Where& where);
-    void selectPoints(const Where& where, const DocumentQuery& query);
+    void chooseSamples(const Where& where);
+    void choosePoints(const Where& where, const DocumentQuery& query);
     void orderPoints(const DocumentQuery& query);
     std::string pointDocument(const SqliteFunction::Arguments& arguments, bool withSamples);
+    void visitSamplesOf(std::int64_t point, const SampleVisitor& visitor);
     void visitDaysOfPeriod(std::int64_t point, const Period& period, const DayVisitor& visitor);
     void visitDaysOfSamples(std::int64_t point, const DayVisitor& visitor);
     std::optional<DayValue> lastSampleOfPeriod(std::int64_t point);
-    SqliteStatement bound(const std::string& columns, const Sql& sql);
-    SqliteStatement boundSamples(std::int64_t point, const std::string& order);
-    SqliteStatement boundDays(std::int64_t point, std::int64_t first, std::int64_t last);
+    SqliteStatement chosenSamplesOf(std::int64_t point, const char* order);
+    SqliteStatement daysOf(std::int64_t point, std::int64_t first, std::int64_t last);
     bool step(SqliteStatement& statement);
 
     SqliteConnection& m_connection;
@@ -61,7 +51,7 @@ private:
     bool m_choosesSamples = false;
     std::optional<Period> m_period; ///< when the chosen samples are those of a period
     Sql m_points;                   ///< FROM and WHERE
-    Sql m_order;                    ///< ORDER BY, LIMIT and OFFSET
+    Sql m_page;                     ///< ORDER BY, LIMIT and OFFSET
     std::unique_ptr<SqliteFunction> m_sampleMatches;
     std::unique_ptr<SqliteFunction> m_pointMatches;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "store/Store.h"
+#include "store/Categories.h"
+#include "store/Projects.h"
 #include "store/sqlite/SqliteConnection.h"
 
 namespace monitorservice {

@@ -346,9 +346,9 @@ void checkOwnership(SqliteConnection& connection)
 }
 
 // The change to the write-ahead log does not wait for other connections by itself.
-void useWriteAheadLog(SqliteConnection& connection, std::chrono::milliseconds busyTimeout)
+void useWriteAheadLog(SqliteConnection& connection, std::chrono::milliseconds patience)
 {
-    const auto deadline = std::chrono::steady_clock::now() + busyTimeout;
+    const auto deadline = std::chrono::steady_clock::now() + patience;
     for (;;) {
         try {
             SqliteStatement statement = connection.statement("PRAGMA journal_mode = WAL");
@@ -375,10 +375,10 @@ std::string instantIn(const std::string& text)
            ", 21, 3) AS INTEGER)";
 }
 
-void migrate(SqliteConnection& connection, std::chrono::milliseconds busyTimeout)
+void migrate(SqliteConnection& connection, std::chrono::milliseconds patience)
 {
     checkOwnership(connection);
-    useWriteAheadLog(connection, busyTimeout);
+    useWriteAheadLog(connection, patience);
     try {
         SQLite::Transaction transaction(connection.database(), SQLite::TransactionBehavior::IMMEDIATE);
         // Once more, now that nobody else can write: another process may have been faster.

@@ -10,7 +10,7 @@ namespace monitorservice {
 /// Makes an empty database, or one of an earlier version, the current one, step by step in one transaction.
 /// Throws StoreError with StoreFailure::CannotOpen when the file is another application's or of a later
 /// version.
-void migrate(SqliteConnection& connection, std::chrono::milliseconds busyTimeout);
+void migrate(SqliteConnection& connection, std::chrono::milliseconds patience);
 
 /// The SQL expression for the Instant that a text holds as isoText() writes it; NULL for an empty text.
 /// `text` is SQL too.

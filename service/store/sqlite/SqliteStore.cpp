@@ -63,17 +63,16 @@ void explainReadOnlyFolder(const fs::path& file)
     }
 }
 
-std::unique_ptr<SqliteConnection> openWriter(const fs::path& file, const SqliteStoreOptions& options)
+std::unique_ptr<SqliteConnection> openWriter(const fs::path& file, const StoreOptions& options)
 {
     checkFile(file, options.createIfMissing);
-    auto writer =
-        std::make_unique<SqliteConnection>(file, SqliteConnection::Access::Write, options.busyTimeout);
+    auto writer = std::make_unique<SqliteConnection>(file, SqliteConnection::Access::Write, options.patience);
     // SQLite opens what it may not write for reading, without a word.
     if (sqlite3_db_readonly(writer->database().getHandle(), "main") != 0) {
         throw StoreError(StoreFailure::CannotOpen, "may only be read");
     }
     try {
-        migrate(*writer, options.busyTimeout);
+        migrate(*writer, options.patience);
     } catch (const StoreError&) {
         explainReadOnlyFolder(file);
         throw;
@@ -212,9 +211,12 @@ private:
     std::unique_lock<FairMutex> m_turn;
 };
 
-SqliteStore::SqliteStore(fs::path file, SqliteStoreOptions options)
+SqliteStore::SqliteStore(fs::path file, StoreOptions options)
     : m_file(std::move(file)), m_options(std::move(options))
 {
+    if (m_options.forService) {
+        m_lock.emplace(m_file);
+    }
     try {
         m_writer = openWriter(m_file, m_options);
     } catch (const StoreError& error) {
@@ -237,7 +239,7 @@ std::unique_ptr<const Session> SqliteStore::read()
 
 std::unique_ptr<Session> SqliteStore::write()
 {
-    std::unique_lock turn(m_writing, m_options.busyTimeout);
+    std::unique_lock turn(m_writing, m_options.patience);
     if (!turn.owns_lock()) {
         throw StoreError(StoreFailure::Busy, "other writes take too long");
     }
@@ -254,7 +256,7 @@ std::unique_ptr<SqliteConnection> SqliteStore::takeReader()
             return reader;
         }
     }
-    return std::make_unique<SqliteConnection>(m_file, SqliteConnection::Access::Read, m_options.busyTimeout);
+    return std::make_unique<SqliteConnection>(m_file, SqliteConnection::Access::Read, m_options.patience);
 }
 
 void SqliteStore::giveBack(std::unique_ptr<SqliteConnection> reader)

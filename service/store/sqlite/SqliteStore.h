@@ -1,25 +1,19 @@
 #pragma once
 
 #include "store/Store.h"
+#include "store/StoreOptions.h"
 #include "store/sqlite/FairMutex.h"
+#include "store/sqlite/ServiceLock.h"
 
-#include <chrono>
 #include <filesystem>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 namespace monitorservice {
 
 class SqliteConnection;
-
-struct SqliteStoreOptions
-{
-    bool createIfMissing = false;
-    /// How long a write waits for writers of this and other processes.
-    std::chrono::milliseconds busyTimeout{5000};
-    Clock clock = systemNow;
-};
 
 /// The store in one SQLite file with its write-ahead log beside it. One connection writes; every session that
 /// only reads has a connection of its own from a pool. Several processes may use the file at once.
@@ -28,7 +22,7 @@ class SqliteStore final : public Store
 public:
     /// Opens the file and brings it to the current version. Throws StoreError with StoreFailure::CannotOpen
     /// and a message that names the file when it cannot.
-    explicit SqliteStore(std::filesystem::path file, SqliteStoreOptions options = {});
+    explicit SqliteStore(std::filesystem::path file, StoreOptions options = {});
     /// Moves the write-ahead log into the file, as far as other processes let it.
     ~SqliteStore() override;
 
@@ -43,7 +37,8 @@ private:
     void giveBack(std::unique_ptr<SqliteConnection> reader);
 
     std::filesystem::path m_file;
-    SqliteStoreOptions m_options;
+    StoreOptions m_options;
+    std::optional<ServiceLock> m_lock; ///< a service's own
     FairMutex m_writing;
     std::unique_ptr<SqliteConnection> m_writer;
     std::mutex m_poolMutex;

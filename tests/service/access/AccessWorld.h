@@ -4,9 +4,10 @@
 #include "http/RefusedRequest.h"
 #include "http/RequestTarget.h"
 #include "service/api/ApiFixture.h"
+#include "store/CountingStore.h"
+#include "store/OpenStore.h"
+#include "store/StoreContents.h"
 #include "support/TemporaryFolder.h"
-
-#include <SQLiteCpp/SQLiteCpp.h>
 
 #include <algorithm>
 #include <array>
@@ -60,9 +61,10 @@ public:
 
     AccessWorld()
     {
-        SqliteStoreOptions options;
+        StoreOptions options;
         options.createIfMissing = true;
-        SqliteStore store(file(), options);
+        const std::unique_ptr<Store> opened = openStore(file().string(), options);
+        Store& store = *opened;
         const Api api(store, std::make_shared<HttpCounters>());
         m_api = &api;
         write(store, [](Session& session) {
@@ -210,12 +212,16 @@ class ServedWorld
 {
 public:
     ServedWorld(const AccessWorld& world, const std::string& name)
-        : m_copy(copied(world.file(), world.file(name))), store(m_copy),
-          counters(std::make_shared<HttpCounters>()), api(store, counters),
-          server(
-              ListenAddress(), HttpLimits(), [this](HttpRequest&& request) { return api.answer(request); },
-              counters),
-          m_client(std::make_unique<RawClient>(server.port())), m_observer(m_copy.string())
+        : ServedWorld(copied(world.file(), world.file(name)), StoreOptions())
+    {
+    }
+    /// A service over the file itself, which goes with it.
+    explicit ServedWorld(const std::filesystem::path& file, const StoreOptions& options)
+        : m_copy(file), store(openStore(file.string(), options)), counters(std::make_shared<HttpCounters>()),
+          api(store, counters), server(
+                                    ListenAddress(), HttpLimits(),
+                                    [this](HttpRequest&& request) { return api.answer(request); }, counters),
+          m_client(std::make_unique<RawClient>(server.port()))
     {
     }
     ~ServedWorld()
@@ -271,28 +277,18 @@ public:
         return answer;
     }
 
-    /// Rises with each change that any other connection commits
-    /// (https://www.sqlite.org/pragma.html#pragma_data_version).
-    int dataVersion() { return m_observer.execAndGet("PRAGMA data_version").getInt(); }
-
-    /// Every row of every table that holds what clients write, one text each.
+    /// Every line of what clients write, sorted.
     std::vector<std::string> rows()
     {
-        std::vector<std::string> rows;
-        for (const char* const table : {"projects", "categories", "sub_categories", "cells", "groups",
-                                        "point_locations", "samples", "day_rollup", "data_manages",
-                                        "histories", "alarms", "alarm_details", "alarm_depths", "grants"}) {
-            SQLite::Statement statement(m_observer, std::string("SELECT * FROM ") + table);
-            while (statement.executeStep()) {
-                std::string row = table;
-                for (int column = 0; column < statement.getColumnCount(); ++column) {
-                    row += '|' + statement.getColumn(column).getString();
-                }
-                rows.push_back(std::move(row));
-            }
-        }
+        std::vector<std::string> rows = contentsOf(store);
         std::sort(rows.begin(), rows.end());
         return rows;
+    }
+
+    /// Whether nothing was committed since there were so many commits, or nothing that changed these rows.
+    bool isUnchanged(int commits, const std::vector<std::string>& before)
+    {
+        return store.commits() == commits || rows() == before;
     }
 
 private:
@@ -305,14 +301,13 @@ private:
     std::filesystem::path m_copy;
 
 public:
-    SqliteStore store;
+    CountingStore store;
     std::shared_ptr<HttpCounters> counters;
     Api api;
     HttpServer server;
 
 private:
     std::unique_ptr<RawClient> m_client;
-    SQLite::Database m_observer;
 };
 
 } // namespace monitorservice::test

@@ -1,5 +1,5 @@
 #include "ServiceProcess.h"
-#include "domain/Identifier.h"
+#include "support/IsIdentifier.h"
 #include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -71,7 +71,7 @@ TEST_F(AdminCommand, ProjectIsMadeAndListed)
 {
     const std::string id =
         line({"project", "create", "--name", "Hafentunnel \"Süd\"", "--time-zone", "Europe/Vienna"});
-    EXPECT_TRUE(isIdentifier(id));
+    EXPECT_TRUE(test::isIdentifier(id));
     const std::string json = line({"project", "list", "--json"});
     EXPECT_EQ(memberAt(json, 0, "_id"), "\"" + id + "\"");
     EXPECT_EQ(memberAt(json, 0, "name"), R"("Hafentunnel \"Süd\"")");
@@ -122,7 +122,7 @@ TEST_F(AdminCommand, SubCategoryIsMadeOnceInItsCategory)
                          "--category",  category, "--name",    "Ground"};
     };
     const std::string id = line(create("Settlement"));
-    EXPECT_TRUE(isIdentifier(id));
+    EXPECT_TRUE(test::isIdentifier(id));
     expectFailure(create("Settlement"), "\"Ground\" already");
     expectFailure(create("Unheard"), "there is no category \"Unheard\"");
     EXPECT_LT(id, line(create("Inclinometer")));

@@ -75,7 +75,8 @@ TEST_F(AlarmsResource, AnswerTheDocumentAsItIsStored)
     EXPECT_EQ(get(alarms + "?expand=true").body,
               R"([{"_id":")" + id + R"(","projectId":"p1","cellId":")" + tower +
                   R"(","cellName":"Tower 1","subCategoryId":"ground","alarmTime":"2015-12-21T06:30:00.123Z",)"
-                  R"("pointCounts":1,"createdAt":"2015-12-21T06:30:00.123Z","createdBy":"Ada Editor"}])");
+                  R"("pointCounts":1,"createdAt":"2015-12-21T06:30:00.123Z","createdBy":"Ada Editor",)"
+                  R"("updatedAt":"2015-12-21T06:30:00.123Z","updatedBy":"Ada Editor"}])");
 }
 
 TEST_F(AlarmsResource, NameIsTheMonitorings)

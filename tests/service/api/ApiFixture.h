@@ -4,7 +4,7 @@
 #include "api/Api.h"
 #include "domain/SubCategory.h"
 #include "service/http/RawClient.h"
-#include "store/sqlite/SqliteStore.h"
+#include "store/OpenStore.h"
 #include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -72,10 +72,10 @@ class ApiFixture : public ::testing::Test
 {
 protected:
     ApiFixture()
-        : store(folder.file("data.db"), options()), counters(std::make_shared<HttpCounters>()),
-          api(store, counters), server(
-                                    ListenAddress(), HttpLimits(),
-                                    [this](HttpRequest&& request) { return api.answer(request); }, counters)
+        : counters(std::make_shared<HttpCounters>()), api(store, counters),
+          server(
+              ListenAddress(), HttpLimits(), [this](HttpRequest&& request) { return api.answer(request); },
+              counters)
     {
         write([](Session& session) {
             session.projects().insert({"p1", "Pit", "UTC", 1});
@@ -149,12 +149,12 @@ protected:
     }
 
 private:
-    SqliteStoreOptions options()
+    StoreOptions options()
     {
-        SqliteStoreOptions options;
+        StoreOptions options;
         options.createIfMissing = true;
         // However slow the machine is, nobody who waits for a turn is sent away.
-        options.busyTimeout = std::chrono::minutes(1);
+        options.patience = std::chrono::minutes(1);
         options.clock = [this] {
             return now.load();
         };
@@ -164,7 +164,8 @@ private:
 protected:
     std::atomic<Instant> now{1450679400123}; ///< 2015-12-21T06:30:00.123Z
     TemporaryFolder folder;
-    SqliteStore store;
+    std::unique_ptr<Store> opened{openStore(folder.file("data.db").string(), options())};
+    Store& store = *opened;
     std::shared_ptr<HttpCounters> counters;
     Api api;
     HttpServer server;

@@ -141,8 +141,8 @@ TEST_F(ApiTest, TokenRevokedDuringAConnectionIsRefusedAtItsNextRequest)
     client.send(request);
     EXPECT_EQ(client.readAnswer().status, 200U);
     // As another process would: through a store of its own.
-    SqliteStore administrator(folder.file("data.db"));
-    const auto session = administrator.write();
+    const std::unique_ptr<Store> administrator = openStore(folder.file("data.db").string());
+    const auto session = administrator->write();
     session->tokens().revoke(editor.substr(4), 1);
     session->commit();
     client.send(request);

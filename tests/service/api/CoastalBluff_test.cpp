@@ -1,7 +1,6 @@
 #include "ApiFixture.h"
+#include "store/StoreContents.h"
 #include "time/Timestamp.h"
-
-#include <SQLiteCpp/SQLiteCpp.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -108,19 +107,16 @@ protected:
         return body + "]}]";
     }
 
-    std::vector<std::string> rows(const std::string& sql) const
+    std::vector<std::string> documents() const
     {
-        SQLite::Database database(folder.file("data.db").string(), SQLite::OPEN_READONLY);
-        SQLite::Statement query(database, sql);
-        std::vector<std::string> found;
-        while (query.executeStep()) {
-            std::string row;
-            for (int column = 0; column < query.getColumnCount(); ++column) {
-                row += query.getColumn(column).getString() + "|";
+        std::vector<std::string> all;
+        for (const DocumentKind kind :
+             {DocumentKind::PointLocation, DocumentKind::DataManage, DocumentKind::History}) {
+            for (const std::string& document : documentsOf(store, kind)) {
+                all.push_back(document);
             }
-            found.push_back(row);
         }
-        return found;
+        return all;
     }
 
     std::map<std::string, std::string> stations;
@@ -139,30 +135,23 @@ TEST_F(CoastalBluff, EveryReadingIsHeldOnceWhateverIsRepeated)
         ASSERT_EQ(answer.status, 200U) << file << answer.body;
     }
     ASSERT_EQ(files().size(), 22U);
-    EXPECT_EQ(rows("SELECT count(*) FROM samples"), std::vector<std::string>{"30912|"});
-    EXPECT_EQ(rows("SELECT count(*) FROM histories"), std::vector<std::string>{"22|"});
-    EXPECT_EQ(rows("SELECT count(*) FROM point_locations"),
-              std::vector<std::string>{std::to_string(expected.size()) + "|"});
+    const std::vector<HeldPoint> points = pointsOf(store);
+    EXPECT_EQ(samplesIn(points), 30912U);
+    EXPECT_EQ(documentsOf(store, DocumentKind::History).size(), 22U);
+    EXPECT_EQ(points.size(), expected.size());
 
-    const auto session = store.read();
-    for (auto& [key, readings] : expected) {
-        SQLite::Database database(folder.file("data.db").string(), SQLite::OPEN_READONLY);
-        SQLite::Statement query(database,
-                                "SELECT point, json_extract(document, '$.insertCount') FROM point_locations "
-                                "WHERE name = ? AND depth = ?");
-        query.bind(1, key.first);
-        query.bind(2, key.second);
-        ASSERT_TRUE(query.executeStep()) << key.first;
-        EXPECT_EQ(query.getColumn(1).getInt64(), static_cast<std::int64_t>(readings.size()));
+    for (const HeldPoint& point : points) {
+        const Point key(point.name, point.depth);
+        auto& readings = expected.at(key);
+        EXPECT_EQ(member(point.document, "insertCount"), std::to_string(readings.size()));
         // Not the sums alone: each reading, bit for bit.
         std::sort(readings.begin(), readings.end());
         std::vector<std::pair<std::int64_t, double>> held;
         double sum = 0;
-        session->measurements().visitSamples(query.getColumn(0).getInt64(), INT64_MIN, INT64_MAX,
-                                             [&](const Sample& sample) {
-                                                 held.emplace_back(sample.time, sample.value);
-                                                 sum += sample.value;
-                                             });
+        for (const Sample& sample : point.samples) {
+            held.emplace_back(sample.time, sample.value);
+            sum += sample.value;
+        }
         std::sort(held.begin(), held.end());
         EXPECT_EQ(held, readings) << key.first;
         double expectedSum = 0;
@@ -172,18 +161,21 @@ TEST_F(CoastalBluff, EveryReadingIsHeldOnceWhateverIsRepeated)
         EXPECT_NEAR(sum, expectedSum, 1e-9 * readings.size()) << key.first;
     }
 
-    const std::string everything =
-        "SELECT * FROM point_locations UNION ALL SELECT NULL, project, id, document, cell, "
-        "sub_category, '', '', 0 FROM data_manages UNION ALL SELECT NULL, project, id, "
-        "document, '', '', '', '', 0 FROM histories";
-    const std::vector<std::string> before = rows(everything);
+    const std::vector<std::string> before = documents();
     now += 1000;
     for (const fs::path& file : files()) {
         EXPECT_EQ(call(editor, "POST", "pointLocations", deliveryOf(file)).status, 200U);
     }
-    EXPECT_EQ(rows("SELECT count(*) FROM samples"), std::vector<std::string>{"30912|"});
-    EXPECT_EQ(rows("SELECT sum(samples) FROM day_rollup"), std::vector<std::string>{"30912|"});
-    EXPECT_EQ(rows(everything), before);
+    std::int64_t samplesOfDays = 0;
+    const std::vector<HeldPoint> again = pointsOf(store);
+    for (const HeldPoint& point : again) {
+        for (const DaySummary& day : point.days) {
+            samplesOfDays += day.samples;
+        }
+    }
+    EXPECT_EQ(samplesIn(again), 30912U);
+    EXPECT_EQ(samplesOfDays, 30912);
+    EXPECT_EQ(documents(), before);
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include "ApiFixture.h"
 #include "domain/Group.h"
-
-#include <SQLiteCpp/SQLiteCpp.h>
+#include "store/StoreContents.h"
 
 namespace monitorservice::test {
 namespace {
@@ -31,15 +30,11 @@ protected:
     }
     RawAnswer deliver(const std::string& body) const { return call(editor, "POST", "pointLocations", body); }
 
-    std::string number(const std::string& table) const
-    {
-        SQLite::Database database(folder.file("data.db").string(), SQLite::OPEN_READONLY);
-        return database.execAndGet("SELECT count(*) FROM " + table).getString();
-    }
+    std::size_t number(DocumentKind kind) const { return documentsOf(store, kind).size(); }
+    std::size_t numberOfSamples() const { return samplesIn(pointsOf(store)); }
     std::string dataManage() const
     {
-        SQLite::Database database(folder.file("data.db").string(), SQLite::OPEN_READONLY);
-        return database.execAndGet("SELECT id FROM data_manages").getString();
+        return member(documentsOf(store, DocumentKind::DataManage).at(0), "_id");
     }
     void addGroup()
     {
@@ -60,9 +55,9 @@ TEST_F(DeliveryResource, DeliveryIsAnsweredWithItsPoints)
     EXPECT_THAT(membersOf(answer.body, "lastDate"),
                 ::testing::ElementsAre("2015-12-21T12:00:00.000-08:00", ""));
     EXPECT_EQ(answer.body.find("\"data\""), std::string::npos);
-    EXPECT_EQ(number("samples"), "1");
+    EXPECT_EQ(numberOfSamples(), 1U);
     EXPECT_EQ(deliver("[" + point("W1") + "," + point("W2", "[]") + "]").body, answer.body);
-    EXPECT_EQ(number("histories"), "1");
+    EXPECT_EQ(number(DocumentKind::History), 1U);
 }
 
 TEST_F(DeliveryResource, NestedDeliveryIsTakenInLikewise)
@@ -70,14 +65,14 @@ TEST_F(DeliveryResource, NestedDeliveryIsTakenInLikewise)
     const RawAnswer answer = deliver("[[" + point("W1") + "],[],[" + point("W2") + "]]");
     EXPECT_EQ(answer.status, 200U) << answer.body;
     EXPECT_THAT(membersOf(answer.body, "name"), ::testing::ElementsAre("W1", "W2"));
-    EXPECT_EQ(number("samples"), "2");
+    EXPECT_EQ(numberOfSamples(), 2U);
 }
 
 TEST_F(DeliveryResource, EmptyDeliveryIsNothing)
 {
     EXPECT_EQ(deliver("[]").body, "[]");
     EXPECT_EQ(deliver("[[]]").body, "[]");
-    EXPECT_EQ(number("data_manages"), "0");
+    EXPECT_EQ(number(DocumentKind::DataManage), 0U);
 }
 
 TEST_F(DeliveryResource, RefusalSaysWhatIsWrong)
@@ -88,8 +83,8 @@ TEST_F(DeliveryResource, RefusalSaysWhatIsWrong)
     EXPECT_THAT(refusal(deliver("[" + point("W1") + R"(,{"cellId":"x","subCategoryId":"s1","name":"W1"}])")),
                 StartsWith(R"(400 "[1].cellId": there is no monitoring "x")"));
     EXPECT_THAT(refusal(call(editor, "POST", "pointLocations?where={}", "[]")), StartsWith("400"));
-    EXPECT_EQ(number("point_locations"), "0");
-    EXPECT_EQ(number("samples"), "0");
+    EXPECT_EQ(number(DocumentKind::PointLocation), 0U);
+    EXPECT_EQ(numberOfSamples(), 0U);
 }
 
 TEST_F(DeliveryResource, RefusedNestedDeliveryIsAServerErrorWithItsReason)
@@ -104,7 +99,7 @@ TEST_F(DeliveryResource, RefusedNestedDeliveryIsAServerErrorWithItsReason)
     EXPECT_THAT(refusal(call(reader, "POST", "pointLocations", "[[" + point("W1") + "]]")),
                 StartsWith(R"(500 "[0][0]": the token may not create)"));
     EXPECT_THAT(refusal(deliver("[[" + point("W1") + "]")), StartsWith("500 the body is not a JSON array"));
-    EXPECT_EQ(number("point_locations"), "0");
+    EXPECT_EQ(number(DocumentKind::PointLocation), 0U);
 }
 
 TEST_F(DeliveryResource, TokenNeedsTheRightToCreateInTheCategory)
@@ -119,7 +114,7 @@ TEST_F(DeliveryResource, TokenNeedsTheRightToCreateInTheCategory)
     EXPECT_EQ(refusal(call(stranger, "POST", "pointLocations", "[" + point("W1") + "]")),
               R"(400 "[0].cellId": there is no monitoring ")" + cell + "\"");
     EXPECT_EQ(call("", "POST", "pointLocations", "[]").status, 401U);
-    EXPECT_EQ(number("point_locations"), "0");
+    EXPECT_EQ(number(DocumentKind::PointLocation), 0U);
     const std::string logger = newToken("Logger");
     grant(logger, "p1", "Settlement", Right::Create);
     EXPECT_EQ(call(logger, "POST", "pointLocations", "[" + point("W1") + "]").status, 200U);
@@ -130,7 +125,7 @@ TEST_F(DeliveryResource, DataManageIsDeletedWithAllThatCameWithIt)
     addGroup();
     deliver("[" + point("W1") + "]");
     const std::string id = dataManage();
-    EXPECT_EQ(number("alarms"), "1");
+    EXPECT_EQ(number(DocumentKind::Alarm), 1U);
     EXPECT_EQ(refusal(call(editor, "DELETE", "dataManages/" + id)),
               "409 the data manage has point locations, history, alarms; cascade=true deletes them together "
               "with it");
@@ -138,11 +133,12 @@ TEST_F(DeliveryResource, DataManageIsDeletedWithAllThatCameWithIt)
     const RawAnswer answer = call(editor, "DELETE", "dataManages/" + id + "?cascade=true");
     EXPECT_EQ(answer.status, 200U);
     EXPECT_EQ(member(answer.body, "_id"), id);
-    for (const char* const table : {"point_locations", "samples", "day_rollup", "data_manages", "histories",
-                                    "alarms", "alarm_details", "alarm_depths"}) {
-        EXPECT_EQ(number(table), "0") << table;
+    for (const DocumentKind kind :
+         {DocumentKind::PointLocation, DocumentKind::DataManage, DocumentKind::History, DocumentKind::Alarm,
+          DocumentKind::AlarmDetail, DocumentKind::AlarmDepth}) {
+        EXPECT_EQ(number(kind), 0U) << static_cast<int>(kind);
     }
-    EXPECT_EQ(number("groups"), "1");
+    EXPECT_EQ(number(DocumentKind::Group), 1U);
     EXPECT_EQ(call(editor, "DELETE", "dataManages/" + id + "?cascade=true").status, 404U);
 }
 
@@ -156,7 +152,7 @@ TEST_F(DeliveryResource, DataManageIsDeletedByWhoMayDelete)
     const std::string stranger = newToken("Stranger");
     grant(stranger, "p1", "Inclinometer", Rights(Right::Read) | Right::Delete);
     EXPECT_EQ(call(stranger, "DELETE", path).status, 404U);
-    EXPECT_EQ(number("samples"), "1");
+    EXPECT_EQ(numberOfSamples(), 1U);
 }
 
 TEST_F(DeliveryResource, OtherDataOfTheMonitoringStay)
@@ -170,9 +166,9 @@ TEST_F(DeliveryResource, OtherDataOfTheMonitoringStay)
     const std::string first = dataManage();
     deliver(R"([{"cellId":")" + cell + R"(","subCategoryId":"s2","name":"W1","data":)" + samples + "}]");
     call(editor, "DELETE", "dataManages/" + first + "?cascade=true");
-    EXPECT_EQ(number("point_locations"), "1");
-    EXPECT_EQ(number("samples"), "1");
-    EXPECT_EQ(number("histories"), "1");
+    EXPECT_EQ(number(DocumentKind::PointLocation), 1U);
+    EXPECT_EQ(numberOfSamples(), 1U);
+    EXPECT_EQ(number(DocumentKind::History), 1U);
 }
 
 TEST_F(DeliveryResource, MonitoringWithDataKeepsItsCategory)

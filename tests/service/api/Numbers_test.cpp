@@ -1,6 +1,7 @@
 #include "MeasuredFixture.h"
 
 #include <cmath>
+#include <cstdlib>
 #include <random>
 #include <string>
 #include <vector>
@@ -78,7 +79,7 @@ TEST_F(Numbers, ReadingIsReadComparedRepeatedAndCorrected)
     for (const std::string& number : acceptedNumbers()) {
         const std::string name = "R" + std::to_string(index++);
         const std::string time = "2015-12-21T12:00:00Z";
-        const double value = std::stod(number);
+        const double value = std::strtod(number.c_str(), nullptr);
         ASSERT_EQ(deliverReading(name, time, number).status, 200U) << number;
         EXPECT_EQ(numberIn(pointNamed(name), "/0/data/0/value"), value) << number;
         std::string sent;
@@ -109,8 +110,9 @@ TEST_F(Numbers, InitialValueLeavesItsPointUsable)
         ASSERT_EQ(deliver(name, initial).status, 200U) << number;
         EXPECT_EQ(deliverReading(name, "2015-12-21T12:00:00Z", "1", initial).status, 200U) << number;
         EXPECT_EQ(deliverReading(name, "2015-12-22T12:00:00Z", "2").status, 200U) << number;
-        if (std::stod(number) != 0) { // 0 is as good as not sent
-            EXPECT_EQ(numberIn(pointNamed(name), "/0/initialValue"), std::stod(number)) << number;
+        if (std::strtod(number.c_str(), nullptr) != 0) { // 0 is as good as not sent
+            EXPECT_EQ(numberIn(pointNamed(name), "/0/initialValue"), std::strtod(number.c_str(), nullptr))
+                << number;
         }
         EXPECT_EQ(count("projects/p1/pointLocations", R"({"alias":"","name":")" + name + "\"}"), "1")
             << number;
@@ -132,7 +134,7 @@ TEST_F(Numbers, LimitLeavesItsGroupAndDeliveriesUsable)
                      number + R"(,"totalVar":)" + number + "}");
         ASSERT_EQ(created.status, 201U) << number << created.body;
         const std::string group = "groupSettings/" + member(created.body, "_id");
-        EXPECT_EQ(numberIn(get(group).body, "/totalVar"), std::stod(number)) << number;
+        EXPECT_EQ(numberIn(get(group).body, "/totalVar"), std::strtod(number.c_str(), nullptr)) << number;
         EXPECT_EQ(deliverReading("W1", "2015-12-21T12:00:00Z", number).status, 200U) << number;
         EXPECT_EQ(deliverReading("W1", "2015-12-22T12:00:00Z", "1").status, 200U) << number;
         EXPECT_EQ(members(where("projects/p1/groupSettings", R"({"viewPortId":""})"), "groupName"),
@@ -140,7 +142,7 @@ TEST_F(Numbers, LimitLeavesItsGroupAndDeliveriesUsable)
             << number;
         const RawAnswer updated = call(editor, "PUT", group, R"({"groupName":"H"})");
         EXPECT_EQ(updated.status, 200U) << number;
-        EXPECT_EQ(numberIn(updated.body, "/dayVarValue"), std::stod(number)) << number;
+        EXPECT_EQ(numberIn(updated.body, "/dayVarValue"), std::strtod(number.c_str(), nullptr)) << number;
         EXPECT_EQ(call(editor, "DELETE", group).status, 200U) << number;
     }
     // What alarms say of such excesses can be read, too.

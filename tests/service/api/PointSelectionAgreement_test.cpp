@@ -2,6 +2,7 @@
 // it is asked of every point and every sample.
 
 #include "MeasuredFixture.h"
+#include "query/Matcher.h"
 #include "query/Where.h"
 
 #include <random>
@@ -203,14 +204,14 @@ protected:
         std::map<std::string, std::string> answer;
         simdjson::dom::parser parser;
         for (const Point& point : points) {
-            if (!parts.ofPoints.matches(parser.parse(point.document))) {
+            if (!Matcher(parts.ofPoints).matches(parser.parse(point.document))) {
                 continue;
             }
             std::string data;
             for (const test::Reading& reading : point.readings) {
                 const std::string sample = R"({"time":)" + jsonText(reading.time) +
                                            R"(,"data":{"timeFlag":)" + jsonText(reading.flag) + "}}";
-                if (parts.ofSamples.matches(parser.parse(sample))) {
+                if (Matcher(parts.ofSamples).matches(parser.parse(sample))) {
                     data += (data.empty() ? "" : ",") + sampleText(reading);
                 }
             }

@@ -69,23 +69,23 @@ TEST(StoreFailure, MakesTheServiceNotReadyButAlive)
 TEST(StoreFailure, WriteBesideALongWriteIsToldToComeAgain)
 {
     const test::TemporaryFolder folder;
-    SqliteStoreOptions options;
+    StoreOptions options;
     options.createIfMissing = true;
-    options.busyTimeout = std::chrono::milliseconds(20);
-    SqliteStore store(folder.file("data.db"), options);
+    options.patience = std::chrono::milliseconds(20);
+    const std::unique_ptr<Store> store = openStore(folder.file("data.db").string(), options);
     {
-        const auto session = store.write();
+        const auto session = store->write();
         session->tokens().insert({"t", "Ada", "", 0, std::nullopt, std::nullopt}, sha256("rkm_x"));
         session->commit();
     }
-    const Api api(store, std::make_shared<HttpCounters>());
+    const Api api(*store, std::make_shared<HttpCounters>());
     HttpRequest request;
     request.method = "DELETE";
     request.path = {"monitor-service", "cells", "x"};
     request.authorization = "Bearer rkm_x";
-    SqliteStore other(folder.file("data.db"));
+    const std::unique_ptr<Store> other = openStore(folder.file("data.db").string());
     {
-        const auto longWrite = other.write();
+        const auto longWrite = other->write();
         const HttpResponse busy = api.answer(request);
         EXPECT_EQ(busy.status, 503U);
         EXPECT_EQ(retryAfter(busy).size(), 1U);

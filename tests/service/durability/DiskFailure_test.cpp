@@ -1,6 +1,6 @@
 #include "DurabilityTest.h"
-#include "FaultyDisk.h"
 #include "StoreRun.h"
+#include "store/sqlite/FaultyDisk.h"
 
 #include <gmock/gmock.h>
 
@@ -71,7 +71,7 @@ protected:
         disk.repair();
         if (status != 200U) {
             EXPECT_EQ(everything(run), before);
-            client.resolve(heldFiles(file));
+            client.resolve(heldFiles(run.store(), *site));
         }
         EXPECT_EQ(client.sendOne(run.sender(*site)), 200U) << "though the disk works again";
     }

@@ -2,6 +2,7 @@
 
 #include "DeliveringClient.h"
 #include "SiteData.h"
+#include "store/OpenStore.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -41,13 +42,13 @@ protected:
     /// hold: one line for each problem.
     std::vector<std::string> problemsOf(const std::filesystem::path& data)
     {
-        const std::set<std::string> held = heldFiles(data);
+        const std::set<std::string> held = heldFiles(*openStore(data.string()), *site);
         std::vector<const SiteModel*> models;
         for (const auto& client : clients) {
             client->resolve(held);
             models.push_back(&client->model());
         }
-        std::vector<std::string> problems = flawsOf(data);
+        std::vector<std::string> problems = flawsOf(data, *site);
         const std::vector<std::string> different = differences(data, *site, models);
         problems.insert(problems.end(), different.begin(), different.end());
         return problems;

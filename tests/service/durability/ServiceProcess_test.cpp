@@ -1,7 +1,7 @@
 #include "DeliveryRun.h"
 #include "DurabilityTest.h"
+#include "store/sqlite/DataFiles.h"
 
-#include <SQLiteCpp/SQLiteCpp.h>
 #include <sys/resource.h>
 #ifdef __linux__
 #include <sys/prctl.h>
@@ -140,12 +140,11 @@ TEST_F(DataServiceProcess, DoesNotStartOnWhatIsNotItsOwn)
     std::ofstream(file) << std::string(5000, 'x');
     EXPECT_THAT(refusal(file), HasSubstr("file is not a database"));
     const std::filesystem::path foreign = folder.file("foreign.db");
-    SQLite::Database(foreign.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE)
-        .exec("CREATE TABLE notes (text)");
+    makeForeignDatabase(foreign);
     EXPECT_THAT(refusal(foreign), HasSubstr("it is a database of another application"));
     const std::filesystem::path later = folder.file("later.db");
     makeSite(later, clientCount);
-    SQLite::Database(later.string(), SQLite::OPEN_READWRITE).exec("PRAGMA user_version = 1000");
+    setDataVersion(later, 1000);
     EXPECT_THAT(refusal(later), HasSubstr("it has data of version 1000, written by a later monitor-service"));
     const std::filesystem::path cut = folder.file("cut.db");
     makeSite(cut, clientCount);

@@ -2,25 +2,24 @@
 
 #include "DeliveringClient.h"
 #include "access/Secret.h"
+#include "domain/Group.h"
 #include "domain/SubCategory.h"
 #include "json/JsonText.h"
-#include "store/sqlite/SqliteStore.h"
+#include "store/OpenStore.h"
+#include "store/StoreContents.h"
+#include "store/sqlite/DataFiles.h"
 
-#include <SQLiteCpp/SQLiteCpp.h>
 #include <simdjson.h>
 
 #include <algorithm>
 #include <iterator>
 #include <map>
+#include <memory>
+#include <optional>
 
 namespace monitorservice::test {
 
 namespace {
-
-SQLite::Database opened(const std::filesystem::path& file)
-{
-    return {file.string(), SQLite::OPEN_READWRITE, 5000};
-}
 
 std::string cellJson(const std::string& id, const std::string& project, const std::string& category)
 {
@@ -42,25 +41,23 @@ std::string cellJson(const std::string& id, const std::string& project, const st
 std::string groupJson(const std::string& id, const Site& site, const Target& target,
                       const GroupLimits& limits, std::size_t clients)
 {
-    JsonArrayWriter names;
+    Group group;
+    group.id = id;
+    group.project = site.project;
+    group.cell = target.cell;
+    group.subCategory = target.subCategory;
+    group.name = "Group " + id;
     for (std::size_t client = 0; client < clients; ++client) {
         for (const std::string& name : DeliveringClient::pointNames(client)) {
             if (!Site::isWithoutLimits(name)) {
-                names.text(name);
+                group.points.push_back(name);
             }
         }
     }
-    return JsonObjectWriter()
-        .text("_id", id)
-        .text("projectId", site.project)
-        .text("cellId", target.cell)
-        .text("subCategoryId", target.subCategory)
-        .text("groupName", "Group " + id)
-        .json("groupPoint", names.finish())
-        .integer("dayVarType", limits.dayVarType)
-        .number("dayVarValue", limits.dayVarValue)
-        .number("totalVar", limits.totalVar)
-        .finish();
+    group.dayVariationType = limits.dayVarType;
+    group.dayVariation = limits.dayVarValue;
+    group.totalVariation = limits.totalVar;
+    return toDocument(group);
 }
 
 std::size_t targetOf(const Site& site, const std::string& cell, const std::string& subCategory)
@@ -121,176 +118,240 @@ std::vector<std::string> expectedLines(const std::vector<const SiteModel*>& mode
     return lines;
 }
 
-// What a data file holds, in the same words.
+std::string textIn(simdjson::dom::element object, const char* name)
+{
+    return std::string(object[name].get_string().value());
+}
+
+std::int64_t integerIn(simdjson::dom::element object, const char* name)
+{
+    return object[name].get_int64();
+}
+
+// The documents that belong to another one, in the order of their identifiers.
+std::vector<std::string> documentsOfParent(const Session& session, const Site& site, DocumentKind kind,
+                                           const std::string& parent, const char* order = "_id")
+{
+    DocumentQuery query;
+    query.project = site.project;
+    query.parent = parent;
+    query.order = parseOrder(order);
+    std::vector<std::string> documents;
+    session.documents(kind).visit(
+        query, [&documents](std::string_view document) { documents.emplace_back(document); });
+    return documents;
+}
+
+// What a store holds, in the same words.
 class HeldLines
 {
 public:
-    HeldLines(SQLite::Database& database, const Site& site) : m_database(database), m_site(site) {}
+    HeldLines(const Session& session, const Site& site) : m_session(session), m_site(site) {}
 
     std::vector<std::string> read()
     {
-        readPoints();
-        readSamples();
-        readDays();
-        readHistories();
-        readAlarms();
+        for (const HeldPoint& point : pointsOf(m_session, m_site.project)) {
+            readPoint(point);
+        }
+        for (const std::string& dataManage :
+             documentsOf(m_session, m_site.project, DocumentKind::DataManage)) {
+            readHistory(dataManage);
+        }
+        for (const std::string& alarm : documentsOf(m_session, m_site.project, DocumentKind::Alarm)) {
+            readAlarm(alarm);
+        }
         return std::move(m_lines);
     }
 
 private:
-    static std::string text(simdjson::dom::element object, const char* name)
+    std::size_t targetIn(simdjson::dom::element object) const
     {
-        return std::string(object[name].get_string().value());
+        return targetOf(m_site, textIn(object, "cellId"), textIn(object, "subCategoryId"));
     }
 
-    PointKey keyOf(simdjson::dom::element object) const
+    void readPoint(const HeldPoint& point)
     {
-        return {targetOf(m_site, text(object, "cellId"), text(object, "subCategoryId")), text(object, "name"),
-                text(object, "depth")};
-    }
-
-    simdjson::dom::element parse(const SQLite::Column& document)
-    {
-        return m_parser.parse(document.getString());
-    }
-
-    void readPoints()
-    {
-        SQLite::Statement query(m_database, "SELECT point, document FROM point_locations");
-        while (query.executeStep()) {
-            const simdjson::dom::element object = parse(query.getColumn(1));
-            const std::string name = pointText(keyOf(object));
-            m_names[query.getColumn(0).getInt64()] = name;
+        const simdjson::dom::element object = m_parser.parse(point.document);
+        const std::string name =
+            pointText({targetIn(object), textIn(object, "name"), textIn(object, "depth")});
+        m_lines.push_back("point " + name + " initial " + numberText(object["initialValue"].get_double()) +
+                          " inserted " + std::to_string(integerIn(object, "insertCount")) + " last " +
+                          std::to_string(integerIn(object, "lastCount")) + ' ' + textIn(object, "lastDate"));
+        for (const Sample& sample : point.samples) {
             m_lines.push_back(
-                "point " + name + " initial " + numberText(object["initialValue"].get_double()) +
-                " inserted " + std::to_string(object["insertCount"].get_int64().value()) + " last " +
-                std::to_string(object["lastCount"].get_int64().value()) + ' ' + text(object, "lastDate"));
+                "sample " + name + ' ' +
+                sampleText({sample.time, sample.count}, {sample.value, {}, sample.offsetMinutes}) + ' ' +
+                sample.timeFlag);
+        }
+        for (const DaySummary& day : point.days) {
+            m_lines.push_back("day " + name + ' ' + std::to_string(day.day) + ' ' +
+                              sampleText({day.time, day.count}, {day.value, {}, day.offsetMinutes}) + " of " +
+                              std::to_string(day.samples));
         }
     }
 
-    static std::string sampleOf(SQLite::Statement& query, int first)
+    void readHistory(const std::string& dataManage)
     {
-        const SQLite::Column offset = query.getColumn(first + 2);
-        return sampleText({query.getColumn(first).getInt64(), query.getColumn(first + 1).getInt()},
-                          {query.getColumn(first + 3).getDouble(),
-                           {},
-                           offset.isNull() ? std::nullopt : std::optional(offset.getInt())});
-    }
-
-    void readSamples()
-    {
-        SQLite::Statement query(m_database,
-                                "SELECT point, time, count, offset_minutes, value, time_flag FROM samples");
-        while (query.executeStep()) {
-            m_lines.push_back("sample " + m_names[query.getColumn(0).getInt64()] + ' ' + sampleOf(query, 1) +
-                              ' ' + query.getColumn(5).getString());
+        const simdjson::dom::element object = m_parser.parse(dataManage);
+        const std::size_t target = targetIn(object);
+        for (const std::string& history :
+             documentsOfParent(m_session, m_site, DocumentKind::History, textIn(object, "_id"))) {
+            const simdjson::dom::element entry = m_parser.parse(history);
+            m_lines.push_back(historyText(target, textIn(entry, "fileId"), integerIn(entry, "insertCount")));
         }
     }
 
-    void readDays()
+    void readAlarm(const std::string& document)
     {
-        SQLite::Statement query(
-            m_database, "SELECT point, day, time, count, offset_minutes, value, samples FROM day_rollup");
-        while (query.executeStep()) {
-            m_lines.push_back("day " + m_names[query.getColumn(0).getInt64()] + ' ' +
-                              query.getColumn(1).getString() + ' ' + sampleOf(query, 2) + " of " +
-                              query.getColumn(6).getString());
+        const simdjson::dom::element object = m_parser.parse(document);
+        std::string alarm = "alarm " + std::to_string(targetIn(object));
+        for (const std::string& detail : documentsOfParent(m_session, m_site, DocumentKind::AlarmDetail,
+                                                           textIn(object, "_id"), "pointName")) {
+            alarm += detailOf(detail);
         }
+        m_lines.push_back(alarm);
     }
 
-    void readHistories()
+    std::string detailOf(const std::string& document) const
     {
-        SQLite::Statement query(m_database, "SELECT d.cell, d.sub_category, h.document FROM histories h JOIN "
-                                            "data_manages d ON d.id = h.data_manage");
-        while (query.executeStep()) {
-            const simdjson::dom::element object = parse(query.getColumn(2));
-            const std::size_t target =
-                targetOf(m_site, query.getColumn(0).getString(), query.getColumn(1).getString());
-            m_lines.push_back(
-                historyText(target, text(object, "fileId"), object["insertCount"].get_int64().value()));
+        simdjson::dom::parser parser;
+        const simdjson::dom::element object = parser.parse(document);
+        const std::string day = textIn(object, "dayVar");
+        return alarmDetailText(
+            textIn(object, "pointName"), textIn(object, "depth"), std::stod(textIn(object, "totalVar")),
+            day.empty() ? std::nullopt : std::optional(std::stod(day)), object["totalBeyound"].get_double(),
+            object["dayBeyound"].get_double(), integerIn(object, "monitorCount"),
+            textIn(object, "monitorTime"), depthsOf(textIn(object, "_id")));
+    }
+
+    std::string depthsOf(const std::string& detail) const
+    {
+        std::map<std::string, std::string> byDepth;
+        simdjson::dom::parser parser;
+        for (const std::string& document :
+             documentsOfParent(m_session, m_site, DocumentKind::AlarmDepth, detail)) {
+            const simdjson::dom::element object = parser.parse(document);
+            const std::string depth = textIn(object, "depth");
+            byDepth[depth] +=
+                alarmDepthText(depth, object["totalValue"].get_double(), integerIn(object, "monitorCount"),
+                               textIn(object, "monitorTime"));
         }
-    }
-
-    void readAlarms()
-    {
-        SQLite::Statement query(m_database, "SELECT id, cell, sub_category FROM alarms");
-        while (query.executeStep()) {
-            std::string alarm = "alarm " + std::to_string(targetOf(m_site, query.getColumn(1).getString(),
-                                                                   query.getColumn(2).getString()));
-            SQLite::Statement details(
-                m_database, "SELECT id, document FROM alarm_details WHERE alarm = ? ORDER BY point_name");
-            details.bind(1, query.getColumn(0).getString());
-            while (details.executeStep()) {
-                alarm += detailOf(details.getColumn(0).getString(), details.getColumn(1));
-            }
-            m_lines.push_back(alarm);
-        }
-    }
-
-    std::string detailOf(const std::string& id, const SQLite::Column& document)
-    {
-        const std::string depths = depthsOf(id);
-        const simdjson::dom::element object = parse(document);
-        const std::string day = text(object, "dayVar");
-        return alarmDetailText(text(object, "pointName"), text(object, "depth"),
-                               std::stod(text(object, "totalVar")),
-                               day.empty() ? std::nullopt : std::optional(std::stod(day)),
-                               object["totalBeyound"].get_double(), object["dayBeyound"].get_double(),
-                               object["monitorCount"].get_int64(), text(object, "monitorTime"), depths);
-    }
-
-    std::string depthsOf(const std::string& detail)
-    {
-        SQLite::Statement query(m_database,
-                                "SELECT document FROM alarm_depths WHERE detail = ? ORDER BY depth");
-        query.bind(1, detail);
         std::string depths;
-        while (query.executeStep()) {
-            const simdjson::dom::element object = parse(query.getColumn(0));
-            depths += alarmDepthText(text(object, "depth"), object["totalValue"].get_double(),
-                                     object["monitorCount"].get_int64(), text(object, "monitorTime"));
+        for (const auto& [depth, text] : byDepth) {
+            depths += text;
         }
         return depths;
     }
 
-    SQLite::Database& m_database;
+    const Session& m_session;
     const Site& m_site;
     simdjson::dom::parser m_parser;
-    std::map<std::int64_t, std::string> m_names;
     std::vector<std::string> m_lines;
 };
 
-// Each of these gives a row for everything that is wrong.
-constexpr const char* flawQueries[] = {
-    // Each entry of the history has the rows held after its delivery: the sum of what was inserted so far.
-    "SELECT 'rows held after delivery ' || json_extract(document, '$.fileId') FROM (SELECT document, "
-    "sum(json_extract(document, '$.insertCount')) OVER (PARTITION BY data_manage ORDER BY id) AS held FROM "
-    "histories) WHERE held <> json_extract(document, '$.lastCount')",
-    // As many samples as the latest entry says.
-    "SELECT 'samples held in ' || d.id FROM data_manages d WHERE (SELECT json_extract(h.document, "
-    "'$.lastCount') FROM histories h WHERE h.data_manage = d.id ORDER BY h.id DESC LIMIT 1) <> (SELECT "
-    "count(*) "
-    "FROM samples s JOIN point_locations p USING (point) WHERE p.cell = d.cell AND p.sub_category = "
-    "d.sub_category)",
-    // The data manage is about the latest entry of its history.
-    "SELECT 'file of data manage ' || d.id FROM data_manages d WHERE json_extract(d.document, '$.fileId') <> "
-    "(SELECT json_extract(h.document, '$.fileId') FROM histories h WHERE h.data_manage = d.id ORDER BY h.id "
-    "DESC LIMIT 1)",
-    "SELECT 'points without data manage: ' || p.id FROM point_locations p WHERE NOT EXISTS (SELECT 1 FROM "
-    "data_manages d WHERE d.cell = p.cell AND d.sub_category = p.sub_category)",
-    "SELECT 'points of alarm ' || a.id FROM alarms a WHERE json_extract(a.document, '$.pointCounts') <> "
-    "(SELECT "
-    "count(*) FROM alarm_details e WHERE e.alarm = a.id)",
-    // The next identifier must be greater than any that was given.
-    "SELECT 'identifier after the last: ' || id FROM (SELECT id FROM point_locations UNION ALL SELECT id "
-    "FROM "
-    "histories UNION ALL SELECT id FROM data_manages UNION ALL SELECT id FROM alarms UNION ALL SELECT id "
-    "FROM "
-    "alarm_details UNION ALL SELECT id FROM alarm_depths) WHERE id > (SELECT value FROM state WHERE key = "
-    "'lastIdentifier')",
-    "SELECT 'damage: ' || integrity_check FROM pragma_integrity_check WHERE integrity_check <> 'ok'",
-    "SELECT 'dangling reference in ' || \"table\" FROM pragma_foreign_key_check",
+// What contradicts itself in a store.
+class Contradictions
+{
+public:
+    Contradictions(const Session& session, const Site& site)
+        : m_session(session), m_site(site), m_points(pointsOf(session, site.project))
+    {
+    }
+
+    std::vector<std::string> find()
+    {
+        const std::vector<std::string> dataManages =
+            documentsOf(m_session, m_site.project, DocumentKind::DataManage);
+        for (const std::string& dataManage : dataManages) {
+            checkDataManage(dataManage);
+        }
+        for (const HeldPoint& point : m_points) {
+            check(std::any_of(dataManages.begin(), dataManages.end(),
+                              [&](const std::string& one) { return areOfOneTarget(one, point.document); }),
+                  "points without data manage: " + point.id);
+        }
+        for (const std::string& alarm : documentsOf(m_session, m_site.project, DocumentKind::Alarm)) {
+            const simdjson::dom::element object = m_parser.parse(alarm);
+            const std::string id = textIn(object, "_id");
+            const auto details = documentsOfParent(m_session, m_site, DocumentKind::AlarmDetail, id).size();
+            check(integerIn(object, "pointCounts") == static_cast<std::int64_t>(details),
+                  "points of alarm " + id);
+        }
+        return std::move(m_found);
+    }
+
+private:
+    void check(bool holds, const std::string& what)
+    {
+        if (!holds) {
+            m_found.push_back(what);
+        }
+    }
+
+    static bool areOfOneTarget(const std::string& one, const std::string& other)
+    {
+        simdjson::dom::parser parser;
+        simdjson::dom::parser otherParser;
+        const simdjson::dom::element left = parser.parse(one);
+        const simdjson::dom::element right = otherParser.parse(other);
+        return textIn(left, "cellId") == textIn(right, "cellId") &&
+               textIn(left, "subCategoryId") == textIn(right, "subCategoryId");
+    }
+
+    void checkDataManage(const std::string& dataManage)
+    {
+        const simdjson::dom::element object = m_parser.parse(dataManage);
+        const std::string id = textIn(object, "_id");
+        const std::string file = textIn(object, "fileId");
+        // Each entry of the history has the rows held after its delivery: the sum of what was inserted so
+        // far.
+        std::int64_t rows = 0;
+        std::string latestFile;
+        std::int64_t latestRows = 0;
+        const auto histories = documentsOfParent(m_session, m_site, DocumentKind::History, id);
+        for (const std::string& history : histories) {
+            const simdjson::dom::element entry = m_parser.parse(history);
+            rows += integerIn(entry, "insertCount");
+            latestRows = integerIn(entry, "lastCount");
+            latestFile = textIn(entry, "fileId");
+            check(rows == latestRows, "rows held after delivery " + latestFile);
+        }
+        std::int64_t samples = 0;
+        for (const HeldPoint& point : m_points) {
+            samples += areOfOneTarget(dataManage, point.document)
+                           ? static_cast<std::int64_t>(point.samples.size())
+                           : 0;
+        }
+        check(latestRows == samples, "samples held in " + id);
+        check(latestFile == file, "file of data manage " + id);
+    }
+
+    const Session& m_session;
+    const Site& m_site;
+    std::vector<HeldPoint> m_points;
+    simdjson::dom::parser m_parser;
+    std::vector<std::string> m_found;
 };
+
+// The next identifier must be greater than any that was given.
+std::vector<std::string> identifiersAfterTheNext(Store& store, const Site& site)
+{
+    const auto session = store.write();
+    const std::string next = session->newIdentifier();
+    std::vector<std::string> found;
+    simdjson::dom::parser parser;
+    for (const DocumentKind kind :
+         {DocumentKind::PointLocation, DocumentKind::DataManage, DocumentKind::History, DocumentKind::Alarm,
+          DocumentKind::AlarmDetail, DocumentKind::AlarmDepth}) {
+        for (const std::string& document : documentsOf(*session, site.project, kind)) {
+            const std::string id = textIn(parser.parse(document), "_id");
+            if (id >= next) {
+                found.push_back("identifier after the next: " + id);
+            }
+        }
+    }
+    return found;
+}
 
 } // namespace
 
@@ -333,32 +394,28 @@ Site makeSite(Store& store, std::size_t clients)
 
 Site makeSite(const std::filesystem::path& file, std::size_t clients)
 {
-    SqliteStoreOptions options;
+    StoreOptions options;
     options.createIfMissing = true;
-    SqliteStore store(file, options);
-    return makeSite(store, clients);
+    return makeSite(*openStore(file.string(), options), clients);
 }
 
-std::set<std::string> heldFiles(const std::filesystem::path& file)
+std::set<std::string> heldFiles(Store& store, const Site& site)
 {
-    SQLite::Database database = opened(file);
-    SQLite::Statement query(database, "SELECT DISTINCT json_extract(document, '$.fileId') FROM histories");
     std::set<std::string> files;
-    while (query.executeStep()) {
-        files.insert(query.getColumn(0).getString());
+    simdjson::dom::parser parser;
+    for (const std::string& document : documentsOf(*store.read(), site.project, DocumentKind::History)) {
+        files.insert(textIn(parser.parse(document), "fileId"));
     }
     return files;
 }
 
-std::vector<std::string> flawsOf(const std::filesystem::path& file)
+std::vector<std::string> flawsOf(const std::filesystem::path& file, const Site& site)
 {
-    SQLite::Database database = opened(file);
-    std::vector<std::string> flaws;
-    for (const char* const sql : flawQueries) {
-        SQLite::Statement query(database, sql);
-        while (query.executeStep()) {
-            flaws.push_back(query.getColumn(0).getString());
-        }
+    std::vector<std::string> flaws = damageOf(file);
+    const std::unique_ptr<Store> store = openStore(file.string());
+    for (std::vector<std::string> more :
+         {Contradictions(*store->read(), site).find(), identifiersAfterTheNext(*store, site)}) {
+        flaws.insert(flaws.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
     }
     return flaws;
 }
@@ -366,8 +423,8 @@ std::vector<std::string> flawsOf(const std::filesystem::path& file)
 std::vector<std::string> differences(const std::filesystem::path& file, const Site& site,
                                      const std::vector<const SiteModel*>& models)
 {
-    SQLite::Database database = opened(file);
-    std::vector<std::string> held = HeldLines(database, site).read();
+    const std::unique_ptr<Store> store = openStore(file.string());
+    std::vector<std::string> held = HeldLines(*store->read(), site).read();
     std::vector<std::string> expected = expectedLines(models);
     std::sort(held.begin(), held.end());
     std::sort(expected.begin(), expected.end());

@@ -17,13 +17,12 @@ Site makeSite(Store& store, std::size_t clients);
 /// The same in a new data file.
 Site makeSite(const std::filesystem::path& file, std::size_t clients);
 
-/// The fileIds of all deliveries that a data file has in its history. Reads with SQL alone, as the next two
-/// do.
-std::set<std::string> heldFiles(const std::filesystem::path& file);
+/// The fileIds of all deliveries that a store has in its history.
+std::set<std::string> heldFiles(Store& store, const Site& site);
 
 /// What is wrong with a data file by itself: damage, dangling references, counts and histories that
 /// contradict the samples. Empty when nothing is.
-std::vector<std::string> flawsOf(const std::filesystem::path& file);
+std::vector<std::string> flawsOf(const std::filesystem::path& file, const Site& site);
 
 /// What a data file holds otherwise than the models of all clients together say, one line for each sample,
 /// day, point, delivery and alarm. Empty when it holds just that.

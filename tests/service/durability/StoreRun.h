@@ -2,7 +2,7 @@
 
 #include "DeliveringClient.h"
 #include "api/Api.h"
-#include "store/sqlite/SqliteStore.h"
+#include "store/OpenStore.h"
 
 #include <atomic>
 #include <filesystem>
@@ -20,11 +20,11 @@ class StoreRun
 {
 public:
     explicit StoreRun(const std::filesystem::path& file)
-        : m_store(file, options()), m_api(m_store, std::make_shared<HttpCounters>())
+        : m_store(openStore(file.string(), options())), m_api(*m_store, std::make_shared<HttpCounters>())
     {
     }
 
-    Store& store() { return m_store; }
+    Store& store() const { return *m_store; }
 
     HttpResponse call(const Site& site, const std::string& method, std::vector<std::string> path,
                       const std::string& body = {}) const
@@ -62,14 +62,14 @@ public:
     }
 
 private:
-    static SqliteStoreOptions options()
+    static StoreOptions options()
     {
-        SqliteStoreOptions options;
+        StoreOptions options;
         options.createIfMissing = true;
         return options;
     }
 
-    SqliteStore m_store;
+    std::unique_ptr<Store> m_store;
     Api m_api;
 };
 

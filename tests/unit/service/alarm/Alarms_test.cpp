@@ -24,18 +24,27 @@ std::string at(int day, int hour = 12)
 class Alarms : public test::IntakeFixture
 {
 protected:
-    std::string alarms() const { return value("SELECT count(*) FROM alarms"); }
-    std::string lastAlarm() const { return value("SELECT document FROM alarms ORDER BY id DESC"); }
+    std::size_t alarms() const { return documents(DocumentKind::Alarm).size(); }
+    std::string lastAlarm() const { return documents(DocumentKind::Alarm).back(); }
     std::vector<std::string> details() const
     {
-        return column(
-            "SELECT document FROM alarm_details WHERE alarm = (SELECT max(id) FROM alarms) ORDER BY id");
+        std::vector<std::string> details;
+        const std::string alarm = member(lastAlarm(), "_id");
+        for (const std::string& detail : documents(DocumentKind::AlarmDetail)) {
+            if (member(detail, "alarmManId") == alarm) {
+                details.push_back(detail);
+            }
+        }
+        return details;
     }
     std::string depths() const
     {
-        return value(
-            "SELECT group_concat(depth || '=' || json_extract(document, '$.totalValue') || '@' || "
-            "json_extract(document, '$.monitorTime'), ' ') FROM (SELECT * FROM alarm_depths ORDER BY id)");
+        std::string depths;
+        for (const std::string& depth : documents(DocumentKind::AlarmDepth)) {
+            depths += (depths.empty() ? "" : " ") + member(depth, "depth") + "=" +
+                      member(depth, "totalValue") + "@" + member(depth, "monitorTime");
+        }
+        return depths;
     }
 };
 
@@ -76,14 +85,14 @@ TEST_F(Alarms, DailyVariationIsPerDayOverAGap)
 {
     addGroup("g1", {"W1"}, 0, 2, 0);
     take(delivery({point("W1", {sample(at(10, 9), 1, "99"), sample(at(10, 18), 2, "1")})}));
-    EXPECT_EQ(alarms(), "0");
+    EXPECT_EQ(alarms(), 0U);
     take(delivery({point("W1", {sample(at(14, 6), 3, "500"), sample(at(14, 7), 4, "11")})}));
-    ASSERT_EQ(alarms(), "1");
+    ASSERT_EQ(alarms(), 1U);
     EXPECT_EQ(member(details()[0], "totalVar"), "11");
     EXPECT_EQ(member(details()[0], "dayVar"), "2.5");
     EXPECT_EQ(member(details()[0], "dayBeyound"), "0.5");
     take(delivery({point("W1", {sample(at(20), 5, "23")})}));
-    EXPECT_EQ(alarms(), "1");
+    EXPECT_EQ(alarms(), 1U);
 }
 
 TEST_F(Alarms, DaysAreThoseOfTheProject)
@@ -92,7 +101,7 @@ TEST_F(Alarms, DaysAreThoseOfTheProject)
     // 23:00 and 01:00 in the project, one day in UTC.
     take(delivery(
         {point("W1", {sample("2015-12-21T07:00:00Z", 1, "0"), sample("2015-12-21T09:00:00Z", 2, "5")})}));
-    EXPECT_EQ(alarms(), "1");
+    EXPECT_EQ(alarms(), 1U);
     EXPECT_EQ(member(details()[0], "dayVar"), "5");
 }
 
@@ -115,7 +124,7 @@ TEST_F(Alarms, OnlyAGroupOfTheSameMonitoringAndSubCategoryCounts)
     addGroup("g2", {"W1"}, 0, 0, 1, "c1", "s2");
     addGroup("g3", {"W2", "w1"}, 0, 0, 1);
     take(delivery({point("W1", {sample(at(21), 1, "100")})}));
-    EXPECT_EQ(alarms(), "0");
+    EXPECT_EQ(alarms(), 0U);
 }
 
 TEST_F(Alarms, PointInTwoGroupsHasTheWorseOfBoth)
@@ -147,7 +156,7 @@ TEST_F(Alarms, SeveralDepthsAreOneDetailWithADepthEach)
     // sample.
     const std::string time = "@" + at(21);
     EXPECT_EQ(depths(), "0.5=1@" + at(20) + " 1.0=6" + time + " 1.5=-10" + time + " 2.0=1" + time);
-    EXPECT_EQ(value("SELECT detail FROM alarm_depths"), member(detail, "_id"));
+    EXPECT_EQ(member(documents(DocumentKind::AlarmDepth).at(0), "detailId"), member(detail, "_id"));
 }
 
 TEST_F(Alarms, OldDataRaiseNone)
@@ -155,11 +164,11 @@ TEST_F(Alarms, OldDataRaiseNone)
     take(delivery({point("W1", {sample(at(21), 2, "1")})}));
     addGroup("g1", {"W1"}, 0, 0, 5);
     take(delivery({point("W1", {sample(at(20), 1, "100")})}));
-    EXPECT_EQ(alarms(), "0");
+    EXPECT_EQ(alarms(), 0U);
     take(delivery({point("W1", {sample(at(21), 1, "100")})}));
-    EXPECT_EQ(alarms(), "0");
+    EXPECT_EQ(alarms(), 0U);
     take(delivery({point("W1", {sample(at(21), 3, "100")})}));
-    EXPECT_EQ(alarms(), "1");
+    EXPECT_EQ(alarms(), 1U);
 }
 
 TEST_F(Alarms, EveryNewDayOfADeliveryIsCompared)
@@ -169,7 +178,7 @@ TEST_F(Alarms, EveryNewDayOfADeliveryIsCompared)
     // The jump of the 21st has gone by the end of the delivery.
     take(delivery({point("W1", {sample(at(19), 2, "1"), sample(at(20), 3, "2"), sample(at(21), 4, "9"),
                                 sample(at(22), 5, "5"), sample(at(24), 6, "1")})}));
-    EXPECT_EQ(alarms(), "1");
+    EXPECT_EQ(alarms(), 1U);
     ASSERT_EQ(details().size(), 1U);
     EXPECT_EQ(member(details()[0], "dayVar"), "7");
     EXPECT_EQ(member(details()[0], "dayBeyound"), "2");
@@ -181,7 +190,7 @@ TEST_F(Alarms, TheFirstNewDayIsComparedWithTheDayHeldBefore)
 {
     addGroup("g1", {"W1"}, 0, 5, 0);
     take(delivery({point("W1", {sample(at(20), 1, "1"), sample(at(21, 8), 2, "2")})}));
-    EXPECT_EQ(alarms(), "0");
+    EXPECT_EQ(alarms(), 0U);
     take(delivery({point("W1", {sample(at(21, 18), 3, "9"), sample(at(22), 4, "9")})}));
     ASSERT_EQ(details().size(), 1U);
     EXPECT_EQ(member(details()[0], "dayVar"), "8");
@@ -204,11 +213,11 @@ TEST_F(Alarms, CorrectionOfTheLatestValueRaisesOne)
     const std::string wrong = delivery({point("W1", {sample(at(21), 1, "1")})});
     const std::string right = delivery({point("W1", {sample(at(21), 1, "10")})});
     take(wrong);
-    EXPECT_EQ(alarms(), "0");
+    EXPECT_EQ(alarms(), 0U);
     take(right);
-    EXPECT_EQ(alarms(), "1");
+    EXPECT_EQ(alarms(), 1U);
     take(right);
-    EXPECT_EQ(alarms(), "1");
+    EXPECT_EQ(alarms(), 1U);
 }
 
 TEST_F(Alarms, EachMonitoringHasItsOwn)
@@ -218,7 +227,11 @@ TEST_F(Alarms, EachMonitoringHasItsOwn)
     take(delivery({point("W1", {sample(at(21), 1, "10")}),
                    point("W1", {sample(at(21), 1, "20")}, "", "c2", "s2"),
                    point("W1", {sample(at(21), 1, "30")}, "", "c2", "s1")}));
-    EXPECT_THAT(column("SELECT cell || sub_category FROM alarms ORDER BY id"), ElementsAre("c1s1", "c2s2"));
+    std::vector<std::string> targets;
+    for (const std::string& alarm : documents(DocumentKind::Alarm)) {
+        targets.push_back(member(alarm, "cellId") + member(alarm, "subCategoryId"));
+    }
+    EXPECT_THAT(targets, ElementsAre("c1s1", "c2s2"));
 }
 
 TEST_F(Alarms, SmallVariationsAreWrittenWithoutAnExponent)

@@ -25,19 +25,42 @@ class DeliveryIntake : public test::IntakeFixture
 protected:
     std::string pointDocument(const std::string& name) const
     {
-        return value("SELECT document FROM point_locations WHERE name = '" + name + "'");
+        for (const test::HeldPoint& point : points()) {
+            if (point.name == name) {
+                return point.document;
+            }
+        }
+        return "nothing";
+    }
+    // The samples of all points, in the order in which these were made.
+    std::vector<Sample> heldSamples() const
+    {
+        std::vector<Sample> samples;
+        for (const test::HeldPoint& point : points()) {
+            samples.insert(samples.end(), point.samples.begin(), point.samples.end());
+        }
+        return samples;
     }
     std::string samples() const
     {
-        return value(
-            "SELECT group_concat(value, ' ') FROM (SELECT value FROM samples ORDER BY point, time, count)");
+        std::string values;
+        for (const Sample& sample : heldSamples()) {
+            values += (values.empty() ? "" : " ") + test::exactText(sample.value);
+        }
+        return values;
     }
     std::string dayValues() const
     {
-        return value(
-            "SELECT group_concat(value || '/' || samples, ' ') FROM (SELECT * FROM day_rollup ORDER BY "
-            "point, day)");
+        std::string values;
+        for (const test::HeldPoint& point : points()) {
+            for (const DaySummary& day : point.days) {
+                values += (values.empty() ? "" : " ") + test::exactText(day.value) + "/" +
+                          std::to_string(day.samples);
+            }
+        }
+        return values;
     }
+    std::string dataManage() const { return documents(DocumentKind::DataManage).at(0); }
 };
 
 TEST_F(DeliveryIntake, NewPointIsMadeWithItsSamples)
@@ -72,7 +95,8 @@ TEST_F(DeliveryIntake, NewPointIsMadeWithItsSamples)
                           day2 + R"("}])");
     EXPECT_EQ(samples(), "1.25 1.5");
     EXPECT_EQ(dayValues(), "1.25/1 1.5/1");
-    EXPECT_EQ(value("SELECT time_flag || offset_minutes FROM samples ORDER BY time"), "A-480");
+    EXPECT_EQ(heldSamples().at(0).timeFlag, "A");
+    EXPECT_EQ(heldSamples().at(0).offsetMinutes, -480);
 }
 
 TEST_F(DeliveryIntake, DataManageAndHistoryTellOfEachDelivery)
@@ -80,7 +104,7 @@ TEST_F(DeliveryIntake, DataManageAndHistoryTellOfEachDelivery)
     take(delivery({point("W1", {sample(day1, 1, "1"), sample(day2, 2, "2")}, R"(,"fileId":"f1")"),
                    point("W2", {sample(day1, 1, "3")}, R"(,"fileId":"f1")")}));
     take(delivery({point("W1", {sample(day2, 2, "2"), sample(day3, 3, "4")}, R"(,"fileId":"f2")")}));
-    const std::string dataManage = value("SELECT document FROM data_manages");
+    const std::string dataManage = documents(DocumentKind::DataManage).at(0);
     EXPECT_EQ(member(dataManage, "projectId"), "p1");
     EXPECT_EQ(member(dataManage, "cellId"), "c1");
     EXPECT_EQ(member(dataManage, "subCategoryId"), "s1");
@@ -89,7 +113,7 @@ TEST_F(DeliveryIntake, DataManageAndHistoryTellOfEachDelivery)
     EXPECT_EQ(member(dataManage, "fileId"), "f2");
     EXPECT_EQ(member(dataManage, "createdAt"), "2015-12-21T06:30:01.123Z");
     EXPECT_EQ(member(dataManage, "updatedAt"), "2015-12-21T06:30:02.123Z");
-    const std::vector<std::string> history = column("SELECT document FROM histories ORDER BY id");
+    const std::vector<std::string> history = documents(DocumentKind::History);
     ASSERT_EQ(history.size(), 2U);
     EXPECT_EQ(member(history[0], "dataManageId"), member(dataManage, "_id"));
     EXPECT_EQ(member(history[0], "lastDate"), day2);
@@ -110,8 +134,8 @@ TEST_F(DeliveryIntake, OlderDataLeaveTheLatestTimeAsItIs)
     EXPECT_EQ(member(pointDocument("W1"), "lastDate"), day3);
     EXPECT_EQ(member(pointDocument("W1"), "lastCount"), "3");
     EXPECT_EQ(member(pointDocument("W1"), "insertCount"), "2");
-    EXPECT_EQ(member(value("SELECT document FROM data_manages"), "lastDate"), day3);
-    EXPECT_EQ(samples(), "1.0 3.0");
+    EXPECT_EQ(member(dataManage(), "lastDate"), day3);
+    EXPECT_EQ(samples(), "1 3");
 }
 
 TEST_F(DeliveryIntake, RepeatedDeliveryChangesNothing)
@@ -122,7 +146,7 @@ TEST_F(DeliveryIntake, RepeatedDeliveryChangesNothing)
                         R"(,"alias":"a","initialValue":1,"fileId":"f1","links":[{"type":"t","rId":"r"}])"),
                   point("W2", {}), point("W3", {sample(day1, 1, "1")}, "", "c2", "s2")});
     ASSERT_EQ(take(body), "changed");
-    EXPECT_EQ(value("SELECT count(*) FROM alarms"), "1");
+    EXPECT_EQ(documents(DocumentKind::Alarm).size(), 1U);
     const std::vector<std::string> before = everything();
     const std::string firstAnswer = answer;
     EXPECT_EQ(take(body), "same");
@@ -155,8 +179,8 @@ TEST_F(DeliveryIntake, OverlappingDeliveriesAreMerged)
 {
     take(delivery({point("W1", {sample(day1, 1, "1"), sample(day2, 2, "2")})}));
     take(delivery({point("W1", {sample(day2, 2, "2"), sample(day2, 3, "2.5"), sample(day3, 4, "3")})}));
-    EXPECT_EQ(samples(), "1.0 2.0 2.5 3.0");
-    EXPECT_EQ(dayValues(), "1.0/1 2.5/2 3.0/1");
+    EXPECT_EQ(samples(), "1 2 2.5 3");
+    EXPECT_EQ(dayValues(), "1/1 2.5/2 3/1");
     EXPECT_EQ(member(pointDocument("W1"), "insertCount"), "4");
 }
 
@@ -164,10 +188,10 @@ TEST_F(DeliveryIntake, AnotherValueIsACorrection)
 {
     take(delivery({point("W1", {sample(day1, 1, "1"), sample(day2, 2, "2")})}));
     EXPECT_EQ(take(delivery({point("W1", {sample(day1, 1, "7"), sample(day2, 2, "8")})})), "changed");
-    EXPECT_EQ(samples(), "7.0 8.0");
-    EXPECT_EQ(dayValues(), "7.0/1 8.0/1");
+    EXPECT_EQ(samples(), "7 8");
+    EXPECT_EQ(dayValues(), "7/1 8/1");
     EXPECT_EQ(member(pointDocument("W1"), "insertCount"), "2");
-    const std::string history = value("SELECT document FROM histories ORDER BY id DESC");
+    const std::string history = documents(DocumentKind::History).back();
     EXPECT_EQ(member(history, "insertCount"), "0");
     EXPECT_EQ(member(history, "lastCount"), "2");
 }
@@ -176,16 +200,18 @@ TEST_F(DeliveryIntake, AnotherTimeFlagIsACorrection)
 {
     take(delivery({point("W1", {sample(day1, 1, "1", "A")})}));
     EXPECT_EQ(take(delivery({point("W1", {sample("2015-12-21T20:00:00Z", 1, "1", "B")})})), "changed");
-    EXPECT_EQ(value("SELECT time_flag || offset_minutes FROM samples"), "B-480");
-    EXPECT_EQ(value("SELECT offset_minutes FROM day_rollup"), "-480");
+    ASSERT_EQ(heldSamples().size(), 1U);
+    EXPECT_EQ(heldSamples()[0].timeFlag, "B");
+    EXPECT_EQ(heldSamples()[0].offsetMinutes, -480);
+    EXPECT_EQ(points().at(0).days.at(0).offsetMinutes, -480);
 }
 
 TEST_F(DeliveryIntake, CorrectionOfAnEarlierSampleOfADayLeavesItsLast)
 {
     take(delivery({point("W1", {sample(day1, 1, "1"), sample(day1, 2, "2")})}));
     take(delivery({point("W1", {sample(day1, 1, "9")})}));
-    EXPECT_EQ(samples(), "9.0 2.0");
-    EXPECT_EQ(dayValues(), "2.0/2");
+    EXPECT_EQ(samples(), "9 2");
+    EXPECT_EQ(dayValues(), "2/2");
 }
 
 TEST_F(DeliveryIntake, LaterDescriptionWinsAndEmptyMembersStay)
@@ -221,15 +247,18 @@ TEST_F(DeliveryIntake, SeveralMonitoringsEachHaveTheirShare)
     take(delivery({point("W1", {sample(day1, 1, "1")}), point("W1", {sample(day1, 1, "2")}, "", "c2", "s1"),
                    point("W1", {sample(day1, 1, "3"), sample(day2, 1, "3")}, "", "c1", "s2"),
                    point("W1", {sample(day1, 1, "4")}, "", "d1", "t1")}));
-    EXPECT_THAT(column("SELECT project || cell || sub_category || json_extract(document, '$.lastCount') FROM "
-                       "data_manages ORDER BY 1"),
-                ElementsAre("p1c1s11", "p1c1s22", "p1c2s11", "p2d1t11"));
-    EXPECT_EQ(value("SELECT count(*) FROM histories"), "4");
-    EXPECT_EQ(value("SELECT count(*) FROM point_locations"), "4");
+    std::vector<std::string> shares;
+    for (const std::string& document : documents(DocumentKind::DataManage)) {
+        shares.push_back(member(document, "projectId") + member(document, "cellId") +
+                         member(document, "subCategoryId") + member(document, "lastCount"));
+    }
+    EXPECT_THAT(shares, ::testing::UnorderedElementsAre("p1c1s11", "p1c1s22", "p1c2s11", "p2d1t11"));
+    EXPECT_EQ(documents(DocumentKind::History).size(), 4U);
+    EXPECT_EQ(points().size(), 4U);
     // Only what a repeated delivery changes is noted.
     take(
         delivery({point("W1", {sample(day1, 1, "1")}), point("W1", {sample(day1, 2, "2")}, "", "c2", "s1")}));
-    EXPECT_EQ(value("SELECT count(*) FROM histories"), "5");
+    EXPECT_EQ(documents(DocumentKind::History).size(), 5U);
 }
 
 TEST_F(DeliveryIntake, RefusedDeliveryWritesNothing)
@@ -329,7 +358,7 @@ TEST_F(DeliveryIntake, ClockThatWentBackDoesNotMakeAChangeOlder)
     now -= 1'000'000;
     take(delivery({point("W1", {sample(day2, 1, "1")})}));
     EXPECT_EQ(member(pointDocument("W1"), "updatedAt"), changedAt);
-    EXPECT_EQ(member(value("SELECT document FROM data_manages"), "updatedAt"), changedAt);
+    EXPECT_EQ(member(dataManage(), "updatedAt"), changedAt);
 }
 
 } // namespace

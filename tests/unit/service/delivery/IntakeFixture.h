@@ -5,10 +5,10 @@
 #include "delivery/DeliveryRefusal.h"
 #include "domain/Group.h"
 #include "json/JsonText.h"
-#include "store/sqlite/SqliteStore.h"
+#include "store/OpenStore.h"
+#include "store/StoreContents.h"
 #include "support/TemporaryFolder.h"
 
-#include <SQLiteCpp/SQLiteCpp.h>
 #include <gtest/gtest.h>
 #include <simdjson.h>
 
@@ -33,7 +33,6 @@ class IntakeFixture : public ::testing::Test
 {
 protected:
     explicit IntakeFixture(const std::string& timeZone = "America/Los_Angeles")
-        : store(folder.file("data.db"), options())
     {
         const auto session = store.write();
         session->projects().insert({"p1", "Bluff", timeZone, 1});
@@ -84,47 +83,17 @@ protected:
         session->commit();
     }
 
-    /// Every row of every table but what only counts identifiers.
-    std::vector<std::string> everything() const
-    {
-        SQLite::Database database(folder.file("data.db").string(), SQLite::OPEN_READONLY);
-        std::vector<std::string> rows;
-        for (const char* const table :
-             {"projects", "categories", "sub_categories", "cells", "groups", "point_locations", "samples",
-              "day_rollup", "data_manages", "histories", "alarms", "alarm_details", "alarm_depths"}) {
-            SQLite::Statement query(database, std::string("SELECT * FROM ") + table);
-            while (query.executeStep()) {
-                std::string row = table;
-                for (int column = 0; column < query.getColumnCount(); ++column) {
-                    row += "|" + query.getColumn(column).getString();
-                }
-                rows.push_back(row);
-            }
-        }
-        return rows;
-    }
+    /// All that the store holds.
+    std::vector<std::string> everything() const { return contentsOf(store); }
 
-    /// The first column of a query.
-    std::vector<std::string> column(const std::string& sql) const
-    {
-        SQLite::Database database(folder.file("data.db").string(), SQLite::OPEN_READONLY);
-        SQLite::Statement query(database, sql);
-        std::vector<std::string> values;
-        while (query.executeStep()) {
-            values.push_back(query.getColumn(0).getString());
-        }
-        return values;
-    }
-    std::string value(const std::string& sql) const
-    {
-        const std::vector<std::string> values = column(sql);
-        return values.empty() ? "nothing" : values.front();
-    }
+    /// The documents of a kind, the oldest first.
+    std::vector<std::string> documents(DocumentKind kind) const { return documentsOf(store, kind); }
+    std::vector<HeldPoint> points() const { return pointsOf(store); }
 
 private:
-    SqliteStoreOptions options()
+    StoreOptions options()
     {
-        SqliteStoreOptions options;
+        StoreOptions options;
         options.createIfMissing = true;
         options.clock = [this] {
             return now;
@@ -168,7 +137,8 @@ private:
 protected:
     Instant now = 1450679400123; ///< 2015-12-21T06:30:00.123Z
     TemporaryFolder folder;
-    SqliteStore store;
+    std::unique_ptr<Store> opened{openStore(folder.file("data.db").string(), options())};
+    Store& store = *opened;
     std::set<std::pair<Right, std::string>> lacking; ///< rights that the sender does not have in a project
     std::string answer;
     DeliveryRefusal::Reason reason = DeliveryRefusal::Reason::Malformed;

@@ -1,6 +1,10 @@
 #include "domain/Identifier.h"
 
+#include "support/IsIdentifier.h"
+
 #include <gtest/gtest.h>
+
+#include <limits>
 
 namespace monitorservice {
 namespace {
@@ -33,12 +37,9 @@ TEST(Identifier, GoesOnWithTheNextMillisecondWhenOneIsFull)
 
 TEST(Identifier, IsTwentyFourLowerCaseHexadecimalDigits)
 {
-    EXPECT_TRUE(isIdentifier("0123456789abcdef01234567"));
-    EXPECT_FALSE(isIdentifier("0123456789ABCDEF01234567"));
-    EXPECT_FALSE(isIdentifier("0123456789abcdef0123456"));
-    EXPECT_FALSE(isIdentifier("0123456789abcdef012345678"));
-    EXPECT_FALSE(isIdentifier("0123456789abcdef0123456g"));
-    EXPECT_FALSE(isIdentifier(""));
+    EXPECT_EQ(identifierAfter("", 0xabcdef), "000000abcdef000000000000");
+    EXPECT_TRUE(test::isIdentifier(identifierAfter("", std::numeric_limits<Instant>::max())));
+    EXPECT_TRUE(test::isIdentifier(identifierAfter("0123456789abcdef01234567", -1)));
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "time/Timestamp.h"
 #include "unit/service/delivery/DeliveryText.h"
 #include "unit/service/delivery/IntakeFixture.h"
 
@@ -6,10 +7,10 @@
 
 #include <algorithm>
 #include <chrono>
+#include <limits>
 #include <map>
 #include <random>
 #include <sstream>
-#include <tuple>
 
 namespace monitorservice {
 namespace {
@@ -50,37 +51,72 @@ protected:
         return test::delivery(points);
     }
 
-    // point, day, time, count, offset, value, samples: recomputed from the samples alone.
-    std::vector<std::string> recomputed() const
+    static std::string textOf(const std::string& point, const DaySummary& day)
     {
-        struct Day
-        {
-            std::string last;
-            int samples = 0;
-        };
-        const date::time_zone* const zone = date::locate_zone(GetParam().timeZone);
-        SQLite::Database database(folder.file("data.db").string(), SQLite::OPEN_READONLY);
-        SQLite::Statement query(database,
-                                "SELECT point, time, count, offset_minutes, value FROM samples ORDER BY "
-                                "point, time, count");
-        std::map<std::pair<std::int64_t, std::int64_t>, Day> days;
-        while (query.executeStep()) {
-            const date::sys_time<std::chrono::milliseconds> time{
-                std::chrono::milliseconds(query.getColumn(1).getInt64())};
-            const auto local = date::floor<date::days>(zone->to_local(time)).time_since_epoch().count();
-            Day& day = days[{query.getColumn(0).getInt64(), local}];
-            ++day.samples;
-            day.last.clear();
-            for (int column = 1; column < 5; ++column) {
-                day.last += "|" + query.getColumn(column).getString();
+        return point + ' ' + std::to_string(day.day) + ' ' + std::to_string(day.time) + ' ' +
+               std::to_string(day.count) + ' ' + test::offsetText(day.offsetMinutes) + ' ' +
+               test::exactText(day.value) + ' ' + std::to_string(day.samples);
+    }
+
+    static std::vector<std::string> kept(const std::vector<test::HeldPoint>& points)
+    {
+        std::vector<std::string> days;
+        for (const test::HeldPoint& point : points) {
+            for (const DaySummary& day : point.days) {
+                days.push_back(textOf(point.id, day));
             }
         }
-        std::vector<std::string> rows;
-        for (const auto& [key, day] : days) {
-            rows.push_back(std::to_string(key.first) + "|" + std::to_string(key.second) + day.last + "|" +
-                           std::to_string(day.samples));
+        return days;
+    }
+
+    // The same, from the samples alone.
+    static std::vector<std::string> recomputed(const std::vector<test::HeldPoint>& points)
+    {
+        const date::time_zone* const zone = date::locate_zone(GetParam().timeZone);
+        std::vector<std::string> days;
+        for (const test::HeldPoint& point : points) {
+            std::map<std::int64_t, DaySummary> ofPoint;
+            for (const Sample& sample : point.samples) {
+                const date::sys_time<std::chrono::milliseconds> time{std::chrono::milliseconds(sample.time)};
+                const std::int64_t number =
+                    date::floor<date::days>(zone->to_local(time)).time_since_epoch().count();
+                DaySummary& day = ofPoint[number];
+                day = {number,       sample.time,    sample.count, sample.offsetMinutes,
+                       sample.value, day.samples + 1};
+            }
+            for (const auto& [number, day] : ofPoint) {
+                days.push_back(textOf(point.id, day));
+            }
         }
-        return rows;
+        return days;
+    }
+
+    // Ordered by the time that the store keeps of each point, and by that of its last sample.
+    std::vector<std::string> newestFirst() const
+    {
+        std::vector<std::string> ids;
+        DocumentQuery query;
+        query.project = "p1";
+        query.order = parseOrder("-lastDate");
+        const auto session = store.read();
+        session->documents(DocumentKind::PointLocation).visit(query, [&ids](std::string_view document) {
+            ids.push_back(member(std::string(document), "_id"));
+        });
+        return ids;
+    }
+    static std::vector<std::string> idsByLastSample(std::vector<test::HeldPoint> points)
+    {
+        std::stable_sort(points.begin(), points.end(),
+                         [](const test::HeldPoint& left, const test::HeldPoint& right) {
+                             constexpr Instant never = std::numeric_limits<Instant>::min();
+                             return (left.samples.empty() ? never : left.samples.back().time) >
+                                    (right.samples.empty() ? never : right.samples.back().time);
+                         });
+        std::vector<std::string> ids;
+        for (const test::HeldPoint& point : points) {
+            ids.push_back(point.id);
+        }
+        return ids;
     }
 
     std::mt19937 random{20151221};
@@ -90,32 +126,32 @@ TEST_P(DayRollup, IsWhatTheSamplesGiveAfterEveryDelivery)
 {
     Instant begin = 0;
     std::istringstream(GetParam().begin) >> begin;
-    int corrections = 0;
+    std::size_t corrections = 0;
     for (int number = 0; number < 70; ++number) {
         const std::string outcome = take(randomDelivery(begin));
         // Two draws of one time may contradict each other within a delivery; nothing is written then.
         ASSERT_TRUE(outcome == "changed" || outcome == "same" ||
                     outcome.find("contradicts") != std::string::npos)
             << outcome;
-        ASSERT_EQ(
-            column(
-                "SELECT point || '|' || day || '|' || time || '|' || count || '|' || offset_minutes || '|' "
-                "|| value || '|' || samples FROM day_rollup ORDER BY point, day"),
-            recomputed());
-        ASSERT_EQ(
-            value(
-                "SELECT count(*) FROM point_locations AS p WHERE json_extract(document, '$.insertCount') <> "
-                "(SELECT count(*) FROM samples AS s WHERE s.point = p.point) OR p.last_time IS NOT "
-                "(SELECT max(time) FROM samples AS s WHERE s.point = p.point)"),
-            "0");
-        const std::string history = value("SELECT document FROM histories ORDER BY id DESC");
-        if (history != "nothing") {
-            ASSERT_EQ(member(history, "lastCount"), value("SELECT count(*) FROM samples"));
-            corrections += outcome == "changed" && member(history, "insertCount") == "0" ? 1 : 0;
+        const std::vector<test::HeldPoint> held = points();
+        ASSERT_EQ(kept(held), recomputed(held));
+        for (const test::HeldPoint& point : held) {
+            ASSERT_EQ(member(point.document, "insertCount"), std::to_string(point.samples.size()));
+            const std::string lastDate = member(point.document, "lastDate");
+            ASSERT_EQ(lastDate.empty(), point.samples.empty());
+            if (!lastDate.empty()) {
+                ASSERT_EQ(parseTimestamp(lastDate).value().milliseconds, point.samples.back().time);
+            }
+        }
+        ASSERT_EQ(newestFirst(), idsByLastSample(held));
+        if (const std::vector<std::string> histories = documents(DocumentKind::History); !histories.empty()) {
+            const std::string& history = histories.back();
+            ASSERT_EQ(member(history, "lastCount"), std::to_string(test::samplesIn(held)));
+            corrections += outcome == "changed" && member(history, "insertCount") == "0" ? 1U : 0U;
         }
     }
-    EXPECT_GT(std::stoi(value("SELECT count(*) FROM samples")), 500);
-    EXPECT_GT(corrections + std::stoi(value("SELECT count(*) FROM histories")), 30);
+    EXPECT_GT(test::samplesIn(points()), 500U);
+    EXPECT_GT(corrections + documents(DocumentKind::History).size(), 30U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Zones, DayRollup,

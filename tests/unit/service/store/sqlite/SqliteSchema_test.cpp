@@ -27,7 +27,7 @@ class SqliteSchema : public ::testing::Test
 protected:
     SqliteSchema()
     {
-        SqliteStoreOptions options;
+        StoreOptions options;
         options.createIfMissing = true;
         SqliteStore store(file, options);
         const auto session = store.write();
@@ -180,7 +180,7 @@ TEST_F(SqliteSchema, PointsAreReadByTheNarrowestKey)
         query.where = &where;
         query.limit = 100;
         if (key.order != nullptr) {
-            query.order = key.order;
+            query.order = parseOrder(key.order);
         }
         const std::vector<std::string> plans = plansOf(connection, [&] {
             const auto selection = measurements.select(query);

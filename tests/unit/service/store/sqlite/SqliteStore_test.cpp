@@ -1,6 +1,5 @@
 #include "store/sqlite/SqliteStore.h"
 
-#include "domain/Identifier.h"
 #include "store/sqlite/SqliteConnection.h"
 #include "support/TemporaryFolder.h"
 
@@ -8,11 +7,7 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include <algorithm>
 #include <fstream>
-#include <future>
-#include <set>
-#include <thread>
 
 namespace monitorservice {
 namespace {
@@ -21,21 +16,14 @@ namespace fs = std::filesystem;
 using ::testing::AllOf;
 using ::testing::HasSubstr;
 
-SqliteStoreOptions creating()
+StoreOptions creating()
 {
-    SqliteStoreOptions options;
+    StoreOptions options;
     options.createIfMissing = true;
     return options;
 }
 
-SqliteStoreOptions impatient()
-{
-    SqliteStoreOptions options = creating();
-    options.busyTimeout = std::chrono::milliseconds(20);
-    return options;
-}
-
-std::string openingError(const fs::path& file, const SqliteStoreOptions& options = {})
+std::string openingError(const fs::path& file, const StoreOptions& options = {})
 {
     try {
         const SqliteStore store(file, options);
@@ -127,164 +115,17 @@ TEST(SqliteStore, LaterVersionIsRefused)
     EXPECT_THAT(openingError(file), AllOf(HasSubstr("99"), HasSubstr("later monitor-service")));
 }
 
-TEST(SqliteStore, OpenedAtOnceByManyIsMadeOnce)
+// That it keeps other services away only another process can tell.
+TEST(SqliteStore, ServiceAloneMakesTheLockFile)
 {
     const test::TemporaryFolder folder;
     const fs::path file = folder.file("data.db");
-    std::vector<std::future<void>> openings;
-    openings.reserve(8);
-    for (int i = 0; i < 8; ++i) {
-        openings.push_back(std::async(std::launch::async, [&file] {
-            SqliteStore store(file, creating());
-            const auto session = store.write();
-            const std::string id = session->newIdentifier();
-            session->projects().insert({id, "Pit", "UTC", 0});
-            session->commit();
-        }));
-    }
-    for (auto& opening : openings) {
-        EXPECT_NO_THROW(opening.get());
-    }
-    EXPECT_EQ(SqliteStore(file).read()->projects().list().size(), 8U);
-}
-
-TEST(SqliteStore, WhatIsNotCommittedIsUndone)
-{
-    const test::TemporaryFolder folder;
-    SqliteStore store(folder.file("data.db"), creating());
-    {
-        const auto session = store.write();
-        session->categories().add("Settlement");
-        EXPECT_TRUE(session->categories().contains("Settlement"));
-    }
-    EXPECT_FALSE(store.read()->categories().contains("Settlement"));
-}
-
-TEST(SqliteStore, ReaderSeesOneMomentAndNeverWhatIsNotCommitted)
-{
-    const test::TemporaryFolder folder;
-    SqliteStore store(folder.file("data.db"), creating());
-    const auto before = store.read();
-    EXPECT_FALSE(before->categories().contains("Settlement"));
-    const auto writing = store.write();
-    writing->categories().add("Settlement");
-    EXPECT_FALSE(store.read()->categories().contains("Settlement"));
-    writing->commit();
-    EXPECT_TRUE(store.read()->categories().contains("Settlement"));
-    EXPECT_FALSE(before->categories().contains("Settlement"));
-}
-
-TEST(SqliteStore, AnotherProcessSeesWhatWasCommitted)
-{
-    const test::TemporaryFolder folder;
-    SqliteStore service(folder.file("data.db"), creating());
-    SqliteStore administrator(folder.file("data.db"));
-    EXPECT_FALSE(service.read()->categories().contains("Settlement"));
-    const auto session = administrator.write();
-    session->categories().add("Settlement");
-    session->commit();
-    EXPECT_TRUE(service.read()->categories().contains("Settlement"));
-}
-
-TEST(SqliteStore, SecondWriterWaitsThenGivesUp)
-{
-    const test::TemporaryFolder folder;
-    SqliteStore store(folder.file("data.db"), impatient());
-    SqliteStore other(folder.file("data.db"), impatient());
-    const auto session = store.write();
-    // One waits for its own process's lock, the other for the file's.
-    const auto failureOf = [](SqliteStore& waiting) {
-        return std::async(std::launch::async,
-                          [&waiting] {
-                              try {
-                                  waiting.write();
-                              } catch (const StoreError& error) {
-                                  return error.failure();
-                              }
-                              return StoreFailure::Internal;
-                          })
-            .get();
-    };
-    EXPECT_EQ(failureOf(store), StoreFailure::Busy);
-    EXPECT_EQ(failureOf(other), StoreFailure::Busy);
-}
-
-TEST(SqliteStore, WritingGoesOnAfterAFailure)
-{
-    const test::TemporaryFolder folder;
-    SqliteStore store(folder.file("data.db"), creating());
-    {
-        const auto session = store.write();
-        EXPECT_THROW(session->documents(DocumentKind::Cell).insert("none", "c1", "not JSON"), StoreError);
-    }
-    const auto session = store.write();
-    session->categories().add("Settlement");
-    session->commit();
-    EXPECT_TRUE(store.read()->categories().contains("Settlement"));
-}
-
-TEST(SqliteStore, IdentifiersRiseOverReopeningAndAClockThatGoesBack)
-{
-    const test::TemporaryFolder folder;
-    std::string previous;
-    for (const Instant now : {1000, 1000, 500, 2000, 0}) {
-        SqliteStoreOptions options = creating();
-        options.clock = [now] {
-            return now;
-        };
-        SqliteStore store(folder.file("data.db"), options);
-        for (int i = 0; i < 3; ++i) {
-            const auto session = store.write();
-            const std::string one = session->newIdentifier();
-            const std::string two = session->newIdentifier();
-            session->commit();
-            EXPECT_TRUE(isIdentifier(one));
-            EXPECT_LT(previous, one);
-            EXPECT_LT(one, two);
-            previous = two;
-        }
-    }
-}
-
-TEST(SqliteStore, IdentifiersOfSeveralWritersDiffer)
-{
-    const test::TemporaryFolder folder;
-    const fs::path file = folder.file("data.db");
-    SqliteStore(file, creating());
-    std::vector<std::future<std::vector<std::string>>> writers;
-    writers.reserve(3);
-    for (int writer = 0; writer < 3; ++writer) {
-        writers.push_back(std::async(std::launch::async, [&file] {
-            SqliteStore store(file);
-            std::vector<std::string> ids;
-            ids.reserve(30);
-            for (int i = 0; i < 30; ++i) {
-                const auto session = store.write();
-                ids.push_back(session->newIdentifier());
-                session->commit();
-            }
-            return ids;
-        }));
-    }
-    std::set<std::string> all;
-    for (auto& writer : writers) {
-        const std::vector<std::string> ids = writer.get();
-        EXPECT_TRUE(std::is_sorted(ids.begin(), ids.end()));
-        all.insert(ids.begin(), ids.end());
-    }
-    EXPECT_EQ(all.size(), 90U);
-}
-
-TEST(SqliteStore, ReadersWorkBesideEachOther)
-{
-    const test::TemporaryFolder folder;
-    SqliteStore store(folder.file("data.db"), creating());
-    std::vector<std::unique_ptr<const Session>> sessions;
-    sessions.reserve(20);
-    for (int i = 0; i < 20; ++i) {
-        sessions.push_back(store.read());
-        EXPECT_TRUE(sessions.back()->projects().list().empty());
-    }
+    StoreOptions options = creating();
+    SqliteStore(file, options);
+    EXPECT_FALSE(fs::exists(folder.file("data.db-lock")));
+    options.forService = true;
+    SqliteStore(file, options);
+    EXPECT_TRUE(fs::exists(folder.file("data.db-lock")));
 }
 
 TEST(SqliteStore, LogIsEmptiedWhenItCloses)

@@ -12,9 +12,9 @@ namespace monitorservice {
 class ServiceLock
 {
 public:
-    /// Throws std::runtime_error when another service has it. Where the lock cannot be had at all, in a
-    /// folder that is missing or may only be read, nothing is said: the store cannot be opened there either,
-    /// and knows why.
+    /// Throws StoreError with StoreFailure::CannotOpen when another service has it. Where the lock cannot be
+    /// had at all, in a folder that is missing or may only be read, nothing is said: the store cannot be
+    /// opened there either, and knows why.
     explicit ServiceLock(const std::filesystem::path& dataFile);
 
 private:

@@ -1,4 +1,4 @@
-#include "FaultyDisk.h"
+#include "store/sqlite/FaultyDisk.h"
 
 #include <algorithm>
 #include <fstream>

@@ -1,23 +1,19 @@
+#include "StoreContract.h"
 #include "query/QueryError.h"
-#include "store/sqlite/SqliteStore.h"
-#include "support/TemporaryFolder.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include <limits>
 
-#include <algorithm>
-
-namespace monitorservice {
+namespace monitorservice::test {
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 // Six monitorings of project p1, c1 to c6, and one of p2.
-class SqliteDocuments : public ::testing::Test
+class DocumentQueries : public StoreContract
 {
 protected:
-    SqliteDocuments() : m_store(m_folder.file("data.db"), options()), session(m_store.write())
+    DocumentQueries()
     {
         for (const char* const project : {"p1", "p2"}) {
             session->projects().insert({project, "Pit", "UTC", 1});
@@ -71,27 +67,15 @@ protected:
         return found;
     }
 
-private:
-    static SqliteStoreOptions options()
-    {
-        SqliteStoreOptions options;
-        options.createIfMissing = true;
-        return options;
-    }
-
-    test::TemporaryFolder m_folder;
-    SqliteStore m_store;
-
-protected:
-    std::unique_ptr<Session> session;
+    std::unique_ptr<Session> session = store->write();
 };
 
-TEST_F(SqliteDocuments, ComeInTheOrderOfTheirIdentifiers)
+TEST_P(DocumentQueries, ComeInTheOrderOfTheirIdentifiers)
 {
     EXPECT_THAT(ids(all()), ElementsAre("c1", "c2", "c3", "c4", "c5", "c6"));
 }
 
-TEST_F(SqliteDocuments, TextComesBackByteForByte)
+TEST_P(DocumentQueries, TextComesBackByteForByte)
 {
     const std::string text = R"({"_id":"c7", "projectId":"p1","name":"a\u00e9","category":"Settlement",)"
                              R"("createdAt":"2015-12-21T06:30:00.123Z","createdBy":"","updatedAt":)"
@@ -100,7 +84,7 @@ TEST_F(SqliteDocuments, TextComesBackByteForByte)
     EXPECT_EQ(session->documents(DocumentKind::Cell).find("c7")->text, text);
 }
 
-TEST_F(SqliteDocuments, FindGivesWhatAccessIsDecidedBy)
+TEST_P(DocumentQueries, FindGivesWhatAccessIsDecidedBy)
 {
     const auto document = session->documents(DocumentKind::Cell).find("c2");
     ASSERT_TRUE(document);
@@ -110,34 +94,34 @@ TEST_F(SqliteDocuments, FindGivesWhatAccessIsDecidedBy)
     EXPECT_FALSE(session->documents(DocumentKind::Cell).find("c9"));
 }
 
-TEST_F(SqliteDocuments, OrderIsKeptWithTiesByIdentifier)
+TEST_P(DocumentQueries, OrderIsKeptWithTiesByIdentifier)
 {
     DocumentQuery query = all();
-    query.order = "name";
+    query.order = parseOrder("name");
     EXPECT_THAT(ids(query), ElementsAre("c2", "c1", "c3", "c5", "c4", "c6"));
-    query.order = "-name";
+    query.order = parseOrder("-name");
     EXPECT_THAT(ids(query), ElementsAre("c6", "c4", "c1", "c3", "c5", "c2"));
-    query.order = "category,-createdAt";
+    query.order = parseOrder("category,-createdAt");
     EXPECT_THAT(ids(query), ElementsAre("c3", "c2", "c4", "c1", "c6", "c5"));
-    query.order = "-_id";
+    query.order = parseOrder("-_id");
     EXPECT_THAT(ids(query), ElementsAre("c6", "c5", "c4", "c3", "c2", "c1"));
 }
 
-TEST_F(SqliteDocuments, OrderByAnUnknownMemberIsRefusedAlsoWhenCounting)
+TEST_P(DocumentQueries, OrderByAnUnknownMemberIsRefusedAlsoWhenCounting)
 {
     DocumentQuery query = all();
-    query.order = "links";
+    query.order = parseOrder("links");
     EXPECT_THROW(ids(query), QueryError);
     EXPECT_THROW(session->documents(DocumentKind::Cell).count(query), QueryError);
 }
 
-TEST_F(SqliteDocuments, PagesJoinToTheWholeWithTies)
+TEST_P(DocumentQueries, PagesJoinToTheWholeWithTies)
 {
     for (const char* const condition : {"{}", R"({"name":{"$regex":"e"}})"}) {
         const Where where = Where::parse(condition);
         DocumentQuery query = all();
         query.where = &where;
-        query.order = "name";
+        query.order = parseOrder("name");
         const std::vector<std::string> whole = ids(query);
         EXPECT_EQ(session->documents(DocumentKind::Cell).count(query), whole.size());
         for (const std::uint64_t size : {1U, 2U, 3U, 5U, 7U}) {
@@ -153,7 +137,7 @@ TEST_F(SqliteDocuments, PagesJoinToTheWholeWithTies)
     }
 }
 
-TEST_F(SqliteDocuments, PageOfNothingAndPageBeyondTheEndAreEmpty)
+TEST_P(DocumentQueries, PageOfNothingAndPageBeyondTheEndAreEmpty)
 {
     DocumentQuery query = all();
     query.limit = 0;
@@ -166,7 +150,7 @@ TEST_F(SqliteDocuments, PageOfNothingAndPageBeyondTheEndAreEmpty)
     EXPECT_THAT(ids(query), IsEmpty());
 }
 
-TEST_F(SqliteDocuments, OnlyTheCategoriesAskedForAreListedAndCounted)
+TEST_P(DocumentQueries, OnlyTheCategoriesAskedForAreListedAndCounted)
 {
     DocumentQuery query = all();
     query.categories = {"Inclinometer"};
@@ -179,7 +163,7 @@ TEST_F(SqliteDocuments, OnlyTheCategoriesAskedForAreListedAndCounted)
     EXPECT_EQ(session->documents(DocumentKind::Cell).count(query), 0U);
 }
 
-TEST_F(SqliteDocuments, ConditionsSelect)
+TEST_P(DocumentQueries, ConditionsSelect)
 {
     EXPECT_THAT(idsWhere(R"({"name":"Beta"})"), ElementsAre("c1", "c3", "c5"));
     EXPECT_THAT(idsWhere(R"({"name":{"$regex":"ALPHA","$options":"i"}})"), ElementsAre("c2", "c4"));
@@ -193,7 +177,7 @@ TEST_F(SqliteDocuments, ConditionsSelect)
     EXPECT_THAT(idsWhere(R"({"unheard":null,"_id":"c4"})"), ElementsAre("c4"));
 }
 
-TEST_F(SqliteDocuments, PatternsAreFoundInColumnsAndInDocumentsAlike)
+TEST_P(DocumentQueries, PatternsAreFoundInColumnsAndInDocumentsAlike)
 {
     const std::string pattern = R"where("name":{"$regex":"^(be|al)","$options":"i"})where";
     for (const char* const other :
@@ -207,7 +191,7 @@ TEST_F(SqliteDocuments, PatternsAreFoundInColumnsAndInDocumentsAlike)
     EXPECT_THAT(idsWhere("{" + pattern + R"(,"name.x":{"$regex":"."}})"), IsEmpty());
 }
 
-TEST_F(SqliteDocuments, PatternThatTakesTooManyStepsIsRefused)
+TEST_P(DocumentQueries, PatternThatTakesTooManyStepsIsRefused)
 {
     insert("p1", "c7", std::string(60, 'a') + "!", "Inclinometer", "2015-12-21T06:30:00.123Z", "m6");
     const Where where = Where::parse(R"({"name":{"$regex":"(a+)+$"}})");
@@ -220,7 +204,7 @@ TEST_F(SqliteDocuments, PatternThatTakesTooManyStepsIsRefused)
     EXPECT_EQ(session->documents(DocumentKind::Cell).count(query), 3U);
 }
 
-TEST_F(SqliteDocuments, TimesAreComparedToTheMillisecondWhateverTheirOffset)
+TEST_P(DocumentQueries, TimesAreComparedToTheMillisecondWhateverTheirOffset)
 {
     EXPECT_THAT(idsWhere(R"({"createdAt":{"$gte":"2015-12-21T06:30:00.124Z"}})"),
                 ElementsAre("c2", "c3", "c4"));
@@ -232,7 +216,7 @@ TEST_F(SqliteDocuments, TimesAreComparedToTheMillisecondWhateverTheirOffset)
         ElementsAre("c1", "c6"));
 }
 
-TEST_F(SqliteDocuments, ReplacedDocumentIsFoundByItsNewContentOnly)
+TEST_P(DocumentQueries, ReplacedDocumentIsFoundByItsNewContentOnly)
 {
     std::string text = session->documents(DocumentKind::Cell).find("c1")->text;
     text.replace(text.find("Beta"), 4, "Gamma");
@@ -242,29 +226,122 @@ TEST_F(SqliteDocuments, ReplacedDocumentIsFoundByItsNewContentOnly)
     EXPECT_THAT(idsWhere(R"({"name":"Beta"})"), ElementsAre("c3", "c5"));
 }
 
-TEST_F(SqliteDocuments, RemovedDocumentIsGone)
+TEST_P(DocumentQueries, RemovedDocumentIsGone)
 {
     session->documents(DocumentKind::Cell).remove("p1", "c1");
     EXPECT_FALSE(session->documents(DocumentKind::Cell).find("c1"));
     EXPECT_THAT(idsWhere(R"({"name":"Beta"})"), ElementsAre("c3", "c5"));
 }
 
-TEST_F(SqliteDocuments, IdentifierIsUniqueOverAllProjects)
+TEST_P(DocumentQueries, IdentifierIsUniqueOverAllProjects)
 {
-    try {
-        insert("p2", "c1", "Other", "Settlement", "2015-12-21T06:30:00.123Z", "m1");
-        FAIL() << "inserted";
-    } catch (const StoreError& error) {
-        EXPECT_EQ(error.failure(), StoreFailure::Conflict);
+    EXPECT_EQ(
+        failureOf([this] { insert("p2", "c1", "Other", "Settlement", "2015-12-21T06:30:00.123Z", "m1"); }),
+        "conflict");
+}
+
+TEST_P(DocumentQueries, WhatIsReferredToMustExist)
+{
+    EXPECT_EQ(failureOf([this] { insert("p1", "c9", "Other", "Unheard", "2015-12-21T06:30:00.123Z", "m1"); }),
+              "conflict");
+}
+
+TEST_P(DocumentQueries, ProjectMustExist)
+{
+    EXPECT_EQ(
+        failureOf([this] { insert("p9", "c9", "Other", "Settlement", "2015-12-21T06:30:00.123Z", "m1"); }),
+        "conflict");
+}
+
+TEST_P(DocumentQueries, WhatIsReferredToStays)
+{
+    session->documents(DocumentKind::SubCategory)
+        .insert("p1", "s1", R"({"_id":"s1","projectId":"p1","name":"n","category":"Settlement","alias":""})");
+    session->documents(DocumentKind::Group)
+        .insert("p1", "g1",
+                R"({"_id":"g1","projectId":"p1","cellId":"c1","subCategoryId":"s1","groupName":"G"})");
+    session->documents(DocumentKind::Cell).remove("p1", "c2");
+    EXPECT_EQ(failureOf([this] { session->documents(DocumentKind::Cell).remove("p1", "c1"); }), "conflict");
+}
+
+TEST_P(DocumentQueries, SubCategoryOfOneNameAndCategoryIsThereOnce)
+{
+    const auto add = [this](const std::string& id, const std::string& category) {
+        return failureOf([&] {
+            session->documents(DocumentKind::SubCategory)
+                .insert("p1", id,
+                        R"({"_id":")" + id + R"(","projectId":"p1","name":"n","category":")" + category +
+                            R"(","alias":""})");
+        });
+    };
+    EXPECT_EQ(add("s1", "Settlement"), "none");
+    EXPECT_EQ(add("s2", "Inclinometer"), "none");
+    EXPECT_EQ(add("s3", "Settlement"), "conflict");
+}
+
+TEST_P(DocumentQueries, WhatIsNotThereIsNeitherReplacedNorRemoved)
+{
+    const std::string text = session->documents(DocumentKind::Cell).find("c1")->text;
+    session->documents(DocumentKind::Cell).replace("p2", "c1", "{}");
+    session->documents(DocumentKind::Cell).remove("p2", "c1");
+    session->documents(DocumentKind::Cell).remove("p1", "c9");
+    EXPECT_EQ(session->documents(DocumentKind::Cell).find("c1")->text, text);
+    EXPECT_EQ(ids(all()).size(), 6U);
+}
+
+TEST_P(DocumentQueries, WhatAVisitorThrowsEndsTheVisitAlone)
+{
+    struct Enough
+    {
+    };
+    for (const char* const condition : {"{}", R"({"name":{"$regex":"."}})"}) {
+        const Where where = Where::parse(condition);
+        DocumentQuery query = all();
+        query.where = &where;
+        int seen = 0;
+        EXPECT_THROW(session->documents(DocumentKind::Cell)
+                         .visit(query,
+                                [&seen](std::string_view /*document*/) {
+                                    if (++seen == 2) {
+                                        throw Enough();
+                                    }
+                                }),
+                     Enough);
+        EXPECT_EQ(seen, 2);
+        EXPECT_EQ(ids(all()).size(), 6U);
     }
 }
 
-TEST_F(SqliteDocuments, CategoryMustExist)
+TEST_P(DocumentQueries, RefusedQueryLeavesTheSessionUsable)
 {
-    EXPECT_THROW(insert("p1", "c9", "Other", "Unheard", "2015-12-21T06:30:00.123Z", "m1"), StoreError);
+    DocumentQuery query = all();
+    query.order = parseOrder("unheard");
+    EXPECT_THROW(ids(query), QueryError);
+    insert("p1", "c7", "New", "Settlement", "2015-12-21T06:30:00.123Z", "m1");
+    session->commit();
+    EXPECT_TRUE(store->read()->documents(DocumentKind::Cell).find("c7"));
 }
 
-TEST_F(SqliteDocuments, ManyDifferentConditionsAreAnsweredAlike)
+TEST_P(DocumentQueries, OrderNamesWhatItRefuses)
+{
+    const auto refusal = [this](const char* order) -> std::string {
+        DocumentQuery query = all();
+        query.order = parseOrder(order);
+        try {
+            ids(query);
+        } catch (const QueryError& error) {
+            EXPECT_EQ(error.status(), 400);
+            return error.what();
+        }
+        return "not refused";
+    };
+    EXPECT_EQ(refusal("name,-colour"), "order: cannot order by \"colour\"");
+    EXPECT_EQ(refusal("--name"), "order: cannot order by \"-name\"");
+    EXPECT_EQ(refusal("Name"), "order: cannot order by \"Name\"");
+    EXPECT_EQ(refusal("name"), "not refused");
+}
+
+TEST_P(DocumentQueries, ManyDifferentConditionsAreAnsweredAlike)
 {
     for (int i = 0; i < 500; ++i) {
         std::string list = "\"Beta\"";
@@ -275,5 +352,7 @@ TEST_F(SqliteDocuments, ManyDifferentConditionsAreAnsweredAlike)
     }
 }
 
+RK_EVERY_STORE(DocumentQueries);
+
 } // namespace
-} // namespace monitorservice
+} // namespace monitorservice::test

@@ -1,9 +1,10 @@
-#include "ServiceLock.h"
+#include "store/sqlite/ServiceLock.h"
+
+#include "store/StoreError.h"
 
 #include <boost/interprocess/exceptions.hpp>
 
 #include <fstream>
-#include <stdexcept>
 #include <system_error>
 
 namespace monitorservice {
@@ -27,11 +28,11 @@ ServiceLock::ServiceLock(const fs::path& dataFile)
         m_lock = boost::interprocess::file_lock(file.string().c_str());
         isOurs = m_lock.try_lock();
     } catch (const boost::interprocess::interprocess_exception& failure) {
-        throw std::runtime_error("cannot lock " + file.u8string() + ": " + failure.what());
+        throw StoreError(StoreFailure::CannotOpen, "cannot lock " + file.u8string() + ": " + failure.what());
     }
     if (!isOurs) {
-        throw std::runtime_error("cannot open " + dataFile.u8string() +
-                                 ": another monitor-service is using it");
+        throw StoreError(StoreFailure::CannotOpen,
+                         "cannot open " + dataFile.u8string() + ": another monitor-service is using it");
     }
 }
 

@@ -1,16 +1,14 @@
-#include "store/sqlite/SqliteStore.h"
-#include "support/TemporaryFolder.h"
+#include "StoreContract.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-namespace monitorservice {
+namespace monitorservice::test {
 namespace {
 
-class SqliteAccess : public ::testing::Test
+using ::testing::ElementsAre;
+
+class AccessRecords : public StoreContract
 {
 protected:
-    SqliteAccess() : m_store(m_folder.file("data.db"), options()), session(m_store.write())
+    AccessRecords()
     {
         session->projects().insert({"p1", "Pit", "UTC", 1});
         session->categories().add("Settlement");
@@ -18,27 +16,15 @@ protected:
                                  std::string(32, '\x01'));
     }
 
-    Grant grant(const std::string& id, const std::optional<std::string>& category, Rights rights)
+    static Grant grant(const std::string& id, const std::optional<std::string>& category, Rights rights)
     {
         return {id, "t1", "p1", category, rights, 1};
     }
 
-private:
-    static SqliteStoreOptions options()
-    {
-        SqliteStoreOptions options;
-        options.createIfMissing = true;
-        return options;
-    }
-
-    test::TemporaryFolder m_folder;
-    SqliteStore m_store;
-
-protected:
-    std::unique_ptr<Session> session;
+    std::unique_ptr<Session> session = store->write();
 };
 
-TEST_F(SqliteAccess, TokenIsFoundByTheHashOfItsSecretAlone)
+TEST_P(AccessRecords, TokenIsFoundByTheHashOfItsSecretAlone)
 {
     const auto token = session->tokens().findBySecretHash(std::string(32, '\x01'));
     ASSERT_TRUE(token);
@@ -51,7 +37,7 @@ TEST_F(SqliteAccess, TokenIsFoundByTheHashOfItsSecretAlone)
     EXPECT_FALSE(session->tokens().findBySecretHash(""));
 }
 
-TEST_F(SqliteAccess, HashWithANulByteIsComparedWhole)
+TEST_P(AccessRecords, HashWithANulByteIsComparedWhole)
 {
     const std::string hash("a\0b", 3);
     session->tokens().insert({"t2", "Bea", "", 1, 5, std::nullopt}, hash);
@@ -60,7 +46,27 @@ TEST_F(SqliteAccess, HashWithANulByteIsComparedWhole)
     EXPECT_FALSE(session->tokens().findBySecretHash("a"));
 }
 
-TEST_F(SqliteAccess, RevokedTokenKeepsTheFirstTime)
+TEST_P(AccessRecords, TokensAreListedByIdentifier)
+{
+    session->tokens().insert({"t0", "Bea", "", 1, std::nullopt, 7}, "0");
+    session->tokens().insert({"T2", "Cleo", "", 1, 9, std::nullopt}, "2");
+    std::vector<std::string> ids;
+    for (const Token& token : session->tokens().list()) {
+        ids.push_back(token.id);
+    }
+    EXPECT_THAT(ids, ElementsAre("T2", "t0", "t1"));
+}
+
+TEST_P(AccessRecords, TokenOrSecretThatIsThereIsAConflict)
+{
+    EXPECT_EQ(failureOf([this] {
+                  session->tokens().insert({"t2", "Bea", "", 1, std::nullopt, std::nullopt},
+                                           std::string(32, '\x01'));
+              }),
+              "conflict");
+}
+
+TEST_P(AccessRecords, RevokedTokenKeepsTheFirstTime)
 {
     EXPECT_TRUE(session->tokens().revoke("t1", 10));
     EXPECT_TRUE(session->tokens().revoke("t1", 20));
@@ -68,7 +74,7 @@ TEST_F(SqliteAccess, RevokedTokenKeepsTheFirstTime)
     EXPECT_FALSE(session->tokens().revoke("t9", 10));
 }
 
-TEST_F(SqliteAccess, GrantsOfOneTokenProjectAndCategoryAreOne)
+TEST_P(AccessRecords, GrantsOfOneTokenProjectAndCategoryAreOne)
 {
     EXPECT_EQ(session->grants().add(grant("g1", "Settlement", Right::Read)), "g1");
     EXPECT_EQ(session->grants().add(grant("g2", "Settlement", Right::Edit)), "g1");
@@ -76,19 +82,20 @@ TEST_F(SqliteAccess, GrantsOfOneTokenProjectAndCategoryAreOne)
     EXPECT_EQ(session->grants().list().front().rights.names(), "read,edit");
 }
 
-TEST_F(SqliteAccess, GrantForEveryCategoryStandsApart)
+TEST_P(AccessRecords, GrantForEveryCategoryStandsApart)
 {
     EXPECT_EQ(session->grants().add(grant("g1", "Settlement", Right::Read)), "g1");
     EXPECT_EQ(session->grants().add(grant("g2", std::nullopt, Right::Edit)), "g2");
     EXPECT_EQ(session->grants().add(grant("g3", std::nullopt, Right::Delete)), "g2");
-    const auto grants = session->grants().ofToken("t1");
+    EXPECT_EQ(session->grants().ofToken("t1").size(), 2U);
+    const auto grants = session->grants().list();
     ASSERT_EQ(grants.size(), 2U);
     EXPECT_EQ(grants[0].category, std::optional<std::string>("Settlement"));
     EXPECT_EQ(grants[1].category, std::nullopt);
     EXPECT_EQ(grants[1].rights.names(), "edit,delete");
 }
 
-TEST_F(SqliteAccess, RemovedGrantIsGone)
+TEST_P(AccessRecords, RemovedGrantIsGone)
 {
     session->grants().add(grant("g1", std::nullopt, Right::Read));
     EXPECT_TRUE(session->grants().remove("g1"));
@@ -96,29 +103,29 @@ TEST_F(SqliteAccess, RemovedGrantIsGone)
     EXPECT_TRUE(session->grants().ofToken("t1").empty());
 }
 
-TEST_F(SqliteAccess, GrantForWhatDoesNotExistIsAConflict)
+TEST_P(AccessRecords, GrantForAProjectThatDoesNotExistIsAConflict)
 {
     Grant unknown = grant("g1", std::nullopt, Right::Read);
     unknown.project = "p9";
-    try {
-        session->grants().add(unknown);
-        FAIL() << "added";
-    } catch (const StoreError& error) {
-        EXPECT_EQ(error.failure(), StoreFailure::Conflict);
-    }
+    EXPECT_EQ(failureOf([&] { session->grants().add(unknown); }), "conflict");
 }
 
-TEST_F(SqliteAccess, CategoriesStayInTheOrderOfTheirAddition)
+TEST_P(AccessRecords, GrantForACategoryThatDoesNotExistIsAConflict)
+{
+    EXPECT_EQ(failureOf([this] { session->grants().add(grant("g1", "Unheard", Right::Read)); }), "conflict");
+}
+
+TEST_P(AccessRecords, CategoriesStayInTheOrderOfTheirAddition)
 {
     EXPECT_TRUE(session->categories().add("Zenith"));
     EXPECT_TRUE(session->categories().add("Alpha"));
     EXPECT_FALSE(session->categories().add("Settlement"));
-    EXPECT_THAT(session->categories().list(), ::testing::ElementsAre("Settlement", "Zenith", "Alpha"));
+    EXPECT_THAT(session->categories().list(), ElementsAre("Settlement", "Zenith", "Alpha"));
     EXPECT_TRUE(session->categories().contains("Alpha"));
     EXPECT_FALSE(session->categories().contains("alpha"));
 }
 
-TEST_F(SqliteAccess, ProjectIsFoundAsItWasStored)
+TEST_P(AccessRecords, ProjectIsFoundAsItWasStored)
 {
     const auto project = session->projects().find("p1");
     ASSERT_TRUE(project);
@@ -129,5 +136,12 @@ TEST_F(SqliteAccess, ProjectIsFoundAsItWasStored)
     EXPECT_EQ(session->projects().list().size(), 1U);
 }
 
+TEST_P(AccessRecords, ProjectOfAKnownIdentifierIsAConflict)
+{
+    EXPECT_EQ(failureOf([this] { session->projects().insert({"p1", "Other", "UTC", 1}); }), "conflict");
+}
+
+RK_EVERY_STORE(AccessRecords);
+
 } // namespace
-} // namespace monitorservice
+} // namespace monitorservice::test

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "domain/Sample.h"
+#include "store/DocumentQuery.h"
+#include "store/PointSelection.h"
+#include "store/StoreInterface.h"
+#include "store/StoredDocument.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace monitorservice {
+
+/// The samples of the point locations, and what is kept of each day. Every member may throw StoreError. A
+/// visitor must not call into the session, as with Documents::Visitor.
+class Measurements : public StoreInterface
+{
+public:
+    using SampleVisitor = std::function<void(const Sample& sample)>;
+    using DayVisitor = std::function<void(const DaySummary& day)>;
+    using PointVisitor = std::function<void(const StoredPoint& point)>;
+
+    virtual std::optional<StoredPoint> findPoint(const std::string& cell, const std::string& subCategory,
+                                                 const std::string& name, const std::string& depth) const = 0;
+    /// The points of this name, by ascending depth as text, byte by byte.
+    virtual void visitPoints(const std::string& cell, const std::string& subCategory, const std::string& name,
+                             const PointVisitor& visitor) const = 0;
+    /// Gives the point's key. The document's "_id" and "projectId" are `id` and `project`.
+    /// StoreFailure::Conflict when the identifier is taken, when the monitoring and sub-category have a point
+    /// of this name and depth, and when the monitoring or the sub-category does not exist.
+    virtual std::int64_t insertPoint(const std::string& project, const std::string& id,
+                                     const std::string& document) = 0;
+    /// `lastTime` is the time of the point's latest sample, "lastDate" in the document; nothing when it has
+    /// none. What the point is found by stays: monitoring, sub-category, name and depth.
+    virtual void replacePoint(std::int64_t point, const std::string& document,
+                              const std::optional<Instant>& lastTime) = 0;
+    /// Gives the point these relations, a JSON array as it is stored, and writes the change down; false when
+    /// it has them already and nothing is changed. A clock that was set back does not make a change older
+    /// than the one before.
+    virtual bool replaceLinks(std::int64_t point, const std::string& links, Instant when,
+                              const std::string& who) = 0;
+    /// Points and samples by a condition. The session must outlive the selection, and has one at a time;
+    /// while it does, the session is read through it alone.
+    virtual std::unique_ptr<PointSelection> select(const DocumentQuery& query) const = 0;
+
+    virtual std::optional<Sample> findSample(std::int64_t point, Instant time, std::int32_t count) const = 0;
+    /// Samples from the first instant to before the second, in the order of time and count.
+    virtual void visitSamples(std::int64_t point, Instant from, Instant before,
+                              const SampleVisitor& visitor) const = 0;
+    /// False when the point has a sample of this time and count; nothing is changed then.
+    virtual bool insertSample(std::int64_t point, const Sample& sample) = 0;
+    /// Gives the sample of this time and count the value and the flag.
+    virtual void replaceSample(std::int64_t point, const Sample& sample) = 0;
+
+    /// Days from the first to the last one named, both included, ascending.
+    virtual void visitDays(std::int64_t point, std::int64_t first, std::int64_t last,
+                           const DayVisitor& visitor) const = 0;
+    /// The latest day before the one named that has samples.
+    virtual std::optional<DaySummary> latestDayBefore(std::int64_t point, std::int64_t day) const = 0;
+    /// Adds samples to a day: their number to its own; the last of them becomes the day's last one unless
+    /// that is later. One that is as late replaces it: it is the same sample with a corrected value. What is
+    /// kept of a day is what its samples give as long as every sample written is added to its day as well.
+    virtual void addToDay(std::int64_t point, const DaySummary& added) = 0;
+
+    /// Removes all that was delivered for the monitoring and sub-category or followed from it: points,
+    /// samples, days, the data manage with its history, alarms with their details. Groups stay.
+    virtual void removeDelivered(const std::string& cell, const std::string& subCategory) = 0;
+};
+
+} // namespace monitorservice

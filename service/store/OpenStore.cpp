@@ -1,0 +1,46 @@
+#include "store/OpenStore.h"
+
+#include "store/sqlite/SqliteStore.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+
+namespace monitorservice {
+
+namespace {
+
+// "postgresql" of "postgresql://host/name"; empty for a path.
+std::string_view schemeOf(std::string_view location)
+{
+    const std::string_view scheme = location.substr(0, std::min(location.find("://"), location.size()));
+    // A single letter is a drive.
+    const bool isScheme = scheme.size() < location.size() && scheme.size() > 1 &&
+                          std::all_of(scheme.begin(), scheme.end(), [](char c) {
+                              return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
+                                     (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.';
+                          });
+    return isScheme ? scheme : std::string_view();
+}
+
+} // namespace
+
+std::unique_ptr<Store> openStore(const std::string& location, const StoreOptions& options)
+{
+    const std::string_view scheme = schemeOf(location);
+    if (!scheme.empty()) {
+        // The rest of it may hold a password.
+        throw StoreError(StoreFailure::CannotOpen, "cannot open " + std::string(scheme) +
+                                                       "://...: data are kept in a file, given by its path");
+    }
+    return std::make_unique<SqliteStore>(location, options);
+}
+
+bool storeExists(const std::string& location)
+{
+    std::error_code error;
+    return schemeOf(location).empty() && std::filesystem::exists(location, error);
+}
+
+} // namespace monitorservice

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "domain/DocumentKind.h"
+#include "store/Categories.h"
+#include "store/Documents.h"
+#include "store/Grants.h"
+#include "store/Measurements.h"
+#include "store/Projects.h"
+#include "store/StoreInterface.h"
+#include "store/Tokens.h"
+
+#include <string>
+
+namespace monitorservice {
+
+/// One transaction: everything it reads is of one moment, that of its first reading, and besides that what it
+/// wrote itself; everything it writes comes to be at once with commit(), or not at all. To be used and
+/// destroyed by the thread that began it, by one call at a time: what is given to a visitor may still be on
+/// its way from a database, so a visitor must not call into the session that it visits.
+///
+/// A call that throws StoreError leaves a session in an unknown state: it is to be destroyed without
+/// commit(), and nothing that it wrote comes to be. QueryError, and what a visitor throws, leave it as it
+/// was.
+class Session : public StoreInterface
+{
+public:
+    virtual const Documents& documents(DocumentKind kind) const = 0;
+    virtual const Measurements& measurements() const = 0;
+    virtual const Projects& projects() const = 0;
+    virtual const Categories& categories() const = 0;
+    virtual const Tokens& tokens() const = 0;
+    virtual const Grants& grants() const = 0;
+
+    virtual Documents& documents(DocumentKind kind) = 0;
+    virtual Measurements& measurements() = 0;
+    virtual Projects& projects() = 0;
+    virtual Categories& categories() = 0;
+    virtual Tokens& tokens() = 0;
+    virtual Grants& grants() = 0;
+
+    /// The time at which the session began.
+    virtual Instant now() const = 0;
+    /// An identifier greater than every one given before, by whatever process. Lost with the session if that
+    /// is not committed, and perhaps given anew then.
+    virtual std::string newIdentifier() = 0;
+    /// Returns when the changes survive a loss of power and every session that begins reading from now on
+    /// sees them, whatever process it is of. The session is over then.
+    virtual void commit() = 0;
+};
+
+} // namespace monitorservice

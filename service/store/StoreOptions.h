@@ -1,0 +1,22 @@
+#pragma once
+
+#include "time/Instant.h"
+
+#include <chrono>
+
+namespace monitorservice {
+
+/// How a store is opened.
+struct StoreOptions
+{
+    /// Makes the data where there are none; otherwise that is StoreFailure::CannotOpen.
+    bool createIfMissing = false;
+    /// How long a write waits for writers of this and other processes.
+    std::chrono::milliseconds patience{5000};
+    Clock clock = systemNow;
+    /// Opened by a service, where the store is for one service at a time: StoreFailure::CannotOpen when
+    /// another one has it. Commands of administration do not ask for it.
+    bool forService = false;
+};
+
+} // namespace monitorservice

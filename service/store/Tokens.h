@@ -1,0 +1,27 @@
+#pragma once
+
+#include "access/Token.h"
+#include "store/StoreInterface.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace monitorservice {
+
+/// Every member may throw StoreError.
+class Tokens : public StoreInterface
+{
+public:
+    virtual std::optional<Token> find(const std::string& id) const = 0;
+    /// Expired and revoked ones are found too. The hash is 32 bytes, any of which may be zero.
+    virtual std::optional<Token> findBySecretHash(const std::string& sha256) const = 0;
+    /// In the order of their identifiers.
+    virtual std::vector<Token> list() const = 0;
+    /// StoreFailure::Conflict when the identifier or the hash is taken.
+    virtual void insert(const Token& token, const std::string& sha256) = 0;
+    /// False when there is no such token; a token revoked earlier keeps its first time.
+    virtual bool revoke(const std::string& id, Instant when) = 0;
+};
+
+} // namespace monitorservice

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "store/Store.h"
+
+#include <atomic>
+#include <memory>
+#include <utility>
+
+namespace monitorservice::test {
+
+/// A store that counts what is committed through it.
+class CountingStore final : public Store
+{
+public:
+    explicit CountingStore(std::unique_ptr<Store> store) : m_store(std::move(store)) {}
+
+    int commits() const { return m_commits; }
+
+    std::unique_ptr<const Session> read() override { return m_store->read(); }
+    std::unique_ptr<Session> write() override
+    {
+        return std::make_unique<CountingSession>(m_store->write(), m_commits);
+    }
+
+private:
+    class CountingSession final : public Session
+    {
+    public:
+        CountingSession(std::unique_ptr<Session> session, std::atomic<int>& commits)
+            : m_session(std::move(session)), m_commits(commits)
+        {
+        }
+
+        const Documents& documents(DocumentKind kind) const override
+        {
+            return std::as_const(*m_session).documents(kind);
+        }
+        const Measurements& measurements() const override { return std::as_const(*m_session).measurements(); }
+        const Projects& projects() const override { return std::as_const(*m_session).projects(); }
+        const Categories& categories() const override { return std::as_const(*m_session).categories(); }
+        const Tokens& tokens() const override { return std::as_const(*m_session).tokens(); }
+        const Grants& grants() const override { return std::as_const(*m_session).grants(); }
+
+        Documents& documents(DocumentKind kind) override { return m_session->documents(kind); }
+        Measurements& measurements() override { return m_session->measurements(); }
+        Projects& projects() override { return m_session->projects(); }
+        Categories& categories() override { return m_session->categories(); }
+        Tokens& tokens() override { return m_session->tokens(); }
+        Grants& grants() override { return m_session->grants(); }
+
+        Instant now() const override { return m_session->now(); }
+        std::string newIdentifier() override { return m_session->newIdentifier(); }
+        void commit() override
+        {
+            m_session->commit();
+            ++m_commits;
+        }
+
+    private:
+        std::unique_ptr<Session> m_session;
+        std::atomic<int>& m_commits;
+    };
+
+    std::unique_ptr<Store> m_store;
+    std::atomic<int> m_commits{0};
+};
+
+} // namespace monitorservice::test

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace monitorservice::test {
+
+/// What SQLite finds wrong with a data file: damage, dangling references. Empty when nothing is.
+std::vector<std::string> damageOf(const std::filesystem::path& file);
+
+/// Makes a database of another application.
+void makeForeignDatabase(const std::filesystem::path& file);
+
+/// Makes a data file one of a later version of the service.
+void setDataVersion(const std::filesystem::path& file, int version);
+
+} // namespace monitorservice::test
