@@ -35,7 +35,7 @@ void forEachMember(simdjson::dom::object object, const std::string& where,
     std::unordered_set<std::string_view> names;
     for (const auto member : object) {
         if (!names.insert(member.key).second) {
-            throw ApiError(400, "\"" + where + std::string(member.key) + "\" comes twice");
+            throw ApiError(400, "\"" + where + std::string(member.key) + "\" is given twice");
         }
         visit(member.key, member.value);
     }

@@ -23,8 +23,8 @@ private:
     simdjson::dom::object m_object;
 };
 
-/// Calls `visit` with each member's name and value. Throws for a name that comes twice; `where` stands before
-/// the name in the message, such as "links[2].".
+/// Calls `visit` with each member's name and value. Throws for a name that is given twice; `where` stands
+/// before the name in the message, such as "links[2].".
 void forEachMember(simdjson::dom::object object, const std::string& where,
                    const std::function<void(std::string_view, simdjson::dom::element)>& visit);
 

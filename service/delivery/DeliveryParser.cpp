@@ -146,7 +146,7 @@ Timestamp timeOf(Member& member)
     return *time;
 }
 
-// Visits the members of an object; a name that comes twice or is not among the known ones is refused.
+// Visits the members of an object; a name that is given twice or is not among the known ones is refused.
 template <std::size_t size, typename Visit>
 void forEachMember(ondemand::object object, const std::string& place,
                    const std::array<std::string_view, size>& known, Visit&& visit)
@@ -162,7 +162,7 @@ void forEachMember(ondemand::object object, const std::string& place,
         const std::uint32_t bit = 1U << static_cast<unsigned>(found - known.begin());
         Member member{field.value(), place, *found};
         if ((seen & bit) != 0) {
-            member.refuse("comes twice");
+            member.refuse("is given twice");
         }
         seen |= bit;
         visit(member);

@@ -146,7 +146,7 @@ void checkRepeated(const Delivery& delivery, const std::string& body)
     const std::optional<Delivery> twice = taken("[" + inner + "," + inner + "]");
     require(twice.has_value(), "what is taken is taken twice", [&] { return body; });
     require(twice->points.size() == delivery.points.size() && rowsOf(*twice) == 2 * rowsOf(delivery),
-            "what comes twice makes no point and loses no row");
+            "what is given twice makes no point and loses no row");
     for (std::size_t i = 0; i < delivery.points.size(); ++i) {
         const auto& once = delivery.points[i].samples;
         const auto& again = twice->points[i].samples;

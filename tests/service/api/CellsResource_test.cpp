@@ -79,7 +79,7 @@ TEST_F(CellsResource, BodiesThatAreWrongNameTheMember)
         {R"({"projectId":"p1","name":"a","category":"Unheard"})",
          "\"category\": there is no category \"Unheard\""},
         {R"({"projectId":"p1","name":"a","category":""})", "\"category\": there is no category"},
-        {R"({"projectId":"p1","name":"a","name":"b","category":"Settlement"})", "\"name\" comes twice"},
+        {R"({"projectId":"p1","name":"a","name":"b","category":"Settlement"})", "\"name\" is given twice"},
         {R"({"projectId":"p1","name":"a","category":"Settlement","colour":1})", "\"colour\""},
         {R"({"projectId":"p1","name":"a","category":"Settlement","_id":"x"})", "\"_id\""},
         {R"({"projectId":"p1","name":"a","category":"Settlement","createdAt":"x"})", "\"createdAt\""},
@@ -98,7 +98,7 @@ TEST_F(CellsResource, BodiesThatAreWrongNameTheMember)
         {R"({"projectId":"p1","name":"a","category":"Settlement","links":[{"type":"t","x":"y"}]})",
          "\"links[0].x\""},
         {R"({"projectId":"p1","name":"a","category":"Settlement","links":[{"type":"t","type":"t"}]})",
-         "\"links[0].type\" comes twice"},
+         "\"links[0].type\" is given twice"},
     };
     for (const Case& one : cases) {
         EXPECT_THAT(refusal(post(one.body)), ::testing::AllOf(StartsWith("400 "), HasSubstr(one.message)))

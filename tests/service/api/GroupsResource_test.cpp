@@ -89,7 +89,7 @@ TEST_F(GroupsResource, RefusesWhatIsWrongByName)
     EXPECT_THAT(refusalOf(R"("totalVar":10)", R"("totalVar":1e999)"), StartsWith("400 the body is not JSON"));
     EXPECT_THAT(refusalOf(R"("totalVar":10)", R"("totalVar":NaN)"), StartsWith("400 the body is not JSON"));
     EXPECT_THAT(refusalOf(R"("totalVar":10)", R"("totalVar":10,"totalVar":9)"),
-                "400 \"totalVar\" comes twice");
+                "400 \"totalVar\" is given twice");
     EXPECT_THAT(refusalOf(R"("totalVar":10)", R"("viewPortId":"v")"),
                 "400 \"viewPortId\" is not a member that can be set");
     EXPECT_EQ(get("projects/p1/groupSettings").body, "[]");

@@ -4,30 +4,14 @@
 #include "MeasuredFixture.h"
 #include "query/Matcher.h"
 #include "query/Where.h"
+#include "support/Chance.h"
 
-#include <random>
 #include <set>
 
 namespace monitorservice {
 namespace {
 
-class Chance
-{
-public:
-    explicit Chance(unsigned seed) : m_engine(seed) {}
-
-    // Not std::uniform_int_distribution, which differs between libraries.
-    std::size_t below(std::size_t end) { return m_engine() % end; }
-
-    template <typename Item>
-    const Item& of(const std::vector<Item>& items)
-    {
-        return items[below(items.size())];
-    }
-
-private:
-    std::mt19937 m_engine;
-};
+using test::Chance;
 
 const std::vector<std::string> names{"S1", "S2", "S10", "s1", "Wall", "2015-12-20T06:00:00Z"};
 const std::vector<std::string> depths{"", "2.5", "10", "0.5"};

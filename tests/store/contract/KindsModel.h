@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Chance.h"
 #include "domain/DocumentKind.h"
 #include "store/Session.h"
+#include "support/Chance.h"
 
 #include <map>
 #include <string>

@@ -1,9 +1,9 @@
-#include "Chance.h"
 #include "StoreContract.h"
 #include "domain/SampleText.h"
 #include "json/JsonText.h"
 #include "query/Matcher.h"
 #include "query/QueryError.h"
+#include "support/Chance.h"
 
 #include <simdjson.h>
 

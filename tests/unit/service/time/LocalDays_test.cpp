@@ -69,7 +69,7 @@ TEST(LocalDays, DayWithoutMidnightBeginsWhereTheClockHasJumped)
     EXPECT_EQ(days.dayOf(days.beginOf(day) - 1), day - 1);
 }
 
-// In Havana the clock goes back from 1:00 to 0:00, so that midnight comes twice; the day begins with the
+// In Havana the clock goes back from 1:00 to 0:00, so that midnight is there twice; the day begins with the
 // first.
 TEST(LocalDays, DayWithTwoMidnightsBeginsWithTheFirst)
 {

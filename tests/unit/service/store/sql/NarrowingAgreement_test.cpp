@@ -4,6 +4,7 @@
 #include "NarrowedTable.h"
 #include "query/Matcher.h"
 #include "query/PatternSearch.h"
+#include "support/Chance.h"
 #include "unit/service/query/Document.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +13,6 @@
 #include <cstdlib>
 #include <iostream>
 #include <memory>
-#include <random>
 #include <set>
 #include <string>
 #include <vector>
@@ -20,23 +20,7 @@
 namespace monitorservice {
 namespace {
 
-class Chance
-{
-public:
-    explicit Chance(unsigned seed) : m_engine(seed) {}
-
-    // A number below `end`; not std::uniform_int_distribution, which differs between libraries.
-    std::size_t below(std::size_t end) { return m_engine() % end; }
-
-    template <typename Item>
-    const Item& of(const std::vector<Item>& items)
-    {
-        return items[below(items.size())];
-    }
-
-private:
-    std::mt19937 m_engine;
-};
+using test::Chance;
 
 using Json = std::string;
 
