@@ -66,7 +66,7 @@ std::optional<unsigned> DeliveringClient::sendOne(const Send& send)
 void DeliveringClient::resolve(const std::set<std::string>& heldFiles)
 {
     m_tally.missing = 0;
-    for (const SiteModel::History& history : m_model.documents(DocumentKind::History)) {
+    for (const SiteModel::History& history : m_model.histories()) {
         m_tally.missing += heldFiles.count(history.fileId) == 0 ? 1 : 0;
     }
     if (!m_pending) {

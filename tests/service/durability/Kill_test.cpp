@@ -37,7 +37,7 @@ TEST_F(Kill, LosesNothingThatWasAnsweredAndLeavesNothingInPart)
     EXPECT_EQ(sum.refused, 0U);
     std::size_t alarms = 0;
     for (const auto& client : clients) {
-        alarms += client->model().documents(DocumentKind::Alarm).size();
+        alarms += client->model().alarms().size();
     }
     EXPECT_GT(alarms, 0U);
     print("kill -9, " + std::to_string(done) + " times, " + std::to_string(alarms) + " alarms raised", sum);
