@@ -21,8 +21,9 @@ namespace monitorservice {
 class Documents : public StoreInterface
 {
 public:
-    /// Is given each document's text; the view ends with the call. It must not call into the session: the
-    /// documents may still be on their way. What it throws ends the visit and arrives at the caller.
+    /// Is given each document's text; the view ends with the call. It must not call into the session, which
+    /// throws StoreFailure::Internal then: the documents may still be on their way. What it throws ends the
+    /// visit and arrives at the caller.
     using Visitor = std::function<void(std::string_view document)>;
 
     virtual std::optional<StoredDocument> find(const std::string& id) const = 0;

@@ -193,6 +193,9 @@ SqliteConnection::SqliteConnection(const std::filesystem::path& file, Access acc
 
 SqliteStatement SqliteConnection::statement(std::string_view sql)
 {
+    if (m_isShowing) {
+        throw StoreError(StoreFailure::Internal, "a visitor called into the session that it visits");
+    }
     if (auto idle = m_idle.extract(sql)) {
         return {*this, std::move(idle.mapped())};
     }

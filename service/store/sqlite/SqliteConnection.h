@@ -84,6 +84,13 @@ public:
     SqliteStatement statement(std::string_view sql);
     /// The same of a piece of SQL, with its values bound.
     SqliteStatement bound(const Sql& sql);
+    /// Calls a visitor. Statements are refused until it returns, as every store may refuse them then.
+    template <typename Visitor, typename... Found>
+    auto show(const Visitor& visitor, const Found&... found)
+    {
+        const Showing showing(*this);
+        return visitor(found...);
+    }
     /// Runs statements that take and give nothing.
     void execute(const std::string& sql);
     /// The first value of the first row.
@@ -93,8 +100,25 @@ public:
 
 private:
     friend class SqliteStatement;
+
+    class Showing
+    {
+    public:
+        explicit Showing(SqliteConnection& connection) : m_connection(connection)
+        {
+            m_connection.m_isShowing = true;
+        }
+        ~Showing() { m_connection.m_isShowing = false; }
+        Showing(const Showing&) = delete;
+        Showing& operator=(const Showing&) = delete;
+
+    private:
+        SqliteConnection& m_connection;
+    };
+
     void keep(std::unique_ptr<SQLite::Statement> statement);
 
+    bool m_isShowing = false;
     SQLite::Database m_database;
     // Found by their text, which each statement itself holds.
     std::unordered_map<std::string_view, std::unique_ptr<SQLite::Statement>> m_idle;

@@ -136,7 +136,7 @@ void SqliteDocuments::visit(const DocumentQuery& query, const Visitor& visitor) 
                                                            .append(" ")
                                                            .append(Sql::page(query.skip, query.limit)));
         while (statement.step()) {
-            visitor(statement.view(0));
+            m_connection.show(visitor, statement.view(0));
         }
         return;
     }
@@ -167,7 +167,7 @@ void SqliteDocuments::visitStored(const std::string& id, const Visitor& visitor)
     if (!statement.step()) {
         throw StoreError(StoreFailure::InputOutput, "an index names a document that is not there");
     }
-    visitor(statement.view(0));
+    m_connection.show(visitor, statement.view(0));
 }
 
 void SqliteDocuments::insert(const std::string& project, const std::string& id, const std::string& text)

@@ -47,7 +47,7 @@ void SqliteMeasurements::visitPoints(const std::string& cell, const std::string&
                                "sub_category = ? AND name = ? ORDER BY depth");
     statement.bind(cell, subCategory, name);
     while (statement.step()) {
-        visitor({statement.integer(0), statement.text(1), statement.text(2)});
+        m_connection.show(visitor, StoredPoint{statement.integer(0), statement.text(1), statement.text(2)});
     }
 }
 
@@ -109,7 +109,7 @@ void SqliteMeasurements::visitSamples(std::int64_t point, Instant from, Instant 
     Sample sample;
     while (statement.step()) {
         readSample(statement, sample);
-        visitor(sample);
+        m_connection.show(visitor, sample);
     }
 }
 
@@ -139,7 +139,7 @@ void SqliteMeasurements::visitDays(std::int64_t point, std::int64_t first, std::
                                "WHERE point = ? AND day BETWEEN ? AND ? ORDER BY day");
     statement.bind(point, first, last);
     while (statement.step()) {
-        visitor(dayOf(statement));
+        m_connection.show(visitor, dayOf(statement));
     }
 }
 

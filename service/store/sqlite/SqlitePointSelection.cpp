@@ -210,37 +210,45 @@ std::uint64_t SqlitePointSelection::count()
 
 void SqlitePointSelection::visit(const PointVisitor& visitor)
 {
-    SqliteStatement statement =
-        m_connection.bound(Sql("SELECT p.point, p.id, p.category, p.name, p.depth, p.links, p.document")
-                               .append(m_points)
-                               .append(m_page));
-    while (step(statement)) {
-        visitor({statement.integer(0), statement.view(1), statement.view(2), statement.view(3),
-                 statement.view(4), statement.view(5), statement.view(6)});
-    }
+    forEachPoint([&](const FoundPoint& found) { m_connection.show(visitor, found); });
 }
 
 void SqlitePointSelection::visitSamples(const PointChooser& point, const SampleVisitor& sample)
 {
-    visit([&](const FoundPoint& found) {
-        if (point(found)) {
-            visitSamplesOf(found.key, sample);
+    forEachPoint([&](const FoundPoint& found) {
+        if (m_connection.show(point, found)) {
+            visitSamplesOf(found.key, [&](const Sample& one) { m_connection.show(sample, one); });
         }
     });
 }
 
 void SqlitePointSelection::visitDays(const PointChooser& point, const DayVisitor& day)
 {
-    visit([&](const FoundPoint& found) {
-        if (!point(found)) {
+    const DayVisitor shown = [&](const DayValue& one) {
+        m_connection.show(day, one);
+    };
+    forEachPoint([&](const FoundPoint& found) {
+        if (!m_connection.show(point, found)) {
             return;
         }
         if (m_period) {
-            visitDaysOfPeriod(found.key, *m_period, day);
+            visitDaysOfPeriod(found.key, *m_period, shown);
         } else {
-            visitDaysOfSamples(found.key, day);
+            visitDaysOfSamples(found.key, shown);
         }
     });
+}
+
+void SqlitePointSelection::forEachPoint(const PointVisitor& use)
+{
+    SqliteStatement statement =
+        m_connection.bound(Sql("SELECT p.point, p.id, p.category, p.name, p.depth, p.links, p.document")
+                               .append(m_points)
+                               .append(m_page));
+    while (step(statement)) {
+        use({statement.integer(0), statement.view(1), statement.view(2), statement.view(3), statement.view(4),
+             statement.view(5), statement.view(6)});
+    }
 }
 
 void SqlitePointSelection::visitSamplesOf(std::int64_t point, const SampleVisitor& visitor)

@@ -38,6 +38,7 @@ private:
     void choosePoints(const Where& where, const DocumentQuery& query);
     void orderPoints(const DocumentQuery& query);
     std::string pointDocument(const SqliteFunction::Arguments& arguments, bool withSamples);
+    void forEachPoint(const PointVisitor& use);
     void visitSamplesOf(std::int64_t point, const SampleVisitor& visitor);
     void visitDaysOfPeriod(std::int64_t point, const Period& period, const DayVisitor& visitor);
     void visitDaysOfSamples(std::int64_t point, const DayVisitor& visitor);

@@ -16,7 +16,11 @@ namespace monitorservice {
 class SqliteConnection;
 
 /// The store in one SQLite file with its write-ahead log beside it. One connection writes; every session that
-/// only reads has a connection of its own from a pool. Several processes may use the file at once.
+/// only reads has a connection of its own from a pool. Several processes may use the file at once, one of
+/// them a service. One session writes at a time, whatever it writes.
+///
+/// What SQL cannot decide it asks the matcher, through functions that SQL calls: a matter of this store
+/// alone, as the order of turns and the lock file are.
 class SqliteStore final : public Store
 {
 public:

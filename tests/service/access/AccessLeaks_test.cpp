@@ -14,14 +14,14 @@ const Role ownOnly{"", "rced", "", ""};
 // A text on which a pattern such as (a+)+$ takes more steps than a request may take.
 const std::string endless = std::string(40, 'a') + "!";
 
-// The document with another text as a member that it has.
-std::string withText(const std::string& document, const char* name, const std::string& text)
+// The document with another JSON value as a member that it has.
+std::string withMember(const std::string& document, const char* name, const std::string& value)
 {
     simdjson::dom::parser parser;
     const std::string begin = "\"" + std::string(name) + "\":";
     const std::string held = begin + simdjson::minify(parser.parse(document)[name].value());
     std::string changed = document;
-    return changed.replace(changed.find(held), held.size(), begin + "\"" + text + "\"");
+    return changed.replace(changed.find(held), held.size(), begin + value);
 }
 
 bool isOwn(const std::string& document)
@@ -38,6 +38,7 @@ struct Member
 // Gives what is not of the own place a text that no pattern gets through.
 void makeEndless(Session& session, const std::string& project)
 {
+    const std::string quotedEndless = '"' + endless + '"';
     for (const Member& member :
          {Member{DocumentKind::Cell, "name"}, Member{DocumentKind::Cell, "createdBy"},
           Member{DocumentKind::Group, "groupName"}, Member{DocumentKind::SubCategory, "name"},
@@ -46,13 +47,13 @@ void makeEndless(Session& session, const std::string& project)
             if (!isOwn(document)) {
                 session.documents(member.kind)
                     .replace(project, test::member(document, "_id"),
-                             withText(document, member.name, endless));
+                             withMember(document, member.name, quotedEndless));
             }
         }
     }
     for (const HeldPoint& point : pointsOf(session, project)) {
         if (!isOwn(point.document)) {
-            session.measurements().replacePoint(point.key, withText(point.document, "alias", endless),
+            session.measurements().replacePoint(point.key, withMember(point.document, "alias", quotedEndless),
                                                 point.samples.back().time);
         }
         for (Sample sample : point.samples) {
@@ -285,9 +286,13 @@ TEST_F(AccessLeaks, RefusalsAreTheSameWithoutForeignData)
 TEST_F(AccessLeaks, WhatIsForeignTakesAsLongAsWhatIsNotThere)
 {
     // As large as a monitoring may be.
-    execute(world.file("full.db"),
-            {"UPDATE cells SET document = json_set(document, '$.alarmTo', json_array('" +
-             std::string(1000000, 'x') + "')) WHERE id = '" + idOf(far, "cells") + "'"});
+    AccessWorld::write(full->store, [this](Session& session) {
+        const std::string id = idOf(far, "cells");
+        Documents& cells = session.documents(DocumentKind::Cell);
+        cells.replace(
+            far.project, id,
+            withMember(cells.find(id).value().text, "alarmTo", "[\"" + std::string(1000000, 'x') + "\"]"));
+    });
     const int rounds = isLongRun() ? 20000 : 1500;
     using Clock = std::chrono::steady_clock;
     for (const auto& [kind, prefix] :

@@ -125,7 +125,7 @@ private:
             ASSERT_EQ(answer.status, statusFor(rule, role, place, isNested)) << answer.body;
             checkText(role, resource, place, method, target, answer);
             checkNothingForeignIsTold(role, method, target + body, answer);
-            checkStore(resource, place, method, answer, version);
+            checkStore(resource, place, method, answer, commits);
         }
     }
 

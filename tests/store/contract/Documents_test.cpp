@@ -1,6 +1,7 @@
 #include "StoreContract.h"
 #include "query/QueryError.h"
 
+#include <functional>
 #include <limits>
 
 namespace monitorservice::test {
@@ -309,6 +310,29 @@ TEST_P(DocumentQueries, WhatAVisitorThrowsEndsTheVisitAlone)
                      Enough);
         EXPECT_EQ(seen, 2);
         EXPECT_EQ(ids(all()).size(), 6U);
+    }
+}
+
+TEST_P(DocumentQueries, VisitorMayNotCallIntoTheSession)
+{
+    session->commit();
+    for (const char* const condition : {"{}", R"({"alarmTo":"z"})"}) {
+        const Where where = Where::parse(condition);
+        DocumentQuery query = all();
+        query.where = &where;
+        const auto visit = [&](const std::function<void(const Session&)>& call) {
+            return failureOf([&] {
+                const auto reading = store->read();
+                reading->documents(DocumentKind::Cell).visit(query, [&](std::string_view /*document*/) {
+                    call(*reading);
+                });
+            });
+        };
+        EXPECT_EQ(visit([](const Session& same) { same.documents(DocumentKind::Cell).find("c1"); }),
+                  "internal");
+        EXPECT_EQ(visit([](const Session& same) { same.categories().list(); }), "internal");
+        EXPECT_EQ(visit([this](const Session& /*same*/) { store->read()->categories().list(); }), "none")
+            << "in another session";
     }
 }
 

@@ -8,6 +8,7 @@
 #include <simdjson.h>
 
 #include <algorithm>
+#include <functional>
 #include <map>
 
 namespace monitorservice::test {
@@ -153,6 +154,40 @@ TEST_P(PointSelections, SamplesOfPointsThatAreNotWantedAreLeftOut)
     selection->visitSamples(note(true), [&seen](const Sample& /*sample*/) { seen.emplace_back("sample"); });
     EXPECT_EQ(seen.size(), 10U);
     EXPECT_EQ(seen.back(), "S2") << "a point comes before its samples";
+}
+
+TEST_P(PointSelections, VisitorMayNotCallIntoTheSession)
+{
+    fillTwo();
+    const Where where;
+    std::unique_ptr<const Session> session;
+    const auto ask = [&session](const auto& /*found*/) {
+        return !session->categories().list().empty();
+    };
+    const auto isWanted = [](const FoundPoint& /*point*/) {
+        return true;
+    };
+    const auto failure = [&](const std::function<void(const Measurements&)>& visit) {
+        session = store->read();
+        return failureOf([&] { visit(session->measurements()); });
+    };
+    EXPECT_EQ(failure([&](const Measurements& all) { all.select(query(where))->visit(ask); }), "internal");
+    EXPECT_EQ(failure([&](const Measurements& all) {
+                  all.select(query(where))->visitSamples(ask, [](const Sample& /*sample*/) {});
+              }),
+              "internal");
+    EXPECT_EQ(
+        failure([&](const Measurements& all) { all.select(query(where))->visitSamples(isWanted, ask); }),
+        "internal");
+    EXPECT_EQ(failure([&](const Measurements& all) {
+                  all.select(query(where))->visitDays(ask, [](const DayValue& /*day*/) {});
+              }),
+              "internal");
+    EXPECT_EQ(failure([&](const Measurements& all) { all.select(query(where))->visitDays(isWanted, ask); }),
+              "internal");
+    EXPECT_EQ(failure([&](const Measurements& all) { all.visitSamples(keys[0], 0, day, ask); }), "internal");
+    EXPECT_EQ(failure([&](const Measurements& all) { all.visitDays(keys[0], 0, 1, ask); }), "internal");
+    EXPECT_EQ(failure([&](const Measurements& all) { all.visitPoints("c", "s", "S1", ask); }), "internal");
 }
 
 TEST_P(PointSelections, WhatAConditionThrowsArrivesAndLeavesTheSessionUsable)

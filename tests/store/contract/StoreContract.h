@@ -88,6 +88,8 @@ std::string failureOf(Action&& action)
             return "conflict";
         case StoreFailure::CannotOpen:
             return "cannot open";
+        case StoreFailure::Internal:
+            return "internal";
         default:
             return error.what();
         }
