@@ -1,12 +1,9 @@
 #include "store/sqlite/SqliteDocuments.h"
 
-#include "domain/Document.h"
-#include "query/Matcher.h"
 #include "query/PatternSearch.h"
 #include "store/StoreError.h"
 #include "store/sql/Reach.h"
-
-#include <simdjson.h>
+#include "store/sqlite/TextMatcher.h"
 
 #include <algorithm>
 
@@ -64,7 +61,7 @@ public:
 
     bool matches(const SqliteStatement& row)
     {
-        return m_patterns.empty() ? matchesDocument(row.view(1)) : holdsPatterns(row);
+        return m_patterns.empty() ? m_matcher.matches(row.view(1)) : holdsPatterns(row);
     }
 
 private:
@@ -77,19 +74,9 @@ private:
         });
     }
 
-    bool matchesDocument(std::string_view document)
-    {
-        simdjson::dom::element element;
-        if (m_parser.parse(document.data(), document.size()).get(element) != simdjson::SUCCESS) {
-            throw DamagedDocument("a stored document is damaged: it is not JSON");
-        }
-        return m_matcher.matches(element);
-    }
-
     std::vector<ColumnPattern> m_patterns;
     PatternSearch m_search;
-    simdjson::dom::parser m_parser;
-    Matcher m_matcher;
+    TextMatcher m_matcher;
     std::string m_columns = "id";
 };
 

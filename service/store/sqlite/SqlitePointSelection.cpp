@@ -3,14 +3,12 @@
 #include "domain/Document.h"
 #include "domain/SampleText.h"
 #include "json/JsonText.h"
-#include "query/Matcher.h"
 #include "store/StoreError.h"
 #include "store/sql/Narrowing.h"
 #include "store/sql/Reach.h"
 #include "store/sqlite/SampleRows.h"
 #include "store/sqlite/SqliteDocuments.h"
-
-#include <simdjson.h>
+#include "store/sqlite/TextMatcher.h"
 
 #include <algorithm>
 #include <limits>
@@ -24,26 +22,6 @@ namespace {
 
 constexpr const char* samplePathTime = "time";
 constexpr const char* samplePathFlag = "data.timeFlag";
-
-// Asks the matcher about one JSON text after another.
-class TextMatcher
-{
-public:
-    explicit TextMatcher(const Where& where) : m_matcher(where) {}
-
-    bool matches(std::string_view json)
-    {
-        simdjson::dom::element element;
-        if (m_parser.parse(json.data(), json.size()).get(element) != simdjson::SUCCESS) {
-            throw DamagedDocument("a stored document is damaged: it is not JSON");
-        }
-        return m_matcher.matches(element);
-    }
-
-private:
-    simdjson::dom::parser m_parser;
-    Matcher m_matcher;
-};
 
 // What the conditions on a sample are asked of: its members stand where their paths lead.
 std::string sampleDocument(const SqliteFunction::Arguments& arguments)
