@@ -64,8 +64,7 @@ void appendJsonString(std::string& out, std::string_view text)
 
 void appendJsonNumber(std::string& out, double value)
 {
-    // Beyond it whole numbers in digits do not fit 64 bits, and readers of JSON refuse them or take them for
-    // others.
+    // Well within 64 bits: readers of JSON refuse whole numbers in digits that do not fit, or change them.
     constexpr double largestInDigits = 1e17;
     const double number = value == 0 ? 0 : value; // "-0" would come back as 0 all the same
     std::array<char, 32> text{};
