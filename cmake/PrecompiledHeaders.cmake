@@ -1,5 +1,5 @@
 # Precompiled headers for builds that nobody edits in (RKMONITORINGDATA_PRECOMPILED_HEADERS: presets asan and tsan, the
-# consumer's Release build). More than half of the time of a compilation is spent on reading gtest, simdjson or Qt. The
+# consumer's Release build, and everything in .ci/run). More than half of the time of a compilation is spent on reading gtest, simdjson or Qt. The
 # preset dev does without, for three reasons: there each file proves that it includes what it uses, ccache needs no
 # special settings, and clang-tidy can read the commands.
 
