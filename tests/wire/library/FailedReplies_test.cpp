@@ -39,14 +39,14 @@ protected:
 
 TEST_F(FailedReplies, PermissionsFollowTheValue)
 {
-    using Permission = bool (RKMonitoringData::*)(const QString&);
-    for (const Permission permission :
-         {&RKMonitoringData::canCreateMonitoring, &RKMonitoringData::canDeleteMonitoring,
-          &RKMonitoringData::canEditMonitoring}) {
+    using Permission = std::function<bool()>;
+    for (const Permission& permission : {Permission([this] { return data.canCreateMonitoring("pit"_q); }),
+                                         Permission([this] { return data.canDeleteMonitoring("pit"_q); }),
+                                         Permission([this] { return data.canEditMonitoring("pit"_q); })}) {
         refuse(R"({"value":"true"})");
-        EXPECT_TRUE((data.*permission)("pit"_q));
+        EXPECT_TRUE(permission());
         refuse(R"({"value":"false"})");
-        EXPECT_FALSE((data.*permission)("pit"_q));
+        EXPECT_FALSE(permission());
     }
 }
 
@@ -165,14 +165,15 @@ TEST_F(FailedReplies, PointsTakeTheMembers)
 TEST_F(FailedReplies, StatisticsReplaceTheDays)
 {
     using ChartData = QMap<QDate, QList<RKPointLocationChartData>>;
-    using Statistics = bool (RKMonitoringData::*)(const RKPointLocationCondition&, ChartData&);
+    using Statistics = std::function<bool(ChartData&)>;
     const QDate kept(2015, 12, 20);
     const QDate replaced(2015, 12, 21);
-    for (const Statistics statistics :
-         {&RKMonitoringData::getNormalPointLocation, &RKMonitoringData::getDepthPointLocation}) {
+    for (const Statistics& statistics :
+         {Statistics([this](ChartData& days) { return data.getNormalPointLocation({}, days); }),
+          Statistics([this](ChartData& days) { return data.getDepthPointLocation({}, days); })}) {
         ChartData chartData{{kept, {RKPointLocationChartData()}}, {replaced, {}}};
         refuse(R"([{"time":"2015-12-21T00:00:00.000Z","data":[{"name":"W1"},{"name":"W2"}]}])");
-        EXPECT_FALSE((data.*statistics)({}, chartData));
+        EXPECT_FALSE(statistics(chartData));
         EXPECT_EQ(chartData.value(kept).size(), 1);
         ASSERT_EQ(chartData.value(replaced).size(), 2);
         EXPECT_EQ(chartData.value(replaced).at(1).name, "W2"_q);
