@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds applications from the install tree, as our users would: one with the bundled companions, run against the
-# installed service, and one with companions of its own.
+# Builds applications from the install tree of preset dev, as our users would: one with the bundled companions, run against
+# the installed service, and one with companions of its own.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -21,8 +21,9 @@ build() { # build SOURCE BINARY [CMAKE OPTIONS]
 }
 
 echo "consumer: with the bundled companions"
-build . "$work/bundled" -DRKMONITORINGDATA_BUILD_TESTS=OFF -DRKMONITORINGDATA_PRECOMPILED_HEADERS=ON
-quietly cmake --install "$work/bundled" --prefix "$work/prefix"
+quietly cmake --preset dev
+quietly cmake --build --preset dev
+quietly cmake --install build/dev --prefix "$work/prefix"
 build tests/consumer/example "$work/example" -DCMAKE_PREFIX_PATH="$work/prefix"
 # The packages ask for no later C++ than the example does.
 grep -q -- '-std=c++11 ' "$work/example/compile_commands.json"

@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 preset=${1:-dev}
-scripts/setup.sh
+if [ "$preset" = dev ]; then scripts/setup.sh; else scripts/setup.sh --checks; fi # clang comes with the checks
 cmake --preset "$preset"
 cmake --build --preset "$preset"
 ctest --preset "$preset"

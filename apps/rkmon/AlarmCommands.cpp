@@ -8,7 +8,7 @@
 
 namespace {
 
-struct ListOptions
+struct AlarmListOptions
 {
     QString name;
     QStringList cells;
@@ -78,7 +78,7 @@ Sheet depthSheet(const QList<AlarmThree>& depths)
     return sheet;
 }
 
-RKAlarmCondition conditionOf(Session& session, const ListOptions& options)
+RKAlarmCondition conditionOf(Session& session, const AlarmListOptions& options)
 {
     RKAlarmCondition condition;
     restrictTo(options.period, condition);
@@ -97,7 +97,7 @@ RKAlarmCondition conditionOf(Session& session, const ListOptions& options)
     return condition;
 }
 
-ExitCode listAlarms(Session& session, const ListOptions& options)
+ExitCode listAlarms(Session& session, const AlarmListOptions& options)
 {
     const RKAlarmCondition condition = conditionOf(session, options);
     const auto readPage = [&](int skip, int limit) {
@@ -156,7 +156,7 @@ ExitCode listDepths(Session& session, const DepthOptions& options)
     return ExitCode::Success;
 }
 
-void addListCommand(CLI::App& group, Command& chosen)
+void addAlarmListCommand(CLI::App& group, Command& chosen)
 {
     const auto [app, values] =
         options::addSubcommand(group, "list", "List alarms, newest first", chosen, listAlarms);
@@ -201,7 +201,7 @@ void addDetailCommands(CLI::App& group, Command& chosen)
 void addAlarmCommands(CLI::App& root, Command& chosen)
 {
     CLI::App& group = options::addCommandGroup(root, "alarm", "List the alarms that deliveries raised");
-    addListCommand(group, chosen);
+    addAlarmListCommand(group, chosen);
     addDetailCommands(group, chosen);
     options::setExamples(group, "  rkmon alarm list --since 2026-03-01");
 }

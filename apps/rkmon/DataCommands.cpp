@@ -13,7 +13,7 @@
 
 namespace {
 
-struct ListOptions
+struct DataListOptions
 {
     QString cell;
     QString category;
@@ -70,7 +70,7 @@ Sheet historySheet(const QList<IdentifiedHistory>& history)
     return sheet;
 }
 
-ExitCode listData(Session& session, const ListOptions& options)
+ExitCode listData(Session& session, const DataListOptions& options)
 {
     RKDataManageCondition condition;
     restrictTo(options.period, condition);
@@ -158,7 +158,7 @@ ExitCode deleteData(Session& session, const DeleteOptions& options)
     return ExitCode::Success;
 }
 
-void addListCommand(CLI::App& group, Command& chosen)
+void addDataListCommand(CLI::App& group, Command& chosen)
 {
     const auto [app, values] = options::addSubcommand(
         group, "list", "List the data held, by monitoring and sub-category, newest first", chosen, listData);
@@ -190,7 +190,7 @@ void addHistoryCommand(CLI::App& group, Command& chosen)
 void addDataCommands(CLI::App& root, Command& chosen)
 {
     CLI::App& group = options::addCommandGroup(root, "data", "List the data held and how it was delivered");
-    addListCommand(group, chosen);
+    addDataListCommand(group, chosen);
     addHistoryCommand(group, chosen);
     CLI::App& remove =
         addDeleteCommand(group, chosen, "Delete data with its points, samples, deliveries and alarms",

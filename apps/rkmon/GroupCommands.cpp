@@ -14,14 +14,14 @@ namespace {
 const QString unitText = QStringLiteral("unit");
 const QString percentText = QStringLiteral("percent");
 
-struct ListOptions
+struct GroupListOptions
 {
     QString cell;
     QString category;
 };
 
 // The members of a group that the user may set.
-struct MemberOptions
+struct GroupMemberOptions
 {
     std::optional<QString> name;
     QStringList points;
@@ -34,13 +34,13 @@ struct CreateOptions
 {
     QString cell;
     QString subCategory;
-    MemberOptions members;
+    GroupMemberOptions members;
 };
 
-struct UpdateOptions
+struct GroupUpdateOptions
 {
     QString id;
-    MemberOptions members;
+    GroupMemberOptions members;
 };
 
 Sheet groupSheet(Session& session, const QList<PointLocSetting>& groups)
@@ -69,7 +69,7 @@ Sheet groupSheet(Session& session, const QList<PointLocSetting>& groups)
     return sheet;
 }
 
-ExitCode listGroups(Session& session, const ListOptions& options)
+ExitCode listGroups(Session& session, const GroupListOptions& options)
 {
     QList<PointLocSetting> groups;
     if (!options.cell.isEmpty()) {
@@ -107,7 +107,7 @@ double limitOf(double limit, const char* option)
     return limit;
 }
 
-void assignMembers(const MemberOptions& members, PointLocSetting& group)
+void assignMembers(const GroupMemberOptions& members, PointLocSetting& group)
 {
     group.groupName = members.name.value_or(group.groupName);
     if (!members.points.isEmpty()) {
@@ -143,9 +143,9 @@ bool isSame(const PointLocSetting& left, const PointLocSetting& right)
     return left.groupName == right.groupName && hasSameLimits(left, right);
 }
 
-ExitCode updateGroup(Session& session, const UpdateOptions& options)
+ExitCode updateGroup(Session& session, const GroupUpdateOptions& options)
 {
-    const MemberOptions& members = options.members;
+    const GroupMemberOptions& members = options.members;
     if (!members.name && members.points.isEmpty() && !members.dailyIn && !members.dailyLimit &&
         !members.totalLimit) {
         throw Failure(FailureKind::BadInput,
@@ -189,7 +189,7 @@ ExitCode deleteGroup(Session& session, const DeleteOptions& options)
     return ExitCode::Success;
 }
 
-void addMemberOptions(CLI::App& app, MemberOptions& members)
+void addMemberOptions(CLI::App& app, GroupMemberOptions& members)
 {
     options::addText(app, "--name", members.name, "Its name");
     options::addTexts(app, "--point", members.points, "A point of the group, by name; once for each");
@@ -201,7 +201,7 @@ void addMemberOptions(CLI::App& app, MemberOptions& members)
     options::addNumber(app, "--total-limit", members.totalLimit, "Limit of the total variation; 0: none");
 }
 
-void addListCommand(CLI::App& group, Command& chosen)
+void addGroupListCommand(CLI::App& group, Command& chosen)
 {
     const auto [app, values] =
         options::addSubcommand(group, "list", "List threshold groups", chosen, listGroups);
@@ -214,7 +214,7 @@ void addListCommand(CLI::App& group, Command& chosen)
                               "  rkmon group list --category Slope --json");
 }
 
-void addCreateCommand(CLI::App& group, Command& chosen)
+void addGroupCreateCommand(CLI::App& group, Command& chosen)
 {
     const auto [app, values] = options::addSubcommand(
         group, "create", "Create a threshold group and print its identifier", chosen, createGroup);
@@ -248,8 +248,8 @@ void addGroupCommands(CLI::App& root, Command& chosen)
 {
     CLI::App& group = options::addCommandGroup(
         root, "group", "List and change threshold groups: the limits of points' variations");
-    addListCommand(group, chosen);
-    addCreateCommand(group, chosen);
+    addGroupListCommand(group, chosen);
+    addGroupCreateCommand(group, chosen);
     addChangeCommands(group, chosen);
     options::setExamples(group, "  rkmon group list --cell VH\n"
                                 "  rkmon group create --help");

@@ -9,7 +9,7 @@
 
 namespace {
 
-struct ListOptions
+struct MonitoringListOptions
 {
     MonitoringFilter filter;
     PageOptions page;
@@ -31,7 +31,7 @@ struct NameOptions
 };
 
 // The members of a monitoring that the user may set.
-struct MemberOptions
+struct MonitoringMemberOptions
 {
     std::optional<QString> name;
     std::optional<QString> category;
@@ -40,10 +40,10 @@ struct MemberOptions
     bool isNobodyAlarmed = false;
 };
 
-struct UpdateOptions
+struct MonitoringUpdateOptions
 {
     QString id;
-    MemberOptions members;
+    MonitoringMemberOptions members;
 };
 
 QList<RKMonitoring> readPage(Session& session, const RKMonitoringCondition& condition, int skip, int limit)
@@ -64,7 +64,7 @@ int readCount(Session& session, const RKMonitoringCondition& condition)
     return count;
 }
 
-ExitCode listMonitorings(Session& session, const ListOptions& options)
+ExitCode listMonitorings(Session& session, const MonitoringListOptions& options)
 {
     const RKMonitoringCondition condition = conditionOf(options.filter);
     session.output().addList(monitoringSheet(pages::read(
@@ -135,7 +135,7 @@ QStringList recipientsOf(const QString& text)
     return recipients;
 }
 
-void assignMembers(const MemberOptions& members, RKMonitoring& monitoring)
+void assignMembers(const MonitoringMemberOptions& members, RKMonitoring& monitoring)
 {
     monitoring.name = members.name.value_or(monitoring.name);
     monitoring.category = members.category.value_or(monitoring.category);
@@ -148,7 +148,7 @@ void assignMembers(const MemberOptions& members, RKMonitoring& monitoring)
     }
 }
 
-ExitCode createMonitoring(Session& session, const MemberOptions& members)
+ExitCode createMonitoring(Session& session, const MonitoringMemberOptions& members)
 {
     RKMonitoring monitoring;
     assignMembers(members, monitoring);
@@ -165,7 +165,7 @@ bool isSame(const RKMonitoring& left, const RKMonitoring& right)
            left.alarmTo == right.alarmTo;
 }
 
-void requireMembers(const MemberOptions& members)
+void requireMembers(const MonitoringMemberOptions& members)
 {
     if (!members.name && !members.category && !members.model && !members.alarmTo &&
         !members.isNobodyAlarmed) {
@@ -175,7 +175,7 @@ void requireMembers(const MemberOptions& members)
     }
 }
 
-ExitCode updateMonitoring(Session& session, const UpdateOptions& options)
+ExitCode updateMonitoring(Session& session, const MonitoringUpdateOptions& options)
 {
     requireMembers(options.members);
     if (options.members.alarmTo) {
@@ -211,13 +211,13 @@ ExitCode deleteMonitoring(Session& session, const DeleteOptions& options)
     return ExitCode::Success;
 }
 
-void addRecipientOptions(CLI::App& app, MemberOptions& members)
+void addRecipientOptions(CLI::App& app, MonitoringMemberOptions& members)
 {
     options::addText(app, "--alarm-to", members.alarmTo, "Who receives its alarms, separated by commas")
         ->type_name("A,B...");
 }
 
-void addListCommand(CLI::App& group, Command& chosen)
+void addMonitoringListCommand(CLI::App& group, Command& chosen)
 {
     const auto [app, values] =
         options::addSubcommand(group, "list", "List monitorings, oldest first", chosen, listMonitorings);
@@ -237,7 +237,7 @@ void addCountCommand(CLI::App& group, Command& chosen)
                               "  rkmon monitoring count --exact-name VH");
 }
 
-void addReadingCommands(CLI::App& group, Command& chosen)
+void addMonitoringReadingCommands(CLI::App& group, Command& chosen)
 {
     const auto [show, shown] =
         options::addSubcommand(group, "show", "Show one monitoring", chosen, showMonitoring);
@@ -256,7 +256,7 @@ void addReadingCommands(CLI::App& group, Command& chosen)
     options::setExamples(ids, "  rkmon monitoring ids --csv");
 }
 
-void addCreateCommand(CLI::App& group, Command& chosen)
+void addMonitoringCreateCommand(CLI::App& group, Command& chosen)
 {
     const auto [app, values] = options::addSubcommand(
         group, "create", "Create a monitoring and print its identifier", chosen, createMonitoring);
@@ -275,7 +275,7 @@ void addUpdateCommand(CLI::App& group, Command& chosen)
     const auto [app, values] = options::addSubcommand(
         group, "update", "Change a monitoring; only what differs is sent", chosen, updateMonitoring);
     options::addIdentifier(app, "ID", values->id, "Identifier of the monitoring")->required();
-    MemberOptions& members = values->members;
+    MonitoringMemberOptions& members = values->members;
     options::addText(app, "--name", members.name, "New name");
     options::addText(app, "--category", members.category, "New category")->type_name("CATEGORY");
     options::addText(app, "--model", members.model, "New model; a link cannot be removed")
@@ -292,9 +292,9 @@ void addUpdateCommand(CLI::App& group, Command& chosen)
 void addMonitoringCommands(CLI::App& root, Command& chosen)
 {
     CLI::App& group = options::addCommandGroup(root, "monitoring", "List, create and change monitorings");
-    addListCommand(group, chosen);
-    addReadingCommands(group, chosen);
-    addCreateCommand(group, chosen);
+    addMonitoringListCommand(group, chosen);
+    addMonitoringReadingCommands(group, chosen);
+    addMonitoringCreateCommand(group, chosen);
     addUpdateCommand(group, chosen);
     CLI::App& remove = addDeleteCommand(group, chosen, "Delete a monitoring", "Identifier of the monitoring",
                                         deleteMonitoring);

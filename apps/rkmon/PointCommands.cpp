@@ -7,13 +7,13 @@
 
 namespace {
 
-struct ListOptions
+struct PointListOptions
 {
     PointFilter filter;
     bool hasSamples = false;
 };
 
-struct ShowOptions
+struct PointShowOptions
 {
     QString id;
     bool hasSamples = false;
@@ -125,7 +125,7 @@ void addPoints(Session& session, const QList<RKPointLocation>& points, bool hasS
     session.output().addList(hasSamples ? sampleSheet(points) : pointSheet(session, points));
 }
 
-ExitCode listPoints(Session& session, const ListOptions& options)
+ExitCode listPoints(Session& session, const PointListOptions& options)
 {
     const RKMonitoring monitoring = lookup::monitoring(session, options.filter.cell);
     RKPointLocationCondition condition = conditionOf(options.filter, monitoring);
@@ -137,7 +137,7 @@ ExitCode listPoints(Session& session, const ListOptions& options)
     return ExitCode::Success;
 }
 
-ExitCode showPoint(Session& session, const ShowOptions& options)
+ExitCode showPoint(Session& session, const PointShowOptions& options)
 {
     const QString purpose = QStringLiteral("read point %1").arg(options.id);
     RKPointLocation point;
@@ -233,7 +233,7 @@ void addListCommands(CLI::App& group, Command& chosen)
     options::setExamples(latest, "  rkmon point latest --cell VH");
 }
 
-void addReadingCommands(CLI::App& group, Command& chosen)
+void addPointReadingCommands(CLI::App& group, Command& chosen)
 {
     const auto [show, shown] = options::addSubcommand(group, "show", "Show one point", chosen, showPoint);
     options::addIdentifier(show, "ID", shown->id, "Identifier of the point")->required();
@@ -272,7 +272,7 @@ void addPointCommands(CLI::App& root, Command& chosen)
     CLI::App& group =
         options::addCommandGroup(root, "point", "List points with their samples, and import readings");
     addListCommands(group, chosen);
-    addReadingCommands(group, chosen);
+    addPointReadingCommands(group, chosen);
     addLinkCommand(group, chosen);
     addPointImportCommand(group, chosen);
     options::setExamples(group, "  rkmon point list --cell VH\n"

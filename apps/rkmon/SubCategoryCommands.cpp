@@ -5,12 +5,12 @@
 
 namespace {
 
-struct ListOptions
+struct SubCategoryListOptions
 {
     std::optional<QString> category;
 };
 
-struct ShowOptions
+struct SubCategoryShowOptions
 {
     QString id;
 };
@@ -26,7 +26,7 @@ Sheet subCategorySheet(const QList<RKMonitoringSubCategory>& subCategories)
     return sheet;
 }
 
-ExitCode listSubCategories(Session& session, const ListOptions& options)
+ExitCode listSubCategories(Session& session, const SubCategoryListOptions& options)
 {
     const QStringList categories =
         options.category ? QStringList{*options.category} : lookup::categories(session);
@@ -38,7 +38,7 @@ ExitCode listSubCategories(Session& session, const ListOptions& options)
     return ExitCode::Success;
 }
 
-ExitCode showSubCategory(Session& session, const ShowOptions& options)
+ExitCode showSubCategory(Session& session, const SubCategoryShowOptions& options)
 {
     const QString purpose = QStringLiteral("read sub-category %1").arg(options.id);
     RKMonitoringSubCategory subCategory;

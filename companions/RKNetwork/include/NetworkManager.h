@@ -70,7 +70,7 @@ public:
     /// several are called in the order in which they were added. That is in the thread that began the
     /// exchange and before its wait returns. An observer may begin exchanges of its own and wait for them,
     /// add observers and end observations, its own too.
-    [[nodiscard]] NetworkObservation addObserver(NetworkObserver observer);
+    Q_REQUIRED_RESULT NetworkObservation addObserver(NetworkObserver observer);
     /// The same for an application that needs one observer for good: it takes the place of the one that was
     /// set before, and stays until an empty function takes it away. Those that were added stay as they are.
     void setObserver(NetworkObserver observer);

@@ -168,7 +168,6 @@ TEST(HttpStop, AHandlerMayAskForIt)
 
 TEST(HttpStop, TheDestructorStopsAndWaits)
 {
-    std::atomic<bool> isAnswered{false};
     RawAnswer answer;
     std::future<void> client;
     {

@@ -67,7 +67,7 @@ TestCertificate TestAuthority::selfSigned(const QByteArray& name)
 
 TestAuthority::Key TestAuthority::newKey()
 {
-    return Key(EVP_EC_gen("P-256"));
+    return Key(EVP_PKEY_Q_keygen(nullptr, nullptr, "EC", "P-256"));
 }
 
 TestAuthority::Certificate TestAuthority::newCertificate(EVP_PKEY* key, const char* commonName, int firstDay,

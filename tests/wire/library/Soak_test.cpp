@@ -15,8 +15,11 @@
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool isSanitized = true; // memory that was freed is kept back there for a while
+// Memory that was freed is kept back there for a while.
+#if defined(__SANITIZE_ADDRESS__) // gcc
+constexpr bool isSanitized = true;
+#elif defined(__has_feature) // clang
+constexpr bool isSanitized = __has_feature(address_sanitizer);
 #else
 constexpr bool isSanitized = false;
 #endif
