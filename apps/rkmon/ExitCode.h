@@ -8,7 +8,7 @@ enum class ExitCode
     Success = 0,
     /// The service refused the request, or it failed for a reason that no other code names.
     Failed = 1,
-    /// The command line or the configuration is wrong; nothing was sent.
+    /// The command line or the configuration is wrong; nothing was changed.
     Usage = 2,
     /// The token is not known or does not permit the operation (401, 403), or the answer of `can` is no.
     NotPermitted = 3,
