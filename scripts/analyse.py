@@ -3,9 +3,9 @@
 
   scripts/analyse.py TREE    TREE: a build tree that is configured for clang
 
-First clang reads every file by itself: it includes what it uses. Then clang-tidy reads the files of a folder that are
-compiled alike as one, since nearly all of its time goes into the headers of others. Files that define the same name
-and so cannot be read as one are read apart.
+First every file is read by itself: it includes what it uses, and all paths through its functions are followed. The other
+checks then read the files of a folder that are compiled alike as one, since nearly all of their time goes into the
+headers of others. Files that define the same name and so cannot be read as one are read apart.
 """
 
 import concurrent.futures
@@ -19,9 +19,8 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 SHIPPED = ("apps", "companions", "service", "src")
 LARGEST_UNIT = 8  # files; with more of them, one core has nothing to do at the end
-
-# Otherwise paths are followed through the functions of the unit itself alone, and it has none.
-FOLLOW_INCLUDED = ("--extra-arg=-Xclang", "--extra-arg=-analyzer-opt-analyze-headers")
+PATHS = "-*,clang-analyzer-*,-clang-analyzer-optin.*"  # follows no path through what a file includes
+OTHERS = "-clang-analyzer-*"
 
 
 def shipped_commands(tree):
@@ -41,17 +40,14 @@ def options_of(entry):
     return tuple(word for word in words[:output] + words[output + 2:] if word not in ("-c", entry["file"]))
 
 
-def output_of(command, folder):
-    """What a command says when it fails; nothing when it succeeds."""
-    run = subprocess.run(command, cwd=folder, capture_output=True, text=True, check=False)
+def found_in(source, folder, checks):
+    """What clang-tidy says of a source with checks besides those of .clang-tidy; nothing when it finds nothing."""
+    run = subprocess.run(["clang-tidy-14", "-quiet", "-p", str(folder), f"--config-file={ROOT}/.clang-tidy",
+                          f"--checks={checks}", str(source)], capture_output=True, text=True, check=False)
     return "" if run.returncode == 0 else run.stdout or run.stderr
 
 
-def read_alone(source, entry):
-    return output_of([*options_of(entry), "-fsyntax-only", str(source)], entry["directory"])
-
-
-class ClangTidy:
+class Units:
     """Analyses files together; their units and the commands of these lie in a folder of the build tree."""
 
     def __init__(self, folder, commands):
@@ -61,7 +57,7 @@ class ClangTidy:
         for source, entry in sorted(commands.items()):
             self.alike.setdefault((source.parent, options_of(entry), entry["directory"]), []).append(source)
 
-    def units(self):
+    def lists(self):
         """Lists of files that may be read as one, the longest first."""
         lists = []
         for (_, options, directory), files in self.alike.items():
@@ -77,8 +73,7 @@ class ClangTidy:
         unit.write_text("".join(f'#include "{file}" // NOLINT\n' for file in files), encoding="utf-8")
         entry = {"directory": directory, "file": str(unit), "arguments": [*options, "-c", str(unit)]}
         (folder / "compile_commands.json").write_text(json.dumps([entry]), encoding="utf-8")
-        found = output_of(["clang-tidy-14", "-quiet", "-p", str(folder), f"--config-file={ROOT}/.clang-tidy",
-                           *FOLLOW_INCLUDED, str(unit)], directory)
+        found = found_in(unit, folder, OTHERS)
         if "clang-diagnostic-error" not in found or len(files) == 1:
             return found
         return "".join(self.analyse(half, options, directory) for half in (files[::2], files[1::2]))
@@ -90,10 +85,10 @@ def main():
     tree = pathlib.Path(sys.argv[1]).resolve()
     commands = shipped_commands(tree)
     with concurrent.futures.ThreadPoolExecutor(len(os.sched_getaffinity(0))) as pool:
-        found = [*filter(None, pool.map(read_alone, commands.keys(), commands.values()))]
+        found = [*filter(None, pool.map(lambda source: found_in(source, tree, PATHS), commands))]
         if not found:
-            clang_tidy = ClangTidy(tree / "units", commands)
-            found = [*filter(None, pool.map(lambda unit: clang_tidy.analyse(*unit), clang_tidy.units()))]
+            units = Units(tree / "units", commands)
+            found = [*filter(None, pool.map(lambda unit: units.analyse(*unit), units.lists()))]
     print(*found, sep="\n", end="")
     if found:
         sys.exit(1)
