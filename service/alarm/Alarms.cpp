@@ -133,7 +133,7 @@ std::vector<DepthReading> depthsOf(const Session& session, const MonitoredQuanti
         const std::optional<DaySummary> latest = measurements.latestDayBefore(stored.key, day + 1);
         if (latest) {
             const PointLocation point = fromDocument<PointLocation>(stored.document);
-            const PointReading reading{point.initialValue, latest->value, std::nullopt};
+            const PointReading reading{point.initialValue.value_or(0), latest->value, std::nullopt};
             depths.push_back({point.depth, variationOf(reading, {}).total, *latest});
         }
     }

@@ -53,7 +53,7 @@ void add(TargetTally& tally, const DeliveredPoint& point, const MergedPoint& mer
     if (merged.newDays) {
         const PointLocation& location = merged.location;
         tally.evaluated.push_back(
-            {merged.key, location.name, location.depth, location.initialValue, *merged.newDays});
+            {merged.key, location.name, location.depth, location.initialValue.value_or(0), *merged.newDays});
     }
 }
 

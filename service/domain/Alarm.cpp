@@ -15,6 +15,7 @@ std::string toDocument(const Alarm& alarm)
         .text("cellName", alarm.cellName)
         .text("subCategoryId", alarm.subCategory)
         .text("alarmTime", alarm.raisedAt)
+        .text("alarmDay", alarm.day)
         .integer("pointCounts", alarm.pointCount);
     return appendStamp(document, alarm.stamp).finish();
 }
@@ -30,6 +31,7 @@ Alarm fromDocument<Alarm>(std::string_view text)
     alarm.cellName = document.text("cellName");
     alarm.subCategory = document.text("subCategoryId");
     alarm.raisedAt = document.text("alarmTime");
+    alarm.day = document.text("alarmDay");
     alarm.pointCount = document.integer("pointCounts");
     alarm.stamp = document.stamp();
     return alarm;

@@ -9,7 +9,7 @@
 
 namespace monitorservice {
 
-/// That points of a monitoring and sub-category exceeded their limits.
+/// That readings of a monitoring and sub-category, found on one day, are beyond their limits.
 struct Alarm
 {
     std::string id;
@@ -18,7 +18,8 @@ struct Alarm
     std::string cellName;
     std::string subCategory;
     std::string raisedAt;        ///< as isoText() writes it
-    std::int64_t pointCount = 0; ///< points with a detail
+    std::string day;             ///< of the project on which it was raised, such as "2026-11-22"
+    std::int64_t pointCount = 0; ///< point names with a detail
     Stamp stamp;
 };
 

@@ -21,7 +21,17 @@ std::string toDocument(const AlarmDetail& alarmDetail)
         .integer("monitorCount", alarmDetail.count)
         .text("monitorTime", alarmDetail.time)
         .text("depth", alarmDetail.depth)
-        .text("alarmTime", alarmDetail.raisedAt);
+        .text("alarmTime", alarmDetail.raisedAt)
+        .number("value", alarmDetail.value)
+        .number("reference", alarmDetail.reference)
+        .text("unit", alarmDetail.unit)
+        .text("groupId", alarmDetail.group)
+        .text("groupName", alarmDetail.groupName)
+        .number("totalLimit", alarmDetail.totalLimit)
+        .number("dayLimit", alarmDetail.dayLimit)
+        .text("totalVarSide", toText(alarmDetail.totalSide))
+        .text("dayVarSide", toText(alarmDetail.daySide))
+        .integer("dayVarType", alarmDetail.dayVariationType);
     return appendStamp(document, alarmDetail.stamp).finish();
 }
 
@@ -43,6 +53,16 @@ AlarmDetail fromDocument<AlarmDetail>(std::string_view text)
     alarmDetail.time = document.text("monitorTime");
     alarmDetail.depth = document.text("depth");
     alarmDetail.raisedAt = document.text("alarmTime");
+    alarmDetail.value = document.number("value");
+    alarmDetail.reference = document.number("reference");
+    alarmDetail.unit = document.text("unit");
+    alarmDetail.group = document.text("groupId");
+    alarmDetail.groupName = document.text("groupName");
+    alarmDetail.totalLimit = document.number("totalLimit");
+    alarmDetail.dayLimit = document.number("dayLimit");
+    alarmDetail.totalSide = document.limitSide("totalVarSide");
+    alarmDetail.daySide = document.limitSide("dayVarSide");
+    alarmDetail.dayVariationType = document.smallInteger("dayVarType");
     alarmDetail.stamp = document.stamp();
     return alarmDetail;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "domain/Document.h"
+#include "domain/LimitSide.h"
 #include "domain/Stamp.h"
 
 #include <cstdint>
@@ -9,7 +10,7 @@
 
 namespace monitorservice {
 
-/// The excess of one point in an alarm.
+/// A reading of an alarm that is beyond a limit of a group: the worst of its point name.
 struct AlarmDetail
 {
     std::string id;
@@ -24,7 +25,17 @@ struct AlarmDetail
     std::int64_t count = 0; ///< of the sample
     std::string time;       ///< of the sample
     std::string depth;      ///< empty: the point has none
-    std::string raisedAt;
+    std::string raisedAt;   ///< when it was found
+    double value = 0;       ///< the reading
+    double reference = 0;   ///< what the variations are counted from
+    std::string unit;       ///< of the sub-category; may be empty
+    std::string group;      ///< whose limits these are
+    std::string groupName;
+    double totalLimit = 0; ///< 0: none
+    double dayLimit = 0;   ///< alike
+    LimitSide totalSide = LimitSide::Both;
+    LimitSide daySide = LimitSide::Both;
+    std::int32_t dayVariationType = 0; ///< as Group has it
     Stamp stamp;
 };
 

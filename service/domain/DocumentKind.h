@@ -15,12 +15,13 @@ enum class DocumentKind
     History,
     Alarm,
     AlarmDetail,
-    AlarmDepth
+    AlarmDepth,
+    Change
 };
 
-constexpr std::array<DocumentKind, 9> allDocumentKinds{
-    DocumentKind::Cell,          DocumentKind::SubCategory, DocumentKind::Group,
-    DocumentKind::PointLocation, DocumentKind::DataManage,  DocumentKind::History,
-    DocumentKind::Alarm,         DocumentKind::AlarmDetail, DocumentKind::AlarmDepth};
+constexpr std::array<DocumentKind, 10> allDocumentKinds{
+    DocumentKind::Cell,       DocumentKind::SubCategory, DocumentKind::Group, DocumentKind::PointLocation,
+    DocumentKind::DataManage, DocumentKind::History,     DocumentKind::Alarm, DocumentKind::AlarmDetail,
+    DocumentKind::AlarmDepth, DocumentKind::Change};
 
 } // namespace monitorservice

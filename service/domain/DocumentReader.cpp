@@ -66,6 +66,14 @@ std::int32_t DocumentReader::smallInteger(const char* name) const
     return static_cast<std::int32_t>(number);
 }
 
+std::optional<std::int32_t> DocumentReader::smallIntegerOrNull(const char* name) const
+{
+    if (member<simdjson::dom::element>(name).is_null()) {
+        return std::nullopt;
+    }
+    return smallInteger(name);
+}
+
 double DocumentReader::number(const char* name) const
 {
     return member<double>(name);
@@ -97,6 +105,15 @@ std::vector<std::string> DocumentReader::texts(const char* name) const
 std::string DocumentReader::json(const char* name) const
 {
     return simdjson::minify(member<simdjson::dom::element>(name));
+}
+
+LimitSide DocumentReader::limitSide(const char* name) const
+{
+    const std::optional<LimitSide> side = limitSideOf(text(name));
+    if (!side) {
+        refuse(std::string("\"") + name + "\" is no side that there is");
+    }
+    return *side;
 }
 
 Stamp DocumentReader::stamp() const

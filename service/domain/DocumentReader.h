@@ -1,11 +1,13 @@
 #pragma once
 
 #include "domain/Document.h"
+#include "domain/LimitSide.h"
 #include "domain/Stamp.h"
 
 #include <simdjson.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,12 +26,14 @@ public:
     std::int64_t integer(const char* name) const;
     /// A whole number of 32 bits.
     std::int32_t smallInteger(const char* name) const;
+    std::optional<std::int32_t> smallIntegerOrNull(const char* name) const;
     double number(const char* name) const;
     bool boolean(const char* name) const;
     std::vector<std::string> texts(const char* name) const;
     /// A value of any shape, as minified JSON.
     std::string json(const char* name) const;
     simdjson::dom::array array(const char* name) const;
+    LimitSide limitSide(const char* name) const;
     Stamp stamp() const;
 
     /// Tells that the document cannot be read for this reason.

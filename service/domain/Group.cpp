@@ -18,7 +18,10 @@ std::string toDocument(const Group& group)
         .integer("dayVarType", group.dayVariationType)
         .number("dayVarValue", group.dayVariation)
         .number("totalVar", group.totalVariation)
-        .text("viewPortId", group.viewPort);
+        .text("viewPortId", group.viewPort)
+        .text("dayVarSide", toText(group.daySide))
+        .text("totalVarSide", toText(group.totalSide))
+        .number("warningLevel", group.warningLevel);
     return appendStamp(document, group.stamp).finish();
 }
 
@@ -37,6 +40,9 @@ Group fromDocument<Group>(std::string_view text)
     group.dayVariation = document.number("dayVarValue");
     group.totalVariation = document.number("totalVar");
     group.viewPort = document.text("viewPortId");
+    group.daySide = document.limitSide("dayVarSide");
+    group.totalSide = document.limitSide("totalVarSide");
+    group.warningLevel = document.number("warningLevel");
     group.stamp = document.stamp();
     return group;
 }

@@ -14,6 +14,7 @@ std::string toDocument(const History& history)
         .text("lastDate", history.lastDate)
         .integer("lastCount", history.lastCount)
         .integer("insertCount", history.insertCount)
+        .integer("correctCount", history.correctCount)
         .text("fileId", history.fileId);
     return appendStamp(document, history.stamp).finish();
 }
@@ -28,6 +29,7 @@ History fromDocument<History>(std::string_view text)
     history.lastDate = document.text("lastDate");
     history.lastCount = document.integer("lastCount");
     history.insertCount = document.integer("insertCount");
+    history.correctCount = document.integer("correctCount");
     history.fileId = document.text("fileId");
     history.stamp = document.stamp();
     return history;

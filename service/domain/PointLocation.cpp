@@ -16,7 +16,8 @@ std::string toDocument(const PointLocation& pointLocation)
         .text("alias", pointLocation.alias)
         .text("name", pointLocation.name)
         .integer("dataType", pointLocation.dataType)
-        .number("initialValue", pointLocation.initialValue)
+        .number("initialValue", pointLocation.initialValue.value_or(0))
+        .boolean("hasInitialValue", pointLocation.initialValue.has_value())
         .text("offsetDirection", pointLocation.offsetDirection)
         .text("depth", pointLocation.depth)
         .integer("insertCount", pointLocation.insertCount)
@@ -39,7 +40,10 @@ PointLocation fromDocument<PointLocation>(std::string_view text)
     pointLocation.alias = document.text("alias");
     pointLocation.name = document.text("name");
     pointLocation.dataType = document.smallInteger("dataType");
-    pointLocation.initialValue = document.number("initialValue");
+    const double initialValue = document.number("initialValue");
+    if (document.boolean("hasInitialValue")) {
+        pointLocation.initialValue = initialValue;
+    }
     pointLocation.offsetDirection = document.text("offsetDirection");
     pointLocation.depth = document.text("depth");
     pointLocation.insertCount = document.integer("insertCount");

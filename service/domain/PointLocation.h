@@ -4,6 +4,7 @@
 #include "domain/Stamp.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -20,7 +21,8 @@ struct PointLocation
     std::string alias;
     std::string name;
     std::int32_t dataType = 0;
-    double initialValue = 0; ///< what the total variation is counted from
+    /// What variations are counted from; nothing: it was not given, and the earliest reading is.
+    std::optional<double> initialValue;
     std::string offsetDirection;
     std::string depth;            ///< empty: the point has none
     std::int64_t insertCount = 0; ///< samples held

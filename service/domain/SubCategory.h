@@ -1,7 +1,10 @@
 #pragma once
 
 #include "domain/Document.h"
+#include "domain/SubCategoryKind.h"
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,6 +18,9 @@ struct SubCategory
     std::string name;
     std::string category;
     std::string alias; ///< short name; may be empty
+    SubCategoryKind kind = SubCategoryKind::Other;
+    std::string unit = {};                               ///< of its values, such as "mm"; may be empty
+    std::optional<std::int32_t> decimals = std::nullopt; ///< to show values with; nothing: as they are
 };
 
 /// The document under which it is stored and answered.

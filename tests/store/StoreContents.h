@@ -115,7 +115,7 @@ inline std::vector<std::string> contentsOf(Store& store)
 {
     constexpr std::array kinds{DocumentKind::Cell,        DocumentKind::SubCategory, DocumentKind::Group,
                                DocumentKind::DataManage,  DocumentKind::History,     DocumentKind::Alarm,
-                               DocumentKind::AlarmDetail, DocumentKind::AlarmDepth};
+                               DocumentKind::AlarmDetail, DocumentKind::AlarmDepth,  DocumentKind::Change};
     const auto session = store.read();
     std::vector<std::string> lines;
     for (const std::string& category : session->categories().list()) {

@@ -205,6 +205,31 @@ const DocumentTable& alarmDepthTable()
     return table;
 }
 
+const DocumentTable& changeTable()
+{
+    static const DocumentTable table{
+        "changes",
+        {
+            {"_id", "id"},
+            {"projectId", "project"},
+            {"category", "category"},
+            {"cellId", "cell"},
+            {"subCategoryId", "sub_category"},
+            {"action", "action"},
+            {"subject", "subject"},
+            {"createdAt", "created_at", FieldKind::Time},
+            {"createdBy", "created_by"},
+        },
+        {
+            {"_id", "id"},
+            {"createdAt", "created_at", SortedAs::Number},
+            {"createdBy", "created_by"},
+            {"action", "action"},
+        },
+    };
+    return table;
+}
+
 } // namespace
 
 const DocumentTable& documentTable(DocumentKind kind)
@@ -228,6 +253,8 @@ const DocumentTable& documentTable(DocumentKind kind)
         return alarmDetailTable();
     case DocumentKind::AlarmDepth:
         return alarmDepthTable();
+    case DocumentKind::Change:
+        return changeTable();
     }
     throw StoreError(StoreFailure::Internal, "there is no such kind of document");
 }

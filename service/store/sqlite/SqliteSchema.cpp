@@ -309,6 +309,57 @@ void rewriteWholeNumbers(SqliteConnection& connection, const std::string& table)
     }
 }
 
+// The audit trail; which readings are beyond a limit, and in which alarm each of them stands; and members
+// that documents have from now on.
+std::string fourthVersion()
+{
+    return R"sql(
+CREATE TABLE changes (
+    project TEXT NOT NULL REFERENCES projects (id),
+    id TEXT NOT NULL UNIQUE,
+    document TEXT NOT NULL,
+    category TEXT NOT NULL AS (json_extract(document, '$.category')) STORED,
+    cell TEXT NOT NULL AS (json_extract(document, '$.cellId')) STORED,
+    sub_category TEXT NOT NULL AS (json_extract(document, '$.subCategoryId')) STORED,
+    action TEXT NOT NULL AS (json_extract(document, '$.action')) STORED,
+    subject TEXT NOT NULL AS (json_extract(document, '$.subject')) STORED,
+    created_by TEXT NOT NULL AS (json_extract(document, '$.createdBy')) STORED,
+    )sql" + timeColumn("created_at", "createdAt") +
+           R"sql(,
+    PRIMARY KEY (project, id)
+) STRICT;
+CREATE INDEX changes_by_subject ON changes (subject, id);
+
+CREATE TABLE excesses (
+    point INTEGER NOT NULL REFERENCES point_locations (point),
+    time INTEGER NOT NULL,
+    count INTEGER NOT NULL,
+    alarm TEXT NOT NULL REFERENCES alarms (id),
+    PRIMARY KEY (point, time, count)
+) STRICT, WITHOUT ROWID;
+CREATE INDEX excesses_by_alarm ON excesses (alarm, point);
+
+UPDATE sub_categories SET document =
+    json_set(document, '$.kind', 'other', '$.unit', '', '$.decimals', NULL);
+UPDATE groups SET document =
+    json_set(document, '$.dayVarSide', 'both', '$.totalVarSide', 'both', '$.warningLevel', 80);
+UPDATE point_locations SET document =
+    json_set(document, '$.hasInitialValue', json(iif(json_extract(document, '$.initialValue') = 0, 'false', 'true')));
+UPDATE histories SET document = json_set(document, '$.correctCount', 0);
+UPDATE alarms SET document = json_set(document, '$.alarmDay', '');
+UPDATE alarm_details SET document =
+    json_set(document, '$.value', 0, '$.reference', 0, '$.unit', '', '$.groupId', '', '$.groupName', '',
+        '$.totalLimit', 0, '$.dayLimit', 0, '$.totalVarSide', 'both', '$.dayVarSide', 'both', '$.dayVarType', 0);
+
+INSERT INTO sqlite_stat1 (tbl, idx, stat) VALUES
+    ('changes', 'sqlite_autoindex_changes_1', '1000000 1'),
+    ('changes', 'sqlite_autoindex_changes_2', '1000000 100000 1'),
+    ('changes', 'changes_by_subject', '1000000 10 1'),
+    ('excesses', 'excesses_by_alarm', '1000000 100 20');
+ANALYZE sqlite_schema;
+)sql";
+}
+
 void toFirstVersion(SqliteConnection& connection)
 {
     connection.execute(firstVersion());
@@ -326,8 +377,13 @@ void toThirdVersion(SqliteConnection& connection)
     }
 }
 
+void toFourthVersion(SqliteConnection& connection)
+{
+    connection.execute(fourthVersion());
+}
+
 // The step at index n leads from version n to version n + 1. Steps that were released are never changed.
-constexpr std::array migrations{toFirstVersion, toSecondVersion, toThirdVersion};
+constexpr std::array migrations{toFirstVersion, toSecondVersion, toThirdVersion, toFourthVersion};
 
 void checkOwnership(SqliteConnection& connection)
 {

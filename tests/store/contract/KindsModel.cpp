@@ -60,7 +60,8 @@ const std::vector<std::string>& orderPaths(DocumentKind kind)
         {DocumentKind::History, {"_id"}},
         {DocumentKind::Alarm, {"_id", "createdAt"}},
         {DocumentKind::AlarmDetail, {"_id", "pointName"}},
-        {DocumentKind::AlarmDepth, {"_id", "depth"}}};
+        {DocumentKind::AlarmDepth, {"_id", "depth"}},
+        {DocumentKind::Change, {"_id", "createdAt", "createdBy", "action"}}};
     return paths.at(kind);
 }
 
@@ -208,6 +209,19 @@ void KindsModel::fillMeasured(const std::string& project, const std::string& cel
         add(DocumentKind::History, project,
             {{{"dataManageId", dataManage}, {"fileId", anyName()}}, {}, {}, category, dataManage});
     }
+    // The trail has what it tells of by itself; this entry tells of what is gone, in a category that is, too.
+    const std::string told = m_chance.once(3) ? "Gone" : category;
+    add(DocumentKind::Change, project,
+        {{cellId,
+          subCategoryId,
+          {"category", told},
+          {"action", anyName()},
+          {"subject", m_chance.once(3) ? "gone" : cell},
+          {"createdAt", anyTime()},
+          {"createdBy", anyName()}},
+         R"(,"before":{"name":)" + quoted(anyName()) + "}",
+         {},
+         told});
     simdjson::dom::parser parser;
     const std::string cellText = known(DocumentKind::Cell, cell).text;
     const std::string cellName = simdjson::minify(parser.parse(cellText)["name"].value());

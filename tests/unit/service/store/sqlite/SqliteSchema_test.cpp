@@ -1,6 +1,11 @@
 #include "store/sqlite/SqliteSchema.h"
 
+#include "domain/Alarm.h"
+#include "domain/AlarmDetail.h"
 #include "domain/Group.h"
+#include "domain/History.h"
+#include "domain/PointLocation.h"
+#include "domain/SubCategory.h"
 #include "store/sqlite/SqliteDocuments.h"
 #include "store/sqlite/SqliteMeasurements.h"
 #include "store/sqlite/SqliteStore.h"
@@ -57,6 +62,14 @@ std::vector<std::string> textsOf(SqliteConnection& connection, const std::string
     return texts;
 }
 
+// Takes away what the fourth version has added, but for the documents' members.
+void backToThirdVersion(SqliteConnection& connection)
+{
+    connection.execute(
+        "DROP TABLE changes; DROP TABLE excesses; "
+        "DELETE FROM sqlite_stat1 WHERE tbl IN ('changes', 'excesses'); PRAGMA user_version = 3");
+}
+
 std::vector<std::string> schemaOf(SqliteConnection& connection)
 {
     std::vector<std::string> schema =
@@ -71,14 +84,15 @@ TEST_F(SqliteSchema, FileOfTheFirstVersionBecomesTheCurrentOneWithItsData)
 {
     SqliteConnection connection = open();
     const std::vector<std::string> current = schemaOf(connection);
-    // What the second version has added is taken away.
+    backToThirdVersion(connection);
+    // And what the second version has added.
     connection.execute("DROP INDEX point_locations_by_name; DROP INDEX point_locations_by_sub_category; "
                        "DROP TABLE sqlite_stat1; PRAGMA user_version = 1");
     EXPECT_THAT(textsOf(connection, "SELECT name FROM sqlite_schema", 0),
                 Not(Contains(HasSubstr("sqlite_stat"))));
     migrate(connection, patience);
     EXPECT_EQ(schemaOf(connection), current);
-    EXPECT_EQ(connection.integer("PRAGMA user_version"), 3);
+    EXPECT_EQ(connection.integer("PRAGMA user_version"), 4);
     EXPECT_EQ(SqliteStore(file).read()->documents(DocumentKind::Cell).find("c")->category, "Settlement");
 }
 
@@ -100,15 +114,88 @@ TEST_F(SqliteSchema, NumbersThatCouldNotBeReadCanBeReadAfterwards)
         const auto session = store.write();
         session->documents(DocumentKind::SubCategory)
             .insert("p", "s",
-                    R"({"_id":"s","projectId":"p","name":"Level","category":"Settlement","alias":""})");
+                    R"({"_id":"s","projectId":"p","name":"Level","category":"Settlement","alias":"",)"
+                    R"("kind":"other","unit":"","decimals":null})");
         session->documents(DocumentKind::Group).insert("p", "g", damaged);
         session->commit();
     }
     EXPECT_THROW(fromDocument<Group>(damaged), DamagedDocument);
     SqliteConnection connection = open();
+    backToThirdVersion(connection);
     connection.execute("PRAGMA user_version = 2");
     migrate(connection, patience);
     EXPECT_EQ(SqliteStore(file).read()->documents(DocumentKind::Group).find("g")->text, toDocument(group));
+}
+
+// Documents as the third version wrote them.
+TEST_F(SqliteSchema, DocumentsOfTheThirdVersionGetTheMembersOfTheFourth)
+{
+    SqliteConnection connection = open();
+    backToThirdVersion(connection);
+    const std::string stamp = R"("createdAt":"2015-12-21T00:00:00.000Z","createdBy":"Ada",)"
+                              R"("updatedAt":"2015-12-21T00:00:00.000Z","updatedBy":"Ada"})";
+    const auto insert = [&connection](const std::string& table, const std::string& id,
+                                      const std::string& document) {
+        connection.statement("INSERT INTO " + table + " (project, id, document) VALUES ('p', ?, ?)")
+            .bind(id, document)
+            .run();
+    };
+    insert("sub_categories", "s",
+           R"({"_id":"s","projectId":"p","name":"Level","category":"Settlement","alias":""})");
+    insert("groups", "g",
+           R"({"_id":"g","projectId":"p","cellId":"c","subCategoryId":"s","groupName":"G","groupPoint":[],)"
+           R"("dayVarType":0,"dayVarValue":1,"totalVar":2,"viewPortId":"",)" +
+               stamp);
+    for (const char* const initialValue : {"0", "2.5"}) {
+        connection
+            .statement("INSERT INTO point_locations (project, id, document, cell, sub_category, name, depth) "
+                       "VALUES ('p', ?1, ?2, 'c', 's', ?1, '')")
+            .bind(std::string(initialValue),
+                  std::string(R"({"_id":")") + initialValue +
+                      R"(","projectId":"p","cellId":"c","subCategoryId":"s","alias":"","name":")" +
+                      initialValue + R"(","dataType":0,"initialValue":)" + initialValue +
+                      R"(,"offsetDirection":"","depth":"","insertCount":0,"lastCount":0,"lastDate":"",)"
+                      R"("fileId":"","links":[],)" +
+                      stamp)
+            .run();
+    }
+    insert("data_manages", "d",
+           R"({"_id":"d","projectId":"p","cellId":"c","subCategoryId":"s","lastDate":"","lastCount":0,)"
+           R"("fileId":"",)" +
+               stamp);
+    insert("histories", "h",
+           R"({"_id":"h","dataManageId":"d","lastDate":"","lastCount":0,"insertCount":0,"fileId":"",)" +
+               stamp);
+    insert("alarms", "a",
+           R"({"_id":"a","projectId":"p","cellId":"c","cellName":"Tower","subCategoryId":"s",)"
+           R"("alarmTime":"2015-12-21T00:00:00.000Z","pointCounts":1,)" +
+               stamp);
+    insert("alarm_details", "e",
+           R"({"_id":"e","alarmManId":"a","pointName":"W1","totalVar":"3","dayVar":"","totalBeyound":1,)"
+           R"("dayBeyound":0,"isThreeVar":false,"isInclinometer":false,"monitorCount":1,)"
+           R"("monitorTime":"2015-12-21T00:00:00.000Z","depth":"","alarmTime":"2015-12-21T00:00:00.000Z",)" +
+               stamp);
+    migrate(connection, patience);
+    const auto document = [&connection](const std::string& table, const std::string& id) {
+        SqliteStatement statement = connection.statement("SELECT document FROM " + table + " WHERE id = ?");
+        statement.bind(id).step();
+        return statement.text(0);
+    };
+    const auto subCategory = fromDocument<SubCategory>(document("sub_categories", "s"));
+    EXPECT_EQ(subCategory.kind, SubCategoryKind::Other);
+    EXPECT_EQ(subCategory.decimals, std::nullopt);
+    const auto group = fromDocument<Group>(document("groups", "g"));
+    EXPECT_EQ(group.daySide, LimitSide::Both);
+    EXPECT_EQ(group.totalSide, LimitSide::Both);
+    EXPECT_EQ(group.warningLevel, 80);
+    EXPECT_EQ(fromDocument<PointLocation>(document("point_locations", "0")).initialValue, std::nullopt);
+    EXPECT_EQ(fromDocument<PointLocation>(document("point_locations", "2.5")).initialValue, 2.5);
+    EXPECT_EQ(fromDocument<History>(document("histories", "h")).correctCount, 0);
+    EXPECT_EQ(fromDocument<Alarm>(document("alarms", "a")).day, "");
+    const auto detail = fromDocument<AlarmDetail>(document("alarm_details", "e"));
+    EXPECT_EQ(detail.group, "");
+    EXPECT_EQ(detail.totalLimit, 0);
+    EXPECT_EQ(detail.stamp.createdBy, "Ada");
 }
 
 TEST_F(SqliteSchema, EveryIndexOfATableWithFiguresHasThem)
