@@ -1,5 +1,7 @@
 #include "alarm/Thresholds.h"
 
+#include "alarm/DecimalText.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -8,46 +10,68 @@ namespace monitorservice {
 
 namespace {
 
+constexpr double tolerance = 1e-9;
+
 double finite(double value)
 {
     constexpr double largest = std::numeric_limits<double>::max();
     return std::clamp(value, -largest, largest);
 }
 
-std::optional<double> dayVariation(const PointReading& reading, DayVariationKind kind)
+// The part of a variation that a limit is for.
+double amountOf(double variation, LimitSide side)
 {
-    if (!reading.previous || (kind == DayVariationKind::Percent && reading.initial == 0)) {
-        return std::nullopt;
+    switch (side) {
+    case LimitSide::Rising:
+        return std::max(variation, 0.0);
+    case LimitSide::Falling:
+        return std::max(-variation, 0.0);
+    case LimitSide::Both:
+        break;
     }
-    const double perDay =
-        finite(reading.latest - reading.previous->value) / static_cast<double>(reading.previous->daysBefore);
-    if (kind == DayVariationKind::Unit) {
-        return perDay;
-    }
-    return finite(perDay / std::abs(reading.initial) * 100);
+    return std::abs(variation);
 }
 
-double beyond(double variation, double limit)
+bool passes(double amount, double limit, double value)
 {
-    return limit > 0 ? std::max(std::abs(variation) - limit, 0.0) : 0.0;
+    return amount - limit > tolerance * std::max(limit, std::abs(value));
 }
 
-double proportion(double variation, double limit)
+double totalExcess(double total, const JudgedValue& judged, const Limits& limits)
 {
-    return limit > 0 ? finite(std::abs(variation) / limit) : 0.0;
+    const double amount = amountOf(total, limits.totalSide);
+    const bool isOver = limits.total > 0 && passes(amount, limits.total, judged.value);
+    return isOver ? rounded(amount - limits.total) : 0;
+}
+
+// Compared in the unit of the values, where both ways to count have the same tolerance.
+double dailyExcess(double perDay, double daily, const JudgedValue& judged, const Limits& limits)
+{
+    const double limit = inUnitOfValues(limits.day, limits.dayKind, judged.reference);
+    const bool isOver = limits.day > 0 && passes(amountOf(perDay, limits.daySide), limit, judged.value);
+    return isOver ? rounded(std::max(amountOf(daily, limits.daySide) - limits.day, 0.0)) : 0;
 }
 
 } // namespace
 
-Variation variationOf(const PointReading& reading, const Limits& limits)
+double inUnitOfValues(double daily, DayVariationKind kind, double reference)
+{
+    return kind == DayVariationKind::Percent ? finite(daily / 100 * std::abs(reference)) : daily;
+}
+
+Variation variationOf(const JudgedValue& judged, const Limits& limits)
 {
     Variation variation;
-    variation.total = finite(reading.latest - reading.initial);
-    variation.day = dayVariation(reading, limits.dayKind);
-    variation.totalBeyond = beyond(variation.total, limits.total);
-    variation.dayBeyond = beyond(variation.day.value_or(0), limits.day);
-    variation.severity = std::max(proportion(variation.total, limits.total),
-                                  proportion(variation.day.value_or(0), limits.day));
+    variation.total = finite(judged.value - judged.reference);
+    variation.totalExcess = totalExcess(variation.total, judged, limits);
+    const bool isPercent = limits.dayKind == DayVariationKind::Percent;
+    if (!judged.previous || (isPercent && judged.reference == 0)) {
+        return variation;
+    }
+    const double perDay =
+        finite(judged.value - judged.previous->value) / static_cast<double>(judged.previous->daysBefore);
+    variation.daily = isPercent ? finite(perDay / std::abs(judged.reference) * 100) : perDay;
+    variation.dailyExcess = dailyExcess(perDay, *variation.daily, judged, limits);
     return variation;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "domain/LimitSide.h"
+
 #include <cstdint>
 #include <optional>
 
@@ -9,7 +11,7 @@ namespace monitorservice {
 enum class DayVariationKind
 {
     Unit = 0,   ///< in the unit of the values
-    Percent = 1 ///< in percent of the initial value's amount
+    Percent = 1 ///< in percent of the reference's amount
 };
 
 /// The limits of a group; 0 is no limit.
@@ -18,40 +20,44 @@ struct Limits
     DayVariationKind dayKind = DayVariationKind::Unit;
     double day = 0;
     double total = 0;
+    LimitSide daySide = LimitSide::Both;
+    LimitSide totalSide = LimitSide::Both;
 };
 
-/// What the variations of a point follow from.
-struct PointReading
+/// What the variations of a reading follow from.
+struct JudgedValue
 {
-    /// The last value of the day that was measured before the latest one.
+    /// The last value of the day that was measured before that of the reading.
     struct PreviousDay
     {
         double value = 0;
         std::int64_t daysBefore = 1; ///< calendar days between the two
     };
 
-    double initial = 0;
-    double latest = 0;
+    double reference = 0; ///< the point's initial value, or its earliest reading when it has none
+    double value = 0;
     std::optional<PreviousDay> previous;
 };
 
-/// The variations of a point, and by how much they go beyond their limits: 0 when they do not.
+/// The variations of a reading, and by how much they pass their limits: 0 when they do not.
 struct Variation
 {
-    double total = 0; ///< latest value - initial value
-    std::optional<double>
-        day; ///< (latest value - previous value) / days between, as the group counts it; nothing when
-             ///< there is no day before, or when the initial value is 0 and percent are asked for
-    double totalBeyond = 0;
-    double dayBeyond = 0;
-    /// The greatest of the variations in proportion to its limit; above 1 when one is over. Tells which of
-    /// several depths or groups is the worst.
-    double severity = 0;
+    double total = 0; ///< value - reference
+    /// (value - previous value) / days between, as the group counts it; nothing when there is no day before,
+    /// or when the reference is 0 and percent are asked for.
+    std::optional<double> daily;
+    double totalExcess = 0; ///< with at most 12 significant digits
+    double dailyExcess = 0; ///< alike, as the group counts it
 
-    bool isOver() const { return totalBeyond > 0 || dayBeyond > 0; }
+    bool isOver() const { return totalExcess > 0 || dailyExcess > 0; }
 };
 
-/// Every result is finite: what no double can hold is the largest one.
-Variation variationOf(const PointReading& reading, const Limits& limits);
+/// A limit is passed when the amount of the variation is greater by more than 1e-9 of the larger of limit and
+/// value: what binary fractions add to 100.3 - 100 is not beyond 0.3. Every result is finite: what no double
+/// can hold is the largest one.
+Variation variationOf(const JudgedValue& judged, const Limits& limits);
+
+/// An amount of the daily variation in the unit of the values, whichever way the group counts it.
+double inUnitOfValues(double daily, DayVariationKind kind, double reference);
 
 } // namespace monitorservice

@@ -1,6 +1,7 @@
 #include "delivery/DeliveryParser.h"
 
 #include "delivery/DeliveryRefusal.h"
+#include "domain/Depth.h"
 #include "delivery/JsonPieces.h"
 #include "json/JsonText.h"
 #include "query/QuotedText.h"
@@ -497,8 +498,8 @@ void takeOver(std::optional<Value>& present, const std::optional<Value>& later)
 // The point that the description names: that of an earlier element, which it then adds to, or a new one.
 DeliveredPoint& DeliveryReader::pointLike(DeliveredPoint&& described)
 {
-    std::string key =
-        described.cell + '\0' + described.subCategory + '\0' + described.name + '\0' + described.depth;
+    std::string key = described.cell + '\0' + described.subCategory + '\0' + described.name + '\0' +
+                      settledDepth(described.depth);
     const auto [found, isNew] = m_pointIndex.try_emplace(std::move(key), m_delivery.points.size());
     if (isNew) {
         return m_delivery.points.emplace_back(std::move(described));

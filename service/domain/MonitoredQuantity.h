@@ -1,5 +1,7 @@
 #pragma once
 
+#include "domain/SubCategoryKind.h"
+
 #include <string>
 
 namespace monitorservice {
@@ -12,6 +14,8 @@ struct MonitoredQuantity
     std::string cellName;
     std::string category;
     std::string subCategory;
+    SubCategoryKind kind = SubCategoryKind::Other; ///< of the sub-category
+    std::string unit = {};                         ///< alike
 };
 
 } // namespace monitorservice

@@ -23,6 +23,7 @@ public:
     using DayVisitor = std::function<void(const DaySummary& day)>;
     using PointVisitor = std::function<void(const StoredPoint& point)>;
 
+    /// Depths are compared as settledDepth() writes them.
     virtual std::optional<StoredPoint> findPoint(const std::string& cell, const std::string& subCategory,
                                                  const std::string& name, const std::string& depth) const = 0;
     /// The points of this name, by ascending depth as text, byte by byte.
@@ -46,6 +47,8 @@ public:
     /// while it does, the session is read through it alone.
     virtual std::unique_ptr<PointSelection> select(const DocumentQuery& query) const = 0;
 
+    /// The first in the order of time and count.
+    virtual std::optional<Sample> earliestSample(std::int64_t point) const = 0;
     virtual std::optional<Sample> findSample(std::int64_t point, Instant time, std::int32_t count) const = 0;
     /// Samples from the first instant to before the second, in the order of time and count.
     virtual void visitSamples(std::int64_t point, Instant from, Instant before,
@@ -60,6 +63,8 @@ public:
                            const DayVisitor& visitor) const = 0;
     /// The latest day before the one named that has samples.
     virtual std::optional<DaySummary> latestDayBefore(std::int64_t point, std::int64_t day) const = 0;
+    /// The earliest day after the one named that has samples.
+    virtual std::optional<DaySummary> earliestDayAfter(std::int64_t point, std::int64_t day) const = 0;
     /// Adds samples to a day: their number to its own; the last of them becomes the day's last one unless
     /// that is later. One that is as late replaces it: it is the same sample with a corrected value. What is
     /// kept of a day is what its samples give as long as every sample written is added to its day as well.

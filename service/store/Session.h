@@ -3,6 +3,7 @@
 #include "domain/DocumentKind.h"
 #include "store/Categories.h"
 #include "store/Documents.h"
+#include "store/Excesses.h"
 #include "store/Grants.h"
 #include "store/Measurements.h"
 #include "store/Projects.h"
@@ -26,6 +27,7 @@ class Session : public StoreInterface
 public:
     virtual const Documents& documents(DocumentKind kind) const = 0;
     virtual const Measurements& measurements() const = 0;
+    virtual const Excesses& excesses() const = 0;
     virtual const Projects& projects() const = 0;
     virtual const Categories& categories() const = 0;
     virtual const Tokens& tokens() const = 0;
@@ -33,6 +35,7 @@ public:
 
     virtual Documents& documents(DocumentKind kind) = 0;
     virtual Measurements& measurements() = 0;
+    virtual Excesses& excesses() = 0;
     virtual Projects& projects() = 0;
     virtual Categories& categories() = 0;
     virtual Tokens& tokens() = 0;

@@ -1,5 +1,6 @@
 #include "store/sqlite/SqliteMeasurements.h"
 
+#include "domain/Depth.h"
 #include "store/sqlite/SampleRows.h"
 #include "store/sqlite/SqlitePointSelection.h"
 #include "store/sqlite/SqliteSchema.h"
@@ -33,10 +34,29 @@ std::optional<StoredPoint> SqliteMeasurements::findPoint(const std::string& cell
         m_connection.statement("SELECT point, id, document FROM point_locations WHERE cell = ? AND "
                                "sub_category = ? AND name = ? AND depth = ?");
     statement.bind(cell, subCategory, name, depth);
-    if (!statement.step()) {
-        return std::nullopt;
+    if (statement.step()) {
+        return StoredPoint{statement.integer(0), statement.text(1), statement.text(2)};
     }
-    return StoredPoint{statement.integer(0), statement.text(1), statement.text(2)};
+    return depth.empty() ? std::nullopt
+                         : findPointSpeltOtherwise(cell, subCategory, name, settledDepth(depth));
+}
+
+// SQLite finds what may be the same number, within the index; what is the same is not said by rounded numbers.
+std::optional<StoredPoint> SqliteMeasurements::findPointSpeltOtherwise(const std::string& cell,
+                                                                       const std::string& subCategory,
+                                                                       const std::string& name,
+                                                                       const std::string& settled) const
+{
+    SqliteStatement statement = m_connection.statement(
+        "SELECT depth, point, id, document FROM point_locations WHERE cell = ? AND sub_category = ? AND "
+        "name = ? AND CAST(depth AS REAL) = CAST(? AS REAL)");
+    statement.bind(cell, subCategory, name, settled);
+    while (statement.step()) {
+        if (settledDepth(statement.view(0)) == settled) {
+            return StoredPoint{statement.integer(1), statement.text(2), statement.text(3)};
+        }
+    }
+    return std::nullopt;
 }
 
 void SqliteMeasurements::visitPoints(const std::string& cell, const std::string& subCategory,
@@ -85,6 +105,14 @@ bool SqliteMeasurements::replaceLinks(std::int64_t point, const std::string& lin
 std::unique_ptr<PointSelection> SqliteMeasurements::select(const DocumentQuery& query) const
 {
     return std::make_unique<SqlitePointSelection>(m_connection, query);
+}
+
+std::optional<Sample> SqliteMeasurements::earliestSample(std::int64_t point) const
+{
+    static const std::string sql = std::string(selectSamplesOf) + "? ORDER BY time, count LIMIT 1";
+    SqliteStatement statement = m_connection.statement(sql);
+    statement.bind(point);
+    return statement.step() ? std::optional(sampleOf(statement)) : std::nullopt;
 }
 
 std::optional<Sample> SqliteMeasurements::findSample(std::int64_t point, Instant time,
@@ -155,6 +183,15 @@ std::optional<DaySummary> SqliteMeasurements::latestDayBefore(std::int64_t point
     return dayOf(statement);
 }
 
+std::optional<DaySummary> SqliteMeasurements::earliestDayAfter(std::int64_t point, std::int64_t day) const
+{
+    SqliteStatement statement =
+        m_connection.statement("SELECT day, time, count, offset_minutes, value, samples FROM day_rollup "
+                               "WHERE point = ? AND day > ? ORDER BY day LIMIT 1");
+    statement.bind(point, day);
+    return statement.step() ? std::optional(dayOf(statement)) : std::nullopt;
+}
+
 void SqliteMeasurements::addToDay(std::int64_t point, const DaySummary& added)
 {
     SqliteStatement statement = m_connection.statement(
@@ -172,7 +209,9 @@ void SqliteMeasurements::addToDay(std::int64_t point, const DaySummary& added)
 void SqliteMeasurements::removeDelivered(const std::string& cell, const std::string& subCategory)
 {
     // What refers comes before what is referred to.
-    constexpr std::array<const char*, 8> statements{
+    constexpr std::array<const char*, 9> statements{
+        "DELETE FROM excesses WHERE point IN (SELECT point FROM point_locations WHERE cell = ? AND "
+        "sub_category = ?)",
         "DELETE FROM alarm_depths WHERE detail IN (SELECT e.id FROM alarm_details AS e JOIN alarms AS a ON "
         "a.id = e.alarm WHERE a.cell = ? AND a.sub_category = ?)",
         "DELETE FROM alarm_details WHERE alarm IN (SELECT id FROM alarms WHERE cell = ? AND sub_category = "

@@ -22,6 +22,7 @@ public:
                       const std::string& who) override;
     std::unique_ptr<PointSelection> select(const DocumentQuery& query) const override;
 
+    std::optional<Sample> earliestSample(std::int64_t point) const override;
     std::optional<Sample> findSample(std::int64_t point, Instant time, std::int32_t count) const override;
     void visitSamples(std::int64_t point, Instant from, Instant before,
                       const SampleVisitor& visitor) const override;
@@ -31,11 +32,16 @@ public:
     void visitDays(std::int64_t point, std::int64_t first, std::int64_t last,
                    const DayVisitor& visitor) const override;
     std::optional<DaySummary> latestDayBefore(std::int64_t point, std::int64_t day) const override;
+    std::optional<DaySummary> earliestDayAfter(std::int64_t point, std::int64_t day) const override;
     void addToDay(std::int64_t point, const DaySummary& added) override;
 
     void removeDelivered(const std::string& cell, const std::string& subCategory) override;
 
 private:
+    std::optional<StoredPoint> findPointSpeltOtherwise(const std::string& cell, const std::string& subCategory,
+                                                       const std::string& name,
+                                                       const std::string& settled) const;
+
     SqliteConnection& m_connection;
 };
 

@@ -3,6 +3,7 @@
 #include "domain/Identifier.h"
 #include "store/sqlite/SqliteAccess.h"
 #include "store/sqlite/SqliteDocuments.h"
+#include "store/sqlite/SqliteExcesses.h"
 #include "store/sqlite/SqliteMeasurements.h"
 #include "store/sqlite/SqliteProjects.h"
 #include "store/sqlite/SqliteSchema.h"
@@ -96,7 +97,7 @@ public:
     SqliteSession(SqliteConnection& connection, SQLite::TransactionBehavior behavior, Instant now)
         : m_connection(connection), m_now(now),
           m_documents(documentsOf(connection, std::make_index_sequence<allDocumentKinds.size()>())),
-          m_measurements(connection), m_projects(connection), m_categories(connection), m_tokens(connection),
+          m_measurements(connection), m_excesses(connection), m_projects(connection), m_categories(connection), m_tokens(connection),
           m_grants(connection)
     {
         try {
@@ -111,6 +112,7 @@ public:
         return m_documents.at(static_cast<std::size_t>(kind));
     }
     const Measurements& measurements() const override { return m_measurements; }
+    const Excesses& excesses() const override { return m_excesses; }
     const Projects& projects() const override { return m_projects; }
     const Categories& categories() const override { return m_categories; }
     const Tokens& tokens() const override { return m_tokens; }
@@ -121,6 +123,7 @@ public:
         return m_documents.at(static_cast<std::size_t>(kind));
     }
     Measurements& measurements() override { return m_measurements; }
+    Excesses& excesses() override { return m_excesses; }
     Projects& projects() override { return m_projects; }
     Categories& categories() override { return m_categories; }
     Tokens& tokens() override { return m_tokens; }
@@ -163,6 +166,7 @@ private:
     std::optional<std::string> m_identifier; // the last one given, once one was asked for
     AllDocuments m_documents;
     SqliteMeasurements m_measurements;
+    SqliteExcesses m_excesses;
     SqliteProjects m_projects;
     SqliteCategories m_categories;
     SqliteTokens m_tokens;

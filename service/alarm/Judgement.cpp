@@ -1,0 +1,303 @@
+#include "alarm/Judgement.h"
+
+#include "alarm/NamedPoints.h"
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+
+namespace monitorservice {
+
+namespace {
+
+constexpr Instant endOfTime = std::numeric_limits<Instant>::max();
+
+bool hasAlarms(const Session& session, const MonitoredQuantity& quantity)
+{
+    const Where where = Where::equals("subCategoryId", quantity.subCategory);
+    DocumentQuery query;
+    query.project = quantity.project;
+    query.parent = quantity.cell;
+    query.where = &where;
+    query.limit = 1;
+    bool found = false;
+    session.documents(DocumentKind::Alarm).visit(query, [&found](std::string_view /*document*/) {
+        found = true;
+    });
+    return found;
+}
+
+JudgedValue::PreviousDay previousDay(const DaySummary& before, std::int64_t day)
+{
+    return {before.value, day - before.day};
+}
+
+// Whether the reading passes a limit of any of the groups; if it does, it is shown to `worst` for each.
+bool isInExcess(const std::shared_ptr<const JudgedPoint>& point, const Reading& reading,
+                const std::optional<JudgedValue::PreviousDay>& previous,
+                const std::vector<const LimitingGroup*>& groups, WorstReadings* worst)
+{
+    bool isOver = false;
+    for (const LimitingGroup* const group : groups) {
+        const Variation variation = variationOf({point->reference, reading.value, previous}, group->limits);
+        if (!variation.isOver()) {
+            continue;
+        }
+        isOver = true;
+        if (worst != nullptr) {
+            worst->consider({point, reading, group, variation});
+        }
+    }
+    return isOver;
+}
+
+Reading readingOf(const Sample& sample)
+{
+    return {sample.time, sample.count, sample.offsetMinutes, sample.value};
+}
+
+} // namespace
+
+// Judges what has changed of one point.
+class Judgement::PointJudge
+{
+public:
+    PointJudge(Judgement& all, const ChangedPoint& changed)
+        : m_session(all.m_session), m_measurements(all.m_session.measurements()), m_days(all.m_days),
+          m_book(all.m_book), m_groups(all.m_limits.of(changed.name)), m_changed(changed),
+          m_next(changed.readings.begin())
+    {
+    }
+
+    void judge(std::map<std::string, News>& news)
+    {
+        const std::optional<double> reference =
+            referenceOf(m_measurements, m_changed.key, m_changed.initialValue);
+        m_judgesAll = judgesAll();
+        if (!reference || (!m_judgesAll && m_changed.readings.empty())) {
+            return;
+        }
+        const Instant from = m_judgesAll ? std::numeric_limits<Instant>::min()
+                                         : m_days.beginOf(m_days.dayOf(m_changed.readings.front().time));
+        m_session.excesses().visit(m_changed.key, from, endOfTime, [this](const ReadingInExcess& reading) {
+            m_held.emplace_hint(m_held.end(), ReadingKey(reading.time, reading.count), reading.alarm);
+        });
+        if (m_groups.empty() && m_held.empty()) {
+            return;
+        }
+        m_point = std::make_shared<JudgedPoint>(
+            JudgedPoint{m_changed.key, m_changed.name, m_changed.depth, *reference});
+        m_news = &news[m_changed.name];
+        judgeDays();
+        if (!m_changed.depth.empty()) {
+            m_news->depthsSince = std::min(m_news->depthsSince.value_or(from), from);
+        }
+    }
+
+private:
+    bool judgesAll() const
+    {
+        if (m_changed.samplesHeld == static_cast<std::int64_t>(m_changed.readings.size())) {
+            return false; // these are all
+        }
+        if (m_changed.initialValueChanged) {
+            return true;
+        }
+        if (m_changed.initialValue || m_changed.readings.empty()) {
+            return false;
+        }
+        const std::optional<Sample> earliest = m_measurements.earliestSample(m_changed.key);
+        const Reading& first = m_changed.readings.front();
+        return earliest && earliest->time == first.time && earliest->count == first.count;
+    }
+
+    // The days to look at, with the measured day before the first and the one after the last.
+    std::vector<DaySummary> daysToJudge() const
+    {
+        std::vector<DaySummary> days;
+        const auto add = [&days](const DaySummary& day) {
+            days.push_back(day);
+        };
+        using Number = std::numeric_limits<std::int64_t>;
+        if (m_judgesAll) {
+            m_measurements.visitDays(m_changed.key, Number::min(), Number::max(), add);
+            return days;
+        }
+        const std::int64_t first = m_days.dayOf(m_changed.readings.front().time);
+        const std::int64_t last = m_days.dayOf(m_changed.readings.back().time);
+        if (const auto before = m_measurements.latestDayBefore(m_changed.key, first)) {
+            add(*before);
+        }
+        m_measurements.visitDays(m_changed.key, first, last, add);
+        if (const auto after = m_measurements.earliestDayAfter(m_changed.key, last)) {
+            add(*after);
+        }
+        return days;
+    }
+
+    void judgeDays()
+    {
+        std::optional<DaySummary> before;
+        bool lastOfDayBeforeChanged = false;
+        for (const DaySummary& day : daysToJudge()) {
+            std::optional<JudgedValue::PreviousDay> previous;
+            if (before) {
+                previous = previousDay(*before, day.day);
+            }
+            const auto first = m_next;
+            while (m_next != m_changed.readings.end() && m_days.dayOf(m_next->time) == day.day) {
+                ++m_next;
+            }
+            if (m_judgesAll || lastOfDayBeforeChanged) {
+                for (const Reading& reading : readingsOf(day.day)) {
+                    judge(reading, previous);
+                }
+            } else {
+                std::for_each(first, m_next, [&](const Reading& reading) { judge(reading, previous); });
+            }
+            lastOfDayBeforeChanged = first != m_next && std::prev(m_next)->time == day.time &&
+                                     std::prev(m_next)->count == day.count;
+            before = day;
+        }
+    }
+
+    std::vector<Reading> readingsOf(std::int64_t day) const
+    {
+        std::vector<Reading> readings;
+        m_measurements.visitSamples(
+            m_changed.key, m_days.beginOf(day), m_days.beginOf(day + 1),
+            [&readings](const Sample& sample) { readings.push_back(readingOf(sample)); });
+        return readings;
+    }
+
+    void judge(const Reading& reading, const std::optional<JudgedValue::PreviousDay>& previous)
+    {
+        const auto held = m_held.find({reading.time, reading.count});
+        if (held != m_held.end()) {
+            std::size_t& withdrawn = m_news->rejudged[held->second];
+            if (!isInExcess(m_point, reading, previous, m_groups, nullptr)) {
+                m_session.excesses().remove(m_point->key, reading.time, reading.count);
+                ++withdrawn;
+            }
+        } else if (isInExcess(m_point, reading, previous, m_groups, &m_news->fresh)) {
+            m_session.excesses().insert(m_point->key, {reading.time, reading.count, m_book.today()});
+        }
+    }
+
+    Session& m_session;
+    const Measurements& m_measurements;
+    LocalDays& m_days;
+    AlarmBook& m_book;
+    const std::vector<const LimitingGroup*>& m_groups;
+    const ChangedPoint& m_changed;
+    std::vector<Reading>::const_iterator m_next; // not judged yet
+    bool m_judgesAll = false;
+    AlarmsOfReadings m_held; // those in excess before
+    std::shared_ptr<const JudgedPoint> m_point;
+    News* m_news = nullptr;
+};
+
+Judgement::Judgement(Session& session, const MonitoredQuantity& quantity, LocalDays& days,
+                     const Author& author)
+    : m_session(session), m_quantity(quantity), m_days(days), m_limits(session, quantity),
+      m_book(session, quantity, days, author), m_isNeeded(!m_limits.areNone() || hasAlarms(session, quantity))
+{
+}
+
+void Judgement::judge(const ChangedPoint& changed)
+{
+    if (m_isNeeded) {
+        PointJudge(*this, changed).judge(m_news);
+    }
+}
+
+Judgement::Outcome Judgement::finish()
+{
+    Outcome outcome;
+    for (const auto& [name, news] : m_news) {
+        const auto points = namedPoints(m_session, m_quantity, name);
+        for (const std::string& alarm : alarmsOf(name, news, points)) {
+            const auto rejudged = news.rejudged.find(alarm);
+            std::size_t withdrawn = rejudged == news.rejudged.end() ? 0 : rejudged->second;
+            const std::vector<AlarmDetail> worst = rejudged == news.rejudged.end()
+                                                       ? addFresh(alarm, name, news)
+                                                       : judgeAgain(alarm, name, points, withdrawn);
+            m_book.update(alarm, name, worst, points, withdrawn);
+        }
+        if (!news.fresh.isEmpty()) {
+            outcome.alarmOfName.emplace(name, m_book.today());
+        }
+    }
+    outcome.changedAlarms = m_book.close();
+    return outcome;
+}
+
+// The alarms whose details of the name may have changed.
+std::set<std::string> Judgement::alarmsOf(const std::string& name, const News& news,
+                                          const std::vector<std::shared_ptr<const JudgedPoint>>& points)
+{
+    std::set<std::string> alarms;
+    for (const auto& [alarm, withdrawn] : news.rejudged) {
+        alarms.insert(alarm);
+    }
+    if (!news.fresh.isEmpty()) {
+        alarms.insert(m_book.today());
+    }
+    if (news.depthsSince) {
+        for (const auto& point : points) {
+            m_session.excesses().visit(
+                point->key, *news.depthsSince, endOfTime,
+                [&alarms](const ReadingInExcess& reading) { alarms.insert(reading.alarm); });
+        }
+    }
+    return alarms;
+}
+
+// Judges every reading of the name that stands in the alarm, as one of the worst may have changed.
+std::vector<AlarmDetail> Judgement::judgeAgain(const std::string& alarm, const std::string& name,
+                                               const std::vector<std::shared_ptr<const JudgedPoint>>& points,
+                                               std::size_t& withdrawn)
+{
+    const Measurements& measurements = m_session.measurements();
+    WorstReadings worst;
+    for (const auto& point : points) {
+        std::vector<ReadingKey> readings;
+        m_session.excesses().visitOfAlarm(point->key, alarm, [&readings](const ReadingInExcess& reading) {
+            readings.emplace_back(reading.time, reading.count);
+        });
+        for (const auto& [time, count] : readings) {
+            const std::optional<Sample> sample = measurements.findSample(point->key, time, count);
+            const std::int64_t day = m_days.dayOf(time);
+            const std::optional<DaySummary> before = measurements.latestDayBefore(point->key, day);
+            std::optional<JudgedValue::PreviousDay> previous;
+            if (before) {
+                previous = previousDay(*before, day);
+            }
+            if (!sample || !isInExcess(point, readingOf(*sample), previous, m_limits.of(name), &worst)) {
+                // A group has changed since it was found.
+                m_session.excesses().remove(point->key, time, count);
+                ++withdrawn;
+            }
+        }
+    }
+    std::vector<AlarmDetail> details;
+    for (const Excess& excess : worst.excesses()) {
+        details.push_back(m_book.detailOf(excess));
+    }
+    return worstOf(details);
+}
+
+// What was the worst so far is among the details.
+std::vector<AlarmDetail> Judgement::addFresh(const std::string& alarm, const std::string& name,
+                                             const News& news)
+{
+    std::vector<AlarmDetail> details = m_book.detailsOf(alarm, name);
+    if (!news.fresh.isEmpty() && alarm == m_book.today()) {
+        for (const Excess& excess : news.fresh.excesses()) {
+            details.push_back(m_book.detailOf(excess));
+        }
+    }
+    return worstOf(details);
+}
+
+} // namespace monitorservice

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "alarm/AlarmBook.h"
+#include "alarm/Excess.h"
+#include "alarm/QuantityLimits.h"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace monitorservice {
+
+/// What has changed of a point, which is stored as it is now.
+struct ChangedPoint
+{
+    std::int64_t key = 0;
+    std::string name;
+    std::string depth;
+    std::optional<double> initialValue;
+    bool initialValueChanged = false;
+    std::int64_t samplesHeld = 0;
+    std::vector<Reading> readings; ///< those inserted or corrected, in the order of time and count
+};
+
+/// Judges the readings of one monitoring and sub-category that a delivery has changed, and those whose
+/// reference it has changed, and keeps the alarms what follows from the readings held: which readings are in
+/// excess depends on the readings, the initial values and the groups, not on how and in which order they
+/// came.
+///
+/// Judged are the readings inserted and corrected; those of the next measured day when the last reading of a
+/// day is another than before; and all of the point when its initial value changes, or its earliest reading
+/// while it has none. A group that changes judges nothing by itself.
+class Judgement
+{
+public:
+    /// What became of the alarms.
+    struct Outcome
+    {
+        std::vector<std::string> changedAlarms;         ///< those raised or changed that are still there
+        std::map<std::string, std::string> alarmOfName; ///< of each point name with readings newly in excess
+    };
+
+    /// All of it must outlive the judgement.
+    Judgement(Session& session, const MonitoredQuantity& quantity, LocalDays& days, const Author& author);
+
+    /// False when no group limits anything and there are no alarms: nothing needs to be judged.
+    bool isNeeded() const { return m_isNeeded; }
+
+    void judge(const ChangedPoint& changed);
+
+    /// Writes the alarms.
+    Outcome finish();
+
+private:
+    using ReadingKey = std::pair<Instant, std::int32_t>;
+    using AlarmsOfReadings = std::map<ReadingKey, std::string>;
+
+    // What is new of a point name.
+    struct News
+    {
+        WorstReadings fresh;                         // found in excess for the first time
+        std::map<std::string, std::size_t> rejudged; // alarms with readings judged again, and how many of
+                                                     // these are withdrawn
+        std::optional<Instant> depthsSince; // a depth was measured from here on
+    };
+
+    class PointJudge;
+
+    std::set<std::string> alarmsOf(const std::string& name, const News& news,
+                                   const std::vector<std::shared_ptr<const JudgedPoint>>& points);
+    std::vector<AlarmDetail> judgeAgain(const std::string& alarm, const std::string& name,
+                                        const std::vector<std::shared_ptr<const JudgedPoint>>& points,
+                                        std::size_t& withdrawn);
+    std::vector<AlarmDetail> addFresh(const std::string& alarm, const std::string& name, const News& news);
+
+    Session& m_session;
+    const MonitoredQuantity& m_quantity;
+    LocalDays& m_days;
+    QuantityLimits m_limits;
+    AlarmBook m_book;
+    bool m_isNeeded;
+    std::map<std::string, News> m_news;
+};
+
+} // namespace monitorservice
