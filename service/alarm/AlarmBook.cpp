@@ -2,8 +2,9 @@
 
 #include "alarm/AlarmDepths.h"
 #include "alarm/DecimalText.h"
-#include "domain/Change.h"
 #include "json/JsonText.h"
+#include "store/StoreError.h"
+#include "trail/AuditTrail.h"
 
 #include <algorithm>
 #include <utility>
@@ -205,7 +206,6 @@ void AlarmBook::recordWithdrawal(const std::string& alarm, const std::string& na
                                  const std::vector<AlarmDetail>& after)
 {
     Change change;
-    change.id = m_session.newIdentifier();
     change.project = m_quantity.project;
     change.category = m_quantity.category;
     change.cell = m_quantity.cell;
@@ -219,7 +219,7 @@ void AlarmBook::recordWithdrawal(const std::string& alarm, const std::string& na
                         .finish();
     change.after = JsonObjectWriter().json("details", detailsJson(after)).finish();
     change.author = m_author;
-    m_session.documents(DocumentKind::Change).insert(change.project, change.id, toDocument(change));
+    record(m_session, std::move(change));
 }
 
 std::vector<std::string> AlarmBook::close()

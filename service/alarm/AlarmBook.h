@@ -2,6 +2,7 @@
 
 #include "alarm/NamedPoints.h"
 #include "domain/Alarm.h"
+#include "domain/AlarmDepth.h"
 #include "domain/AlarmDetail.h"
 #include "domain/MonitoredQuantity.h"
 #include "domain/Stamp.h"

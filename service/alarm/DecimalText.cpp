@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <cstdlib>
 #include <string_view>
 
@@ -51,9 +52,24 @@ double rounded(double value)
     std::array<char, 32> buffer{};
     const std::string_view text = scientific(value, buffer);
     double result = value;
-    // Leaves the result as it is where rounding up leads out of the range.
     std::from_chars(text.data(), text.data() + text.size(), result);
     return result;
+}
+
+double roundedDifference(double difference, double magnitude)
+{
+    const int decimals =
+        magnitude > 0 ? significantDigits - 1 - static_cast<int>(std::floor(std::log10(magnitude))) : 0;
+    constexpr int most = 100; // nothing that is measured is finer
+    if (decimals <= 0 || decimals > most) {
+        return rounded(difference);
+    }
+    std::array<char, most + 32> text{};
+    const auto written =
+        std::to_chars(text.data(), text.data() + text.size(), difference, std::chars_format::fixed, decimals);
+    double result = difference;
+    std::from_chars(text.data(), written.ptr, result);
+    return rounded(result);
 }
 
 } // namespace monitorservice

@@ -216,7 +216,7 @@ Judgement::Outcome Judgement::finish()
     Outcome outcome;
     for (const auto& [name, news] : m_news) {
         const auto points = namedPoints(m_session, m_quantity, name);
-        for (const std::string& alarm : alarmsOf(name, news, points)) {
+        for (const std::string& alarm : alarmsOf(news, points)) {
             const auto rejudged = news.rejudged.find(alarm);
             std::size_t withdrawn = rejudged == news.rejudged.end() ? 0 : rejudged->second;
             const std::vector<AlarmDetail> worst = rejudged == news.rejudged.end()
@@ -233,7 +233,7 @@ Judgement::Outcome Judgement::finish()
 }
 
 // The alarms whose details of the name may have changed.
-std::set<std::string> Judgement::alarmsOf(const std::string& name, const News& news,
+std::set<std::string> Judgement::alarmsOf(const News& news,
                                           const std::vector<std::shared_ptr<const JudgedPoint>>& points)
 {
     std::set<std::string> alarms;

@@ -65,12 +65,12 @@ private:
         WorstReadings fresh;                         // found in excess for the first time
         std::map<std::string, std::size_t> rejudged; // alarms with readings judged again, and how many of
                                                      // these are withdrawn
-        std::optional<Instant> depthsSince; // a depth was measured from here on
+        std::optional<Instant> depthsSince;          // a depth was measured from here on
     };
 
     class PointJudge;
 
-    std::set<std::string> alarmsOf(const std::string& name, const News& news,
+    std::set<std::string> alarmsOf(const News& news,
                                    const std::vector<std::shared_ptr<const JudgedPoint>>& points);
     std::vector<AlarmDetail> judgeAgain(const std::string& alarm, const std::string& name,
                                         const std::vector<std::shared_ptr<const JudgedPoint>>& points,

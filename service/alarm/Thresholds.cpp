@@ -41,7 +41,7 @@ double totalExcess(double total, const JudgedValue& judged, const Limits& limits
 {
     const double amount = amountOf(total, limits.totalSide);
     const bool isOver = limits.total > 0 && passes(amount, limits.total, judged.value);
-    return isOver ? rounded(amount - limits.total) : 0;
+    return isOver ? roundedDifference(amount - limits.total, std::max(amount, std::abs(judged.value))) : 0;
 }
 
 // Compared in the unit of the values, where both ways to count have the same tolerance.
@@ -49,7 +49,8 @@ double dailyExcess(double perDay, double daily, const JudgedValue& judged, const
 {
     const double limit = inUnitOfValues(limits.day, limits.dayKind, judged.reference);
     const bool isOver = limits.day > 0 && passes(amountOf(perDay, limits.daySide), limit, judged.value);
-    return isOver ? rounded(std::max(amountOf(daily, limits.daySide) - limits.day, 0.0)) : 0;
+    const double amount = amountOf(daily, limits.daySide);
+    return isOver ? roundedDifference(amount - limits.day, std::max(amount, limits.day)) : 0;
 }
 
 } // namespace
@@ -62,15 +63,18 @@ double inUnitOfValues(double daily, DayVariationKind kind, double reference)
 Variation variationOf(const JudgedValue& judged, const Limits& limits)
 {
     Variation variation;
-    variation.total = finite(judged.value - judged.reference);
-    variation.totalExcess = totalExcess(variation.total, judged, limits);
+    const double total = finite(judged.value - judged.reference);
+    variation.total = roundedDifference(total, std::max(std::abs(judged.value), std::abs(judged.reference)));
+    variation.totalExcess = totalExcess(total, judged, limits);
     const bool isPercent = limits.dayKind == DayVariationKind::Percent;
     if (!judged.previous || (isPercent && judged.reference == 0)) {
         return variation;
     }
+    const double before = judged.previous->value;
     const double perDay =
-        finite(judged.value - judged.previous->value) / static_cast<double>(judged.previous->daysBefore);
-    variation.daily = isPercent ? finite(perDay / std::abs(judged.reference) * 100) : perDay;
+        roundedDifference(finite(judged.value - before), std::max(std::abs(judged.value), std::abs(before))) /
+        static_cast<double>(judged.previous->daysBefore);
+    variation.daily = rounded(isPercent ? finite(perDay / std::abs(judged.reference) * 100) : perDay);
     variation.dailyExcess = dailyExcess(perDay, *variation.daily, judged, limits);
     return variation;
 }

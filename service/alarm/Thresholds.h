@@ -42,12 +42,12 @@ struct JudgedValue
 /// The variations of a reading, and by how much they pass their limits: 0 when they do not.
 struct Variation
 {
-    double total = 0; ///< value - reference
+    double total = 0; ///< value - reference; this and the others have at most 12 significant digits
     /// (value - previous value) / days between, as the group counts it; nothing when there is no day before,
     /// or when the reference is 0 and percent are asked for.
     std::optional<double> daily;
-    double totalExcess = 0; ///< with at most 12 significant digits
-    double dailyExcess = 0; ///< alike, as the group counts it
+    double totalExcess = 0;
+    double dailyExcess = 0; ///< as the group counts it
 
     bool isOver() const { return totalExcess > 0 || dailyExcess > 0; }
 };

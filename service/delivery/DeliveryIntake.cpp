@@ -1,10 +1,11 @@
 #include "delivery/DeliveryIntake.h"
 
-#include "alarm/Alarms.h"
+#include "alarm/Judgement.h"
 #include "delivery/DeliveryRecord.h"
 #include "delivery/PointMerge.h"
 #include "json/JsonText.h"
 
+#include <deque>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -15,10 +16,12 @@ namespace {
 
 // What the sender cannot know of a point. Not its whole document: of that it may have been a small part, so
 // that a small delivery would have a huge answer.
-std::string answerOf(const PointLocation& point)
+JsonObjectWriter answerOf(const DeliveredPoint& delivered, const MergedPoint& merged)
 {
-    return JsonObjectWriter()
-        .text("_id", point.id)
+    const PointLocation& point = merged.location;
+    const auto sent = static_cast<std::int64_t>(delivered.samples.size());
+    JsonObjectWriter answer;
+    answer.text("_id", point.id)
         .text("cellId", point.cell)
         .text("subCategoryId", point.subCategory)
         .text("name", point.name)
@@ -26,22 +29,41 @@ std::string answerOf(const PointLocation& point)
         .integer("insertCount", point.insertCount)
         .integer("lastCount", point.lastCount)
         .text("lastDate", point.lastDate)
-        .finish();
+        .boolean("isNew", merged.isNew)
+        .integer("inserted", merged.inserted)
+        .integer("corrected", merged.corrected)
+        .integer("unchanged", sent - merged.inserted - merged.corrected);
+    return answer;
 }
 
 // What a delivery has brought into one target so far.
 struct TargetTally
 {
-    const DeliveryTarget* target = nullptr;
+    TargetTally(Session& session, const DeliveryTarget& to, const Author& author)
+        : target(to), judgement(session, to.quantity, *to.days, author)
+    {
+    }
+
+    const DeliveryTarget& target;
     DeliveryShare share;
-    std::vector<EvaluatedPoint> evaluated;
+    Judgement judgement;
+    Judgement::Outcome outcome;
 };
 
-void add(TargetTally& tally, const DeliveredPoint& point, const MergedPoint& merged)
+// A point as it will be answered, but for its alarm.
+struct PointAnswer
+{
+    const TargetTally* tally;
+    std::string name;
+    JsonObjectWriter json;
+};
+
+void add(TargetTally& tally, const DeliveredPoint& point, MergedPoint&& merged)
 {
     DeliveryShare& share = tally.share;
     share.rows += point.rows;
     share.inserted += merged.inserted;
+    share.corrected += merged.corrected;
     share.changed = share.changed || merged.changed;
     if (point.fileId) {
         share.fileId = *point.fileId;
@@ -50,11 +72,22 @@ void add(TargetTally& tally, const DeliveredPoint& point, const MergedPoint& mer
         share.lastTime = merged.lastTime;
         share.lastDate = merged.location.lastDate;
     }
-    if (merged.newDays) {
-        const PointLocation& location = merged.location;
-        tally.evaluated.push_back(
-            {merged.key, location.name, location.depth, location.initialValue.value_or(0), *merged.newDays});
+    const PointLocation& location = merged.location;
+    tally.judgement.judge({merged.key, location.name, location.depth, location.initialValue,
+                           merged.initialValueChanged, location.insertCount,
+                           std::move(merged.changedReadings)});
+}
+
+std::string answerOf(std::vector<PointAnswer>& points)
+{
+    JsonArrayWriter answer;
+    for (PointAnswer& point : points) {
+        const auto& alarms = point.tally->outcome.alarmOfName;
+        const auto alarm = alarms.find(point.name);
+        point.json.text("alarmId", alarm == alarms.end() ? std::string() : alarm->second);
+        answer.json(point.json.finish());
     }
+    return answer.finish();
 }
 
 } // namespace
@@ -63,28 +96,30 @@ IntakeResult takeIn(Session& session, const Delivery& delivery, const MayDo& may
 {
     const Author author{owner, isoText(session.now())};
     DeliveryTargets targets(session, mayDo);
-    std::vector<TargetTally> tallies;
-    std::unordered_map<const DeliveryTarget*, std::size_t> tallyOf;
-    JsonArrayWriter points;
+    std::deque<TargetTally> tallies;
+    std::unordered_map<const DeliveryTarget*, TargetTally*> tallyOf;
+    std::vector<PointAnswer> points;
+    points.reserve(delivery.points.size());
     for (const DeliveredPoint& point : delivery.points) {
         const DeliveryTarget& target = targets.of(delivery, point);
-        const auto [tally, isNew] = tallyOf.try_emplace(&target, tallies.size());
-        if (isNew) {
-            tallies.push_back({&target, {}, {}});
+        TargetTally*& tally = tallyOf[&target];
+        if (tally == nullptr) {
+            tally = &tallies.emplace_back(session, target, author);
         }
-        const MergedPoint merged = mergePoint(session, target, delivery, point, author);
-        points.json(answerOf(merged.location));
-        add(tallies[tally->second], point, merged);
+        MergedPoint merged =
+            mergePoint(session, target, delivery, point, author, tally->judgement.isNeeded());
+        points.push_back({tally, point.name, answerOf(point, merged)});
+        add(*tally, point, std::move(merged));
     }
-    IntakeResult result{points.finish(), false};
-    for (const TargetTally& tally : tallies) {
+    bool changed = false;
+    for (TargetTally& tally : tallies) {
         if (tally.share.changed) {
-            result.changed = true;
-            recordDelivery(session, tally.target->quantity, tally.share, author);
-            raiseAlarm(session, tally.target->quantity, tally.evaluated, author);
+            changed = true;
+            recordDelivery(session, tally.target.quantity, tally.share, author);
+            tally.outcome = tally.judgement.finish();
         }
     }
-    return result;
+    return {answerOf(points), changed};
 }
 
 } // namespace monitorservice

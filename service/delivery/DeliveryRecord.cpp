@@ -75,6 +75,7 @@ void recordDelivery(Session& session, const MonitoredQuantity& quantity, const D
     history.lastDate = dataManage.lastDate;
     history.lastCount = (found ? rowsHeld(session, dataManage) : 0) + share.inserted;
     history.insertCount = share.inserted;
+    history.correctCount = share.corrected;
     history.fileId = share.fileId;
     history.stamp = Stamp::of(author);
 

@@ -16,6 +16,7 @@ struct DeliveryShare
 {
     std::size_t rows = 0;            ///< samples delivered
     std::int64_t inserted = 0;       ///< samples that were not held before
+    std::int64_t corrected = 0;      ///< samples that were held with another value or flag
     std::string fileId;              ///< may be empty
     bool changed = false;            ///< anything is different from before
     std::optional<Instant> lastTime; ///< of the latest sample of the points delivered

@@ -2,6 +2,7 @@
 
 #include "delivery/DeliveryRefusal.h"
 #include "domain/Cell.h"
+#include "domain/SubCategory.h"
 
 namespace monitorservice {
 
@@ -53,7 +54,9 @@ DeliveryTarget DeliveryTargets::find(const std::string& place, const DeliveredPo
                "the sub-category is of category \"" + subCategory->category + "\", the monitoring of \"" +
                    cell->category + "\"");
     }
-    return {{cell->project, cell->id, fromDocument<Cell>(cell->text).name, cell->category, subCategory->id},
+    const auto measured = fromDocument<SubCategory>(subCategory->text);
+    return {{cell->project, cell->id, fromDocument<Cell>(cell->text).name, cell->category, subCategory->id,
+             measured.kind, measured.unit},
             m_mayDo(Right::Edit, cell->project, cell->category),
             daysOf(cell->project)};
 }

@@ -1,6 +1,7 @@
 #include "delivery/PointMerge.h"
 
 #include "delivery/DeliveryRefusal.h"
+#include "delivery/DeliveryTrail.h"
 #include "domain/Assign.h"
 #include "time/Timestamp.h"
 
@@ -10,12 +11,12 @@ namespace monitorservice {
 
 namespace {
 
-enum class Outcome
+[[noreturn]] void refuse(const DeliveryTarget& target, const std::string& place, const char* what)
 {
-    Held,
-    Inserted,
-    Corrected
-};
+    throw DeliveryRefusal("\"" + place + "\": the token may not edit monitorings of category \"" +
+                              target.quantity.category + "\" in this project, and " + what,
+                          DeliveryRefusal::Reason::Forbidden);
+}
 
 Sample sampleOf(const Delivery& delivery, const DeliveredSample& delivered)
 {
@@ -28,21 +29,6 @@ Sample sampleOf(const Delivery& delivery, const DeliveredSample& delivered)
     sample.value = delivered.value;
     sample.timeFlag = delivery.timeFlags[delivered.timeFlag];
     return sample;
-}
-
-// The time as text with another offset is the same time: such a sample is held already, and keeps its offset.
-Outcome store(Measurements& measurements, std::int64_t point, Sample& sample)
-{
-    if (measurements.insertSample(point, sample)) {
-        return Outcome::Inserted;
-    }
-    const std::optional<Sample> held = measurements.findSample(point, sample.time, sample.count);
-    if (held && held->value == sample.value && held->timeFlag == sample.timeFlag) {
-        return Outcome::Held;
-    }
-    sample.offsetMinutes = held ? held->offsetMinutes : sample.offsetMinutes;
-    measurements.replaceSample(point, sample);
-    return Outcome::Corrected;
 }
 
 Instant lastTimeOf(const PointLocation& location)
@@ -58,8 +44,10 @@ Instant lastTimeOf(const PointLocation& location)
 class SampleMerge
 {
 public:
-    SampleMerge(Measurements& measurements, LocalDays& days, MergedPoint& merged)
-        : m_measurements(measurements), m_days(days), m_merged(merged)
+    SampleMerge(Session& session, const DeliveryTarget& target, const Delivery& delivery, MergedPoint& merged,
+                DeliveryTrail& trail, bool withReadings)
+        : m_measurements(session.measurements()), m_target(target), m_delivery(delivery), m_merged(merged),
+          m_trail(trail), m_withReadings(withReadings)
     {
         if (merged.location.insertCount > 0) {
             m_merged.lastTime = lastTimeOf(merged.location);
@@ -67,23 +55,26 @@ public:
     }
 
     // Samples come in the order of time and count.
-    void add(Sample sample)
+    void add(const DeliveredSample& delivered)
     {
-        const Outcome outcome = store(m_measurements, m_merged.key, sample);
-        if (outcome == Outcome::Held) {
+        Sample sample = sampleOf(m_delivery, delivered);
+        const bool isNew = m_measurements.insertSample(m_merged.key, sample);
+        if (!isNew && !correct(sample, delivered)) {
             return;
         }
         m_merged.changed = true;
-        const std::int64_t day = m_days.dayOf(sample.time);
+        (isNew ? m_merged.inserted : m_merged.corrected) += 1;
+        const std::int64_t day = m_target.days->dayOf(sample.time);
         if (m_day && m_day->day != day) {
             finish();
         }
-        const std::int64_t samples = m_day ? m_day->samples : 0;
-        const std::int64_t more = outcome == Outcome::Inserted ? 1 : 0;
-        m_day =
-            DaySummary{day, sample.time, sample.count, sample.offsetMinutes, sample.value, samples + more};
-        m_merged.inserted += more;
-        noteLatest(sample, day);
+        const std::int64_t samples = (m_day ? m_day->samples : 0) + (isNew ? 1 : 0);
+        m_day = DaySummary{day, sample.time, sample.count, sample.offsetMinutes, sample.value, samples};
+        noteLatest(sample);
+        if (m_withReadings) {
+            m_merged.changedReadings.push_back(
+                {sample.time, sample.count, sample.offsetMinutes, sample.value});
+        }
     }
 
     void finish()
@@ -95,17 +86,32 @@ public:
     }
 
 private:
-    void noteLatest(const Sample& sample, std::int64_t day)
+    // The time as text with another offset is the same time: such a sample is held already, and keeps its
+    // offset. Gives whether anything was corrected.
+    bool correct(Sample& sample, const DeliveredSample& delivered)
+    {
+        const std::optional<Sample> held = m_measurements.findSample(m_merged.key, sample.time, sample.count);
+        if (!held) {
+            throw StoreError(StoreFailure::InputOutput, "a sample is there and cannot be found");
+        }
+        if (held->value == sample.value && held->timeFlag == sample.timeFlag) {
+            return false;
+        }
+        if (!m_target.mayEdit) {
+            refuse(m_target, m_delivery.nameOfRow(delivered.row), "this corrects a sample that is held");
+        }
+        sample.offsetMinutes = held->offsetMinutes;
+        m_measurements.replaceSample(m_merged.key, sample);
+        m_trail.sampleCorrected(*held, sample);
+        return true;
+    }
+
+    void noteLatest(const Sample& sample)
     {
         PointLocation& location = m_merged.location;
         if (m_merged.lastTime &&
             std::tie(sample.time, sample.count) < std::tie(*m_merged.lastTime, location.lastCount)) {
             return;
-        }
-        if (m_merged.newDays) {
-            m_merged.newDays->last = day;
-        } else {
-            m_merged.newDays = DayRange{day, day};
         }
         m_merged.lastTime = sample.time;
         location.lastCount = sample.count;
@@ -113,8 +119,11 @@ private:
     }
 
     Measurements& m_measurements;
-    LocalDays& m_days;
+    const DeliveryTarget& m_target;
+    const Delivery& m_delivery;
     MergedPoint& m_merged;
+    DeliveryTrail& m_trail;
+    bool m_withReadings;
     std::optional<DaySummary> m_day;
 };
 
@@ -132,12 +141,25 @@ PointLocation newLocation(Session& session, const DeliveryTarget& target, const 
     return location;
 }
 
+// What only who may edit may change of a point that is there. An initial value before the first sample adds.
+void refuseChanges(const DeliveryTarget& target, const Delivery& delivery, const DeliveredPoint& point,
+                   const PointLocation& location)
+{
+    const std::string place = delivery.nameOf(point.element);
+    if (point.links && *point.links != location.links) {
+        refuse(target, place + ".links", "the point has other links");
+    }
+    const bool isMeasured = location.initialValue || location.insertCount > 0;
+    if (isMeasured && point.initialValue && point.initialValue != location.initialValue) {
+        refuse(target, place + ".initialValue", "the point is measured from another value");
+    }
+}
+
 // Whether the description differs from what was stored.
 bool describe(PointLocation& location, const DeliveredPoint& point)
 {
     bool changed = assign(location.alias, point.alias);
     changed = assign(location.dataType, point.dataType) || changed;
-    changed = assign(location.initialValue, point.initialValue) || changed;
     changed = assign(location.offsetDirection, point.offsetDirection) || changed;
     return assign(location.links, point.links) || changed;
 }
@@ -145,7 +167,7 @@ bool describe(PointLocation& location, const DeliveredPoint& point)
 } // namespace
 
 MergedPoint mergePoint(Session& session, const DeliveryTarget& target, const Delivery& delivery,
-                       const DeliveredPoint& point, const Author& author)
+                       const DeliveredPoint& point, const Author& author, bool withReadings)
 {
     Measurements& measurements = session.measurements();
     const std::optional<StoredPoint> stored =
@@ -153,21 +175,26 @@ MergedPoint mergePoint(Session& session, const DeliveryTarget& target, const Del
     MergedPoint merged;
     merged.location =
         stored ? fromDocument<PointLocation>(stored->document) : newLocation(session, target, point, author);
-    if (stored && !target.mayEdit && point.links && *point.links != merged.location.links) {
-        throw DeliveryRefusal("\"" + delivery.nameOf(point.element) +
-                                  ".links\": the token may not edit monitorings of category \"" +
-                                  target.quantity.category + "\" in this project",
-                              DeliveryRefusal::Reason::Forbidden);
+    merged.isNew = !stored;
+    if (stored && !target.mayEdit) {
+        refuseChanges(target, delivery, point, merged.location);
     }
-    merged.changed = describe(merged.location, point) || !stored;
+    const std::optional<double> initialValue = merged.location.initialValue;
+    merged.initialValueChanged = assign(merged.location.initialValue, point.initialValue);
+    merged.changed = describe(merged.location, point) || merged.initialValueChanged || merged.isNew;
     merged.key = stored ? stored->key
                         : measurements.insertPoint(target.quantity.project, merged.location.id,
                                                    toDocument(merged.location));
-    SampleMerge samples(measurements, *target.days, merged);
+    DeliveryTrail trail(session, target.quantity, merged.location, author);
+    if (merged.initialValueChanged && stored) {
+        trail.initialValueChanged(initialValue, merged.location.initialValue);
+    }
+    SampleMerge samples(session, target, delivery, merged, trail, withReadings);
     for (const DeliveredSample& sample : point.samples) {
-        samples.add(sampleOf(delivery, sample));
+        samples.add(sample);
     }
     samples.finish();
+    trail.finish();
     if (merged.changed) {
         // The file alone is no change: an earlier delivery that is repeated does not put its file back.
         assign(merged.location.fileId, point.fileId);

@@ -17,8 +17,8 @@ struct ReadingInExcess
     std::string alarm; ///< in which it stands: that of the day on which it was found
 };
 
-/// Which readings of the point locations are beyond a limit. Every member may throw StoreError. A visitor must
-/// not call into the session, as with Documents::Visitor.
+/// Which readings of the point locations are beyond a limit. Every member may throw StoreError. A visitor
+/// must not call into the session, as with Documents::Visitor.
 class Excesses : public StoreInterface
 {
 public:

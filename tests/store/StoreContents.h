@@ -47,6 +47,7 @@ struct HeldPoint
     std::string document;
     std::vector<Sample> samples;
     std::vector<DaySummary> days;
+    std::vector<ReadingInExcess> excesses;
 };
 
 inline std::vector<HeldPoint> pointsOf(const Session& session, const std::string& project)
@@ -61,6 +62,7 @@ inline std::vector<HeldPoint> pointsOf(const Session& session, const std::string
                           std::string(point.depth),
                           std::string(point.document),
                           {},
+                          {},
                           {}});
     });
     using Number = std::numeric_limits<std::int64_t>;
@@ -70,6 +72,9 @@ inline std::vector<HeldPoint> pointsOf(const Session& session, const std::string
             [&point](const Sample& sample) { point.samples.push_back(sample); });
         session.measurements().visitDays(point.key, Number::min(), Number::max(),
                                          [&point](const DaySummary& day) { point.days.push_back(day); });
+        session.excesses().visit(
+            point.key, Number::min(), Number::max(),
+            [&point](const ReadingInExcess& reading) { point.excesses.push_back(reading); });
     }
     return points;
 }
@@ -141,6 +146,10 @@ inline std::vector<std::string> contentsOf(Store& store)
                                 std::to_string(day.time) + ' ' + std::to_string(day.count) + ' ' +
                                 offsetText(day.offsetMinutes) + ' ' + exactText(day.value) + ' ' +
                                 std::to_string(day.samples));
+            }
+            for (const ReadingInExcess& reading : point.excesses) {
+                lines.push_back("excess of " + point.id + ' ' + std::to_string(reading.time) + ' ' +
+                                std::to_string(reading.count) + " in " + reading.alarm);
             }
         }
     }

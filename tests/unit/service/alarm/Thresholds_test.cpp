@@ -15,22 +15,22 @@ constexpr DayVariationKind percent = DayVariationKind::Percent;
 struct Row
 {
     const char* what;
-    PointReading reading;
+    JudgedValue judged;
     Limits limits;
     double total;
     std::optional<double> day;
-    double totalBeyond;
-    double dayBeyond;
+    double totalExcess;
+    double dailyExcess;
 };
 
-PointReading reading(double initial, double latest)
+JudgedValue reading(double initial, double latest)
 {
     return {initial, latest, std::nullopt};
 }
 
-PointReading reading(double initial, double previous, std::int64_t daysBefore, double latest)
+JudgedValue reading(double initial, double previous, std::int64_t daysBefore, double latest)
 {
-    return {initial, latest, PointReading::PreviousDay{previous, daysBefore}};
+    return {initial, latest, JudgedValue::PreviousDay{previous, daysBefore}};
 }
 
 TEST(Thresholds, VariationsAndWhatGoesBeyondTheLimits)
@@ -62,21 +62,73 @@ TEST(Thresholds, VariationsAndWhatGoesBeyondTheLimits)
         {"negative limits are none", reading(0, 10, 1, 20), {unit, -4, -15}, 20, 10, 0, 0},
     };
     for (const Row& row : rows) {
-        const Variation found = variationOf(row.reading, row.limits);
+        const Variation found = variationOf(row.judged, row.limits);
         EXPECT_DOUBLE_EQ(found.total, row.total) << row.what;
-        ASSERT_EQ(found.day.has_value(), row.day.has_value()) << row.what;
-        EXPECT_DOUBLE_EQ(found.day.value_or(0), row.day.value_or(0)) << row.what;
-        EXPECT_DOUBLE_EQ(found.totalBeyond, row.totalBeyond) << row.what;
-        EXPECT_DOUBLE_EQ(found.dayBeyond, row.dayBeyond) << row.what;
-        EXPECT_EQ(found.isOver(), row.totalBeyond > 0 || row.dayBeyond > 0) << row.what;
+        ASSERT_EQ(found.daily.has_value(), row.day.has_value()) << row.what;
+        EXPECT_DOUBLE_EQ(found.daily.value_or(0), row.day.value_or(0)) << row.what;
+        EXPECT_DOUBLE_EQ(found.totalExcess, row.totalExcess) << row.what;
+        EXPECT_DOUBLE_EQ(found.dailyExcess, row.dailyExcess) << row.what;
+        EXPECT_EQ(found.isOver(), row.totalExcess > 0 || row.dailyExcess > 0) << row.what;
     }
 }
 
-TEST(Thresholds, SeverityIsTheGreatestProportionToALimit)
+// Decimal fractions at their limit: none of them is beyond it, and the next thousandth is.
+TEST(Thresholds, VariationAtItsLimitIsNotBeyondIt)
 {
-    EXPECT_DOUBLE_EQ(variationOf(reading(0, 10, 1, 20), {unit, 4, 16}).severity, 2.5);
-    EXPECT_DOUBLE_EQ(variationOf(reading(0, 10, 1, 20), {unit, 0, 16}).severity, 1.25);
-    EXPECT_DOUBLE_EQ(variationOf(reading(0, 20), {}).severity, 0);
+    for (int reference = 0; reference <= 200'000; reference += 1'379) {
+        for (const int limit : {1, 10, 100, 300, 1'100, 7'700, 25'000}) {
+            for (const int sign : {-1, 1}) {
+                const auto value = [](int thousandths) {
+                    return thousandths / 1000.0;
+                };
+                const JudgedValue at{value(reference), value(reference + sign * limit),
+                                     JudgedValue::PreviousDay{value(reference), 1}};
+                EXPECT_FALSE(variationOf(at, {unit, value(limit), value(limit)}).isOver())
+                    << reference << ' ' << limit;
+                const JudgedValue beyond{value(reference), value(reference + sign * (limit + 1)),
+                                         JudgedValue::PreviousDay{value(reference), 1}};
+                const Variation found = variationOf(beyond, {unit, value(limit), value(limit)});
+                EXPECT_DOUBLE_EQ(found.totalExcess, 0.001) << reference << ' ' << limit;
+                EXPECT_DOUBLE_EQ(found.dailyExcess, 0.001) << reference << ' ' << limit;
+            }
+        }
+    }
+}
+
+TEST(Thresholds, PercentAtTheirLimitAreNotBeyondIt)
+{
+    // 3 % of 0.7 is 0.021.
+    EXPECT_FALSE(variationOf(reading(0.7, 0.7, 1, 0.721), {percent, 3, 0}).isOver());
+    EXPECT_TRUE(variationOf(reading(0.7, 0.7, 1, 0.7210001), {percent, 3, 0}).isOver());
+}
+
+TEST(Thresholds, LimitOfOneSideLeavesTheOtherFree)
+{
+    const Limits rising{unit, 2, 5, LimitSide::Rising, LimitSide::Rising};
+    const Limits falling{unit, 2, 5, LimitSide::Falling, LimitSide::Falling};
+    const Variation up = variationOf(reading(0, 3, 1, 6), rising);
+    EXPECT_EQ(up.totalExcess, 1);
+    EXPECT_EQ(up.dailyExcess, 1);
+    EXPECT_FALSE(variationOf(reading(0, 3, 1, 6), falling).isOver());
+    const Variation down = variationOf(reading(0, -3, 1, -6), falling);
+    EXPECT_EQ(down.total, -6);
+    EXPECT_EQ(down.totalExcess, 1);
+    EXPECT_EQ(down.dailyExcess, 1);
+    EXPECT_FALSE(variationOf(reading(0, -3, 1, -6), rising).isOver());
+    const Variation percentDown =
+        variationOf(reading(-100, -100, 1, -106), {percent, 5, 0, LimitSide::Falling, LimitSide::Both});
+    EXPECT_EQ(percentDown.dailyExcess, 1);
+}
+
+TEST(Thresholds, ExcessHasNoDigitsThatWereNotMeasured)
+{
+    EXPECT_EQ(variationOf(reading(100, 105.1), {unit, 0, 5}).totalExcess, 0.1);
+}
+
+TEST(Thresholds, DailyVariationIsComparedInTheUnitOfTheValues)
+{
+    EXPECT_DOUBLE_EQ(inUnitOfValues(5, percent, -200), 10);
+    EXPECT_DOUBLE_EQ(inUnitOfValues(5, unit, -200), 5);
 }
 
 TEST(Thresholds, ResultsStayFinite)
@@ -84,13 +136,12 @@ TEST(Thresholds, ResultsStayFinite)
     constexpr double largest = std::numeric_limits<double>::max();
     const Variation found = variationOf(reading(-largest, -largest, 1, largest), {percent, 1, 1});
     EXPECT_TRUE(std::isfinite(found.total));
-    EXPECT_TRUE(std::isfinite(*found.day));
-    EXPECT_TRUE(std::isfinite(found.totalBeyond));
-    EXPECT_TRUE(std::isfinite(found.dayBeyond));
-    EXPECT_TRUE(std::isfinite(found.severity));
+    EXPECT_TRUE(std::isfinite(*found.daily));
+    EXPECT_TRUE(std::isfinite(found.totalExcess));
+    EXPECT_TRUE(std::isfinite(found.dailyExcess));
     const Variation tiny = variationOf(reading(5e-324, 0, 1, 1), {percent, 1, 1e-300});
-    EXPECT_TRUE(std::isfinite(*tiny.day));
-    EXPECT_TRUE(std::isfinite(tiny.severity));
+    EXPECT_TRUE(std::isfinite(*tiny.daily));
+    EXPECT_TRUE(std::isfinite(tiny.dailyExcess));
 }
 
 } // namespace

@@ -92,7 +92,7 @@ TEST_F(DeliveryIntake, NewPointIsMadeWithItsSamples)
     EXPECT_EQ(answer, R"([{"_id":")" + member(document, "_id") +
                           R"(","cellId":"c1","subCategoryId":"s1","name":"W1","depth":"2.5","insertCount":2,)"
                           R"("lastCount":2,"lastDate":")" +
-                          day2 + R"("}])");
+                          day2 + R"(","isNew":true,"inserted":2,"corrected":0,"unchanged":0,"alarmId":""}])");
     EXPECT_EQ(samples(), "1.25 1.5");
     EXPECT_EQ(dayValues(), "1.25/1 1.5/1");
     EXPECT_EQ(heldSamples().at(0).timeFlag, "A");
@@ -148,11 +148,128 @@ TEST_F(DeliveryIntake, RepeatedDeliveryChangesNothing)
     ASSERT_EQ(take(body), "changed");
     EXPECT_EQ(documents(DocumentKind::Alarm).size(), 1U);
     const std::vector<std::string> before = everything();
-    const std::string firstAnswer = answer;
     EXPECT_EQ(take(body), "same");
     EXPECT_EQ(take(body), "same");
     EXPECT_EQ(everything(), before);
-    EXPECT_EQ(answer, firstAnswer);
+}
+
+TEST_F(DeliveryIntake, AnswerTellsWhatBecameOfTheSamplesAndWhichAlarmWasRaised)
+{
+    addGroup("g1", {"W1"}, 0, 0, 5);
+    take(delivery({point("W1", {sample(day1, 1, "1"), sample(day2, 2, "2")})}));
+    take(delivery({point("W1", {sample(day1, 1, "1"), sample(day2, 2, "2.5"), sample(day3, 3, "9")}),
+                   point("W2", {sample(day1, 1, "1"), sample(day1, 1, "1")})}));
+    simdjson::dom::parser parser;
+    const simdjson::dom::array points = parser.parse(answer);
+    const auto told = [&points](std::size_t place) {
+        std::string members;
+        for (const char* const name : {"isNew", "inserted", "corrected", "unchanged", "alarmId"}) {
+            members += (members.empty() ? "" : " ") + simdjson::minify(points.at(place)[name].value());
+        }
+        return members;
+    };
+    EXPECT_EQ(told(0), "false 1 1 1 \"" + member(documents(DocumentKind::Alarm).at(0), "_id") + "\"");
+    EXPECT_EQ(told(1), "true 1 0 0 \"\"");
+    EXPECT_EQ(member(documents(DocumentKind::History).back(), "insertCount"), "2");
+    EXPECT_EQ(member(documents(DocumentKind::History).back(), "correctCount"), "1");
+}
+
+TEST_F(DeliveryIntake, DepthsThatAreOneNumberAreOnePoint)
+{
+    take(delivery({point("I1", {sample(day1, 1, "1")}, R"(,"depth":"2.50")"),
+                   point("I1", {sample(day2, 2, "2")}, R"(,"depth":"2.5")"),
+                   point("I1", {sample(day1, 1, "3")}, R"(,"depth":"2.05")")}));
+    take(delivery({point("I1", {sample(day3, 3, "4")}, R"(,"depth":"+02.5")"),
+                   point("I1", {sample(day3, 3, "5")}, R"(,"depth":"2.5m")")}));
+    std::vector<std::string> held;
+    for (const test::HeldPoint& point : points()) {
+        held.push_back(point.depth + ":" + std::to_string(point.samples.size()));
+    }
+    EXPECT_THAT(held, ElementsAre("2.50:3", "2.05:1", "2.5m:1"));
+}
+
+TEST_F(DeliveryIntake, SamplesThatAreThereAreCorrectedByWhoMayEdit)
+{
+    take(delivery({point("W1", {sample(day1, 1, "1"), sample(day2, 2, "2")})}));
+    const std::vector<std::string> before = everything();
+    lacking = {{Right::Edit, "p1"}};
+    for (const std::string& wrong : {sample(day2, 2, "3"), sample(day2, 2, "2", "B")}) {
+        EXPECT_THAT(take(delivery({point("W2", {}), point("W1", {sample(day3, 3, "1"), wrong})})),
+                    HasSubstr(R"("[1].data[1]": the token may not edit monitorings)"));
+        EXPECT_EQ(reason, DeliveryRefusal::Reason::Forbidden);
+        EXPECT_EQ(everything(), before);
+    }
+    EXPECT_EQ(take(delivery({point("W1", {sample(day3, 3, "1"), sample(day2, 2, "2")})})), "changed");
+    lacking.clear();
+    EXPECT_EQ(take(delivery({point("W1", {sample(day2, 2, "3", "B")})})), "changed");
+}
+
+TEST_F(DeliveryIntake, InitialValueBehindReadingsIsChangedByWhoMayEdit)
+{
+    const auto withInitialValue = [](const char* name, const char* value) {
+        return delivery({point(name, {}, std::string(R"(,"initialValue":)") + value)});
+    };
+    lacking = {{Right::Edit, "p1"}};
+    // Before the first reading it adds.
+    EXPECT_EQ(take(delivery({point("W1", {})})), "changed");
+    EXPECT_EQ(take(withInitialValue("W1", "1")), "changed");
+    EXPECT_EQ(take(delivery({point("W2", {sample(day1, 1, "1")})})), "changed");
+    const std::vector<std::string> before = everything();
+    for (const auto& [name, value] : {std::pair("W1", "2"), std::pair("W2", "1")}) {
+        EXPECT_THAT(take(withInitialValue(name, value)),
+                    HasSubstr(R"("[0].initialValue": the token may not edit monitorings)"));
+        EXPECT_EQ(reason, DeliveryRefusal::Reason::Forbidden);
+    }
+    EXPECT_EQ(take(withInitialValue("W1", "1")), "same");
+    EXPECT_EQ(everything(), before);
+    lacking.clear();
+    EXPECT_EQ(take(withInitialValue("W2", "1")), "changed");
+}
+
+TEST_F(DeliveryIntake, TrailKeepsWhatWasCorrected)
+{
+    take(delivery({point("I1", {sample(day1, 1, "1"), sample(day2, 2, "2", "A")}, R"(,"depth":"2.5")")}));
+    EXPECT_TRUE(documents(DocumentKind::Change).empty());
+    take(delivery(
+        {point("I1", {sample(day1, 1, "1"), sample(day2, 2, "3")}, R"(,"depth":"2.5","initialValue":0.5)")}));
+    const std::vector<std::string> changes = documents(DocumentKind::Change);
+    ASSERT_EQ(changes.size(), 2U);
+    const std::string id = points().at(0).id;
+    for (const std::string& change : changes) {
+        EXPECT_EQ(member(change, "subject"), id);
+        EXPECT_EQ(member(change, "name"), "I1 @ 2.5");
+        EXPECT_EQ(member(change, "category"), "Settlement");
+        EXPECT_EQ(member(change, "cellId"), "c1");
+        EXPECT_EQ(member(change, "subCategoryId"), "s1");
+        EXPECT_EQ(member(change, "createdBy"), "Ada");
+        EXPECT_EQ(member(change, "createdAt"), "2015-12-21T06:30:02.123Z");
+    }
+    EXPECT_EQ(member(changes[0], "action"), "initialValue.changed");
+    EXPECT_EQ(member(changes[0], "before"), "null");
+    EXPECT_EQ(member(changes[0], "after"), "0.5");
+    EXPECT_EQ(member(changes[1], "action"), "sample.corrected");
+    EXPECT_EQ(member(changes[1], "before"),
+              R"([{"count":2,"time":")" + day2 + R"(","value":2,"timeFlag":"A"}])");
+    EXPECT_EQ(member(changes[1], "after"),
+              R"([{"count":2,"time":")" + day2 + R"(","value":3,"timeFlag":""}])");
+}
+
+TEST_F(DeliveryIntake, TrailOfManyCorrectionsLosesNone)
+{
+    std::vector<std::string> first;
+    std::vector<std::string> second;
+    for (int count = 0; count < 2'500; ++count) {
+        first.push_back(sample(day1, count, "1"));
+        second.push_back(sample(day1, count, "2"));
+    }
+    take(delivery({point("W1", first)}));
+    take(delivery({point("W1", second)}));
+    std::vector<std::size_t> sizes;
+    simdjson::dom::parser parser;
+    for (const std::string& change : documents(DocumentKind::Change)) {
+        sizes.push_back(parser.parse(change)["before"].get_array().size());
+    }
+    EXPECT_THAT(sizes, ElementsAre(1'000, 1'000, 500));
 }
 
 TEST_F(DeliveryIntake, EarlierDeliveryRepeatedAfterALaterOneChangesNothing)

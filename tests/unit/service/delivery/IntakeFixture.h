@@ -4,6 +4,7 @@
 #include "delivery/DeliveryParser.h"
 #include "delivery/DeliveryRefusal.h"
 #include "domain/Group.h"
+#include "domain/SubCategory.h"
 #include "json/JsonText.h"
 #include "store/OpenStore.h"
 #include "store/StoreContents.h"
@@ -45,7 +46,7 @@ protected:
         addCell(*session, "p2", "d1", "Settlement");
         addSubCategory(*session, "p1", "s1", "Settlement");
         addSubCategory(*session, "p1", "s2", "Settlement");
-        addSubCategory(*session, "p1", "s3", "Inclinometer");
+        addSubCategory(*session, "p1", "s3", "Inclinometer", SubCategoryKind::Inclinometer);
         addSubCategory(*session, "p2", "t1", "Settlement");
         session->commit();
     }
@@ -76,10 +77,23 @@ protected:
                   double dayVarValue, double totalVar, const std::string& cell = "c1",
                   const std::string& subCategory = "s1")
     {
-        const Group group{id,          "p1",     cell, subCategory, "group " + id, points, dayVarType,
-                          dayVarValue, totalVar, {},   {}};
+        Group group;
+        group.id = id;
+        group.project = "p1";
+        group.cell = cell;
+        group.subCategory = subCategory;
+        group.name = "group " + id;
+        group.points = points;
+        group.dayVariationType = dayVarType;
+        group.dayVariation = dayVarValue;
+        group.totalVariation = totalVar;
+        addGroup(group);
+    }
+
+    void addGroup(const Group& group)
+    {
         const auto session = store.write();
-        session->documents(DocumentKind::Group).insert("p1", id, toDocument(group));
+        session->documents(DocumentKind::Group).insert(group.project, group.id, toDocument(group));
         session->commit();
     }
 
@@ -121,17 +135,10 @@ private:
     }
 
     static void addSubCategory(Session& session, const std::string& project, const std::string& id,
-                               const std::string& category)
+                               const std::string& category, SubCategoryKind kind = SubCategoryKind::Other)
     {
-        session.documents(DocumentKind::SubCategory)
-            .insert(project, id,
-                    JsonObjectWriter()
-                        .text("_id", id)
-                        .text("projectId", project)
-                        .text("name", "sub " + id)
-                        .text("category", category)
-                        .text("alias", "")
-                        .finish());
+        const SubCategory subCategory{id, project, "sub " + id, category, "", kind, "mm"};
+        session.documents(DocumentKind::SubCategory).insert(project, id, toDocument(subCategory));
     }
 
 protected:
