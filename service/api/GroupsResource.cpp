@@ -1,11 +1,13 @@
 #include "api/Answers.h"
 #include "api/ApiError.h"
 #include "api/GroupBody.h"
+#include "api/GroupWarnings.h"
 #include "api/JsonBody.h"
 #include "api/Listing.h"
 #include "api/Parameters.h"
 #include "api/Permission.h"
 #include "api/Resources.h"
+#include "domain/DocumentWriter.h"
 
 namespace monitorservice {
 
@@ -29,10 +31,11 @@ StoredDocument namedCell(const Session& session, const Principal& principal, Rig
     return std::move(*cell);
 }
 
-// Checks that the group's monitoring and sub-category exist, belong together, and may be worked on.
-void requirePlace(const Session& session, const Principal& principal, Right right, const Group& group)
+// Checks that the group's monitoring and sub-category exist, belong together, and may be worked on. Gives the
+// category of both.
+std::string requirePlace(const Session& session, const Principal& principal, Right right, const Group& group)
 {
-    const StoredDocument cell = namedCell(session, principal, right, group.project, group.cell);
+    StoredDocument cell = namedCell(session, principal, right, group.project, group.cell);
     const std::optional<StoredDocument> subCategory =
         session.documents(DocumentKind::SubCategory).find(group.subCategory);
     if (!subCategory || subCategory->project != group.project || subCategory->category != cell.category) {
@@ -40,6 +43,20 @@ void requirePlace(const Session& session, const Principal& principal, Right righ
                                 "\" of the monitoring has no sub-category \"" + group.subCategory +
                                 "\" in this project");
     }
+    return std::move(cell.category);
+}
+
+// The group as it is answered to who sent it: with what is hardly meant, if there is anything.
+std::string withWarnings(const Session& session, const Principal& principal, const std::string& category,
+                         std::string document)
+{
+    const auto group = fromDocument<Group>(document);
+    const std::vector<std::string> warnings =
+        warningsOf(session, group, principal.may(Right::Read, group.project, category));
+    if (warnings.empty()) {
+        return document;
+    }
+    return std::string(openedDocument(document)) + ",\"warnings\":" + textArray(warnings) + "}";
 }
 
 // POST groupSettings: answers 201 and the whole group.
@@ -56,13 +73,14 @@ HttpResponse createGroup(ApiRequest& request)
     Group group;
     group.project = *body.project;
     applyTo(group, body);
-    requirePlace(*session, principal, Right::Create, group);
+    const std::string category = requirePlace(*session, principal, Right::Create, group);
     group.id = session->newIdentifier();
     group.stamp = Stamp::of({principal.owner(), isoText(session->now())});
     std::string document = toDocument(group);
     session->documents(DocumentKind::Group).insert(group.project, group.id, document);
+    std::string answer = withWarnings(*session, principal, category, std::move(document));
     session->commit();
-    return answerCreated(std::move(document), "groupSettings/" + group.id);
+    return answerCreated(std::move(answer), "groupSettings/" + group.id);
 }
 
 // GET groupSettings/{id}
@@ -90,16 +108,17 @@ HttpResponse updateGroup(ApiRequest& request)
     }
     Group group = fromDocument<Group>(stored.text);
     if (!applyTo(group, body)) {
-        return answerJson(std::move(stored.text));
+        return answerJson(withWarnings(*session, principal, stored.category, std::move(stored.text)));
     }
-    if (body.cell || body.subCategory) {
-        requirePlace(*session, principal, Right::Edit, group);
-    }
+    const bool mayMove = body.cell || body.subCategory;
+    const std::string category =
+        mayMove ? requirePlace(*session, principal, Right::Edit, group) : stored.category;
     group.stamp.change({principal.owner(), isoText(session->now())});
     std::string document = toDocument(group);
     session->documents(DocumentKind::Group).replace(group.project, group.id, document);
+    std::string answer = withWarnings(*session, principal, category, std::move(document));
     session->commit();
-    return answerJson(std::move(document));
+    return answerJson(std::move(answer));
 }
 
 // DELETE groupSettings/{id}: answers what was deleted.
