@@ -8,6 +8,9 @@
 #include "api/Permission.h"
 #include "api/Resources.h"
 #include "domain/DocumentWriter.h"
+#include "trail/AuditTrail.h"
+
+#include <utility>
 
 namespace monitorservice {
 
@@ -59,6 +62,22 @@ std::string withWarnings(const Session& session, const Principal& principal, con
     return std::string(openedDocument(document)) + ",\"warnings\":" + textArray(warnings) + "}";
 }
 
+// What is common to the entries of the audit trail about a group.
+Change groupChange(const char* action, const Group& group, const std::string& category,
+                   const Principal& principal)
+{
+    Change change;
+    change.project = group.project;
+    change.category = category;
+    change.cell = group.cell;
+    change.subCategory = group.subCategory;
+    change.action = action;
+    change.subject = group.id;
+    change.name = group.name;
+    change.author.name = principal.owner();
+    return change;
+}
+
 // POST groupSettings: answers 201 and the whole group.
 HttpResponse createGroup(ApiRequest& request)
 {
@@ -78,6 +97,9 @@ HttpResponse createGroup(ApiRequest& request)
     group.stamp = Stamp::of({principal.owner(), isoText(session->now())});
     std::string document = toDocument(group);
     session->documents(DocumentKind::Group).insert(group.project, group.id, document);
+    Change change = groupChange("group.created", group, category, principal);
+    change.after = document;
+    record(*session, std::move(change));
     std::string answer = withWarnings(*session, principal, category, std::move(document));
     session->commit();
     return answerCreated(std::move(answer), "groupSettings/" + group.id);
@@ -107,6 +129,7 @@ HttpResponse updateGroup(ApiRequest& request)
         throw ApiError(400, "\"projectId\": a group stays in its project");
     }
     Group group = fromDocument<Group>(stored.text);
+    Change was = groupChange("group.changed", group, stored.category, principal);
     if (!applyTo(group, body)) {
         return answerJson(withWarnings(*session, principal, stored.category, std::move(stored.text)));
     }
@@ -116,6 +139,10 @@ HttpResponse updateGroup(ApiRequest& request)
     group.stamp.change({principal.owner(), isoText(session->now())});
     std::string document = toDocument(group);
     session->documents(DocumentKind::Group).replace(group.project, group.id, document);
+    was.before = std::move(stored.text);
+    Change is = groupChange("group.changed", group, category, principal);
+    is.after = document;
+    recordReplaced(*session, std::move(was), std::move(is));
     std::string answer = withWarnings(*session, principal, category, std::move(document));
     session->commit();
     return answerJson(std::move(answer));
@@ -130,6 +157,10 @@ HttpResponse deleteGroup(ApiRequest& request)
         readable(session->documents(DocumentKind::Group), principal, kind, request.ids[0]);
     requireRight(principal, Right::Delete, kinds, stored.project, stored.category);
     session->documents(DocumentKind::Group).remove(stored.project, stored.id);
+    Change change =
+        groupChange("group.deleted", fromDocument<Group>(stored.text), stored.category, principal);
+    change.before = stored.text;
+    record(*session, std::move(change));
     session->commit();
     return answerJson(std::move(stored.text));
 }

@@ -17,8 +17,7 @@ protected:
     {
         write([](Session& session) {
             session.documents(DocumentKind::SubCategory)
-                .insert("p1", "s1",
-                        R"({"_id":"s1","projectId":"p1","name":"Level","category":"Settlement","alias":""})");
+                .insert("p1", "s1", toDocument(SubCategory{"s1", "p1", "Level", "Settlement", ""}));
         });
         cell = newCell("North");
     }
