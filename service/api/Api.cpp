@@ -73,9 +73,9 @@ std::vector<Route> allRoutes()
 {
     std::vector<Route> routes;
     for (auto&& some :
-         {alarmRoutes(), authRoutes(), cellRoutes(), categoryRoutes(), dataManageDeletionRoutes(),
-          dataManageRoutes(), deliveryRoutes(), groupRoutes(), pointLocationLinkRoutes(),
-          pointLocationReadRoutes(), statisticsRoutes(), subCategoryRoutes()}) {
+         {alarmRoutes(), authRoutes(), cellRoutes(), categoryRoutes(), changeRoutes(),
+          dataManageDeletionRoutes(), dataManageRoutes(), deliveryRoutes(), groupRoutes(),
+          pointLocationLinkRoutes(), pointLocationReadRoutes(), statisticsRoutes(), subCategoryRoutes()}) {
         for (const Route& route : some) {
             add(routes, route);
         }

@@ -6,6 +6,9 @@
 #include "api/Parameters.h"
 #include "api/Permission.h"
 #include "api/Resources.h"
+#include "trail/AuditTrail.h"
+
+#include <utility>
 
 namespace monitorservice {
 
@@ -64,6 +67,20 @@ HttpResponse getCell(ApiRequest& request)
             .text);
 }
 
+// What is common to the entries of the audit trail about a monitoring.
+Change cellChange(const char* action, const Cell& cell, const Principal& principal)
+{
+    Change change;
+    change.project = cell.project;
+    change.category = cell.category;
+    change.cell = cell.id;
+    change.action = action;
+    change.subject = cell.id;
+    change.name = cell.name;
+    change.author.name = principal.owner();
+    return change;
+}
+
 // What hangs on a monitoring would be lost with it, and belongs to a sub-category of its category: it has to
 // be deleted first, each by its own request. `what` names what cannot be done before.
 void requireNothingMeasured(const Session& session, const StoredDocument& cell, const std::string& what)
@@ -106,12 +123,17 @@ HttpResponse updateCell(ApiRequest& request)
         requireNothingMeasured(*session, stored, "change its category");
     }
     Cell cell = fromDocument<Cell>(stored.text);
+    Change was = cellChange("cell.changed", cell, principal);
     if (!applyTo(cell, body)) {
         return answerJson(std::move(stored.text));
     }
     cell.stamp.change({principal.owner(), isoText(session->now())});
     std::string document = toDocument(cell);
     session->documents(DocumentKind::Cell).replace(cell.project, cell.id, document);
+    was.before = std::move(stored.text);
+    Change is = cellChange("cell.changed", cell, principal);
+    is.after = document;
+    recordReplaced(*session, std::move(was), std::move(is));
     session->commit();
     return answerJson(std::move(document));
 }
@@ -125,6 +147,9 @@ HttpResponse deleteCell(ApiRequest& request)
     requireRight(principal, Right::Delete, kinds, stored.project, stored.category);
     requireNothingMeasured(*session, stored, "be deleted");
     session->documents(DocumentKind::Cell).remove(stored.project, stored.id);
+    Change change = cellChange("cell.deleted", fromDocument<Cell>(stored.text), principal);
+    change.before = stored.text;
+    record(*session, std::move(change));
     session->commit();
     return answerJson(std::move(stored.text));
 }

@@ -33,9 +33,28 @@ double parseLimit(simdjson::dom::element value, const std::string& name)
     const double limit = numberOf(value, name);
     if (limit < 0) {
         throw ApiError(400,
-                       "\"" + name + "\" must not be negative: variations either way are compared with it");
+                       "\"" + name + "\" must not be negative: the amount of variations is compared with it");
     }
     return limit;
+}
+
+LimitSide parseSide(simdjson::dom::element value, const std::string& name)
+{
+    const std::optional<LimitSide> side = limitSideOf(textOf(value, name));
+    if (!side) {
+        throw ApiError(400, "\"" + name + "\" must be \"both\", \"rising\" or \"falling\"");
+    }
+    return *side;
+}
+
+double parseWarningLevel(simdjson::dom::element value)
+{
+    const double level = numberOf(value, "warningLevel");
+    if (level <= 0 || level > 100) {
+        throw ApiError(400,
+                       "\"warningLevel\" is in percent of a limit: it must be more than 0 and at most 100");
+    }
+    return level;
 }
 
 } // namespace
@@ -61,6 +80,12 @@ GroupBody parseGroupBody(std::string_view json)
             body.dayVariation = parseLimit(value, "dayVarValue");
         } else if (name == "totalVar") {
             body.totalVariation = parseLimit(value, "totalVar");
+        } else if (name == "dayVarSide") {
+            body.daySide = parseSide(value, "dayVarSide");
+        } else if (name == "totalVarSide") {
+            body.totalSide = parseSide(value, "totalVarSide");
+        } else if (name == "warningLevel") {
+            body.warningLevel = parseWarningLevel(value);
         } else {
             throw ApiError(400, "\"" + std::string(name) + "\" is not a member that can be set");
         }
@@ -76,7 +101,10 @@ bool applyTo(Group& group, const GroupBody& body)
     changed = assign(group.points, body.points) || changed;
     changed = assign(group.dayVariationType, body.dayVariationType) || changed;
     changed = assign(group.dayVariation, body.dayVariation) || changed;
-    return assign(group.totalVariation, body.totalVariation) || changed;
+    changed = assign(group.totalVariation, body.totalVariation) || changed;
+    changed = assign(group.daySide, body.daySide) || changed;
+    changed = assign(group.totalSide, body.totalSide) || changed;
+    return assign(group.warningLevel, body.warningLevel) || changed;
 }
 
 } // namespace monitorservice

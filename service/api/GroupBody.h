@@ -21,6 +21,9 @@ struct GroupBody
     std::optional<std::int32_t> dayVariationType;
     std::optional<double> dayVariation;
     std::optional<double> totalVariation;
+    std::optional<LimitSide> daySide;
+    std::optional<LimitSide> totalSide;
+    std::optional<double> warningLevel;
 };
 
 /// Reads the body of a POST or PUT. Throws ApiError 400 that names the member.

@@ -1,11 +1,16 @@
 #include "api/Answers.h"
 #include "api/ApiError.h"
 #include "api/GroupBody.h"
+#include "api/GroupWarnings.h"
 #include "api/JsonBody.h"
 #include "api/Listing.h"
 #include "api/Parameters.h"
 #include "api/Permission.h"
 #include "api/Resources.h"
+#include "domain/DocumentWriter.h"
+#include "trail/AuditTrail.h"
+
+#include <utility>
 
 namespace monitorservice {
 
@@ -29,10 +34,11 @@ StoredDocument namedCell(const Session& session, const Principal& principal, Rig
     return std::move(*cell);
 }
 
-// Checks that the group's monitoring and sub-category exist, belong together, and may be worked on.
-void requirePlace(const Session& session, const Principal& principal, Right right, const Group& group)
+// Checks that the group's monitoring and sub-category exist, belong together, and may be worked on. Gives the
+// category of both.
+std::string requirePlace(const Session& session, const Principal& principal, Right right, const Group& group)
 {
-    const StoredDocument cell = namedCell(session, principal, right, group.project, group.cell);
+    StoredDocument cell = namedCell(session, principal, right, group.project, group.cell);
     const std::optional<StoredDocument> subCategory =
         session.documents(DocumentKind::SubCategory).find(group.subCategory);
     if (!subCategory || subCategory->project != group.project || subCategory->category != cell.category) {
@@ -40,6 +46,36 @@ void requirePlace(const Session& session, const Principal& principal, Right righ
                                 "\" of the monitoring has no sub-category \"" + group.subCategory +
                                 "\" in this project");
     }
+    return std::move(cell.category);
+}
+
+// The group as it is answered to who sent it: with what is hardly meant, if there is anything.
+std::string withWarnings(const Session& session, const Principal& principal, const std::string& category,
+                         std::string document)
+{
+    const auto group = fromDocument<Group>(document);
+    const std::vector<std::string> warnings =
+        warningsOf(session, group, principal.may(Right::Read, group.project, category));
+    if (warnings.empty()) {
+        return document;
+    }
+    return std::string(openedDocument(document)) + ",\"warnings\":" + textArray(warnings) + "}";
+}
+
+// What is common to the entries of the audit trail about a group.
+Change groupChange(const char* action, const Group& group, const std::string& category,
+                   const Principal& principal)
+{
+    Change change;
+    change.project = group.project;
+    change.category = category;
+    change.cell = group.cell;
+    change.subCategory = group.subCategory;
+    change.action = action;
+    change.subject = group.id;
+    change.name = group.name;
+    change.author.name = principal.owner();
+    return change;
 }
 
 // POST groupSettings: answers 201 and the whole group.
@@ -56,13 +92,17 @@ HttpResponse createGroup(ApiRequest& request)
     Group group;
     group.project = *body.project;
     applyTo(group, body);
-    requirePlace(*session, principal, Right::Create, group);
+    const std::string category = requirePlace(*session, principal, Right::Create, group);
     group.id = session->newIdentifier();
     group.stamp = Stamp::of({principal.owner(), isoText(session->now())});
     std::string document = toDocument(group);
     session->documents(DocumentKind::Group).insert(group.project, group.id, document);
+    Change change = groupChange("group.created", group, category, principal);
+    change.after = document;
+    record(*session, std::move(change));
+    std::string answer = withWarnings(*session, principal, category, std::move(document));
     session->commit();
-    return answerCreated(std::move(document), "groupSettings/" + group.id);
+    return answerCreated(std::move(answer), "groupSettings/" + group.id);
 }
 
 // GET groupSettings/{id}
@@ -89,17 +129,23 @@ HttpResponse updateGroup(ApiRequest& request)
         throw ApiError(400, "\"projectId\": a group stays in its project");
     }
     Group group = fromDocument<Group>(stored.text);
+    Change was = groupChange("group.changed", group, stored.category, principal);
     if (!applyTo(group, body)) {
-        return answerJson(std::move(stored.text));
+        return answerJson(withWarnings(*session, principal, stored.category, std::move(stored.text)));
     }
-    if (body.cell || body.subCategory) {
-        requirePlace(*session, principal, Right::Edit, group);
-    }
+    const bool mayMove = body.cell || body.subCategory;
+    const std::string category =
+        mayMove ? requirePlace(*session, principal, Right::Edit, group) : stored.category;
     group.stamp.change({principal.owner(), isoText(session->now())});
     std::string document = toDocument(group);
     session->documents(DocumentKind::Group).replace(group.project, group.id, document);
+    was.before = std::move(stored.text);
+    Change is = groupChange("group.changed", group, category, principal);
+    is.after = document;
+    recordReplaced(*session, std::move(was), std::move(is));
+    std::string answer = withWarnings(*session, principal, category, std::move(document));
     session->commit();
-    return answerJson(std::move(document));
+    return answerJson(std::move(answer));
 }
 
 // DELETE groupSettings/{id}: answers what was deleted.
@@ -111,6 +157,10 @@ HttpResponse deleteGroup(ApiRequest& request)
         readable(session->documents(DocumentKind::Group), principal, kind, request.ids[0]);
     requireRight(principal, Right::Delete, kinds, stored.project, stored.category);
     session->documents(DocumentKind::Group).remove(stored.project, stored.id);
+    Change change =
+        groupChange("group.deleted", fromDocument<Group>(stored.text), stored.category, principal);
+    change.before = stored.text;
+    record(*session, std::move(change));
     session->commit();
     return answerJson(std::move(stored.text));
 }

@@ -4,6 +4,9 @@
 #include "api/Parameters.h"
 #include "api/Resources.h"
 #include "api/SentLinks.h"
+#include "domain/PointLocation.h"
+#include "json/JsonText.h"
+#include "trail/AuditTrail.h"
 
 #include <algorithm>
 #include <optional>
@@ -63,12 +66,45 @@ DocumentQuery everyPoint(const std::string& project, std::optional<std::vector<s
     return query;
 }
 
-// The points' keys; they are read before the first of them is changed.
-std::vector<std::int64_t> keysOf(PointSelection& selection)
+// A point and what the audit trail will tell of it.
+struct LinkedPoint
 {
-    std::vector<std::int64_t> keys;
-    selection.visit([&keys](const FoundPoint& point) { keys.push_back(point.key); });
-    return keys;
+    std::int64_t key = 0;
+    Change change;
+};
+
+Change linkChange(const FoundPoint& found, const std::string& links, const std::string& who)
+{
+    const auto point = fromDocument<PointLocation>(found.document);
+    Change change;
+    change.project = point.project;
+    change.category = found.category;
+    change.cell = point.cell;
+    change.subCategory = point.subCategory;
+    change.action = "links.replaced";
+    change.subject = point.id;
+    change.name = point.name;
+    change.before = JsonObjectWriter().json("links", found.links).finish();
+    change.after = JsonObjectWriter().json("links", links).finish();
+    change.author.name = who;
+    return change;
+}
+
+// Gives each of these points the links, with an entry of its own in the audit trail where it had others: so
+// it is found by the point. Gives their number. All are read before the first of them is changed.
+std::uint64_t replaceLinksOf(Session& session, const DocumentQuery& query, const std::string& links,
+                             const std::string& who)
+{
+    std::vector<LinkedPoint> points;
+    session.measurements().select(query)->visit([&](const FoundPoint& found) {
+        points.push_back({found.key, linkChange(found, links, who)});
+    });
+    for (LinkedPoint& point : points) {
+        if (session.measurements().replaceLinks(point.key, links, session.now(), who)) {
+            record(session, std::move(point.change));
+        }
+    }
+    return points.size();
 }
 
 // PUT pointLocations?where: replaces all relations of every point that matches and that the bearer may read
@@ -90,10 +126,7 @@ HttpResponse replaceLinks(ApiRequest& request)
         }
         const DocumentQuery editable = everyPoint(
             project.id, categoriesWithBoth(principal, Right::Edit, Right::Read, project.id), where);
-        for (const std::int64_t point : keysOf(*session->measurements().select(editable))) {
-            session->measurements().replaceLinks(point, links, session->now(), principal.owner());
-            ++edited;
-        }
+        edited += replaceLinksOf(*session, editable, links, principal.owner());
         const DocumentQuery seen =
             everyPoint(project.id, principal.categoriesWith(Right::Read, project.id), where);
         readable += edited > 0 ? 0 : session->measurements().select(seen)->count();

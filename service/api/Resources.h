@@ -9,6 +9,7 @@ std::vector<Route> alarmRoutes();
 std::vector<Route> authRoutes();
 std::vector<Route> cellRoutes();
 std::vector<Route> categoryRoutes();
+std::vector<Route> changeRoutes();
 std::vector<Route> dataManageDeletionRoutes();
 std::vector<Route> dataManageRoutes();
 std::vector<Route> deliveryRoutes();

@@ -10,4 +10,9 @@ namespace monitorservice {
 /// Throws StoreError.
 void record(Session& session, Change change);
 
+/// The same of something that is there before and after: `was` has what was there as `before`, `is` has what
+/// is there now as `after`. It is one entry; when the category is another now, it is one in each of the two,
+/// so that nobody reads in one of them what belongs to the other.
+void recordReplaced(Session& session, Change was, Change is);
+
 } // namespace monitorservice

@@ -36,6 +36,7 @@ private:
             return std::as_const(*m_session).documents(kind);
         }
         const Measurements& measurements() const override { return std::as_const(*m_session).measurements(); }
+        const Excesses& excesses() const override { return std::as_const(*m_session).excesses(); }
         const Projects& projects() const override { return std::as_const(*m_session).projects(); }
         const Categories& categories() const override { return std::as_const(*m_session).categories(); }
         const Tokens& tokens() const override { return std::as_const(*m_session).tokens(); }
@@ -43,6 +44,7 @@ private:
 
         Documents& documents(DocumentKind kind) override { return m_session->documents(kind); }
         Measurements& measurements() override { return m_session->measurements(); }
+        Excesses& excesses() override { return m_session->excesses(); }
         Projects& projects() override { return m_session->projects(); }
         Categories& categories() override { return m_session->categories(); }
         Tokens& tokens() override { return m_session->tokens(); }

@@ -193,8 +193,8 @@ TEST_F(AccessInjection, WhatIsReadFindsNothingElse)
     for (const std::string& text : hostileTexts()) {
         SCOPED_TRACE(text);
         const std::string encoded = percentEncoded(text);
-        for (const char* const list :
-             {"cells", "subCategories", "pointLocations", "groupSettings", "dataManages", "alarmManages"}) {
+        for (const char* const list : {"cells", "subCategories", "pointLocations", "groupSettings",
+                                       "dataManages", "alarmManages", "changes"}) {
             const std::string path = "projects/project-own/" + std::string(list);
             for (const std::string& condition :
                  {"{\"name\":" + quotedText(text) + "}", "{\"_id\":{\"$in\":[" + quotedText(text) + "]}}",
@@ -305,7 +305,19 @@ TEST_F(AccessInjection, WhatMayBeAnyTextIsKeptLetterByLetter)
         EXPECT_EQ(membersOf(found.body, "_id"), std::vector<std::string>{id});
         EXPECT_EQ(ask("DELETE", "cells/" + id).status, 200U);
     }
-    expectUnchanged();
+    // The audit trail keeps them, nothing else does.
+    const RawAnswer trail = ask("GET", "projects/project-own/changes?order=_id&where=" +
+                                           percentEncoded(R"({"action":"cell.deleted"})"));
+    EXPECT_EQ(membersOf(trail.body, "name"),
+              std::vector<std::string>(texts.begin(), texts.begin() + static_cast<std::ptrdiff_t>(number)));
+    std::vector<std::string> left = served->rows();
+    left.erase(std::remove_if(left.begin(), left.end(),
+                              [](const std::string& row) {
+                                  return row.find(R"("action":"cell.deleted")") != std::string::npos;
+                              }),
+               left.end());
+    EXPECT_EQ(left, before);
+    EXPECT_EQ(tokens(), tokensBefore);
     std::cout << "access: " << number << " hostile texts kept and found letter by letter" << std::endl;
 }
 

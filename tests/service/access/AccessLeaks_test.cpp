@@ -1,4 +1,5 @@
 #include "AccessRules.h"
+#include "trail/AuditTrail.h"
 
 #include <chrono>
 #include <iostream>
@@ -42,7 +43,7 @@ void makeEndless(Session& session, const std::string& project)
     for (const Member& member :
          {Member{DocumentKind::Cell, "name"}, Member{DocumentKind::Cell, "createdBy"},
           Member{DocumentKind::Group, "groupName"}, Member{DocumentKind::SubCategory, "name"},
-          Member{DocumentKind::DataManage, "fileId"}}) {
+          Member{DocumentKind::DataManage, "fileId"}, Member{DocumentKind::Change, "name"}}) {
         for (const std::string& document : documentsOf(session, project, member.kind)) {
             if (!isOwn(document)) {
                 session.documents(member.kind)
@@ -65,6 +66,16 @@ void makeEndless(Session& session, const std::string& project)
     }
 }
 
+// What is about the project as a whole is of no category that could be granted.
+void recordOfProject(Session& session, const std::string& project)
+{
+    Change change;
+    change.project = project;
+    change.action = "project.changed";
+    change.subject = project;
+    record(session, change);
+}
+
 // Copies what is of the own place, as if there had never been anything else.
 void copyOwn(const Session& from, Session& to)
 {
@@ -82,7 +93,8 @@ void copyOwn(const Session& from, Session& to)
     };
     for (const DocumentKind kind :
          {DocumentKind::Cell, DocumentKind::SubCategory, DocumentKind::Group, DocumentKind::DataManage,
-          DocumentKind::History, DocumentKind::Alarm, DocumentKind::AlarmDetail, DocumentKind::AlarmDepth}) {
+          DocumentKind::History, DocumentKind::Alarm, DocumentKind::AlarmDetail, DocumentKind::AlarmDepth,
+          DocumentKind::Change}) {
         copy(kind);
     }
     for (const HeldPoint& point : pointsOf(from, own.project)) {
@@ -110,6 +122,7 @@ protected:
         }
         AccessWorld::write(*openStore(world.file().string()), [](Session& session) {
             for (const Project& project : session.projects().list()) {
+                recordOfProject(session, project.id);
                 makeEndless(session, project.id);
             }
         });
@@ -164,8 +177,9 @@ std::vector<std::string> conditions(const AccessWorld& world)
         R"({"time":{"$gte":"2015-12-21T00:00:00Z","$lt":"2015-12-22T00:00:00Z"}})",
         R"({"time":{"$regex":"(0+)+$"}})",
     };
-    for (const char* const path : {"name", "createdBy", "groupName", "alias", "fileId", "data.timeFlag",
-                                   "cellName", "pointName", "links.rId", "subCategory", "_id"}) {
+    for (const char* const path :
+         {"name", "createdBy", "groupName", "alias", "fileId", "data.timeFlag", "cellName", "pointName",
+          "links.rId", "subCategory", "before.groupName", "after.groupName", "_id"}) {
         texts.push_back(R"({")" + std::string(path) + R"(":{"$regex":"^(a+)+$"}})");
         texts.push_back(R"({")" + std::string(path) + R"(":{"$regex":"(a|aa|.a)+b","$options":"i"}})");
         texts.push_back(R"({"category":"Settlement",")" + std::string(path) + R"(":{"$regex":"^(a+)+$"}})");
@@ -192,7 +206,7 @@ TEST_F(AccessLeaks, ListsCountsAndStatisticsAreTheSameWithoutForeignData)
     for (const std::string& project : {own.project, far.project}) {
         for (const char* const list :
              {"cells", "subCategories", "pointLocations", "groupSettings", "dataManages", "alarmManages",
-              "normal_statistics", "depth_statistics"}) {
+              "changes", "normal_statistics", "depth_statistics"}) {
             const std::string path = "projects/" + project + '/' + list + "?where=";
             for (const std::string& condition : conditions(world)) {
                 const std::string target = path + percentEncoded(condition);

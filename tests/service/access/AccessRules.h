@@ -149,6 +149,7 @@ inline std::vector<Resource> resources()
         {"dataManages/{dataManages}?cascade=true", "", no, no, no, Rule::Remove},
         {"dataManages/{dataManages}/historyDatas", "historyDatas", Rule::Under},
         {"projects/{project}/alarmManages", "alarmManages", Rule::List},
+        {"projects/{project}/changes", "changes", Rule::List},
         {"alarmManages/{alarmManages}/alarmDetails", "alarmDetails", Rule::Under},
         {"alarmDetails/{alarmDetails}/threeDetails", "threeDetails", Rule::Under},
     };

@@ -53,7 +53,8 @@ inline const std::array<const Place*, 3> places{&own, &beside, &far};
 using Identifiers = std::map<std::string, std::vector<std::string>>;
 
 /// A data file to be copied: each place has monitorings, a sub-category, points with and without depths,
-/// samples, a group, a delivery with its history, and the alarm that it raised.
+/// samples, a group with what the audit trail tells of it, a delivery with its history, and the alarm that
+/// it raised.
 class AccessWorld
 {
 public:
@@ -192,6 +193,7 @@ private:
                 point(place, cell, place.word + "I1", "2", place.value + 4) + "]");
         ids["pointLocations"] = listed({"projects", place.project, "pointLocations"}, cell);
         ids["dataManages"] = listed({"projects", place.project, "dataManages"}, cell);
+        ids["changes"] = listed({"projects", place.project, "changes"}, cell);
         ids["historyDatas"] = listed({"dataManages", ids["dataManages"].front(), "historyDatas"});
         ids["alarmManages"] = listed({"projects", place.project, "alarmManages"}, cell);
         ids["alarmDetails"] = listed({"alarmManages", ids["alarmManages"].front(), "alarmDetails"});

@@ -17,8 +17,7 @@ protected:
     {
         write([](Session& session) {
             session.documents(DocumentKind::SubCategory)
-                .insert("p1", "s1",
-                        R"({"_id":"s1","projectId":"p1","name":"Level","category":"Settlement","alias":""})");
+                .insert("p1", "s1", toDocument(SubCategory{"s1", "p1", "Level", "Settlement", ""}));
         });
         cell = newCell("North");
     }
@@ -39,8 +38,15 @@ protected:
     void addGroup()
     {
         write([this](Session& session) {
-            session.documents(DocumentKind::Group)
-                .insert("p1", "g1", toDocument(Group{"g1", "p1", cell, "s1", "G", {"W1"}, 0, 0, 1, {}, {}}));
+            Group group;
+            group.id = "g1";
+            group.project = "p1";
+            group.cell = cell;
+            group.subCategory = "s1";
+            group.name = "G";
+            group.points = {"W1"};
+            group.totalVariation = 1;
+            session.documents(DocumentKind::Group).insert(group.project, group.id, toDocument(group));
         });
     }
 

@@ -13,6 +13,16 @@ using ::testing::StartsWith;
 class GroupsResource : public test::MeasuredFixture
 {
 protected:
+    GroupsResource()
+    {
+        write([this](Session& session) {
+            for (const char* const name : {"S1", "S2"}) {
+                insertPoint(session, {tower, "ground", name});
+                insertPoint(session, {wall, "casing", name, "1"});
+            }
+        });
+    }
+
     std::string body(const std::string& name, const std::string& cell, const std::string& subCategory) const
     {
         return R"({"projectId":"p1","cellId":")" + cell + R"(","subCategoryId":")" + subCategory +
@@ -55,6 +65,7 @@ TEST_F(GroupsResource, IsAnsweredWholeAsItWasCreated)
     EXPECT_EQ(created.body, R"({"_id":")" + id + R"(","projectId":"p1","cellId":")" + tower +
                                 R"(","subCategoryId":"ground","groupName":"Corner","groupPoint":["S1","S2"],)"
                                 R"("dayVarType":0,"dayVarValue":2.5,"totalVar":10,"viewPortId":"",)"
+                                R"("dayVarSide":"both","totalVarSide":"both","warningLevel":80,)"
                                 R"("createdAt":"2015-12-21T06:30:00.123Z","createdBy":"Ada Editor",)"
                                 R"("updatedAt":"2015-12-21T06:30:00.123Z","updatedBy":"Ada Editor"})");
     EXPECT_EQ(get("groupSettings/" + id).body, created.body);
@@ -88,6 +99,19 @@ TEST_F(GroupsResource, RefusesWhatIsWrongByName)
     EXPECT_THAT(refusalOf(R"("totalVar":10)", R"("totalVar":true)"), "400 \"totalVar\" must be a number");
     EXPECT_THAT(refusalOf(R"("totalVar":10)", R"("totalVar":1e999)"), StartsWith("400 the body is not JSON"));
     EXPECT_THAT(refusalOf(R"("totalVar":10)", R"("totalVar":NaN)"), StartsWith("400 the body is not JSON"));
+    EXPECT_THAT(refusalOf(R"("totalVar":10)", R"("totalVarSide":"up")"),
+                R"(400 "totalVarSide" must be "both", "rising" or "falling")");
+    EXPECT_THAT(refusalOf(R"("totalVar":10)", R"("dayVarSide":"")"),
+                R"(400 "dayVarSide" must be "both", "rising" or "falling")");
+    EXPECT_THAT(refusalOf(R"("totalVar":10)", R"("dayVarSide":1)"), "400 \"dayVarSide\" must be a text");
+    for (const char* const level : {"0", "-1", "100.5", "1e300"}) {
+        EXPECT_THAT(refusalOf(R"("totalVar":10)", R"("warningLevel":)" + std::string(level)),
+                    R"(400 "warningLevel" is in percent of a limit: it must be more than 0 and at most 100)");
+    }
+    EXPECT_THAT(refusalOf(R"("totalVar":10)", R"("warningLevel":"80")"),
+                "400 \"warningLevel\" must be a number");
+    EXPECT_THAT(refusalOf(R"("totalVar":10)", R"("warnings":[])"),
+                "400 \"warnings\" is not a member that can be set");
     EXPECT_THAT(refusalOf(R"("totalVar":10)", R"("totalVar":10,"totalVar":9)"),
                 "400 \"totalVar\" is given twice");
     EXPECT_THAT(refusalOf(R"("totalVar":10)", R"("viewPortId":"v")"),
@@ -120,6 +144,24 @@ TEST_F(GroupsResource, UpdateChangesOnlyWhatIsSent)
     EXPECT_EQ(member(updated.body, "createdAt"), "2015-12-21T06:30:00.123Z");
     EXPECT_EQ(member(updated.body, "updatedAt"), "2015-12-21T06:30:01.123Z");
     EXPECT_EQ(get("groupSettings/" + id).body, updated.body);
+}
+
+TEST_F(GroupsResource, SidesAndWarningLevelStayUnlessTheyAreSent)
+{
+    const std::string path = "groupSettings/" + newGroup("Wall");
+    const RawAnswer set =
+        call(editor, "PUT", path, R"({"dayVarSide":"rising","totalVarSide":"falling","warningLevel":66.5})");
+    EXPECT_EQ(set.status, 200U) << set.body;
+    EXPECT_EQ(call(editor, "PUT", path, R"({"totalVar":12})").status, 200U);
+    const std::string held = get(path).body;
+    EXPECT_EQ(member(held, "dayVarSide"), "rising");
+    EXPECT_EQ(member(held, "totalVarSide"), "falling");
+    EXPECT_EQ(member(held, "warningLevel"), "66.5");
+    EXPECT_EQ(member(held, "totalVar"), "12");
+    EXPECT_EQ(
+        member(call(editor, "PUT", path, R"({"dayVarSide":"both","warningLevel":100})").body, "warningLevel"),
+        "100");
+    EXPECT_EQ(member(get(path).body, "dayVarSide"), "both");
 }
 
 TEST_F(GroupsResource, UpdateThatChangesNothingLeavesTheTimes)

@@ -46,7 +46,8 @@ TEST_F(SubCategoriesResource, AreListedByCategory)
 TEST_F(SubCategoriesResource, OneIsAnsweredWhole)
 {
     EXPECT_EQ(get("subCategories/s3").body,
-              R"({"_id":"s3","projectId":"p1","name":"Building \"A\"","category":"Settlement","alias":"B"})");
+              R"({"_id":"s3","projectId":"p1","name":"Building \"A\"","category":"Settlement","alias":"B",)"
+              R"("kind":"other","unit":"","decimals":null})");
 }
 
 TEST_F(SubCategoriesResource, WhatMayNotBeReadIsNotThere)

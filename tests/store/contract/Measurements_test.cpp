@@ -138,6 +138,60 @@ TEST_P(PointMeasurements, LatestDayBeforeADayIsTheNearestThatHasSamples)
     EXPECT_FALSE(measurements().latestDayBefore(point, -3));
 }
 
+TEST_P(PointMeasurements, EarliestDayAfterADayIsTheNearestThatHasSamples)
+{
+    for (const std::int64_t day : {3, 7, 9}) {
+        measurements().addToDay(point, {day, day, 1, std::nullopt, static_cast<double>(day), 1});
+    }
+    EXPECT_EQ(measurements().earliestDayAfter(point, 3)->day, 7);
+    EXPECT_EQ(measurements().earliestDayAfter(point, 7)->value, 9);
+    EXPECT_EQ(measurements().earliestDayAfter(point, -100)->day, 3);
+    EXPECT_FALSE(measurements().earliestDayAfter(point, 9));
+}
+
+TEST_P(PointMeasurements, EarliestSampleIsTheFirstByTimeAndCount)
+{
+    EXPECT_FALSE(measurements().earliestSample(point));
+    for (const auto& [time, count] : {std::pair(20, 1), std::pair(10, 7), std::pair(10, -3)}) {
+        measurements().insertSample(point, {time, count, std::nullopt, 0.5 * count, "A"});
+    }
+    const std::optional<Sample> earliest = measurements().earliestSample(point);
+    ASSERT_TRUE(earliest);
+    EXPECT_EQ(earliest->time, 10);
+    EXPECT_EQ(earliest->count, -3);
+    EXPECT_EQ(earliest->value, -1.5);
+    EXPECT_EQ(earliest->timeFlag, "A");
+}
+
+TEST_P(PointMeasurements, DepthIsFoundHoweverItsNumberIsSpelt)
+{
+    const auto insert = [this](const std::string& id, const std::string& depth) {
+        measurements().insertPoint("p", id, pointDocument(id, "I1", depth));
+    };
+    insert("a", "2.50");
+    insert("b", "2.500001");
+    insert("c", "top");
+    insert("d", "0");
+    insert("e", "");
+    // The same as "2.50" in numbers of 64 bits, and another depth still.
+    insert("f", "2.5000000000000000000001");
+    const auto found = [this](const std::string& depth) {
+        const auto point = measurements().findPoint("c", "s", "I1", depth);
+        return point ? point->id : std::string("none");
+    };
+    for (const char* const depth : {"2.5", "2.50", "+2.5", "02.500"}) {
+        EXPECT_EQ(found(depth), "a") << depth;
+    }
+    EXPECT_EQ(found("2.5000010"), "b");
+    EXPECT_EQ(found("top"), "c");
+    EXPECT_EQ(found("-0.0"), "d");
+    EXPECT_EQ(found(""), "e");
+    EXPECT_EQ(found("2.50000000000000000000010"), "f");
+    for (const char* const depth : {"bottom", "2.5m", " 2.5", "3"}) {
+        EXPECT_EQ(found(depth), "none") << depth;
+    }
+}
+
 TEST_P(PointMeasurements, PointIsFoundByMonitoringSubCategoryNameAndDepth)
 {
     const std::int64_t deep = measurements().insertPoint("p", "w1deep", pointDocument("w1deep", "W1", "20"));

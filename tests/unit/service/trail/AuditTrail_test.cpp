@@ -10,6 +10,7 @@
 namespace monitorservice {
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
@@ -77,6 +78,26 @@ TEST_F(AuditTrail, AnEntryHasTheTimeOfItsSessionAndAnIdentifierOfItsOwn)
     EXPECT_EQ(first.after, "null");
     EXPECT_EQ(first.author.name, "Ada");
     EXPECT_EQ(first.author.time, "2015-12-21T06:30:00.123Z");
+}
+
+TEST_F(AuditTrail, WhatGoesToAnotherCategoryHasAnEntryInEach)
+{
+    Change was = change("group.changed");
+    was.before = "1";
+    Change is = change("group.changed");
+    is.before = "null";
+    is.after = "2";
+    const auto session = store->write();
+    recordReplaced(*session, was, is);
+    is.category = "Inclinometer";
+    recordReplaced(*session, was, is);
+    session->commit();
+    std::vector<std::string> told;
+    for (const std::string& entry : entries()) {
+        const auto held = fromDocument<Change>(entry);
+        told.push_back(held.category + ": " + held.before + " -> " + held.after);
+    }
+    EXPECT_THAT(told, ElementsAre("Settlement: 1 -> 2", "Settlement: 1 -> null", "Inclinometer: null -> 2"));
 }
 
 TEST_F(AuditTrail, WhatIsNotCommittedLeavesNoEntry)
