@@ -7,10 +7,16 @@ namespace {
 class AlarmContract : public Contract
 {
 protected:
-    AlarmContract() : cellId(created("VH"_q).id)
+    AlarmContract() : cellId(created("VH"_q).id), otherCellId(created("VI"_q).id)
+    {
+        limit(cellId);
+        limit(otherCellId);
+    }
+
+    void limit(const QString& cell)
     {
         PointLocSetting group;
-        group.cellId = cellId;
+        group.cellId = cell;
         group.subCategoryId = subCategories().first().id;
         group.groupName = "Corner"_q;
         group.groupPoint = QStringList{"S1"_q, "I1"_q};
@@ -19,30 +25,37 @@ protected:
         EXPECT_TRUE(data.createGroup(group)) << lastErrorText();
     }
 
-    RKPointLocation measured(const QString& name, const QString& depth, const RKPointLocationData& sample)
+    RKPointLocation measuredIn(const QString& cell, const QString& name, const QString& depth,
+                               const RKPointLocationData& sample)
     {
-        RKPointLocation measured = point(cellId, name, depth);
-        measured.initialValue = name == "S1"_q ? 1 : 0;
+        RKPointLocation measured = point(cell, name, depth);
+        measured.initialValue = 1;
         measured.data = {sample};
         return measured;
     }
 
-    // A quiet reading, one over the limits, and one of an inclinometer at three depths.
+    RKPointLocation measured(const QString& name, const QString& depth, const RKPointLocationData& sample)
+    {
+        return measuredIn(cellId, name, depth, sample);
+    }
+
+    // A quiet reading and one over the limits; and in the other monitoring one of a point at three depths
+    // besides. A monitoring has one alarm a day.
     void raiseTwo()
     {
         deliver({measured("S1"_q, {}, sample(1, december(18), 1))});
         deliver({measured("S1"_q, {}, sample(2, december(20), 8.5))});
-        deliver({measured("S1"_q, {}, sample(3, december(21), 8.5)),
-                 measured("I1"_q, "10"_q, sample(1, december(21, 5), 3)),
-                 measured("I1"_q, "2.5"_q, sample(1, december(21, 5), -9)),
-                 measured("I1"_q, "1"_q, sample(1, december(21, 5), 6))});
+        deliver({measuredIn(otherCellId, "S1"_q, {}, sample(3, december(21), 8.5)),
+                 measuredIn(otherCellId, "I1"_q, "10"_q, sample(1, december(21, 5), 4)),
+                 measuredIn(otherCellId, "I1"_q, "2.5"_q, sample(1, december(21, 5), -8)),
+                 measuredIn(otherCellId, "I1"_q, "1"_q, sample(1, december(21, 5), 7))});
     }
 
-    RKAlarmCondition ofOurCell() const
+    RKAlarmCondition ofOurCells() const
     {
         RKAlarmCondition condition;
         condition.isAllCell = false;
-        condition.cellIds = QStringList{cellId};
+        condition.cellIds = QStringList{cellId, otherCellId};
         return condition;
     }
 
@@ -78,7 +91,7 @@ protected:
     RKAlarmDetailCondition ofLatest()
     {
         RKAlarmDetailCondition condition;
-        condition.alarmManId = idsOf(alarms(ofOurCell())).value(0);
+        condition.alarmManId = idsOf(alarms(ofOurCells())).value(0);
         return condition;
     }
 
@@ -90,6 +103,7 @@ protected:
     }
 
     QString cellId;
+    QString otherCellId;
 };
 
 } // namespace
@@ -99,23 +113,25 @@ TEST_F(AlarmContract, NoneWithinTheLimits)
     deliver({measured("S1"_q, {}, sample(1, december(18), 1))});
     deliver({measured("S1"_q, {}, sample(2, december(19), 3))});    // both limits are met, not passed
     deliver({measured("S9"_q, {}, sample(1, december(19), 1000))}); // in no group
-    EXPECT_EQ(countFound(ofOurCell()), 0);
-    EXPECT_TRUE(alarms(ofOurCell()).isEmpty());
+    EXPECT_EQ(countFound(ofOurCells()), 0);
+    EXPECT_TRUE(alarms(ofOurCells()).isEmpty());
 }
 
 TEST_F(AlarmContract, PagesHoldWhatIsCountedOnceNewestFirst)
 {
     raiseTwo();
-    EXPECT_EQ(countFound(ofOurCell()), 2);
-    const QList<RKAlarm> found = alarms(ofOurCell());
+    EXPECT_EQ(countFound(ofOurCells()), 2);
+    const QList<RKAlarm> found = alarms(ofOurCells());
     ASSERT_EQ(found.size(), 2);
     EXPECT_EQ(found[0].pointCounts, 2);
     EXPECT_EQ(found[1].pointCounts, 1);
     EXPECT_GE(found[0].alarmTime, found[1].alarmTime);
+    EXPECT_EQ(found[0].cellId, otherCellId);
+    EXPECT_EQ(found[0].cellName, mine("VI"_q));
+    EXPECT_EQ(found[1].cellId, cellId);
+    EXPECT_EQ(found[1].cellName, mine("VH"_q));
     for (const RKAlarm& alarm : found) {
         EXPECT_EQ(alarm.id.size(), 24);
-        EXPECT_EQ(alarm.cellId, cellId);
-        EXPECT_EQ(alarm.cellName, mine("VH"_q));
         EXPECT_EQ(alarm.subCategoryId, subCategories().first().id);
         EXPECT_TRUE(alarm.alarmTime.isValid());
     }
@@ -126,11 +142,11 @@ TEST_F(AlarmContract, FindsByMonitoringCategoryAndTime)
     raiseTwo();
     RKAlarmCondition named;
     named.name = minePattern("vh$"_q);
-    EXPECT_EQ(countFound(named), 2);
+    EXPECT_EQ(countFound(named), 1);
     named.name = minePattern("other"_q);
     EXPECT_EQ(countFound(named), 0);
 
-    RKAlarmCondition inCategory = ofOurCell();
+    RKAlarmCondition inCategory = ofOurCells();
     inCategory.isAllCategory = false;
     inCategory.categories = QStringList{category()};
     EXPECT_EQ(countFound(inCategory), 2);
@@ -142,8 +158,8 @@ TEST_F(AlarmContract, FindsByMonitoringCategoryAndTime)
     inCategory.categories = QStringList{mine("no such category"_q)};
     EXPECT_EQ(countFound(inCategory), 0);
 
-    RKAlarmCondition period = ofOurCell();
-    const QDateTime raised = alarms(ofOurCell()).first().alarmTime;
+    RKAlarmCondition period = ofOurCells();
+    const QDateTime raised = alarms(ofOurCells()).first().alarmTime;
     period.isAllTime = false;
     period.startTime = period.endTime = raised.addDays(-2);
     EXPECT_EQ(countFound(period), 0);
@@ -181,15 +197,14 @@ TEST_F(AlarmContract, DetailOfSeveralDepthsHasTheWorst)
     const QList<RKAlarmDetail> found = details(condition);
     ASSERT_EQ(found.size(), 2);
     EXPECT_EQ(found[1].pointName, "S1"_q);
-    const RKAlarmDetail& inclinometer = found[0];
-    EXPECT_EQ(inclinometer.pointName, "I1"_q);
-    EXPECT_TRUE(inclinometer.isThreeVar);
-    EXPECT_TRUE(inclinometer.isInclinometer);
-    EXPECT_EQ(inclinometer.depth, "2.5"_q);
-    EXPECT_EQ(inclinometer.totalVar, "-9"_q);
-    EXPECT_EQ(inclinometer.totalBeyound, 4);
-    EXPECT_TRUE(inclinometer.dayVar.isEmpty());
-    EXPECT_EQ(inclinometer.dayBeyound, 0);
+    const RKAlarmDetail& atDepths = found[0];
+    EXPECT_EQ(atDepths.pointName, "I1"_q);
+    EXPECT_TRUE(atDepths.isThreeVar);
+    EXPECT_EQ(atDepths.depth, "2.5"_q);
+    EXPECT_EQ(atDepths.totalVar, "-9"_q);
+    EXPECT_EQ(atDepths.totalBeyound, 4);
+    EXPECT_TRUE(atDepths.dayVar.isEmpty());
+    EXPECT_EQ(atDepths.dayBeyound, 0);
 }
 
 TEST_F(AlarmContract, DetailsByPointAndTimeOfMeasurement)
@@ -235,10 +250,12 @@ TEST_F(AlarmContract, GoWithTheirData)
 {
     raiseTwo();
     const RKAlarmDetailCondition condition = ofLatest();
-    for (const RKDataManage& dataManage : dataManagesOf(cellId)) {
-        ASSERT_TRUE(data.deletePointData(dataManage.id)) << lastErrorText();
+    for (const QString& cell : {cellId, otherCellId}) {
+        for (const RKDataManage& dataManage : dataManagesOf(cell)) {
+            ASSERT_TRUE(data.deletePointData(dataManage.id)) << lastErrorText();
+        }
     }
-    EXPECT_EQ(countFound(ofOurCell()), 0);
+    EXPECT_EQ(countFound(ofOurCells()), 0);
     int count = -1;
     EXPECT_FALSE(data.getAlarmDetailRangeCount(condition, count));
     EXPECT_EQ(count, 0);

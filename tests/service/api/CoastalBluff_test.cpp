@@ -67,8 +67,7 @@ protected:
             for (const char* const quantity : {"moisture", "rain", "air"}) {
                 session.documents(DocumentKind::SubCategory)
                     .insert("bluff", quantity,
-                            R"({"_id":")" + std::string(quantity) + R"(","projectId":"bluff","name":")" +
-                                quantity + R"(","category":"Settlement","alias":""})");
+                            toDocument(SubCategory{quantity, "bluff", quantity, "Settlement", ""}));
             }
         });
         grant(editor, "bluff", std::nullopt, Rights(Right::Read) | Right::Create);

@@ -24,8 +24,8 @@ protected:
 
     std::string point(const std::string& name, const std::string& data = samples) const
     {
-        return R"({"cellId":")" + cell + R"(","subCategoryId":"s1","name":")" + name + R"(","data":)" + data +
-               "}";
+        return R"({"cellId":")" + cell + R"(","subCategoryId":"s1","name":")" + name +
+               R"(","initialValue":-3,"data":)" + data + "}";
     }
     RawAnswer deliver(const std::string& body) const { return call(editor, "POST", "pointLocations", body); }
 
@@ -62,7 +62,10 @@ TEST_F(DeliveryResource, DeliveryIsAnsweredWithItsPoints)
                 ::testing::ElementsAre("2015-12-21T12:00:00.000-08:00", ""));
     EXPECT_EQ(answer.body.find("\"data\""), std::string::npos);
     EXPECT_EQ(numberOfSamples(), 1U);
-    EXPECT_EQ(deliver("[" + point("W1") + "," + point("W2", "[]") + "]").body, answer.body);
+    EXPECT_THAT(membersOf(answer.body, "isNew"), ::testing::ElementsAre("true", "true"));
+    const RawAnswer again = deliver("[" + point("W1") + "," + point("W2", "[]") + "]");
+    EXPECT_THAT(membersOf(again.body, "isNew"), ::testing::ElementsAre("false", "false"));
+    EXPECT_THAT(membersOf(again.body, "unchanged"), ::testing::ElementsAre("1", "0"));
     EXPECT_EQ(number(DocumentKind::History), 1U);
 }
 
@@ -165,8 +168,7 @@ TEST_F(DeliveryResource, OtherDataOfTheMonitoringStay)
 {
     write([](Session& session) {
         session.documents(DocumentKind::SubCategory)
-            .insert("p1", "s2",
-                    R"({"_id":"s2","projectId":"p1","name":"Tilt","category":"Settlement","alias":""})");
+            .insert("p1", "s2", toDocument(SubCategory{"s2", "p1", "Tilt", "Settlement", ""}));
     });
     deliver("[" + point("W1") + "]");
     const std::string first = dataManage();

@@ -35,12 +35,12 @@ TEST_F(Kill, LosesNothingThatWasAnsweredAndLeavesNothingInPart)
     const DeliveryTally sum = tally();
     EXPECT_GT(sum.answered, static_cast<std::size_t>(cycles) * 2);
     EXPECT_EQ(sum.refused, 0U);
-    std::size_t alarms = 0;
+    std::size_t excesses = 0;
     for (const auto& client : clients) {
-        alarms += client->model().alarms().size();
+        excesses += client->model().excesses().size();
     }
-    EXPECT_GT(alarms, 0U);
-    print("kill -9, " + std::to_string(done) + " times, " + std::to_string(alarms) + " alarms raised", sum);
+    EXPECT_GT(excesses, 0U);
+    print("kill -9, " + std::to_string(done) + " times, " + std::to_string(excesses) + " excesses", sum);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "DeliveringClient.h"
 #include "access/Secret.h"
+#include "domain/AlarmDetail.h"
 #include "domain/Group.h"
 #include "domain/SubCategory.h"
 #include "json/JsonText.h"
@@ -12,10 +13,12 @@
 #include <simdjson.h>
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 
 namespace monitorservice::test {
 
@@ -95,9 +98,11 @@ void addPoint(std::vector<std::string>& lines, const PointKey& key, const SiteMo
     }
 }
 
-std::string historyText(std::size_t target, const std::string& file, std::int64_t inserted)
+std::string historyText(std::size_t target, const std::string& file, std::int64_t inserted,
+                        std::int64_t corrected)
 {
-    return "history " + std::to_string(target) + ' ' + file + " inserted " + std::to_string(inserted);
+    return "history " + std::to_string(target) + ' ' + file + " inserted " + std::to_string(inserted) +
+           " corrected " + std::to_string(corrected);
 }
 
 std::vector<std::string> expectedLines(const std::vector<const SiteModel*>& models)
@@ -108,11 +113,12 @@ std::vector<std::string> expectedLines(const std::vector<const SiteModel*>& mode
             addPoint(lines, key, point);
         }
         for (const SiteModel::History& history : model->histories()) {
-            lines.push_back(
-                historyText(history.target, history.fileId, static_cast<std::int64_t>(history.inserted)));
+            lines.push_back(historyText(history.target, history.fileId,
+                                        static_cast<std::int64_t>(history.inserted),
+                                        static_cast<std::int64_t>(history.corrected)));
         }
-        for (const std::string& alarm : model->alarms()) {
-            lines.push_back("alarm " + alarm);
+        for (const std::string& excess : model->excesses()) {
+            lines.push_back("excess " + excess);
         }
     }
     return lines;
@@ -160,6 +166,9 @@ public:
         for (const std::string& alarm : documentsOf(m_session, m_site.project, DocumentKind::Alarm)) {
             readAlarm(alarm);
         }
+        for (const auto& [name, worst] : m_worst) {
+            m_lines.push_back("excess " + worstText(name.first, name.second, worst.first, worst.second));
+        }
         return std::move(m_lines);
     }
 
@@ -172,8 +181,8 @@ private:
     void readPoint(const HeldPoint& point)
     {
         const simdjson::dom::element object = m_parser.parse(point.document);
-        const std::string name =
-            pointText({targetIn(object), textIn(object, "name"), textIn(object, "depth")});
+        const PointKey key{targetIn(object), textIn(object, "name"), textIn(object, "depth")};
+        const std::string name = pointText(key);
         m_lines.push_back("point " + name + " initial " + numberText(object["initialValue"].get_double()) +
                           " inserted " + std::to_string(integerIn(object, "insertCount")) + " last " +
                           std::to_string(integerIn(object, "lastCount")) + ' ' + textIn(object, "lastDate"));
@@ -188,6 +197,9 @@ private:
                               sampleText({day.time, day.count}, {day.value, {}, day.offsetMinutes}) + " of " +
                               std::to_string(day.samples));
         }
+        for (const ReadingInExcess& reading : point.excesses) {
+            m_lines.push_back("excess " + excessText(key, {reading.time, reading.count}));
+        }
     }
 
     void readHistory(const std::string& dataManage)
@@ -197,56 +209,31 @@ private:
         for (const std::string& history :
              documentsOfParent(m_session, m_site, DocumentKind::History, textIn(object, "_id"))) {
             const simdjson::dom::element entry = m_parser.parse(history);
-            m_lines.push_back(historyText(target, textIn(entry, "fileId"), integerIn(entry, "insertCount")));
+            m_lines.push_back(historyText(target, textIn(entry, "fileId"), integerIn(entry, "insertCount"),
+                                          integerIn(entry, "correctCount")));
         }
     }
 
+    // The worst of each name, whatever day it was found on.
     void readAlarm(const std::string& document)
     {
         const simdjson::dom::element object = m_parser.parse(document);
-        std::string alarm = "alarm " + std::to_string(targetIn(object));
-        for (const std::string& detail : documentsOfParent(m_session, m_site, DocumentKind::AlarmDetail,
-                                                           textIn(object, "_id"), "pointName")) {
-            alarm += detailOf(detail);
+        const std::size_t target = targetIn(object);
+        for (const std::string& text : documentsOfParent(m_session, m_site, DocumentKind::AlarmDetail,
+                                                         textIn(object, "_id"), "pointName")) {
+            const auto detail = fromDocument<AlarmDetail>(text);
+            const double inUnit = detail.dayVariationType == 1 ? std::abs(detail.reference) / 100 : 1;
+            auto& [total, daily] = m_worst[{target, detail.point}];
+            total = std::max(total, detail.totalExcess);
+            daily = std::max(daily, detail.dailyExcess * inUnit);
         }
-        m_lines.push_back(alarm);
-    }
-
-    std::string detailOf(const std::string& document) const
-    {
-        simdjson::dom::parser parser;
-        const simdjson::dom::element object = parser.parse(document);
-        const std::string day = textIn(object, "dayVar");
-        return alarmDetailText(
-            textIn(object, "pointName"), textIn(object, "depth"), std::stod(textIn(object, "totalVar")),
-            day.empty() ? std::nullopt : std::optional(std::stod(day)), object["totalBeyound"].get_double(),
-            object["dayBeyound"].get_double(), integerIn(object, "monitorCount"),
-            textIn(object, "monitorTime"), depthsOf(textIn(object, "_id")));
-    }
-
-    std::string depthsOf(const std::string& detail) const
-    {
-        std::map<std::string, std::string> byDepth;
-        simdjson::dom::parser parser;
-        for (const std::string& document :
-             documentsOfParent(m_session, m_site, DocumentKind::AlarmDepth, detail)) {
-            const simdjson::dom::element object = parser.parse(document);
-            const std::string depth = textIn(object, "depth");
-            byDepth[depth] +=
-                alarmDepthText(depth, object["totalValue"].get_double(), integerIn(object, "monitorCount"),
-                               textIn(object, "monitorTime"));
-        }
-        std::string depths;
-        for (const auto& [depth, text] : byDepth) {
-            depths += text;
-        }
-        return depths;
     }
 
     const Session& m_session;
     const Site& m_site;
     simdjson::dom::parser m_parser;
     std::vector<std::string> m_lines;
+    std::map<std::pair<std::size_t, std::string>, std::pair<double, double>> m_worst;
 };
 
 // What contradicts itself in a store.
@@ -273,8 +260,16 @@ public:
         for (const std::string& alarm : documentsOf(m_session, m_site.project, DocumentKind::Alarm)) {
             const simdjson::dom::element object = m_parser.parse(alarm);
             const std::string id = textIn(object, "_id");
-            const auto details = documentsOfParent(m_session, m_site, DocumentKind::AlarmDetail, id).size();
-            check(integerIn(object, "pointCounts") == static_cast<std::int64_t>(details),
+            std::set<std::string> names;
+            for (const std::string& text :
+                 documentsOfParent(m_session, m_site, DocumentKind::AlarmDetail, id)) {
+                const auto detail = fromDocument<AlarmDetail>(text);
+                names.insert(detail.point);
+                const auto depths = documentsOfParent(m_session, m_site, DocumentKind::AlarmDepth, detail.id);
+                check(detail.hasDepths == !depths.empty(), "depths of alarm detail " + detail.id);
+            }
+            check(integerIn(object, "pointCounts") == static_cast<std::int64_t>(names.size()) &&
+                      !names.empty(),
                   "points of alarm " + id);
         }
         return std::move(m_found);
@@ -372,9 +367,11 @@ Site makeSite(Store& store, std::size_t clients)
         session->categories().add(category);
         const std::string subCategory = session->newIdentifier();
         session->documents(DocumentKind::SubCategory)
-            .insert(
-                site.project, subCategory,
-                toDocument(SubCategory{subCategory, site.project, "Level " + subCategory, category, "L"}));
+            .insert(site.project, subCategory,
+                    toDocument(SubCategory{subCategory, site.project, "Level " + subCategory, category, "L",
+                                           category == std::string("Inclinometer")
+                                               ? SubCategoryKind::Inclinometer
+                                               : SubCategoryKind::Settlement}));
         const std::string cell = session->newIdentifier();
         session->documents(DocumentKind::Cell)
             .insert(site.project, cell, cellJson(cell, site.project, category));

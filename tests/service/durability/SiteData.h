@@ -25,7 +25,7 @@ std::set<std::string> heldFiles(Store& store, const Site& site);
 std::vector<std::string> flawsOf(const std::filesystem::path& file, const Site& site);
 
 /// What a data file holds otherwise than the models of all clients together say, one line for each sample,
-/// day, point, delivery and alarm. Empty when it holds just that.
+/// day, point, delivery and excess. Empty when it holds just that.
 std::vector<std::string> differences(const std::filesystem::path& file, const Site& site,
                                      const std::vector<const SiteModel*>& models);
 

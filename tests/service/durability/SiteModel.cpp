@@ -1,5 +1,6 @@
 #include "SiteModel.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -37,36 +38,28 @@ std::string pointJson(const SentDelivery::Point& point, const SentDelivery& deli
     return json + "]}";
 }
 
-struct Variations
+// By how much a reading passes the limits of a group.
+struct Excesses
 {
     double total = 0;
-    std::optional<double> day;
-    double totalBeyond = 0;
-    double dayBeyond = 0;
-    double severity = 0;
+    double daily = 0; // in the unit of the values
 };
 
-Variations variationsOf(double initial, const SiteModel::Day& day,
-                        const std::optional<std::pair<std::int64_t, SiteModel::Day>>& before,
-                        std::int64_t number, const GroupLimits& limits)
+double beyond(double amount, double limit, double value)
 {
-    Variations result;
-    result.total = day.value.value - initial;
-    if (before && (limits.dayVarType == 0 || initial != 0)) {
-        result.day =
-            (day.value.value - before->second.value.value) / static_cast<double>(number - before->first);
-        if (limits.dayVarType == 1) {
-            *result.day = *result.day / std::abs(initial) * 100;
-        }
+    const bool isOver = limit > 0 && amount > limit + 1e-9 * std::max(limit, std::abs(value));
+    return isOver ? amount - limit : 0;
+}
+
+Excesses excessesOf(double reference, double value, const std::optional<double>& perDay,
+                    const GroupLimits& limits)
+{
+    Excesses result;
+    result.total = beyond(std::abs(value - reference), limits.totalVar, value);
+    if (perDay) {
+        const double ofPercent = limits.dayVarType == 1 ? std::abs(reference) / 100 : 1;
+        result.daily = beyond(std::abs(*perDay), limits.dayVarValue * ofPercent, value);
     }
-    const auto compare = [&result](double variation, double limit, double& beyond) {
-        if (limit > 0) {
-            beyond = std::max(std::abs(variation) - limit, 0.0);
-            result.severity = std::max(result.severity, std::abs(variation) / limit);
-        }
-    };
-    compare(result.total, limits.totalVar, result.totalBeyond);
-    compare(result.day.value_or(0), limits.dayVarValue, result.dayBeyond);
     return result;
 }
 
@@ -82,20 +75,11 @@ bool SampleKey::operator<(const SampleKey& other) const
     return std::tie(time, count) < std::tie(other.time, other.count);
 }
 
-// The days of one point that a delivery has brought anything new of.
-struct SiteModel::NewDays
+struct SiteModel::Worst
 {
-    PointKey point;
-    std::int64_t first = 0;
-    std::int64_t last = 0;
-};
-
-struct SiteModel::Excess
-{
-    PointKey point;
-    std::int64_t number = 0;
-    Day day;
-    Variations variations;
+    std::size_t target = 0;
+    double total = 0;
+    double daily = 0;
 };
 
 std::string timeText(std::int64_t milliseconds, std::optional<int> offsetMinutes)
@@ -124,19 +108,17 @@ std::string numberText(double number)
     return text.data();
 }
 
-std::string alarmDepthText(const std::string& depth, double total, std::int64_t count,
-                           const std::string& time)
+std::string excessText(const PointKey& point, const SampleKey& sample)
 {
-    return " {" + depth + ' ' + numberText(total) + ' ' + std::to_string(count) + ' ' + time + '}';
+    return std::to_string(point.target) + ' ' + point.name + '(' + point.depth + ") " +
+           std::to_string(sample.time) + ' ' + std::to_string(sample.count);
 }
 
-std::string alarmDetailText(const std::string& name, const std::string& depth, double total,
-                            std::optional<double> day, double totalBeyond, double dayBeyond,
-                            std::int64_t count, const std::string& time, const std::string& depths)
+std::string worstText(std::size_t target, const std::string& name, double totalExcess, double dailyExcess)
 {
-    return " [" + name + " depth " + depth + " total " + numberText(total) + " day " +
-           (day ? numberText(*day) : "none") + " beyond " + numberText(totalBeyond) + ' ' +
-           numberText(dayBeyond) + " at " + std::to_string(count) + ' ' + time + depths + ']';
+    std::array<char, 64> amounts{};
+    std::snprintf(amounts.data(), amounts.size(), "%.8g %.8g", totalExcess, dailyExcess);
+    return std::to_string(target) + ' ' + name + " by " + amounts.data();
 }
 
 std::string toJson(const SentDelivery& delivery, const Site& site, bool isNested)
@@ -163,121 +145,85 @@ std::map<std::int64_t, SiteModel::Day> SiteModel::daysOf(const Samples& samples)
 
 void SiteModel::apply(const SentDelivery& delivery)
 {
-    std::vector<std::size_t> order;
     std::map<std::size_t, History> histories;
-    std::map<std::size_t, std::vector<NewDays>> evaluated;
     std::map<std::size_t, bool> changed;
     for (const SentDelivery::Point& sent : delivery.points) {
         const std::size_t target = sent.key.target;
-        History& history =
-            histories.try_emplace(target, History{target, delivery.fileId, 0, 0}).first->second;
-        if (const std::optional<NewDays> days = merge(sent, history, changed[target])) {
-            evaluated[target].push_back(*days);
-        }
+        History& history = histories.try_emplace(target, History{target, delivery.fileId}).first->second;
+        changed[target] = merge(sent, history) || changed[target];
     }
     for (const auto& [target, history] : histories) {
         if (changed[target]) {
             m_histories.push_back(history);
-            raiseAlarm(target, evaluated[target]);
         }
     }
 }
 
-std::optional<SiteModel::NewDays> SiteModel::merge(const SentDelivery::Point& sent, History& history,
-                                                   bool& isChanged)
+// Gives whether anything is different from before.
+bool SiteModel::merge(const SentDelivery::Point& sent, History& history)
 {
     const auto [found, isNew] = m_points.try_emplace(sent.key);
     Point& point = found->second;
-    isChanged = isChanged || isNew;
+    bool isChanged = isNew;
     if (sent.initialValue != 0 && sent.initialValue != point.initialValue) {
         point.initialValue = sent.initialValue;
         isChanged = true;
     }
-    std::optional<NewDays> days;
     history.rows += sent.samples.size();
     for (const auto& [key, value] : sent.samples) {
-        const auto latest = point.samples.empty() ? SampleKey() : point.samples.rbegin()->first;
         const auto [held, isInserted] = point.samples.try_emplace(key, value);
         if (!isInserted && held->second.value == value.value && held->second.timeFlag == value.timeFlag) {
             continue;
         }
         isChanged = true;
-        history.inserted += isInserted ? 1 : 0;
+        (isInserted ? history.inserted : history.corrected) += 1;
         held->second.value = value.value;
         held->second.timeFlag = value.timeFlag;
-        if (!(key < latest)) {
-            days = NewDays{sent.key, days ? days->first : dayOf(key), dayOf(key)};
-        }
     }
-    return days;
+    return isChanged;
 }
 
-std::optional<SiteModel::Excess> SiteModel::worstOf(const NewDays& days) const
+std::vector<std::string> SiteModel::excesses() const
 {
-    const Point& point = m_points.at(days.point);
-    std::optional<Excess> worst;
-    std::optional<std::pair<std::int64_t, Day>> before;
-    for (const auto& [number, day] : daysOf(point.samples)) {
-        if (number >= days.first && number <= days.last) {
-            for (const GroupLimits& limits : m_site->groups.at(days.point.target)) {
-                const Variations found = variationsOf(point.initialValue, day, before, number, limits);
-                const bool isOver = found.totalBeyond > 0 || found.dayBeyond > 0;
-                if (isOver && (!worst || found.severity > worst->variations.severity)) {
-                    worst = Excess{days.point, number, day, found};
-                }
-            }
-        }
-        before = {number, day};
-    }
-    return worst;
-}
-
-void SiteModel::raiseAlarm(std::size_t target, const std::vector<NewDays>& evaluated)
-{
-    std::map<std::string, Excess> byName;
-    for (const NewDays& days : evaluated) {
-        if (Site::isWithoutLimits(days.point.name)) {
-            continue;
-        }
-        if (const std::optional<Excess> found = worstOf(days)) {
-            const auto [worst, isFirst] = byName.try_emplace(found->point.name, *found);
-            if (!isFirst && found->variations.severity > worst->second.variations.severity) {
-                worst->second = *found;
-            }
-        }
-    }
-    if (byName.empty()) {
-        return;
-    }
-    std::string text = std::to_string(target);
-    for (const auto& [name, excess] : byName) {
-        const Variations& found = excess.variations;
-        const Day& day = excess.day;
-        text += alarmDetailText(name, excess.point.depth, found.total, found.day, found.totalBeyond,
-                                found.dayBeyond, day.last.count,
-                                timeText(day.last.time, day.value.offsetMinutes), depthsText(excess));
-    }
-    m_alarms.push_back(text);
-}
-
-std::string SiteModel::depthsText(const Excess& excess) const
-{
-    std::string text;
-    std::size_t depths = 0;
+    std::vector<std::string> texts;
+    std::map<std::string, Worst> worst;
     for (const auto& [key, point] : m_points) {
-        if (key.target != excess.point.target || key.name != excess.point.name) {
-            continue;
-        }
-        const std::map<std::int64_t, Day> days = daysOf(point.samples);
-        const auto after = days.upper_bound(excess.number);
-        if (after != days.begin()) {
-            const Day& day = std::prev(after)->second;
-            text += alarmDepthText(key.depth, day.value.value - point.initialValue, day.last.count,
-                                   timeText(day.last.time, day.value.offsetMinutes));
-            ++depths;
+        if (!Site::isWithoutLimits(key.name)) {
+            judge(key, point, worst, texts);
         }
     }
-    return depths > 1 ? text : std::string();
+    for (const auto& [place, excess] : worst) {
+        const std::string name = place.substr(place.find(' ') + 1);
+        texts.push_back(worstText(excess.target, name, excess.total, excess.daily));
+    }
+    return texts;
+}
+
+void SiteModel::judge(const PointKey& key, const Point& point, std::map<std::string, Worst>& worst,
+                      std::vector<std::string>& texts) const
+{
+    const std::map<std::int64_t, Day> days = daysOf(point.samples);
+    for (const auto& [sample, value] : point.samples) {
+        const double reference =
+            point.initialValue != 0 ? point.initialValue : point.samples.begin()->second.value;
+        const auto day = days.find(dayOf(sample));
+        std::optional<double> perDay;
+        if (day != days.begin()) {
+            const auto before = std::prev(day);
+            perDay =
+                (value.value - before->second.value.value) / static_cast<double>(day->first - before->first);
+        }
+        Excesses found;
+        for (const GroupLimits& limits : m_site->groups.at(key.target)) {
+            const Excesses excesses = excessesOf(reference, value.value, perDay, limits);
+            found = {std::max(found.total, excesses.total), std::max(found.daily, excesses.daily)};
+        }
+        if (found.total > 0 || found.daily > 0) {
+            texts.push_back(excessText(key, sample));
+            Worst& ofName = worst[std::to_string(key.target) + ' ' + key.name];
+            ofName = {key.target, std::max(ofName.total, found.total), std::max(ofName.daily, found.daily)};
+        }
+    }
 }
 
 } // namespace monitorservice::test

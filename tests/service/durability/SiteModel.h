@@ -86,7 +86,7 @@ struct SentDelivery
 std::string toJson(const SentDelivery& delivery, const Site& site, bool isNested);
 
 /// What the service must hold after some deliveries: computed from the description of deliveries, days and
-/// alarms, without the service's code. Only one client writes the points of a model; several share the
+/// limits, without the service's code. Only one client writes the points of a model; several share the
 /// targets.
 class SiteModel
 {
@@ -103,6 +103,7 @@ public:
         std::string fileId;
         std::size_t rows = 0;
         std::size_t inserted = 0;
+        std::size_t corrected = 0;
     };
 
     /// What is known of a day: its last sample, and how many it has.
@@ -119,35 +120,30 @@ public:
 
     const std::map<PointKey, Point>& points() const { return m_points; }
     const std::vector<History>& histories() const { return m_histories; }
-    /// One text for each alarm with all its details; equal texts are equal alarms.
-    const std::vector<std::string>& alarms() const { return m_alarms; }
+    /// A text for each reading that is in excess, and one for each point name with its greatest excesses.
+    std::vector<std::string> excesses() const;
 
     static std::map<std::int64_t, Day> daysOf(const Samples& samples);
 
 private:
-    struct NewDays;
-    struct Excess;
+    struct Worst;
 
-    std::optional<NewDays> merge(const SentDelivery::Point& sent, History& history, bool& isChanged);
-    std::optional<Excess> worstOf(const NewDays& days) const;
-    void raiseAlarm(std::size_t target, const std::vector<NewDays>& evaluated);
-    std::string depthsText(const Excess& excess) const;
+    bool merge(const SentDelivery::Point& sent, History& history);
+    void judge(const PointKey& key, const Point& point, std::map<std::string, Worst>& worst,
+               std::vector<std::string>& texts) const;
 
     const Site* m_site;
     std::map<PointKey, Point> m_points;
     std::vector<History> m_histories;
-    std::vector<std::string> m_alarms;
 };
 
 /// "2026-01-05T10:15:00.000+05:30", or with "Z".
 std::string timeText(std::int64_t milliseconds, std::optional<int> offsetMinutes);
 /// Digits that tell any two numbers apart.
 std::string numberText(double number);
-/// How alarms() and the inspection of a data file write a depth and a detail.
-std::string alarmDepthText(const std::string& depth, double total, std::int64_t count,
-                           const std::string& time);
-std::string alarmDetailText(const std::string& name, const std::string& depth, double total,
-                            std::optional<double> day, double totalBeyond, double dayBeyond,
-                            std::int64_t count, const std::string& time, const std::string& depths);
+/// How excesses() and the inspection of a data file write a reading, and the worst of a name; the daily
+/// excess is in the unit of the values.
+std::string excessText(const PointKey& point, const SampleKey& sample);
+std::string worstText(std::size_t target, const std::string& name, double totalExcess, double dailyExcess);
 
 } // namespace monitorservice::test

@@ -176,8 +176,8 @@ TEST_P(PointMeasurements, DepthIsFoundHoweverItsNumberIsSpelt)
     // The same as "2.50" in numbers of 64 bits, and another depth still.
     insert("f", "2.5000000000000000000001");
     const auto found = [this](const std::string& depth) {
-        const auto point = measurements().findPoint("c", "s", "I1", depth);
-        return point ? point->id : std::string("none");
+        const auto stored = measurements().findPoint("c", "s", "I1", depth);
+        return stored ? stored->id : std::string("none");
     };
     for (const char* const depth : {"2.5", "2.50", "+2.5", "02.500"}) {
         EXPECT_EQ(found(depth), "a") << depth;
