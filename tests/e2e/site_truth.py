@@ -23,7 +23,8 @@ from decimal import Decimal
 from fractions import Fraction
 
 Sample = collections.namedtuple("Sample", "time count value")  # time aware, with its offset; value Decimal
-Candidate = collections.namedtuple("Candidate", "ratio depth sample total daily total_over daily_over tolerance")
+# A reading by the limits of one group; in_unit is by how much the daily variation is over in the unit of the values.
+Judged = collections.namedtuple("Judged", "depth sample total daily total_over daily_over in_unit tolerance")
 
 differences = []
 
@@ -71,13 +72,8 @@ class Measured:
         self.points = collections.defaultdict(list)  # by (name, depth)
 
     def add(self, points):
-        """Takes a delivery in; returns the days of each point that lie behind, or end behind, what was held."""
-        new_days = {}
         for key, samples in points.items():
-            held = max((sample.time for sample in self.points[key]), default=None)
-            new_days[key] = sorted({self.day(sample) for sample in samples if held is None or sample.time > held})
             self.points[key] = by_time(self.points[key] + samples)
-        return new_days
 
     def day(self, sample):
         return sample.time.astimezone(self.zone).date()
@@ -92,65 +88,76 @@ class Measured:
 
 # ---- Alarms -------------------------------------------------------------------------------------------------------
 
-def over(variation, limit):
-    return max(abs(variation) - limit, Fraction(0)) if limit and variation is not None else Fraction(0)
+def over(variation, limit, value):
+    """By how much a variation passes its limit; what may come of binary fractions does not."""
+    excess = abs(variation) - limit
+    return excess if limit and excess > Fraction(1, 10**9) * max(limit, abs(value)) else Fraction(0)
 
 
-def candidate(group, depth, initial, sample, before):
-    """The variations of one day by one group. `before`: last sample of the measured day before, and days between."""
-    initial, latest = Fraction(initial), Fraction(sample.value)
+def judge(group, depth, reference, sample, before):
+    """The variations of a reading by one group. `before`: last sample of the measured day before, and days between."""
+    reference, value = Fraction(reference), Fraction(sample.value)
     is_percent = group.get("dailyIn") == "percent"
-    largest = max(abs(initial), abs(latest))
-    total, daily, scale = latest - initial, None, Fraction(1)
-    if before is not None and not (is_percent and initial == 0):
-        scale = 100 / abs(initial) if is_percent else scale
+    total, daily, daily_over, in_unit = value - reference, None, Fraction(0), Fraction(0)
+    largest, scale = max(abs(reference), abs(value)), Fraction(1)
+    if before is not None and not (is_percent and reference == 0):
+        scale = 100 / abs(reference) if is_percent else scale
         largest = max(largest, abs(Fraction(before[0].value)))
-        daily = (latest - Fraction(before[0].value)) / before[1] * scale
-    total_limit, daily_limit = Fraction(group.get("totalLimit", 0)), Fraction(group.get("dailyLimit", 0))
-    ratio = max(abs(total) / total_limit if total_limit else 0,
-                abs(daily) / daily_limit if daily_limit and daily is not None else 0)
-    # The service counts in binary floating point: it may be off by a few units in the last place of what it subtracts.
-    tolerance = 8 * Fraction(sys.float_info.epsilon) * largest * max(scale, 1)
-    return Candidate(ratio, depth, sample, total, daily, over(total, total_limit), over(daily, daily_limit), tolerance)
+        per_day = (value - Fraction(before[0].value)) / before[1]
+        in_unit = over(per_day, Fraction(group.get("dailyLimit", 0)) / scale, value)
+        daily, daily_over = per_day * scale, in_unit * scale
+    # Twelve significant digits of what is subtracted.
+    tolerance = Fraction(2, 10**12) * largest * max(scale, 1) * 10
+    return Judged(depth, sample, total, daily, over(total, Fraction(group.get("totalLimit", 0)), value), daily_over,
+                  in_unit, tolerance)
 
 
-def candidates_of(measured, key, days, groups):
+def judge_point(measured, key, groups):
+    """Every reading of a point by every group that lists it, when it is over a limit."""
     last = measured.last_of_days(key)
     measured_days = sorted(last)
-    for day in days:
-        place = measured_days.index(day)
-        before = (last[measured_days[place - 1]], (day - measured_days[place - 1]).days) if place else None
+    place = {day: number for number, day in enumerate(measured_days)}
+    for sample in measured.points[key]:
+        number = place[measured.day(sample)]
+        before = None
+        if number:
+            day_before = measured_days[number - 1]
+            before = last[day_before], (measured_days[number] - day_before).days
         for group in groups:
             if key[0] in group["points"]:
-                yield candidate(group, key[1], measured.initial(key), last[day], before)
+                one = judge(group, key[1], measured.initial(key), sample, before)
+                if one.total_over or one.daily_over:
+                    yield one
 
 
-def alarm_of(measured, new_days, groups):
-    """For each point name over a limit the worst candidates; several when equally bad. Empty: no alarm."""
-    worst = {}
-    for key, days in new_days.items():
-        for one in candidates_of(measured, key, days, groups):
-            if not (one.total_over or one.daily_over):
-                continue
-            known = worst.setdefault(key[0], [one])
-            if one.ratio > known[0].ratio:
-                worst[key[0]] = [one]
-            elif one.ratio == known[0].ratio and one is not known[0]:
-                known.append(one)
-    return worst
+def excesses_of(measured, groups):
+    """All that is over a limit, by point name."""
+    found = collections.defaultdict(list)
+    for key in measured.points:
+        for one in judge_point(measured, key, groups):
+            found[key[0]].append(one)
+    return found
 
 
-def depths_at(measured, name, day):
-    """(depth, sample, total) of each depth as last measured by that day, rising; empty for a point of one depth."""
+def depths_at(measured, name, measurement):
+    """(depth, sample, total) of each depth, rising, as of a measurement: the sample of its time and count, or the last
+    one by that day."""
     found = []
     for key in sorted((key for key in measured.points if key[0] == name), key=by_depth):
-        last = [sample for of_day, sample in sorted(measured.last_of_days(key).items()) if of_day <= day]
-        if last:
-            found.append((key[1], last[-1], Fraction(last[-1].value) - Fraction(measured.initial(key))))
-    return found if len(found) > 1 else []
+        same = [sample for sample in measured.points[key]
+                if (sample.time, sample.count) == (measurement.time, measurement.count)]
+        by_then = [sample for of_day, sample in sorted(measured.last_of_days(key).items())
+                   if of_day <= measured.day(measurement)]
+        for sample in (same or by_then)[-1:]:
+            found.append((key[1], sample, Fraction(sample.value) - Fraction(measured.initial(key))))
+    return found
 
 
 # ---- The service and rkmon ----------------------------------------------------------------------------------------
+
+def kind_of(sub_category):
+    return "inclinometer" if sub_category["alias"] == "IN" else "other"
+
 
 class Service:
     def __init__(self, arguments, folder):
@@ -170,7 +177,7 @@ class Service:
         self.admin("category", "add", *site["categories"])
         for known in site["subCategories"]:
             self.admin("subcategory", "create", "--project", project, "--category", known["category"],
-                       "--name", known["name"], "--alias", known["alias"])
+                       "--name", known["name"], "--alias", known["alias"], "--kind", kind_of(known))
         token = json.loads(self.admin("token", "create", "--owner", "Surveyor", "--json"))
         self.admin("grant", "--token", token["_id"], "--project", project, "--role", "editor")
         token_file = self.folder / "token"
@@ -251,37 +258,62 @@ def is_detail(detail, one):
             and bool(detail["dayBeyound"]) == bool(one.daily_over))
 
 
-def compare_depths(service, detail, expected, what):
-    expect((detail["isThreeVar"], detail["isInclinometer"]), (bool(expected),) * 2, f"depth marks of {what}")
+def compare_depths(service, detail, expected, is_inclinometer, what):
+    has_depths = len(expected) > 1 or (is_inclinometer and bool(detail["depth"]))
+    expect((detail["isThreeVar"], detail["isInclinometer"]), (has_depths, is_inclinometer), f"depth marks of {what}")
     answered = service.rkmon("alarm", "depths", detail["id"])
+    expected = expected if has_depths else []
     expect([(row["pointName"], row["depth"], told(row["monitorTime"]), row["monitorCount"]) for row in answered],
            [(detail["pointName"], depth, told(sample.time), sample.count) for depth, sample, _ in expected],
            f"depths of {what}")
     for row, (depth, sample, total) in zip(answered, expected):
-        tolerance = 8 * Fraction(sys.float_info.epsilon) * (abs(Fraction(sample.value)) + abs(total))
+        tolerance = Fraction(2, 10**11) * (abs(Fraction(sample.value)) + abs(total))
         if not is_near(row["totalValue"], total, tolerance):
             expect(row["totalValue"], float(total), f"total variation at depth {depth} of {what}")
     return len(answered)
 
 
-def compare_alarms(service, target, expected):
-    """`expected`, oldest first: the worst candidates by point name, and the depths of a name on a day."""
-    answered = list(reversed(service.rkmon("alarm", "list", "--cell", target[0], "--sub-category", target[1])))
-    expect(len(answered), len(expected), f"number of alarms of {target}")
+def compare_name(details, judged, what):
+    """The details of one point name in one alarm: the worst of its readings by the total and by the daily variation."""
+    total, in_unit = max(one.total_over for one in judged), max(one.in_unit for one in judged)
+    told_of = [[one for one in judged if is_detail(detail, one)] for detail in details]
+    expect([bool(found) for found in told_of], [True] * len(details), f"details that are in excess, of {what}")
+    shown = [found[0] for found in told_of if found]
+    tolerance = max(one.tolerance for one in judged)
+    expect(max((one.total_over for one in shown), default=0) >= total - tolerance, True, f"greatest total of {what}")
+    expect(max((one.in_unit for one in shown), default=0) >= in_unit - tolerance, True, f"greatest daily of {what}")
+    expect(len(details) <= 2, True, f"two details at most of {what}")
+    if len(shown) == 2:
+        expect(all(one.total_over < total - tolerance or one.in_unit < in_unit - tolerance for one in shown), True,
+               f"one detail where one reading is the worst in both ways, of {what}")
+
+
+def compare_alarms(service, target, judged, depths, is_inclinometer):
+    """`judged`: what is over a limit by point name. Readings stand in the alarm of the day on which they were found:
+    of a site that was delivered around midnight only what its alarms say together is known."""
+    alarms = service.rkmon("alarm", "list", "--cell", target[0], "--sub-category", target[1])
+    expect(bool(alarms), bool(judged), f"alarms of {target}")
+    expect(len(alarms) <= 2, True, f"one alarm of {target} a day")
     detail_count = depth_count = 0
-    for alarm, (worst, depths) in zip(answered, expected):
-        expect((alarm["cellName"], alarm["pointCounts"]), (target[0], len(worst)), f"alarm of {target}")
+    by_name = collections.defaultdict(list)
+    for alarm in alarms:
         details = service.rkmon("alarm", "detail", alarm["id"])
-        expect([detail["pointName"] for detail in details], sorted(worst), f"points in alarm of {target}")
+        expect((alarm["cellName"], alarm["pointCounts"]), (target[0], len({one["pointName"] for one in details})),
+               f"alarm of {target}")
+        expect([one["pointName"] for one in details], sorted(one["pointName"] for one in details),
+               f"order of the details of {target}")
         for detail in details:
-            what = f"{detail['pointName']} in an alarm of {target}"
-            matching = [one for one in worst.get(detail["pointName"], []) if is_detail(detail, one)]
-            if not matching:
-                differences.append(f"{what}: {detail} is none of {worst.get(detail['pointName'])}")
-                continue
-            depth_count += compare_depths(service, detail, depths(detail["pointName"], matching[0].sample), what)
+            name, what = detail["pointName"], f"{detail['pointName']} in an alarm of {target}"
+            by_name[name].append(detail)
+            matching = [one for one in judged.get(name, []) if is_detail(detail, one)]
+            if matching:
+                depth_count += compare_depths(service, detail, depths(name, matching[0].sample), is_inclinometer, what)
             detail_count += 1
-    return len(answered), detail_count, depth_count
+    expect(sorted(by_name), sorted(judged), f"points in alarms of {target}")
+    if len(alarms) == 1:
+        for name, details in by_name.items():
+            compare_name(details, judged.get(name, []), f"{name} of {target}")
+    return len(alarms), detail_count, depth_count
 
 
 class Expectation:
@@ -289,15 +321,12 @@ class Expectation:
 
     def __init__(self, site, deliveries, zone):
         self.measured = collections.defaultdict(lambda: Measured(zone))  # by (monitoring, alias)
-        self.alarms = collections.defaultdict(list)
         for target, points in deliveries:
-            measured = self.measured[target]
-            groups = [group for group in site["groups"] if (group["monitoring"], group["subCategory"]) == target]
-            worst = alarm_of(measured, measured.add(points), groups)
-            if worst:
-                depths = {(name, one.sample): depths_at(measured, name, measured.day(one.sample))
-                          for name, ones in worst.items() for one in ones}
-                self.alarms[target].append((worst, lambda name, sample, depths=depths: depths[name, sample]))
+            self.measured[target].add(points)
+        self.judged = {target: excesses_of(measured, [group for group in site["groups"] if
+                                                      (group["monitoring"], group["subCategory"]) == target])
+                       for target, measured in self.measured.items()}
+        self.kinds = {known["alias"]: kind_of(known) for known in site["subCategories"]}
 
     def compare(self, service):
         counts = collections.Counter()
@@ -309,8 +338,11 @@ class Expectation:
             lasts = {key: one.last_of_days(key) for one in own for key in one.points}
             for statistic in "normal", "depth":
                 counts["daily values"] += compare_statistics(service, monitoring, statistic, lasts)
-        for target in self.measured:
-            alarms, details, depths = compare_alarms(service, target, self.alarms[target])
+        for target, measured in self.measured.items():
+            alarms, details, depths = compare_alarms(
+                service, target, self.judged[target],
+                lambda name, sample, measured=measured: depths_at(measured, name, sample),
+                self.kinds[target[1]] == "inclinometer")
             counts.update({"alarms": alarms, "details": details, "depths": depths})
         return counts
 
