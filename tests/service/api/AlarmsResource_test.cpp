@@ -20,10 +20,16 @@ protected:
             const StoredDocument stored = *session.documents(DocumentKind::Cell).find(cell);
             id = session.newIdentifier();
             const std::string time = isoText(session.now());
-            session.documents(DocumentKind::Alarm)
-                .insert(stored.project, id,
-                        toDocument(Alarm{id, stored.project, cell, test::member(stored.text, "name"),
-                                         subCategory, time, 1, Stamp::of({"Ada Editor", time})}));
+            Alarm alarm;
+            alarm.id = id;
+            alarm.project = stored.project;
+            alarm.cell = cell;
+            alarm.cellName = test::member(stored.text, "name");
+            alarm.subCategory = subCategory;
+            alarm.raisedAt = time;
+            alarm.pointCount = 1;
+            alarm.stamp = Stamp::of({"Ada Editor", time});
+            session.documents(DocumentKind::Alarm).insert(alarm.project, id, toDocument(alarm));
         });
         return id;
     }
@@ -33,10 +39,15 @@ protected:
         std::string id;
         write([&](Session& session) {
             id = session.newIdentifier();
+            AlarmDetail detail;
+            detail.id = id;
+            detail.alarm = alarm;
+            detail.point = point;
+            detail.total = "12.5";
+            detail.count = 1;
+            detail.time = time;
             session.documents(DocumentKind::AlarmDetail)
-                .insert(session.documents(DocumentKind::Alarm).find(alarm)->project, id,
-                        toDocument(AlarmDetail{
-                            id, alarm, point, "12.5", "", 0, 0, false, false, 1, time, "", "", {}}));
+                .insert(session.documents(DocumentKind::Alarm).find(alarm)->project, id, toDocument(detail));
         });
         return id;
     }
@@ -72,11 +83,12 @@ TEST_F(AlarmsResource, ComeNewestFirstWhateverTheClockDoes)
 TEST_F(AlarmsResource, AnswerTheDocumentAsItIsStored)
 {
     const std::string id = newAlarm(tower, "ground");
-    EXPECT_EQ(get(alarms + "?expand=true").body,
-              R"([{"_id":")" + id + R"(","projectId":"p1","cellId":")" + tower +
-                  R"(","cellName":"Tower 1","subCategoryId":"ground","alarmTime":"2015-12-21T06:30:00.123Z",)"
-                  R"("pointCounts":1,"createdAt":"2015-12-21T06:30:00.123Z","createdBy":"Ada Editor",)"
-                  R"("updatedAt":"2015-12-21T06:30:00.123Z","updatedBy":"Ada Editor"}])");
+    EXPECT_EQ(
+        get(alarms + "?expand=true").body,
+        R"([{"_id":")" + id + R"(","projectId":"p1","cellId":")" + tower +
+            R"(","cellName":"Tower 1","subCategoryId":"ground","alarmTime":"2015-12-21T06:30:00.123Z",)"
+            R"("alarmDay":"","pointCounts":1,"createdAt":"2015-12-21T06:30:00.123Z","createdBy":"Ada Editor",)"
+            R"("updatedAt":"2015-12-21T06:30:00.123Z","updatedBy":"Ada Editor"}])");
 }
 
 TEST_F(AlarmsResource, NameIsTheMonitorings)

@@ -54,9 +54,10 @@ protected:
         write([&](Session& session) {
             id = session.newIdentifier();
             session.documents(DocumentKind::History)
-                .insert(session.documents(DocumentKind::DataManage).find(dataManage)->project, id,
-                        toDocument(History{
-                            id, dataManage, lastDate, 2, 2, {}, Stamp::of({"Ada", isoText(session.now())})}));
+                .insert(
+                    session.documents(DocumentKind::DataManage).find(dataManage)->project, id,
+                    toDocument(History{
+                        id, dataManage, lastDate, 2, 2, 0, {}, Stamp::of({"Ada", isoText(session.now())})}));
         });
         return id;
     }

@@ -39,8 +39,15 @@ protected:
     void addGroup()
     {
         write([this](Session& session) {
-            session.documents(DocumentKind::Group)
-                .insert("p1", "g1", toDocument(Group{"g1", "p1", cell, "s1", "G", {"W1"}, 0, 0, 1, {}, {}}));
+            Group group;
+            group.id = "g1";
+            group.project = "p1";
+            group.cell = cell;
+            group.subCategory = "s1";
+            group.name = "G";
+            group.points = {"W1"};
+            group.totalVariation = 1;
+            session.documents(DocumentKind::Group).insert(group.project, group.id, toDocument(group));
         });
     }
 

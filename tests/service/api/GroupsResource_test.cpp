@@ -55,6 +55,7 @@ TEST_F(GroupsResource, IsAnsweredWholeAsItWasCreated)
     EXPECT_EQ(created.body, R"({"_id":")" + id + R"(","projectId":"p1","cellId":")" + tower +
                                 R"(","subCategoryId":"ground","groupName":"Corner","groupPoint":["S1","S2"],)"
                                 R"("dayVarType":0,"dayVarValue":2.5,"totalVar":10,"viewPortId":"",)"
+                                R"("dayVarSide":"both","totalVarSide":"both","warningLevel":80,)"
                                 R"("createdAt":"2015-12-21T06:30:00.123Z","createdBy":"Ada Editor",)"
                                 R"("updatedAt":"2015-12-21T06:30:00.123Z","updatedBy":"Ada Editor"})");
     EXPECT_EQ(get("groupSettings/" + id).body, created.body);
