@@ -1,4 +1,5 @@
 #include "admin/AdminCommand.h"
+#include "admin/Suggestion.h"
 #include "json/JsonText.h"
 #include "time/TimeZone.h"
 
@@ -12,9 +13,10 @@ void createProject(const AdminSettings& settings, Project project)
 {
     checkText("--name", project.name);
     if (!isTimeZone(project.timeZone)) {
-        throw CommandError(
-            "--time-zone \"" + project.timeZone +
-            "\" is not a zone of this system's time zone database; Europe/Vienna would be one");
+        const std::string meant = didYouMean(project.timeZone, timeZoneNames());
+        throw CommandError("--time-zone \"" + project.timeZone +
+                           "\" is not a zone of this system's time zone database" +
+                           (meant.empty() ? "; Europe/Vienna would be one" : meant));
     }
     const auto store = openOrCreate(settings);
     const auto session = store->write();
