@@ -16,7 +16,9 @@ constexpr const char* examples = R"(
 Examples:
   monitor-service admin --data site.db project create --name "Harbour tunnel" --time-zone Europe/Vienna
   monitor-service admin --data site.db category add Settlement Inclinometer
-  monitor-service admin --data site.db subcategory create --project ID --category Settlement --name "Ground level"
+  monitor-service admin --data site.db category rename Settlement Settlements
+  monitor-service admin --data site.db subcategory create --project ID --category Settlements --name "Ground level" \
+      --kind settlement --unit mm --decimals 1
   monitor-service admin --data site.db token create --owner "A. Engineer" --name laptop
   monitor-service admin --data site.db grant --token ID --project ID --role editor
   monitor-service admin --data site.db token list --json

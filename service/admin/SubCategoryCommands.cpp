@@ -1,6 +1,7 @@
 #include "admin/AdminCommand.h"
 #include "admin/NearNames.h"
 #include "admin/Suggestion.h"
+#include "admin/Uses.h"
 #include "domain/SubCategory.h"
 #include "json/JsonText.h"
 
@@ -99,7 +100,7 @@ std::vector<SubCategory> subCategoriesOf(const Session& session, const std::stri
     return subCategories;
 }
 
-void warnOfLikes(const Session& session, const SubCategory& subCategory)
+void warnOfLikeSubCategories(const Session& session, const SubCategory& subCategory)
 {
     for (const SubCategory& other : subCategoriesOf(session, subCategory.project)) {
         if (other.id == subCategory.id) {
@@ -143,7 +144,7 @@ void createSubCategory(const AdminSettings& settings, SubCategory subCategory, c
         session->documents(DocumentKind::SubCategory)
             .insert(subCategory.project, subCategory.id, toDocument(subCategory));
     });
-    warnOfLikes(*session, subCategory);
+    warnOfLikeSubCategories(*session, subCategory);
     session->commit();
     std::cout << subCategory.id << '\n';
 }
@@ -173,8 +174,18 @@ void changeSubCategory(const AdminSettings& settings, const std::string& id, con
             .replace(subCategory.project, subCategory.id, toDocument(subCategory));
     });
     if (description.name || description.alias) {
-        warnOfLikes(*session, subCategory);
+        warnOfLikeSubCategories(*session, subCategory);
     }
+    session->commit();
+}
+
+void removeSubCategory(const AdminSettings& settings, const std::string& id)
+{
+    const auto store = openExisting(settings);
+    const auto session = store->write();
+    const SubCategory subCategory = subCategoryNamed(*session, id);
+    requireUnused("sub-category \"" + subCategory.name + "\"", usesOfSubCategory(*session, subCategory));
+    session->documents(DocumentKind::SubCategory).remove(subCategory.project, subCategory.id);
     session->commit();
 }
 
@@ -264,6 +275,11 @@ void addSubCategoryCommands(CLI::App& admin, const std::shared_ptr<AdminSettings
             ->require_subcommand(1);
     addCreateCommand(*subCategory, settings);
     addChangeCommand(*subCategory, settings);
+
+    CLI::App* const remove = subCategory->add_subcommand("remove", "Remove a sub-category that nothing uses");
+    const auto removed = std::make_shared<std::string>();
+    remove->add_option("id", *removed, "The sub-category's identifier")->required()->type_name("ID");
+    remove->callback([settings, removed] { removeSubCategory(*settings, *removed); });
 
     CLI::App* const list = subCategory->add_subcommand("list", "Print the sub-categories");
     const auto project = std::make_shared<std::string>();
