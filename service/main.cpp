@@ -1,4 +1,5 @@
 #include "ServeCommand.h"
+#include "UsageError.h"
 #include "admin/AdminCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -25,7 +26,11 @@ int main(int argc, char** argv)
         try {
             application.parse(argc, argv);
         } catch (const CLI::ParseError& error) {
-            return application.exit(error) == 0 ? 0 : exitUsage;
+            if (error.get_exit_code() == 0) {
+                return application.exit(error); // help, or the version
+            }
+            monitorservice::reportUsageError(error, application);
+            return exitUsage;
         }
         return 0;
     } catch (const std::exception& error) {

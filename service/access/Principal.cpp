@@ -7,6 +7,9 @@ namespace monitorservice {
 Principal::Principal(std::string owner, const std::vector<Grant>& grants) : m_owner(std::move(owner))
 {
     for (const Grant& grant : grants) {
+        if (grant.rights.empty()) {
+            continue;
+        }
         ProjectRights& project = m_projects[grant.project];
         Rights& rights = grant.category ? project.byCategory[*grant.category] : project.everywhere;
         rights = rights | grant.rights;
@@ -51,6 +54,25 @@ std::optional<std::vector<std::string>> Principal::categoriesWith(Right right,
         }
     }
     return categories;
+}
+
+bool Principal::isKnownIn(const std::string& project) const
+{
+    return rightsIn(project) != nullptr;
+}
+
+std::vector<HeldRights> Principal::allRights() const
+{
+    std::vector<HeldRights> all;
+    for (const auto& [project, rights] : m_projects) {
+        if (!rights.everywhere.empty()) {
+            all.push_back({project, std::nullopt, rights.everywhere});
+        }
+        for (const auto& [category, held] : rights.byCategory) {
+            all.push_back({project, category, held});
+        }
+    }
+    return all;
 }
 
 } // namespace monitorservice

@@ -10,6 +10,14 @@
 
 namespace monitorservice {
 
+/// Rights that are held in a project.
+struct HeldRights
+{
+    std::string project;
+    std::optional<std::string> category; ///< nothing: every category, those added later too
+    Rights rights;
+};
+
 /// Who sent a request, and what they may do.
 class Principal
 {
@@ -26,6 +34,12 @@ public:
 
     /// The categories of the project in which the right is held; nothing when it is held in every category.
     std::optional<std::vector<std::string>> categoriesWith(Right right, const std::string& project) const;
+
+    /// Whether any right is held in any category of the project.
+    bool isKnownIn(const std::string& project) const;
+
+    /// All rights, by project and category; what is held in every category comes first.
+    std::vector<HeldRights> allRights() const;
 
 private:
     struct ProjectRights

@@ -1,5 +1,6 @@
 #include "admin/AdminCommand.h"
 
+#include "admin/Suggestion.h"
 #include "store/OpenStore.h"
 
 #include <simdjson.h>
@@ -15,7 +16,9 @@ constexpr const char* examples = R"(
 Examples:
   monitor-service admin --data site.db project create --name "Harbour tunnel" --time-zone Europe/Vienna
   monitor-service admin --data site.db category add Settlement Inclinometer
-  monitor-service admin --data site.db subcategory create --project ID --category Settlement --name "Ground level"
+  monitor-service admin --data site.db category rename Settlement Settlements
+  monitor-service admin --data site.db subcategory create --project ID --category Settlements --name "Ground level" \
+      --kind settlement --unit mm --decimals 1
   monitor-service admin --data site.db token create --owner "A. Engineer" --name laptop
   monitor-service admin --data site.db grant --token ID --project ID --role editor
   monitor-service admin --data site.db token list --json
@@ -44,7 +47,26 @@ std::string line(const std::vector<std::string>& cells, const std::vector<std::s
             text.append(widths[column] - characters(cells[column]) + 2, ' ');
         }
     }
-    return text + '\n';
+    // The last cells of a row may be empty.
+    return text.substr(0, text.find_last_not_of(' ') + 1) + '\n';
+}
+
+// To every command, so that it may stand before and behind each word; opening the data requires it. Gives
+// that of the command itself.
+CLI::Option* addDataOption(CLI::App& command, AdminSettings& settings)
+{
+    for (CLI::App* const below : command.get_subcommands({})) {
+        addDataOption(*below, settings);
+    }
+    return command.add_option("--data", settings.file, "The service's data")->type_name("FILE");
+}
+
+const std::string& dataOf(const AdminSettings& settings)
+{
+    if (settings.file.empty()) {
+        throw CLI::RequiredError("--data");
+    }
+    return settings.file;
 }
 
 } // namespace
@@ -55,27 +77,24 @@ void addAdminCommand(CLI::App& application)
         application.add_subcommand("admin", "Projects, categories, tokens and grants")->require_subcommand(1);
     admin->footer(examples);
     const auto settings = std::make_shared<AdminSettings>();
-    admin->add_option("--data", settings->file, "The service's data")
-        ->required()
-        ->type_name("FILE")
-        ->envname("MONITOR_SERVICE_DATA");
     addProjectCommands(*admin, settings);
     addCategoryCommands(*admin, settings);
     addSubCategoryCommands(*admin, settings);
     addTokenCommands(*admin, settings);
     addGrantCommands(*admin, settings);
+    addDataOption(*admin, *settings)->envname("MONITOR_SERVICE_DATA");
 }
 
 std::unique_ptr<Store> openOrCreate(const AdminSettings& settings)
 {
     StoreOptions options;
     options.createIfMissing = true;
-    return openStore(settings.file, options);
+    return openStore(dataOf(settings), options);
 }
 
 std::unique_ptr<Store> openExisting(const AdminSettings& settings)
 {
-    return openStore(settings.file);
+    return openStore(dataOf(settings));
 }
 
 void checkText(const std::string& what, const std::string& text)
@@ -93,16 +112,32 @@ void checkText(const std::string& what, const std::string& text)
 
 void checkProject(const Session& session, const std::string& project)
 {
-    if (!session.projects().find(project)) {
-        throw CommandError("there is no project \"" + project + "\"");
+    if (session.projects().find(project)) {
+        return;
     }
+    std::vector<std::pair<std::string, std::string>> known;
+    for (const Project& one : session.projects().list()) {
+        known.emplace_back(one.id, one.name);
+    }
+    throw CommandError("there is no project \"" + project + "\"" + didYouMeanIdentifier(project, known));
 }
 
 void checkCategory(const Session& session, const std::string& category)
 {
     if (!session.categories().contains(category)) {
-        throw CommandError("there is no category \"" + category + "\"");
+        throw CommandError("there is no category \"" + category + "\"" +
+                           didYouMean(category, session.categories().list()));
     }
+}
+
+void refuseValue(const std::string& option, const std::string& value,
+                 const std::vector<std::string>& possible)
+{
+    std::string list;
+    for (const std::string& one : possible) {
+        list += (list.empty() ? "" : ", ") + one;
+    }
+    throw CLI::ValidationError(option, "\"" + value + "\" is none of " + list + didYouMean(value, possible));
 }
 
 void printTable(const std::vector<std::string>& titles, const std::vector<std::vector<std::string>>& rows)

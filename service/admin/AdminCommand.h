@@ -46,6 +46,11 @@ void checkText(const std::string& what, const std::string& text);
 void checkProject(const Session& session, const std::string& project);
 void checkCategory(const Session& session, const std::string& category);
 
+/// The value of an option that is not among those it may have: throws CLI::ValidationError, which lists these
+/// and suggests the closest.
+[[noreturn]] void refuseValue(const std::string& option, const std::string& value,
+                              const std::vector<std::string>& possible);
+
 /// Writes the rows under their titles in aligned columns.
 void printTable(const std::vector<std::string>& titles, const std::vector<std::vector<std::string>>& rows);
 

@@ -1,4 +1,6 @@
 #include "admin/AdminCommand.h"
+#include "admin/NearNames.h"
+#include "admin/Uses.h"
 #include "json/JsonText.h"
 
 #include <iostream>
@@ -6,6 +8,15 @@
 namespace monitorservice {
 
 namespace {
+
+void warnOfLikeCategories(const Session& session, const std::string& category)
+{
+    for (const std::string& other : session.categories().list()) {
+        if (differInCaseOnly(other, category)) {
+            warn("there is a category \"" + other + "\" too");
+        }
+    }
+}
 
 void addCategories(const AdminSettings& settings, const std::vector<std::string>& categories)
 {
@@ -17,8 +28,34 @@ void addCategories(const AdminSettings& settings, const std::vector<std::string>
     for (const std::string& category : categories) {
         if (!session->categories().add(category)) {
             std::cerr << "category \"" << category << "\" is there already\n";
+            continue;
         }
+        warnOfLikeCategories(*session, category);
     }
+    session->commit();
+}
+
+void renameCategory(const AdminSettings& settings, const std::string& category, const std::string& name)
+{
+    checkText("category \"" + name + "\"", name);
+    const auto store = openExisting(settings);
+    const auto session = store->write();
+    checkCategory(*session, category);
+    if (name != category && session->categories().contains(name)) {
+        throw CommandError("there is a category \"" + name + "\" already");
+    }
+    session->categories().rename(category, name);
+    warnOfLikeCategories(*session, name);
+    session->commit();
+}
+
+void removeCategory(const AdminSettings& settings, const std::string& category)
+{
+    const auto store = openExisting(settings);
+    const auto session = store->write();
+    checkCategory(*session, category);
+    requireUnused("category \"" + category + "\"", usesOfCategory(*session, category));
+    session->categories().remove(category);
     session->commit();
 }
 
@@ -50,6 +87,19 @@ void addCategoryCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& 
     const auto added = std::make_shared<std::vector<std::string>>();
     add->add_option("category", *added, "The categories")->required()->type_name("TEXT");
     add->callback([settings, added] { addCategories(*settings, *added); });
+
+    CLI::App* const rename =
+        category->add_subcommand("rename", "Rename a category with all that is of it, in all projects");
+    const auto from = std::make_shared<std::string>();
+    const auto to = std::make_shared<std::string>();
+    rename->add_option("category", *from, "The category")->required()->type_name("OLD");
+    rename->add_option("name", *to, "Its name from now on")->required()->type_name("NEW");
+    rename->callback([settings, from, to] { renameCategory(*settings, *from, *to); });
+
+    CLI::App* const remove = category->add_subcommand("remove", "Remove a category that nothing is of");
+    const auto removed = std::make_shared<std::string>();
+    remove->add_option("category", *removed, "The category")->required()->type_name("TEXT");
+    remove->callback([settings, removed] { removeCategory(*settings, *removed); });
 
     CLI::App* const list =
         category->add_subcommand("list", "Print all categories in the order of their addition");

@@ -2,6 +2,7 @@
 #include "json/JsonText.h"
 
 #include <iostream>
+#include <sstream>
 
 namespace monitorservice {
 
@@ -19,8 +20,13 @@ struct GrantArguments
 
 Rights rightsOfRole(const std::string& role)
 {
-    return role == "reader" ? Rights(Right::Read)
-                            : Rights(Right::Read) | Right::Create | Right::Edit | Right::Delete;
+    if (role == "reader") {
+        return Right::Read;
+    }
+    if (role != "editor") {
+        refuseValue("--role", role, {"reader", "editor"});
+    }
+    return Rights(Right::Read) | Right::Create | Right::Edit | Right::Delete;
 }
 
 Rights rightsOf(const GrantArguments& arguments)
@@ -28,12 +34,17 @@ Rights rightsOf(const GrantArguments& arguments)
     if (!arguments.role.empty()) {
         return rightsOfRole(arguments.role);
     }
-    const std::optional<Rights> rights = Rights::ofNames(arguments.rights);
-    if (!rights) {
-        throw CLI::ValidationError("--rights", "\"" + arguments.rights +
-                                                   "\" is not a list of read, create, edit, delete");
+    if (const std::optional<Rights> rights = Rights::ofNames(arguments.rights)) {
+        return *rights;
     }
-    return *rights;
+    std::istringstream names(arguments.rights);
+    for (std::string name; std::getline(names, name, ',');) {
+        if (!Rights::ofNames(name)) {
+            refuseValue("--rights", name, {"read", "create", "edit", "delete"});
+        }
+    }
+    throw CLI::ValidationError("--rights",
+                               "\"" + arguments.rights + "\" is not a list of read, create, edit, delete");
 }
 
 void addGrant(const AdminSettings& settings, const GrantArguments& arguments)
@@ -125,8 +136,7 @@ void addGrantCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& set
                       "Only in this category; every category when not given");
     grant->add_option("--rights", arguments->rights,
                       "A list of read, create, edit, delete with commas between");
-    grant->add_option("--role", arguments->role, "reader: read; editor: everything")
-        ->check(CLI::IsMember({"reader", "editor"}));
+    grant->add_option("--role", arguments->role, "reader: read; editor: everything");
     grant->final_callback([settings, arguments, grant] {
         if (grant->get_subcommands().empty()) {
             requireOptions(*grant);

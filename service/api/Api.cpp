@@ -73,9 +73,10 @@ std::vector<Route> allRoutes()
 {
     std::vector<Route> routes;
     for (auto&& some :
-         {alarmRoutes(), authRoutes(), cellRoutes(), categoryRoutes(), changeRoutes(),
+         {aboutRoutes(), alarmRoutes(), authRoutes(), cellRoutes(), categoryRoutes(), changeRoutes(),
           dataManageDeletionRoutes(), dataManageRoutes(), deliveryRoutes(), groupRoutes(),
-          pointLocationLinkRoutes(), pointLocationReadRoutes(), statisticsRoutes(), subCategoryRoutes()}) {
+          pointLocationLinkRoutes(), pointLocationReadRoutes(), projectRoutes(), statisticsRoutes(),
+          subCategoryRoutes()}) {
         for (const Route& route : some) {
             add(routes, route);
         }

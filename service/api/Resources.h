@@ -5,6 +5,7 @@
 namespace monitorservice {
 
 /// The routes of each resource, one file for each. Those of one path stand together in allRoutes().
+std::vector<Route> aboutRoutes();
 std::vector<Route> alarmRoutes();
 std::vector<Route> authRoutes();
 std::vector<Route> cellRoutes();
@@ -16,6 +17,7 @@ std::vector<Route> deliveryRoutes();
 std::vector<Route> groupRoutes();
 std::vector<Route> pointLocationLinkRoutes();
 std::vector<Route> pointLocationReadRoutes();
+std::vector<Route> projectRoutes();
 std::vector<Route> statisticsRoutes();
 std::vector<Route> subCategoryRoutes();
 

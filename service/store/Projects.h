@@ -18,6 +18,11 @@ public:
     virtual std::vector<Project> list() const = 0;
     /// StoreFailure::Conflict when the identifier is taken.
     virtual void insert(const Project& project) = 0;
+    /// False when there is no such project.
+    virtual bool rename(const std::string& id, const std::string& name) = 0;
+    /// False when there is no such project. StoreFailure::Conflict when anything belongs to it: documents of
+    /// whatever kind, grants.
+    virtual bool remove(const std::string& id) = 0;
 };
 
 } // namespace monitorservice

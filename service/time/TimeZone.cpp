@@ -16,4 +16,13 @@ bool isTimeZone(const std::string& name)
     }
 }
 
+std::vector<std::string> timeZoneNames()
+{
+    std::vector<std::string> names;
+    for (const date::time_zone& zone : date::get_tzdb().zones) {
+        names.push_back(zone.name());
+    }
+    return names;
+}
+
 } // namespace monitorservice

@@ -14,6 +14,8 @@ public:
     std::optional<Project> find(const std::string& id) const override;
     std::vector<Project> list() const override;
     void insert(const Project& project) override;
+    bool rename(const std::string& id, const std::string& name) override;
+    bool remove(const std::string& id) override;
 
 private:
     SqliteConnection& m_connection;
@@ -27,6 +29,8 @@ public:
     bool contains(const std::string& category) const override;
     std::vector<std::string> list() const override;
     bool add(const std::string& category) override;
+    bool rename(const std::string& category, const std::string& name) override;
+    bool remove(const std::string& category) override;
 
 private:
     SqliteConnection& m_connection;

@@ -106,7 +106,7 @@ private:
         const Rule rule = resource.ruleOf(method);
         const std::string path = filledIn(resource.path, m_world, place);
         std::vector<std::string> targets{path};
-        if (rule == Rule::List && method == "GET") {
+        if ((rule == Rule::List || rule == Rule::Projects) && method == "GET") {
             targets.push_back(path + "?only_count=true");
             targets.push_back(path + "?expand=true&order=-_id&where=" +
                               percentEncoded(R"({"_id":{"$regex":"."},"absent":null})"));
@@ -145,8 +145,11 @@ private:
             EXPECT_EQ(member(answer.body, "value"),
                       role.may(resource.kind.front(), place) ? "true" : "false");
             break;
+        case Rule::Projects:
         case Rule::List: {
-            const std::vector<std::string> expected = readableOf(role, resource.kind, place);
+            const std::vector<std::string> expected = resource.ruleOf(method) == Rule::Projects
+                                                          ? projectsOf(role)
+                                                          : readableOf(role, resource.kind, place);
             if (target.find("only_count") != std::string::npos) {
                 EXPECT_EQ(answer.body, R"({"count":)" + std::to_string(expected.size()) + "}");
             } else {
@@ -170,6 +173,17 @@ private:
         default:
             break;
         }
+    }
+
+    static std::vector<std::string> projectsOf(const Role& role)
+    {
+        std::vector<std::string> ids;
+        for (const std::string& project : {far.project, own.project}) {
+            if (role.isKnownIn(project)) {
+                ids.push_back(project);
+            }
+        }
+        return ids;
     }
 
     std::vector<std::string> readableOf(const Role& role, const std::string& kind, const Place& asked) const

@@ -30,6 +30,12 @@ struct Role
         return place.project == far.project && place.category == far.category && holds(inFar);
     }
 
+    bool isKnownIn(const std::string& project) const
+    {
+        return project == own.project ? !(everywhere + inOwn + inBeside).empty()
+                                      : project == far.project && !inFar.empty();
+    }
+
     bool mayInProjectOf(char right, const Place& place) const
     {
         return std::any_of(places.begin(), places.end(), [&](const Place* other) {
@@ -77,6 +83,8 @@ enum class Rule
 {
     Unknown,  ///< 405
     Open,     ///< 200 for every bearer
+    Known,    ///< a project: 200 when any right is held in it, otherwise 404
+    Projects, ///< 200 with the projects that any right is held in
     Question, ///< 200, the answer is in the text
     List,     ///< of a project: 200 with what may be read, 404 when nothing may
     Days,     ///< the same, with statistics
@@ -119,6 +127,9 @@ inline std::vector<Resource> resources()
         R"({"cellId":"{cells}","subCategoryId":"{subCategories}","name":"{word}P1",)"
         R"("data":[{"count":9,"time":"2016-01-01T00:00:00Z","value":1,"timeFlag":""}]})";
     return {
+        {"about", "", Rule::Open},
+        {"projects", "", Rule::Projects},
+        {"projects/{project}", "", Rule::Known},
         {"categories", "", Rule::Open},
         {"projects/{project}/auth?category={category}&key=create", "c", Rule::Question},
         {"projects/{project}/auth?category={category}&key=edit", "e", Rule::Question},
@@ -190,8 +201,11 @@ inline unsigned statusFor(Rule rule, const Role& role, const Place& place, bool 
     case Rule::Unknown:
         return 405;
     case Rule::Open:
+    case Rule::Projects:
     case Rule::Question:
         return 200;
+    case Rule::Known:
+        return role.isKnownIn(place.project) ? 200 : 404;
     case Rule::List:
     case Rule::Days:
         return role.mayInProjectOf('r', place) ? 200 : 404;

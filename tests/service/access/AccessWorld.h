@@ -69,8 +69,8 @@ public:
         const Api api(store, std::make_shared<HttpCounters>());
         m_api = &api;
         write(store, [](Session& session) {
-            session.projects().insert({own.project, "Amber and Birch pit", "Europe/Vienna", 1});
-            session.projects().insert({far.project, "Cobalt slope", "UTC", 1});
+            session.projects().insert({own.project, "Own pit", "Europe/Vienna", 1});
+            session.projects().insert({far.project, "Far slope", "UTC", 1});
             session.categories().add(own.category);
             session.categories().add(beside.category);
         });

@@ -1,10 +1,5 @@
-#include "ServiceProcess.h"
+#include "AdminFixture.h"
 #include "support/IsIdentifier.h"
-#include "support/TemporaryFolder.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <simdjson.h>
 
 #include <filesystem>
 #include <fstream>
@@ -20,52 +15,7 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
-class AdminCommand : public ::testing::Test
-{
-protected:
-    using Arguments = std::vector<std::string>;
-
-    CommandResult admin(const Arguments& arguments) const { return test::runAdmin(file, arguments); }
-
-    // Runs a command that must succeed; gives what it prints.
-    std::string line(const Arguments& arguments) const
-    {
-        const CommandResult result = admin(arguments);
-        EXPECT_EQ(result.exitCode, 0) << result.error;
-        return result.line();
-    }
-
-    void expectFailure(const Arguments& arguments, const std::string& message) const
-    {
-        const CommandResult result = admin(arguments);
-        EXPECT_EQ(result.exitCode, 1) << ::testing::PrintToString(arguments);
-        EXPECT_THAT(result.error, HasSubstr(message)) << ::testing::PrintToString(arguments);
-        EXPECT_THAT(result.out, IsEmpty());
-    }
-
-    std::string newProject() const
-    {
-        return line({"project", "create", "--name", "Pit", "--time-zone", "UTC"});
-    }
-
-    std::string newTokenId(const std::string& owner) const
-    {
-        const std::string created = line({"token", "create", "--owner", owner, "--json"});
-        simdjson::dom::parser parser;
-        return std::string(parser.parse(created)["_id"].get_string().value());
-    }
-
-    // A member of the object at the index of a JSON array, as JSON text.
-    static std::string memberAt(const std::string& json, std::size_t index, std::string_view name)
-    {
-        simdjson::dom::parser parser;
-        const simdjson::dom::element value = parser.parse(json).at(index)[name];
-        return simdjson::minify(value);
-    }
-
-    test::TemporaryFolder folder;
-    std::string file = folder.file("data.db").string();
-};
+using AdminCommand = test::AdminFixture;
 
 TEST_F(AdminCommand, ProjectIsMadeAndListed)
 {

@@ -185,7 +185,7 @@ TEST_F(ApiTest, ReadsAreAnsweredHoweverManyWritesWaitForTheirTurn)
 
 TEST_F(ApiTest, UnknownPathsAreNotFound)
 {
-    for (const char* const path : {"", "nothing", "cells/a/b", "cells/", "projects", "projects/p1",
+    for (const char* const path : {"", "nothing", "cells/a/b", "cells/", "projects/", "projects/p1/",
                                    "projects//cells", "projects/p1/cells/", "projects/p1/../p1/cells",
                                    "./cells/x", "projects/p1%2Fcells", "categories/x", "Categories"}) {
         EXPECT_EQ(get(path).status, 404U) << path;

@@ -14,7 +14,7 @@ protected:
     {
         add({"s1", "p1", "Ground level", "Settlement", "GL"});
         add({"s2", "p1", "Wall", "Inclinometer", ""});
-        add({"s3", "p1", "Building \"A\"", "Settlement", "B"});
+        add({"s3", "p1", "Building \"A\"", "Settlement", "B", SubCategoryKind::Displacement, "mm", 1});
         add({"s4", "p2", "Ground level", "Settlement", "GL"});
     }
 
@@ -47,7 +47,7 @@ TEST_F(SubCategoriesResource, OneIsAnsweredWhole)
 {
     EXPECT_EQ(get("subCategories/s3").body,
               R"({"_id":"s3","projectId":"p1","name":"Building \"A\"","category":"Settlement","alias":"B",)"
-              R"("kind":"other","unit":"","decimals":null})");
+              R"("kind":"displacement","unit":"mm","decimals":1})");
 }
 
 TEST_F(SubCategoriesResource, WhatMayNotBeReadIsNotThere)

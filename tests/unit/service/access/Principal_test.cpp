@@ -43,5 +43,21 @@ TEST(Principal, KnowsWhereARightIsHeld)
     EXPECT_FALSE(principal.mayAnywhere(Right::Delete, "p1"));
 }
 
+TEST(Principal, TellsAllThatItHolds)
+{
+    const Principal principal("Ada", {grant("p2", "B", Right::Delete), grant("p1", "A", Right::Read),
+                                      grant("p1", std::nullopt, Right::Create), grant("p1", "A", Right::Edit),
+                                      grant("p3", "A", Rights())});
+    std::vector<std::string> told;
+    for (const HeldRights& held : principal.allRights()) {
+        told.push_back(held.project + " " + held.category.value_or("*") + " " + held.rights.names());
+    }
+    EXPECT_THAT(told, ElementsAre("p1 * create", "p1 A read,edit", "p2 B delete"));
+    EXPECT_TRUE(principal.isKnownIn("p1"));
+    EXPECT_TRUE(principal.isKnownIn("p2"));
+    EXPECT_FALSE(principal.isKnownIn("p3"));
+    EXPECT_FALSE(principal.isKnownIn("p4"));
+}
+
 } // namespace
 } // namespace monitorservice

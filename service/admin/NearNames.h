@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+namespace monitorservice {
+
+/// Whether two different names are the same but for upper and lower case, in whatever script. Both are
+/// accepted side by side, but people take one for the other.
+bool differInCaseOnly(const std::string& one, const std::string& other);
+
+/// Writes a warning to the standard error; what it is about is done nevertheless.
+void warn(const std::string& message);
+
+} // namespace monitorservice
