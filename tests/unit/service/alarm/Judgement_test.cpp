@@ -506,6 +506,36 @@ TEST_F(Judgements, EachMonitoringHasItsOwn)
     EXPECT_THAT(targets, ElementsAre("c1s1", "c2s2"));
 }
 
+// The example of docs/alarms.md.
+TEST_F(Judgements, ExampleOfTheManual)
+{
+    addGroup("g1", {"S1"}, 0, 2, 10);
+    const auto march = [](int day, int hour) {
+        return "2026-03-0" + std::to_string(day) + "T" + (hour < 10 ? "0" : "") + std::to_string(hour) +
+               ":00:00.000-08:00";
+    };
+    const auto told = [this] {
+        std::string members;
+        for (const std::string& detail : details()) {
+            for (const char* const name :
+                 {"monitorCount", "totalVar", "totalBeyound", "dayVar", "dayBeyound"}) {
+                members += member(detail, name) + ' ';
+            }
+        }
+        return members;
+    };
+    take(delivery({point("S1",
+                         {sample(march(2, 8), 1, "101.0"), sample(march(2, 20), 2, "101.5"),
+                          sample(march(3, 8), 3, "103.0"), sample(march(6, 8), 4, "110.5"),
+                          sample(march(6, 20), 5, "110.0")},
+                         R"(,"initialValue":100)")}));
+    EXPECT_EQ(told(), "4 10.5 0.5 2.5 0.5 ");
+    take(delivery({point("S1", {sample(march(6, 8), 4, "105.0")})}));
+    EXPECT_EQ(told(), "5 10 0 2.33333333333 0.333333333333 ");
+    take(delivery({point("S1", {sample(march(5, 8), 6, "107.0")})}));
+    EXPECT_EQ(told(), "5 10 0 3 1 ");
+}
+
 TEST_F(Judgements, SmallVariationsAreWrittenWithoutAnExponent)
 {
     addGroup("g1", {"W1"}, 0, 0, 1e-9);
