@@ -1,8 +1,10 @@
 // How long the service takes to answer with measured data, through HTTP on the loopback and out of ten
 // million samples: a page of 100 points with 100 samples each, and daily statistics of a monitoring and of
-// the whole project. The store is made first, in a folder of its own, and is gone afterwards.
+// the whole project; and, of another project, a list of all its points with their latest samples or none. The
+// stores are made first, in folders of their own, and are gone afterwards.
 //
-//   bench_measured_reads [CELLS]    a million samples in each; 10 when not given
+//   bench_measured_reads [CELLS]    a million samples in each, and 1000 points in each of the other; 10 when
+//                                   not given
 
 #include "MeasuredReads.h"
 #include "Series.h"
@@ -27,15 +29,17 @@ constexpr int rounds = 21;
 constexpr int pointsOfACell = 100;
 constexpr Instant hour = 3600 * 1000;
 constexpr Series series{hour, 10'000}; // more than a year
+constexpr int manyPointsOfACell = 1000;
+constexpr Series dailySeries{24 * hour, 100};
 
-std::vector<std::string> fill(Store& store, int cellCount)
+std::vector<std::string> fill(Store& store, int cellCount, int pointCount, const Series& ofAPoint)
 {
     const auto session = store.write();
     std::vector<std::string> cells;
     for (int cell = 0; cell < cellCount; ++cell) {
         cells.push_back(insertMonitoring(*session, "Cell", "Settlement"));
-        for (int point = 0; point < pointsOfACell; ++point) {
-            insertPoint(*session, cells.back(), "s", "S" + std::to_string(point), series);
+        for (int point = 0; point < pointCount; ++point) {
+            insertPoint(*session, cells.back(), "s", "S" + std::to_string(point), ofAPoint);
         }
     }
     session->commit();
@@ -169,11 +173,52 @@ std::vector<Read> reads(ServedStore& served, const std::string& cell, int points
     };
 }
 
+// Whether each point has its earliest value as reference, and so many of its latest samples.
+bool areDigests(const std::string& body, int points, int samples)
+{
+    simdjson::dom::parser parser;
+    const simdjson::dom::array array = parser.parse(body);
+    int number = 0;
+    for (const simdjson::dom::element point : array) {
+        if (point["reference"].get_double().value() != dailySeries.at(0).value ||
+            !holdsSamples(point["data"], dailySeries, dailySeries.count - samples, samples)) {
+            return false;
+        }
+        ++number;
+    }
+    return number == points;
+}
+
+Read digests(const std::string& name, ServedStore& served, const char* parameters, int points, int samples)
+{
+    return {std::to_string(points) + name,
+            &served,
+            "pointLocations",
+            parameters,
+            "{}",
+            [=](const std::string& body) {
+                return areDigests(body, points, samples);
+            }};
+}
+
+void runDigests(int cellCount)
+{
+    ServedStore served;
+    fill(served.store(), cellCount, manyPointsOfACell, dailySeries);
+    const int points = cellCount * manyPointsOfACell;
+    printReads("Lists of points with 100 samples each",
+               {digests(" points with their latest sample", served, "samples=latest&", points, 1),
+                digests(" points without samples", served, "samples=none&", points, 0),
+                digests(" points with their latest sample and the extremes of 100 days", served,
+                        "samples=latest&rollup=true&", points, 1)},
+               rounds);
+}
+
 void run(int cellCount)
 {
     ServedStore served;
     const auto start = std::chrono::steady_clock::now();
-    const std::vector<std::string> cells = fill(served.store(), cellCount);
+    const std::vector<std::string> cells = fill(served.store(), cellCount, pointsOfACell, series);
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
     const int points = cellCount * pointsOfACell;
     std::printf("%d samples of %d points written in %.1f s\n", points * series.count, points, taken.count());
@@ -185,7 +230,9 @@ void run(int cellCount)
 int main(int argc, char** argv)
 {
     try {
-        run(argc > 1 ? std::atoi(argv[1]) : 10);
+        const int cellCount = argc > 1 ? std::atoi(argv[1]) : 10;
+        run(cellCount);
+        runDigests(cellCount);
         return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "bench_measured_reads: %s\n", error.what());

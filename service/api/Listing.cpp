@@ -15,6 +15,13 @@ namespace monitorservice {
 
 namespace {
 
+std::vector<std::string_view> knownParameters(const std::vector<std::string_view>& besides)
+{
+    std::vector<std::string_view> known{"where", "skip", "limit", "only_count", "expand", "order"};
+    known.insert(known.end(), besides.begin(), besides.end());
+    return known;
+}
+
 std::vector<std::string> textsOf(const Documents& documents, const DocumentQuery& query)
 {
     std::vector<std::string> texts;
@@ -29,23 +36,24 @@ std::vector<std::string> textsOf(const Documents& documents, const DocumentQuery
 
 } // namespace
 
-ListParameters::ListParameters(const ApiRequest& request, const std::string& project)
+ListParameters::ListParameters(const ApiRequest& request, const std::string& project,
+                               const std::vector<std::string_view>& besides)
+    : given(request.http, knownParameters(besides))
 {
-    const Parameters parameters(request.http, {"where", "skip", "limit", "only_count", "expand", "order"});
     query.project = project;
     query.categories = request.principal.categoriesWith(Right::Read, project);
-    query.skip = parameters.number("skip").value_or(0);
-    query.limit = parameters.number("limit").value_or(query.limit);
-    onlyCount = parameters.flag("only_count");
-    expand = parameters.flag("expand");
-    if (const std::string* const condition = parameters.text("where")) {
+    query.skip = given.number("skip").value_or(0);
+    query.limit = given.number("limit").value_or(query.limit);
+    onlyCount = given.flag("only_count");
+    expand = given.flag("expand");
+    if (const std::string* const condition = given.text("where")) {
         where = Where::parse(*condition);
         query.where = &where;
     }
     if (query.categories && query.categories->empty()) {
         throw notFound("project", project);
     }
-    if (const std::string* const order = parameters.text("order")) {
+    if (const std::string* const order = given.text("order")) {
         query.order = parseOrder(*order);
     }
 }

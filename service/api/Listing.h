@@ -1,24 +1,29 @@
 #pragma once
 
 #include "api/ApiRequest.h"
+#include "api/Parameters.h"
 
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace monitorservice {
 
-/// What a request for a list asks for, by the parameters where, skip, limit, only_count, expand and order.
+/// What a request for a list asks for, by the parameters where, skip, limit, only_count, expand and order,
+/// and by those that the list has besides.
 struct ListParameters
 {
     /// Throws ApiError 400 or QueryError for a parameter that is wrong, and ApiError 404 when the caller may
     /// read nothing in the project.
-    ListParameters(const ApiRequest& request, const std::string& project);
+    ListParameters(const ApiRequest& request, const std::string& project,
+                   const std::vector<std::string_view>& besides = {});
     ListParameters(const ListParameters&) = delete;
     ListParameters& operator=(const ListParameters&) = delete;
     ~ListParameters() = default;
 
+    Parameters given;
     Where where;
     DocumentQuery query; ///< refers to `where`
     bool onlyCount = false;

@@ -7,7 +7,7 @@
 
 namespace monitorservice {
 
-Parameters::Parameters(const HttpRequest& request, std::initializer_list<std::string_view> known)
+Parameters::Parameters(const HttpRequest& request, const std::vector<std::string_view>& known)
     : m_request(request)
 {
     const auto& parameters = request.parameters;

@@ -3,10 +3,10 @@
 #include "http/HttpMessage.h"
 
 #include <cstdint>
-#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace monitorservice {
 
@@ -16,7 +16,7 @@ class Parameters
 public:
     /// Throws for a parameter that is not among `known`, or that is given twice. The request must outlive the
     /// object.
-    Parameters(const HttpRequest& request, std::initializer_list<std::string_view> known);
+    Parameters(const HttpRequest& request, const std::vector<std::string_view>& known);
 
     /// Null when it is absent.
     const std::string* text(std::string_view name) const;

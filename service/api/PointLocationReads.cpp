@@ -1,24 +1,46 @@
 #include "api/Answers.h"
+#include "api/ApiError.h"
 #include "api/Listing.h"
 #include "api/Parameters.h"
 #include "api/Permission.h"
 #include "api/PointText.h"
 #include "api/Resources.h"
 
+#include <optional>
+#include <string>
+
 namespace monitorservice {
 
 namespace {
 
-// GET projects/{project}/pointLocations: the points with their samples, as PointSelection chooses them.
-// `expand` is accepted; relations are always there.
+// What the parameters "samples" and "rollup" ask for in place of all samples; nothing: all of them.
+std::optional<PointDigest> digestIn(const Parameters& parameters)
+{
+    const std::string* const samples = parameters.text("samples");
+    const bool extremes = parameters.flag("rollup");
+    if (samples != nullptr && (*samples == "none" || *samples == "latest")) {
+        return PointDigest{*samples == "latest", extremes};
+    }
+    if (samples != nullptr && *samples != "all") {
+        throw ApiError(400, "parameter \"samples\" must be all, none or latest");
+    }
+    if (extremes) {
+        throw ApiError(400, "parameter \"rollup\" needs samples=none or samples=latest");
+    }
+    return std::nullopt;
+}
+
+// GET projects/{project}/pointLocations: the points with their samples, as PointSelection chooses them, or
+// with what these come to. `expand` is accepted; relations are always there.
 HttpResponse listPoints(ApiRequest& request)
 {
-    const ListParameters parameters(request, request.ids[0]);
+    const ListParameters parameters(request, request.ids[0], {"samples", "rollup"});
+    const std::optional<PointDigest> digest = digestIn(parameters.given);
     const auto selection = request.session->measurements().select(parameters.query);
     if (parameters.onlyCount) {
         return answerCount(selection->count());
     }
-    return answerJson(pointTexts(*selection, "[") + "]");
+    return answerJson((digest ? digestTexts(*selection, *digest, "[") : pointTexts(*selection, "[")) + "]");
 }
 
 // GET pointLocations/{id}: the point with all its samples.

@@ -2,9 +2,11 @@
 
 #include "api/AnswerSize.h"
 #include "domain/Document.h"
+#include "domain/PointLocation.h"
 #include "domain/SampleText.h"
 #include "json/JsonText.h"
 
+#include <optional>
 #include <utility>
 
 namespace monitorservice {
@@ -19,6 +21,13 @@ public:
 
     void begin(const FoundPoint& point)
     {
+        beginMembers(point);
+        beginSamples();
+    }
+
+    // Other members may follow, then the samples.
+    void beginMembers(const FoundPoint& point)
+    {
         m_text += m_isFirstPoint ? "" : "]},";
         m_isFirstPoint = false;
         m_text += openedDocument(point.document);
@@ -26,6 +35,21 @@ public:
         appendJsonString(m_text, point.category);
         m_text += ",\"entity\":";
         m_text += point.links;
+    }
+
+    // `begin` is what stands before the value, such as ,"reference":
+    void addNumber(std::string_view begin, const std::optional<double>& number)
+    {
+        m_text += begin;
+        if (number) {
+            appendJsonNumber(m_text, *number);
+        } else {
+            m_text += "null";
+        }
+    }
+
+    void beginSamples()
+    {
         m_text += ",\"data\":[";
         m_isFirstSample = true;
         requireRoom(m_text.size());
@@ -62,6 +86,30 @@ std::string pointTexts(PointSelection& selection, std::string begin)
             return true;
         },
         [&writer](const Sample& sample) { writer.add(sample); });
+    return writer.finish();
+}
+
+std::string digestTexts(PointSelection& selection, const PointDigest& digest, std::string begin)
+{
+    PointWriter writer(std::move(begin));
+    std::optional<double> initialValue;
+    selection.visitSummaries(
+        [&](const FoundPoint& point) {
+            initialValue = initialValueIn(point.document);
+            writer.beginMembers(point);
+            return SummaryParts{digest.latest, !initialValue, digest.extremes};
+        },
+        [&](const PointSummary& summary) {
+            writer.addNumber(",\"reference\":", initialValue ? initialValue : summary.earliest);
+            if (digest.extremes) {
+                writer.addNumber(",\"minimum\":", summary.smallest);
+                writer.addNumber(",\"maximum\":", summary.largest);
+            }
+            writer.beginSamples();
+            if (summary.latest) {
+                writer.add(*summary.latest);
+            }
+        });
     return writer.finish();
 }
 

@@ -6,6 +6,18 @@
 
 namespace monitorservice {
 
+namespace {
+
+constexpr const char* kind = "point location";
+
+std::optional<double> initialValueIn(const DocumentReader& document)
+{
+    const double initialValue = document.number("initialValue");
+    return document.boolean("hasInitialValue") ? std::optional(initialValue) : std::nullopt;
+}
+
+} // namespace
+
 std::string toDocument(const PointLocation& pointLocation)
 {
     JsonObjectWriter document;
@@ -31,7 +43,7 @@ std::string toDocument(const PointLocation& pointLocation)
 template <>
 PointLocation fromDocument<PointLocation>(std::string_view text)
 {
-    const DocumentReader document("point location", text);
+    const DocumentReader document(kind, text);
     PointLocation pointLocation;
     pointLocation.id = document.text("_id");
     pointLocation.project = document.text("projectId");
@@ -40,10 +52,7 @@ PointLocation fromDocument<PointLocation>(std::string_view text)
     pointLocation.alias = document.text("alias");
     pointLocation.name = document.text("name");
     pointLocation.dataType = document.smallInteger("dataType");
-    const double initialValue = document.number("initialValue");
-    if (document.boolean("hasInitialValue")) {
-        pointLocation.initialValue = initialValue;
-    }
+    pointLocation.initialValue = initialValueIn(document);
     pointLocation.offsetDirection = document.text("offsetDirection");
     pointLocation.depth = document.text("depth");
     pointLocation.insertCount = document.integer("insertCount");
@@ -53,6 +62,11 @@ PointLocation fromDocument<PointLocation>(std::string_view text)
     pointLocation.links = document.json("links");
     pointLocation.stamp = document.stamp();
     return pointLocation;
+}
+
+std::optional<double> initialValueIn(std::string_view document)
+{
+    return initialValueIn(DocumentReader(kind, document));
 }
 
 } // namespace monitorservice

@@ -39,4 +39,8 @@ std::string toDocument(const PointLocation& pointLocation);
 template <>
 PointLocation fromDocument<PointLocation>(std::string_view text);
 
+/// The initial value in such a document alone: a list of many points needs nothing else of it. Throws
+/// DamagedDocument.
+std::optional<double> initialValueIn(std::string_view document);
+
 } // namespace monitorservice

@@ -32,6 +32,23 @@ struct DayValue
     double value = 0;
 };
 
+/// What stands for the samples of a point. What was not asked for is absent.
+struct PointSummary
+{
+    std::optional<Sample> latest;   ///< of the chosen ones
+    std::optional<double> earliest; ///< value of the earliest of all its samples
+    std::optional<double> smallest; ///< of the last values of its days, all of them
+    std::optional<double> largest;  ///< alike
+};
+
+/// What is asked for of it.
+struct SummaryParts
+{
+    bool latest = false;
+    bool earliest = false;
+    bool extremes = false; ///< the smallest and the largest
+};
+
 /// The points that a query chooses, and the samples that it chooses of each.
 ///
 /// The conditions of the query on "time" and "data.timeFlag" are asked of every sample: of a point those are
@@ -50,6 +67,8 @@ public:
     using PointChooser = std::function<bool(const FoundPoint& point)>;
     using SampleVisitor = std::function<void(const Sample& sample)>;
     using DayVisitor = std::function<void(const DayValue& day)>;
+    using SummaryChooser = std::function<SummaryParts(const FoundPoint& point)>;
+    using SummaryVisitor = std::function<void(const PointSummary& summary)>;
 
     /// Reads neither the query's skip nor its limit.
     virtual std::uint64_t count() = 0;
@@ -61,6 +80,9 @@ public:
     /// are read from what is kept of each day, not from the samples, unless a sample's flag or an unusual
     /// condition on its time matters.
     virtual void visitDays(const PointChooser& point, const DayVisitor& day) = 0;
+    /// The same page, and behind each point what its samples come to; never more of them are read than the
+    /// parts need, however many it has. The extremes are read from what is kept of each day.
+    virtual void visitSummaries(const SummaryChooser& point, const SummaryVisitor& summary) = 0;
 };
 
 } // namespace monitorservice

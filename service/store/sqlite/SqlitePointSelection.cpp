@@ -14,6 +14,7 @@
 #include <limits>
 #include <tuple>
 #include <utility>
+#include <variant>
 #include <vector>
 
 namespace monitorservice {
@@ -85,6 +86,17 @@ bool isBefore(const DayValue& left, const DayValue& right)
     return std::tie(left.time, left.count) < std::tie(right.time, right.count);
 }
 
+// The statement that selects samples of a point, which is the first value bound.
+std::string textOfSamples(const Sql& condition, const char* order)
+{
+    return Sql(selectSamplesOf)
+        .appendValue(std::int64_t{0})
+        .append(" AND ")
+        .append(condition)
+        .append(order)
+        .text(sqliteDialect);
+}
+
 // Relations are stored as "links" and asked for as "entity", their identifiers as "uuid".
 Where asStored(const Where& where)
 {
@@ -100,6 +112,8 @@ SqlitePointSelection::SqlitePointSelection(SqliteConnection& connection, const D
                                            ? std::pair<Where, Where>()
                                            : query.where->split({samplePathTime, samplePathFlag});
     chooseSamples(ofSamples);
+    m_samplesText = textOfSamples(m_sampleCondition, " ORDER BY time, count");
+    m_latestText = textOfSamples(m_sampleCondition, " ORDER BY time DESC, count DESC LIMIT 1");
     choosePoints(asStored(ofPoints), query);
     orderPoints(query);
 }
@@ -217,6 +231,14 @@ void SqlitePointSelection::visitDays(const PointChooser& point, const DayVisitor
     });
 }
 
+void SqlitePointSelection::visitSummaries(const SummaryChooser& point, const SummaryVisitor& summary)
+{
+    forEachPoint([&](const FoundPoint& found) {
+        const SummaryParts parts = m_connection.show(point, found);
+        m_connection.show(summary, summaryOf(found.key, parts));
+    });
+}
+
 void SqlitePointSelection::forEachPoint(const PointVisitor& use)
 {
     SqliteStatement statement =
@@ -231,7 +253,7 @@ void SqlitePointSelection::forEachPoint(const PointVisitor& use)
 
 void SqlitePointSelection::visitSamplesOf(std::int64_t point, const SampleVisitor& visitor)
 {
-    SqliteStatement statement = chosenSamplesOf(point, " ORDER BY time, count");
+    SqliteStatement statement = chosenSamplesOf(point, m_samplesText);
     Sample sample;
     while (step(statement)) {
         readSample(statement, sample);
@@ -290,12 +312,46 @@ void SqlitePointSelection::visitDaysOfSamples(std::int64_t point, const DayVisit
 
 std::optional<DayValue> SqlitePointSelection::lastSampleOfPeriod(std::int64_t point)
 {
-    SqliteStatement statement = chosenSamplesOf(point, " ORDER BY time DESC, count DESC LIMIT 1");
+    const std::optional<Sample> sample = latestSampleOf(point);
+    if (!sample) {
+        return std::nullopt;
+    }
+    return DayValue{0, sample->time, sample->count, sample->offsetMinutes, sample->value};
+}
+
+std::optional<Sample> SqlitePointSelection::latestSampleOf(std::int64_t point)
+{
+    SqliteStatement statement = chosenSamplesOf(point, m_latestText);
     if (!step(statement)) {
         return std::nullopt;
     }
-    const Sample sample = sampleOf(statement);
-    return DayValue{0, sample.time, sample.count, sample.offsetMinutes, sample.value};
+    return sampleOf(statement);
+}
+
+PointSummary SqlitePointSelection::summaryOf(std::int64_t point, const SummaryParts& parts)
+{
+    PointSummary summary;
+    if (parts.latest) {
+        summary.latest = latestSampleOf(point);
+    }
+    if (parts.earliest) {
+        SqliteStatement statement =
+            m_connection.statement("SELECT value FROM samples WHERE point = ? ORDER BY time, count LIMIT 1");
+        statement.bind(point);
+        if (statement.step()) {
+            summary.earliest = statement.real(0);
+        }
+    }
+    if (parts.extremes) {
+        SqliteStatement statement =
+            m_connection.statement("SELECT min(value), max(value) FROM day_rollup WHERE point = ?");
+        statement.bind(point);
+        if (statement.step() && !statement.isNull(0)) {
+            summary.smallest = statement.real(0);
+            summary.largest = statement.real(1);
+        }
+    }
+    return summary;
 }
 
 // What the conditions on a point are asked of.
@@ -319,10 +375,14 @@ std::string SqlitePointSelection::pointDocument(const SqliteFunction::Arguments&
     return json;
 }
 
-SqliteStatement SqlitePointSelection::chosenSamplesOf(std::int64_t point, const char* order)
+SqliteStatement SqlitePointSelection::chosenSamplesOf(std::int64_t point, const std::string& text)
 {
-    return m_connection.bound(
-        Sql(selectSamplesOf).appendValue(point).append(" AND ").append(m_sampleCondition).append(order));
+    SqliteStatement statement = m_connection.statement(text);
+    statement.bind(point);
+    for (const SqlValue& value : m_sampleCondition.values()) {
+        std::visit([&statement](const auto& one) { statement.bindNext(one); }, value);
+    }
+    return statement;
 }
 
 SqliteStatement SqlitePointSelection::daysOf(std::int64_t point, std::int64_t first, std::int64_t last)

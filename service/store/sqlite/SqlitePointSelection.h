@@ -32,6 +32,7 @@ public:
     void visit(const PointVisitor& visitor) override;
     void visitSamples(const PointChooser& point, const SampleVisitor& sample) override;
     void visitDays(const PointChooser& point, const DayVisitor& day) override;
+    void visitSummaries(const SummaryChooser& point, const SummaryVisitor& summary) override;
 
 private:
     void chooseSamples(const Where& where);
@@ -43,13 +44,17 @@ private:
     void visitDaysOfPeriod(std::int64_t point, const Period& period, const DayVisitor& visitor);
     void visitDaysOfSamples(std::int64_t point, const DayVisitor& visitor);
     std::optional<DayValue> lastSampleOfPeriod(std::int64_t point);
-    SqliteStatement chosenSamplesOf(std::int64_t point, const char* order);
+    PointSummary summaryOf(std::int64_t point, const SummaryParts& parts);
+    std::optional<Sample> latestSampleOf(std::int64_t point);
+    SqliteStatement chosenSamplesOf(std::int64_t point, const std::string& text);
     SqliteStatement daysOf(std::int64_t point, std::int64_t first, std::int64_t last);
     bool step(SqliteStatement& statement);
 
     SqliteConnection& m_connection;
     Sql m_sampleCondition; ///< of a row of samples
     bool m_choosesSamples = false;
+    std::string m_samplesText;      ///< what chosenSamplesOf() is asked for: all of them
+    std::string m_latestText;       ///< the latest of them
     std::optional<Period> m_period; ///< when the chosen samples are those of a period
     Sql m_points;                   ///< FROM and WHERE
     Sql m_page;                     ///< ORDER BY, LIMIT and OFFSET

@@ -216,6 +216,7 @@ TEST_F(AccessLeaks, ListsCountsAndStatisticsAreTheSameWithoutForeignData)
                 askBoth("GET", target + "&only_count=true");
                 askBoth("GET", target + "&skip=1&limit=1&order=-_id&expand=true");
                 askBoth("GET", target + "&order=-data.time,name");
+                askBoth("GET", target + "&samples=latest&rollup=true");
             }
         }
     }

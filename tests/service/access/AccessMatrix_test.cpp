@@ -110,6 +110,9 @@ private:
             targets.push_back(path + "?only_count=true");
             targets.push_back(path + "?expand=true&order=-_id&where=" +
                               percentEncoded(R"({"_id":{"$regex":"."},"absent":null})"));
+            if (resource.kind == "pointLocations") {
+                targets.push_back(path + "?samples=latest&rollup=true");
+            }
         }
         const std::string body =
             method == "POST" || method == "PUT" ? filledIn(resource.body, m_world, place) : "";

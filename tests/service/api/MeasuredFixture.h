@@ -31,6 +31,7 @@ struct NewPoint
     std::string depth = {};
     std::vector<Reading> readings = {};
     std::string links = "[]";
+    std::optional<double> initialValue = {};
 };
 
 /// With project "vienna" in its time zone, and in p1 and there a monitoring and a sub-category of each
@@ -94,6 +95,7 @@ protected:
         location.name = point.name;
         location.depth = point.depth;
         location.links = point.links;
+        location.initialValue = point.initialValue;
         location.insertCount = static_cast<std::int64_t>(samples.size());
         location.stamp = Stamp::of({"", isoText(session.now())});
         const auto latest =

@@ -227,8 +227,7 @@ TEST_F(PointLocationReads, RefusesWhatItCannotAnswer)
     EXPECT_THAT(refusal(where(points, R"({"time":{"$near":1}})")), StartsWith("400 where: unknown operator"));
     EXPECT_THAT(refusal(where(points, "{")), StartsWith("400 where:"));
     EXPECT_THAT(refusal(get(points + "?expand=yes")), StartsWith("400 parameter \"expand\""));
-    EXPECT_THAT(refusal(get(points + "?samples=1")),
-                StartsWith("400 parameter \"samples\" is not known here"));
+    EXPECT_THAT(refusal(get(points + "?sample=1")), StartsWith("400 parameter \"sample\" is not known here"));
 }
 
 TEST_F(PointLocationReads, APatternThatTakesTooLongIsRefusedOnPointsAndOnSamples)

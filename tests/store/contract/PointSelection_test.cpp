@@ -36,6 +36,27 @@ std::string pointDocument(const std::string& name, const std::string& depth, con
         .finish();
 }
 
+std::string textOf(const Sample& sample)
+{
+    std::string text;
+    appendSample(text, sample);
+    return text;
+}
+
+std::string textOf(const PointSummary& summary)
+{
+    const auto number = [](const std::optional<double>& value) {
+        std::string text = "-";
+        if (value) {
+            text.clear();
+            appendJsonNumber(text, *value);
+        }
+        return text;
+    };
+    return " latest " + (summary.latest ? textOf(*summary.latest) : "-") + " earliest " +
+           number(summary.earliest) + " days " + number(summary.smallest) + ".." + number(summary.largest);
+}
+
 // A project with one monitoring and one sub-category in UTC.
 class PointSelections : public StoreContract
 {
@@ -112,6 +133,36 @@ protected:
         return days;
     }
 
+    // What the samples of S1 and of S2 come to under a condition.
+    std::vector<std::string> summaries(const std::string& json, const SummaryParts& parts)
+    {
+        const auto session = store->read();
+        const Where where = Where::parse(json);
+        std::vector<std::string> found;
+        session->measurements()
+            .select(query(where))
+            ->visitSummaries(
+                [&](const FoundPoint& point) {
+                    found.emplace_back(point.id);
+                    return parts;
+                },
+                [&found](const PointSummary& summary) { found.back() += inQuarters(summary); });
+        return found;
+    }
+
+    // Times and values in quarters of a day.
+    static std::string inQuarters(const PointSummary& summary)
+    {
+        const auto value = [](const std::optional<double>& number) {
+            return number ? std::to_string(static_cast<Instant>(*number) * 4 / day) : "-";
+        };
+        return " latest " +
+               (summary.latest ? std::to_string(summary.latest->time * 4 / day) + summary.latest->timeFlag
+                               : "-") +
+               " earliest " + value(summary.earliest) + " days " + value(summary.smallest) + ".." +
+               value(summary.largest);
+    }
+
     std::vector<std::int64_t> keys;
 };
 
@@ -132,6 +183,51 @@ TEST_P(PointSelections, DaysOfOtherConditionsAreThoseOfTheirSamples)
     EXPECT_THAT(
         days(R"({"data.timeFlag":{"$regex":"a","$options":"i"},"time":{"$gt":"1970-01-03T00:00:00Z"}})"),
         ElementsAre("2:9", "3:13"));
+}
+
+TEST_P(PointSelections, SummariesHaveWhatIsAskedFor)
+{
+    fillTwo();
+    EXPECT_THAT(summaries("{}", {true, true, true}),
+                ElementsAre("S1 latest 15B earliest 1 days 3..15", "S2 latest - earliest - days -..-"));
+    EXPECT_THAT(summaries("{}", {false, true, false}),
+                ElementsAre("S1 latest - earliest 1 days -..-", "S2 latest - earliest - days -..-"));
+    EXPECT_THAT(summaries("{}", {}),
+                ElementsAre("S1 latest - earliest - days -..-", "S2 latest - earliest - days -..-"));
+}
+
+TEST_P(PointSelections, OnlyTheLatestSampleOfASummaryIsAChosenOne)
+{
+    fillTwo();
+    const SummaryParts all{true, true, true};
+    EXPECT_THAT(summaries(R"({"data.timeFlag":"A"})", all),
+                ElementsAre("S1 latest 13A earliest 1 days 3..15"));
+    EXPECT_THAT(
+        summaries(R"({"time":{"$lt":"1970-01-02T18:00:00Z"},"data.timeFlag":{"$regex":"^[AB]"}})", all),
+        ElementsAre("S1 latest 5A earliest 1 days 3..15"));
+    EXPECT_THAT(summaries(R"({"name":"S2"})", all), ElementsAre("S2 latest - earliest - days -..-"));
+}
+
+TEST_P(PointSelections, EachPointIsAskedForItsOwnParts)
+{
+    fillTwo();
+    write([&](Session& session) { insertPoint(session, "S3", "", {{day, 1, std::nullopt, 7, "C"}}); });
+    const auto session = store->read();
+    const Where where;
+    DocumentQuery page = query(where);
+    page.order = parseOrder("-name");
+    page.limit = 2;
+    std::vector<std::string> told;
+    session->measurements().select(page)->visitSummaries(
+        [&](const FoundPoint& point) {
+            told.emplace_back(point.name);
+            return SummaryParts{point.name == "S3", false, point.name != "S3"};
+        },
+        [&](const PointSummary& summary) {
+            told.back() += summary.latest ? summary.latest->timeFlag : std::string("-");
+            told.back() += summary.largest ? "+" : "-";
+        });
+    EXPECT_THAT(told, ElementsAre("S3C-", "S2--"));
 }
 
 TEST_P(PointSelections, SamplesOfPointsThatAreNotWantedAreLeftOut)
@@ -343,6 +439,30 @@ protected:
         return found;
     }
 
+    // What the samples of a point come to: the latest is of those that were chosen, the rest of all.
+    PointSummary summaryOf(const std::string& id,
+                           const std::map<std::string, std::vector<Sample>>& found) const
+    {
+        const auto known =
+            std::find_if(points.begin(), points.end(), [&id](const Known& point) { return point.id == id; });
+        PointSummary summary;
+        if (const std::vector<Sample>& samples = found.at(id); !samples.empty()) {
+            summary.latest = samples.back();
+        }
+        std::map<std::int64_t, double> days;
+        for (const Sample& sample : known->samples) {
+            days[sample.time / day] = sample.value;
+        }
+        for (const auto& [number, value] : days) {
+            summary.smallest = std::min(summary.smallest.value_or(value), value);
+            summary.largest = std::max(summary.largest.value_or(value), value);
+        }
+        if (!known->samples.empty()) {
+            summary.earliest = known->samples.front().value;
+        }
+        return summary;
+    }
+
     // The identifiers as an order by the newest chosen sample, a depth as a number or a name gives them.
     std::vector<std::string> ordered(const std::map<std::string, std::vector<Sample>>& found,
                                      const std::string& order) const
@@ -380,13 +500,6 @@ protected:
 
     std::vector<Known> points;
 };
-
-std::string textOf(const Sample& sample)
-{
-    std::string text;
-    appendSample(text, sample);
-    return text;
-}
 
 TEST_P(ModelledSelections, PointsSamplesAndDaysAreThoseThatTheMatcherChooses)
 {
@@ -452,6 +565,17 @@ TEST_P(ModelledSelections, PointsSamplesAndDaysAreThoseThatTheMatcherChooses)
             }
             ASSERT_EQ(days[id], ofDays) << id;
         }
+
+        ids.clear();
+        session->measurements().select(page)->visitSummaries(
+            [&](const FoundPoint& point) {
+                ids.emplace_back(point.id);
+                return SummaryParts{true, true, true};
+            },
+            [&](const PointSummary& summary) {
+                ASSERT_EQ(textOf(summary), textOf(summaryOf(ids.back(), expected))) << ids.back();
+            });
+        ASSERT_EQ(ids, expectedIds) << order;
 
         page.skip = chance.below(4);
         page.limit = chance.below(5);

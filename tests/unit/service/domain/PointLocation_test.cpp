@@ -62,6 +62,7 @@ TEST(PointLocation, InitialValueOfZeroIsAnotherThanNone)
         const std::string document = toDocument(location);
         EXPECT_NE(document.find(R"("initialValue":0,)"), std::string::npos);
         EXPECT_EQ(fromDocument<PointLocation>(document).initialValue, initialValue);
+        EXPECT_EQ(initialValueIn(document), initialValue);
     }
 }
 
@@ -69,6 +70,7 @@ TEST(PointLocation, DamagedDocumentIsAnError)
 {
     EXPECT_THROW(fromDocument<PointLocation>("{}"), DamagedDocument);
     EXPECT_THROW(fromDocument<PointLocation>("nonsense"), DamagedDocument);
+    EXPECT_THROW(initialValueIn(R"({"initialValue":1})"), DamagedDocument);
 }
 
 } // namespace
