@@ -22,6 +22,8 @@ Examples:
   monitor-service admin --data site.db token create --owner "A. Engineer" --name laptop
   monitor-service admin --data site.db grant --token ID --project ID --role editor
   monitor-service admin --data site.db token list --json
+  monitor-service admin --data site.db backup site-backup.db
+  monitor-service admin restore site-backup.db --data restored.db
 
 Everything takes effect at once, also while the service runs.
 Environment: MONITOR_SERVICE_DATA names the file when --data is not given.)";
@@ -61,20 +63,13 @@ CLI::Option* addDataOption(CLI::App& command, AdminSettings& settings)
     return command.add_option("--data", settings.file, "The service's data")->type_name("FILE");
 }
 
-const std::string& dataOf(const AdminSettings& settings)
-{
-    if (settings.file.empty()) {
-        throw CLI::RequiredError("--data");
-    }
-    return settings.file;
-}
-
 } // namespace
 
 void addAdminCommand(CLI::App& application)
 {
     CLI::App* const admin =
-        application.add_subcommand("admin", "Projects, categories, tokens and grants")->require_subcommand(1);
+        application.add_subcommand("admin", "Projects, categories, tokens and grants; backups")
+            ->require_subcommand(1);
     admin->footer(examples);
     const auto settings = std::make_shared<AdminSettings>();
     addProjectCommands(*admin, settings);
@@ -82,7 +77,16 @@ void addAdminCommand(CLI::App& application)
     addSubCategoryCommands(*admin, settings);
     addTokenCommands(*admin, settings);
     addGrantCommands(*admin, settings);
+    addBackupCommands(*admin, settings);
     addDataOption(*admin, *settings)->envname("MONITOR_SERVICE_DATA");
+}
+
+const std::string& dataOf(const AdminSettings& settings)
+{
+    if (settings.file.empty()) {
+        throw CLI::RequiredError("--data");
+    }
+    return settings.file;
 }
 
 std::unique_ptr<Store> openOrCreate(const AdminSettings& settings)

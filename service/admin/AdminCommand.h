@@ -28,12 +28,15 @@ struct AdminSettings
 /// to the standard output, and throw CommandError or StoreError when they fail.
 void addAdminCommand(CLI::App& application);
 
+void addBackupCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);
 void addProjectCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);
 void addCategoryCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);
 void addSubCategoryCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);
 void addTokenCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);
 void addGrantCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);
 
+/// The service's data; throws CLI::RequiredError when they were not given.
+const std::string& dataOf(const AdminSettings& settings);
 /// Opens the data; makes an empty file where there is none.
 std::unique_ptr<Store> openOrCreate(const AdminSettings& settings);
 /// Opens the data; there must be some.

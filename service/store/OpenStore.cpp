@@ -1,5 +1,6 @@
 #include "store/OpenStore.h"
 
+#include "store/sqlite/SqliteCopy.h"
 #include "store/sqlite/SqliteStore.h"
 
 #include <algorithm>
@@ -24,9 +25,7 @@ std::string_view schemeOf(std::string_view location)
     return isScheme ? scheme : std::string_view();
 }
 
-} // namespace
-
-std::unique_ptr<Store> openStore(const std::string& location, const StoreOptions& options)
+void requirePath(const std::string& location)
 {
     const std::string_view scheme = schemeOf(location);
     if (!scheme.empty()) {
@@ -34,6 +33,13 @@ std::unique_ptr<Store> openStore(const std::string& location, const StoreOptions
         throw StoreError(StoreFailure::CannotOpen, "cannot open " + std::string(scheme) +
                                                        "://...: data are kept in a file, given by its path");
     }
+}
+
+} // namespace
+
+std::unique_ptr<Store> openStore(const std::string& location, const StoreOptions& options)
+{
+    requirePath(location);
     return std::make_unique<SqliteStore>(location, options);
 }
 
@@ -41,6 +47,18 @@ bool storeExists(const std::string& location)
 {
     std::error_code error;
     return schemeOf(location).empty() && std::filesystem::exists(location, error);
+}
+
+void backUpStore(const std::string& location, const std::string& file)
+{
+    requirePath(location);
+    backUpDatabase(location, file);
+}
+
+void restoreStore(const std::string& file, const std::string& location)
+{
+    requirePath(location);
+    restoreDatabase(file, location);
 }
 
 } // namespace monitorservice

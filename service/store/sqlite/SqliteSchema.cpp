@@ -431,6 +431,14 @@ std::string instantIn(const std::string& text)
            ", 21, 3) AS INTEGER)";
 }
 
+void requireKnown(SqliteConnection& connection)
+{
+    checkOwnership(connection);
+    if (connection.integer("PRAGMA application_id") != applicationId) {
+        throw StoreError(StoreFailure::CannotOpen, "is empty");
+    }
+}
+
 void migrate(SqliteConnection& connection, std::chrono::milliseconds patience)
 {
     checkOwnership(connection);

@@ -12,6 +12,10 @@ namespace monitorservice {
 /// version.
 void migrate(SqliteConnection& connection, std::chrono::milliseconds patience);
 
+/// Throws StoreError with StoreFailure::CannotOpen unless the database is one of ours, of the current version
+/// or an earlier one.
+void requireKnown(SqliteConnection& connection);
+
 /// The SQL expression for the Instant that a text holds as isoText() writes it; NULL for an empty text.
 /// `text` is SQL too.
 std::string instantIn(const std::string& text);
