@@ -9,7 +9,6 @@ namespace monitorservice {
 namespace {
 
 constexpr long connectSeconds = 15;
-constexpr long answerSeconds = 30;
 constexpr long transferSeconds = 60;
 
 } // namespace
@@ -40,7 +39,6 @@ CurlTransfer::CurlTransfer(const std::string& url, const std::string& caFile, co
         set(CURLOPT_CAINFO, caFile.c_str());
     }
     set(CURLOPT_CONNECTTIMEOUT, connectSeconds);
-    set(CURLOPT_SERVER_RESPONSE_TIMEOUT, answerSeconds);
     set(CURLOPT_TIMEOUT, transferSeconds);
     set(CURLOPT_NOPROGRESS, 0L);
     set(CURLOPT_XFERINFOFUNCTION, &CurlTransfer::onProgress);

@@ -17,7 +17,7 @@ class Notifier
 public:
     /// Begins at once.
     Notifier(Dispatcher dispatcher, NotifyLog log);
-    /// Gives up what is on its way, and ends within about a second.
+    /// Gives up what is on its way, and ends within a few seconds.
     ~Notifier();
     Notifier(const Notifier&) = delete;
     Notifier& operator=(const Notifier&) = delete;

@@ -25,6 +25,7 @@ struct SmtpSettings
     std::string password;
     std::string caFile = {}; ///< certificates that are trusted; empty: the system's
     bool isLocal = false;    ///< the server is on this machine
+    long answerSeconds = 30; ///< for so long each answer of the server is waited for
 };
 
 /// How the webhook is called.

@@ -32,6 +32,7 @@ SendResult SmtpTransport::send(const Notification& notification, const std::atom
         transfer.set(CURLOPT_USERNAME, m_settings.user.c_str());
         transfer.set(CURLOPT_PASSWORD, m_settings.password.c_str());
     }
+    transfer.set(CURLOPT_SERVER_RESPONSE_TIMEOUT, m_settings.answerSeconds);
     transfer.setUpload(mail);
     return transfer.run();
 }

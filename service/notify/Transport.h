@@ -32,7 +32,7 @@ public:
 
     /// Whether anything can be sent to an entry of "alarmTo".
     virtual bool reaches(const std::string& recipient) const = 0;
-    /// Waits for the server's answer, but not much longer than a second when `stop` becomes true.
+    /// Waits for the server's answer, but no more than a few seconds once `stop` is true.
     virtual SendResult send(const Notification& notification, const std::atomic<bool>& stop) = 0;
 };
 
