@@ -1,6 +1,6 @@
 #pragma once
 
-#include "time/Instant.h"
+#include "store/Outbox.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -18,9 +18,8 @@ constexpr Instant timeToSend = 2 * 60'000;
 inline Instant pauseAfter(std::int64_t failures)
 {
     constexpr Instant first = 10'000;
-    constexpr Instant longest = 60 * 60'000;
     constexpr std::int64_t mostDoublings = 9; // beyond an hour; more might not fit
-    return std::min(first << std::clamp<std::int64_t>(failures - 1, 0, mostDoublings), longest);
+    return std::min(first << std::clamp<std::int64_t>(failures - 1, 0, mostDoublings), longestWait);
 }
 
 } // namespace monitorservice

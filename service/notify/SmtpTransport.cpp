@@ -8,6 +8,18 @@
 
 namespace monitorservice {
 
+namespace {
+
+curl_usessl encryptionFor(const SmtpSettings& settings)
+{
+    if (settings.isLocal) {
+        return CURLUSESSL_NONE;
+    }
+    return settings.user.empty() ? CURLUSESSL_TRY : CURLUSESSL_ALL;
+}
+
+} // namespace
+
 SmtpTransport::SmtpTransport(SmtpSettings settings) : m_settings(std::move(settings))
 {
     prepareCurl();
@@ -24,8 +36,7 @@ SendResult SmtpTransport::send(const Notification& notification, const std::atom
     CurlList recipients;
     recipients.add('<' + notification.recipient + '>');
     CurlTransfer transfer(m_settings.url, m_settings.caFile, stop);
-    const bool mustEncrypt = !m_settings.user.empty() && !m_settings.isLocal;
-    transfer.set(CURLOPT_USE_SSL, static_cast<long>(mustEncrypt ? CURLUSESSL_ALL : CURLUSESSL_TRY));
+    transfer.set(CURLOPT_USE_SSL, static_cast<long>(encryptionFor(m_settings)));
     transfer.set(CURLOPT_MAIL_FROM, ('<' + m_settings.from + '>').c_str());
     transfer.set(CURLOPT_MAIL_RCPT, recipients.get());
     if (!m_settings.user.empty()) {

@@ -21,14 +21,18 @@ struct Notice
     std::string told = "{}";    ///< JSON object; what it says is the sender's matter
 };
 
+/// No notice waits for longer. One that seems to was written by a clock that has been set back since.
+constexpr Instant longestWait = 60 * 60'000;
+
 /// The notices: written in the transaction of what they tell of, sent afterwards. A notice goes with its
 /// alarm. Every member may throw StoreError.
 class Outbox : public StoreInterface
 {
 public:
     /// Something of the alarm is new: a notice that rests, or that there is none of yet, is due at the time
-    /// of the session; any other one stays as it is, as it will be looked at anyway. Nothing is kept for a
-    /// channel that the store was not opened for. StoreFailure::Conflict when there is no such alarm.
+    /// of the session, and so is one that would wait for longer than the longest wait; any other one stays
+    /// as it is, as it will be looked at anyway. Nothing is kept for a channel that the store was not opened
+    /// for. StoreFailure::Conflict when there is no such alarm.
     virtual void note(const std::string& alarm, Channel channel, const std::string& recipient) = 0;
     /// The notice of the channel that has been due for longest at that time; ties go by alarm and recipient.
     virtual std::optional<Notice> nextDue(Channel channel, Instant now) const = 0;

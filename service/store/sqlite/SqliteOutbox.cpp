@@ -19,8 +19,8 @@ void SqliteOutbox::note(const std::string& alarm, Channel channel, const std::st
     m_connection
         .statement("INSERT INTO outbox AS held (alarm, channel, recipient, due, attempts, told) VALUES "
                    "(?, ?, ?, ?, 0, ?) ON CONFLICT (alarm, channel, recipient) DO UPDATE SET "
-                   "due = excluded.due WHERE held.due IS NULL")
-        .bind(alarm, columnOf(channel), recipient, m_now, Notice().told)
+                   "due = excluded.due WHERE held.due IS NULL OR held.due > excluded.due + ?")
+        .bind(alarm, columnOf(channel), recipient, m_now, Notice().told, longestWait)
         .run();
 }
 

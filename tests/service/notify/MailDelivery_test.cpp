@@ -207,6 +207,21 @@ TEST_F(MailDelivery, PasswordIsSentUnderTlsAlone)
     EXPECT_THAT(mails(), SizeIs(1)) << ::testing::PrintToString(log);
 }
 
+TEST_F(MailDelivery, TlsThatIsOfferedIsTakenButNotOnThisMachine)
+{
+    server.start({"--certificate", certificate(), "--starttls"});
+    SmtpSettings plain = settings();
+    plain.isLocal = false;
+    site.alarm("a1", {excessOf("S1", 1)});
+    send(plain);
+    EXPECT_THAT(log, ElementsAre(HasSubstr("SSL certificate problem")));
+    EXPECT_THAT(mails(), IsEmpty());
+    plain.isLocal = true;
+    site.pass(10 * second);
+    send(plain);
+    EXPECT_THAT(mails(), SizeIs(1));
+}
+
 // Taken for refused, the mail would come again and again.
 TEST_F(MailDelivery, MailThatWasAcceptedIsToldWhateverComesAfterwards)
 {

@@ -135,6 +135,18 @@ TEST_P(OutboxContract, NewsDoNotHastenANoticeThatWaits)
     EXPECT_THAT(taken(Channel::Mail, 9000), ElementsAre("a1 ada@site 9000 1 {}"));
 }
 
+TEST_P(OutboxContract, NoticeOfAClockThatWasAheadDoesNotWaitForIt)
+{
+    note("a1", Channel::Mail, "ada@site");
+    update({"a1", Channel::Mail, "ada@site", now + longestWait + 2, 1, "{}"});
+    now += 1;
+    note("a1", Channel::Mail, "ada@site");
+    EXPECT_THAT(taken(Channel::Mail, now), ElementsAre("a1 ada@site 1001 1 {}"));
+    update({"a1", Channel::Mail, "ada@site", now + longestWait, 1, "{}"});
+    note("a1", Channel::Mail, "ada@site");
+    EXPECT_THAT(taken(Channel::Mail, now), IsEmpty());
+}
+
 TEST_P(OutboxContract, NoticeIsThereAfterReopeningUnlessItWasNotCommitted)
 {
     note("a1", Channel::Mail, "ada@site");
