@@ -3,6 +3,7 @@
 
 find_package(Boost 1.81 REQUIRED)
 find_package(CLI11 REQUIRED)
+find_package(CURL 7.87 REQUIRED) # CURLOPT_QUICK_EXIT
 find_package(date REQUIRED)
 find_package(OpenSSL REQUIRED COMPONENTS Crypto)
 find_package(simdjson 3.0 REQUIRED)

@@ -12,7 +12,7 @@ packages=(
   libsqlite3-dev libssl-dev libhowardhinnant-date-dev nlohmann-json3-dev tzdata
   libcli11-dev libutf8proc-dev                                      # command lines
   libqwt-qt5-dev libqt5svg5-dev fonts-dejavu-core                   # charts
-  libgtest-dev libgmock-dev python3                                 # tests
+  libgtest-dev libgmock-dev python3 python3-aiosmtpd                # tests
 )
 if [ "${1:-}" = --checks ]; then
   packages+=(clang-format-14 clang-tidy-14 clang-14 libclang-rt-14-dev llvm-14 valgrind)

@@ -1,8 +1,10 @@
 #include "ServeCommand.h"
 
+#include "NotifyCommandLine.h"
 #include "api/Api.h"
 #include "http/HttpServer.h"
 #include "http/ListenAddress.h"
+#include "notify/Notifiers.h"
 #include "store/OpenStore.h"
 
 #include <chrono>
@@ -21,6 +23,7 @@ struct ServeSettings
     std::string file;
     std::string listen = "127.0.0.1:8600";
     bool log = false;
+    NotifyOptions notify;
 };
 
 bool isLoopback(const std::string& host)
@@ -44,7 +47,7 @@ HttpHandler logged(HttpHandler handler)
     };
 }
 
-std::unique_ptr<Store> openStoreOfService(const std::string& file)
+std::unique_ptr<Store> openStoreOfService(const std::string& file, const std::set<Channel>& channels)
 {
     if (!storeExists(file)) {
         std::cerr << "monitor-service: " << file << " does not exist and is made\n";
@@ -56,7 +59,13 @@ std::unique_ptr<Store> openStoreOfService(const std::string& file)
     // that for a thread, is told to come again, before the client library gives up at 30 s without knowing
     // what became of the request.
     options.patience = std::chrono::seconds(15);
+    options.channels = channels;
     return openStore(file, options);
+}
+
+void logNotification(const std::string& line)
+{
+    std::cerr << "monitor-service: " + line + '\n';
 }
 
 // A file that may not grow any more and a log that nobody reads are errors to be answered and gone on after;
@@ -80,7 +89,12 @@ void serve(const ServeSettings& settings)
                   << " can be reached from other machines, and tokens travel unencrypted; put a proxy with "
                      "TLS before it\n";
     }
-    const std::unique_ptr<Store> store = openStoreOfService(settings.file);
+    Transports transports = transportsOf(settings.notify);
+    if (transports.empty()) {
+        std::cerr << "monitor-service: alarms are only stored: nobody is told of them without --smtp-url or "
+                     "--alarm-webhook\n";
+    }
+    const std::unique_ptr<Store> store = openStoreOfService(settings.file, channelsOf(transports));
     const auto counters = std::make_shared<HttpCounters>();
     const Api api(*store, counters);
     HttpHandler handler = [&api](HttpRequest&& request) {
@@ -89,6 +103,7 @@ void serve(const ServeSettings& settings)
     HttpServer server(address, HttpLimits(), settings.log ? logged(std::move(handler)) : std::move(handler),
                       counters);
     server.stopOnSignal();
+    const Notifiers notifiers = startNotifiers(*store, std::move(transports), logNotification);
     const ListenAddress listening{address.host, server.port()};
     std::cout << "monitor-service listening on http://" << toText(listening) << "/" << std::endl;
     server.runUntilSignal();
@@ -107,13 +122,16 @@ void addServeCommand(CLI::App& application)
     command->add_option("--listen", settings->listen, "IP address and port; port 0 is any free one")
         ->capture_default_str()
         ->type_name("ADDRESS:PORT");
+    addNotifyOptions(*command, settings->notify);
     command->add_flag("--log", settings->log, "A line for each request on the standard error");
     command->footer(R"(
 Prints "monitor-service listening on http://127.0.0.1:PORT/" when it is ready.
 
 Examples:
   monitor-service serve --data site.db
-  monitor-service serve --data site.db --listen 127.0.0.1:0 --log)");
+  monitor-service serve --data site.db --listen 127.0.0.1:0 --log
+  monitor-service serve --data site.db --smtp-url smtps://mail.example.org --smtp-from alarms@example.org \
+    --smtp-credentials-file mail.secret)");
     command->callback([settings] { serve(*settings); });
 }
 

@@ -6,6 +6,7 @@
 #include "store/Excesses.h"
 #include "store/Grants.h"
 #include "store/Measurements.h"
+#include "store/Outbox.h"
 #include "store/Projects.h"
 #include "store/StoreInterface.h"
 #include "store/Tokens.h"
@@ -32,6 +33,7 @@ public:
     virtual const Categories& categories() const = 0;
     virtual const Tokens& tokens() const = 0;
     virtual const Grants& grants() const = 0;
+    virtual const Outbox& outbox() const = 0;
 
     virtual Documents& documents(DocumentKind kind) = 0;
     virtual Measurements& measurements() = 0;
@@ -40,6 +42,7 @@ public:
     virtual Categories& categories() = 0;
     virtual Tokens& tokens() = 0;
     virtual Grants& grants() = 0;
+    virtual Outbox& outbox() = 0;
 
     /// The time at which the session began.
     virtual Instant now() const = 0;

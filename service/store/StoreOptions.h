@@ -1,8 +1,10 @@
 #pragma once
 
+#include "store/Channel.h"
 #include "time/Instant.h"
 
 #include <chrono>
+#include <set>
 
 namespace monitorservice {
 
@@ -17,6 +19,9 @@ struct StoreOptions
     /// Opened by a service, where the store is for one service at a time: StoreFailure::CannotOpen when
     /// another one has it. Commands of administration do not ask for it.
     bool forService = false;
+    /// Those by which people are told. Of the others the outbox keeps nothing: whoever is told by mail from
+    /// now on does not want the alarms of the year before.
+    std::set<Channel> channels = {};
 };
 
 } // namespace monitorservice

@@ -41,6 +41,7 @@ private:
         const Categories& categories() const override { return std::as_const(*m_session).categories(); }
         const Tokens& tokens() const override { return std::as_const(*m_session).tokens(); }
         const Grants& grants() const override { return std::as_const(*m_session).grants(); }
+        const Outbox& outbox() const override { return std::as_const(*m_session).outbox(); }
 
         Documents& documents(DocumentKind kind) override { return m_session->documents(kind); }
         Measurements& measurements() override { return m_session->measurements(); }
@@ -49,6 +50,7 @@ private:
         Categories& categories() override { return m_session->categories(); }
         Tokens& tokens() override { return m_session->tokens(); }
         Grants& grants() override { return m_session->grants(); }
+        Outbox& outbox() override { return m_session->outbox(); }
 
         Instant now() const override { return m_session->now(); }
         std::string newIdentifier() override { return m_session->newIdentifier(); }

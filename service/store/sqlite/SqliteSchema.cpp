@@ -360,6 +360,23 @@ ANALYZE sqlite_schema;
 )sql";
 }
 
+// What recipients are told of alarms. The index serves the sender, which asks each second.
+std::string fifthVersion()
+{
+    return R"sql(
+CREATE TABLE outbox (
+    alarm TEXT NOT NULL REFERENCES alarms (id) ON DELETE CASCADE,
+    channel TEXT NOT NULL,
+    recipient TEXT NOT NULL,
+    due INTEGER,
+    attempts INTEGER NOT NULL,
+    told TEXT NOT NULL,
+    PRIMARY KEY (alarm, channel, recipient)
+) STRICT, WITHOUT ROWID;
+CREATE INDEX outbox_by_due ON outbox (channel, due) WHERE due IS NOT NULL;
+)sql";
+}
+
 void toFirstVersion(SqliteConnection& connection)
 {
     connection.execute(firstVersion());
@@ -382,8 +399,14 @@ void toFourthVersion(SqliteConnection& connection)
     connection.execute(fourthVersion());
 }
 
+void toFifthVersion(SqliteConnection& connection)
+{
+    connection.execute(fifthVersion());
+}
+
 // The step at index n leads from version n to version n + 1. Steps that were released are never changed.
-constexpr std::array migrations{toFirstVersion, toSecondVersion, toThirdVersion, toFourthVersion};
+constexpr std::array migrations{toFirstVersion, toSecondVersion, toThirdVersion, toFourthVersion,
+                                toFifthVersion};
 
 void checkOwnership(SqliteConnection& connection)
 {

@@ -5,6 +5,7 @@
 #include "store/sqlite/SqliteDocuments.h"
 #include "store/sqlite/SqliteExcesses.h"
 #include "store/sqlite/SqliteMeasurements.h"
+#include "store/sqlite/SqliteOutbox.h"
 #include "store/sqlite/SqliteProjects.h"
 #include "store/sqlite/SqliteSchema.h"
 
@@ -94,11 +95,13 @@ AllDocuments documentsOf(SqliteConnection& connection, std::index_sequence<index
 class SqliteSession : public Session
 {
 public:
-    SqliteSession(SqliteConnection& connection, SQLite::TransactionBehavior behavior, Instant now)
-        : m_connection(connection), m_now(now),
+    SqliteSession(SqliteConnection& connection, SQLite::TransactionBehavior behavior,
+                  const StoreOptions& options)
+        : m_connection(connection), m_now(options.clock()),
           m_documents(documentsOf(connection, std::make_index_sequence<allDocumentKinds.size()>())),
-          m_measurements(connection), m_excesses(connection), m_projects(connection), m_categories(connection), m_tokens(connection),
-          m_grants(connection)
+          m_measurements(connection), m_excesses(connection), m_projects(connection),
+          m_categories(connection), m_tokens(connection), m_grants(connection),
+          m_outbox(connection, m_now, options.channels)
     {
         try {
             m_transaction = std::make_unique<SQLite::Transaction>(connection.database(), behavior);
@@ -117,6 +120,7 @@ public:
     const Categories& categories() const override { return m_categories; }
     const Tokens& tokens() const override { return m_tokens; }
     const Grants& grants() const override { return m_grants; }
+    const Outbox& outbox() const override { return m_outbox; }
 
     Documents& documents(DocumentKind kind) override
     {
@@ -128,6 +132,7 @@ public:
     Categories& categories() override { return m_categories; }
     Tokens& tokens() override { return m_tokens; }
     Grants& grants() override { return m_grants; }
+    Outbox& outbox() override { return m_outbox; }
 
     Instant now() const override { return m_now; }
 
@@ -171,6 +176,7 @@ private:
     SqliteCategories m_categories;
     SqliteTokens m_tokens;
     SqliteGrants m_grants;
+    SqliteOutbox m_outbox;
     std::unique_ptr<SQLite::Transaction> m_transaction;
 };
 
@@ -180,8 +186,8 @@ class SqliteStore::ReadSession final : public SqliteSession
 {
 public:
     ReadSession(SqliteStore& store, std::unique_ptr<SqliteConnection> reader)
-        : SqliteSession(*reader, SQLite::TransactionBehavior::DEFERRED, store.m_options.clock()),
-          m_store(store), m_reader(std::move(reader))
+        : SqliteSession(*reader, SQLite::TransactionBehavior::DEFERRED, store.m_options), m_store(store),
+          m_reader(std::move(reader))
     {
     }
     ReadSession(const ReadSession&) = delete;
@@ -202,7 +208,7 @@ class SqliteStore::WriteSession final : public SqliteSession
 {
 public:
     WriteSession(SqliteStore& store, std::unique_lock<FairMutex> turn)
-        : SqliteSession(*store.m_writer, SQLite::TransactionBehavior::IMMEDIATE, store.m_options.clock()),
+        : SqliteSession(*store.m_writer, SQLite::TransactionBehavior::IMMEDIATE, store.m_options),
           m_turn(std::move(turn))
     {
     }

@@ -131,13 +131,14 @@ TEST_F(ServeCommand, LogHoldsNeitherTokenNorQuery)
     EXPECT_EQ(service.wait(), 0);
 }
 
-TEST_F(ServeCommand, IsSilentWithoutLog)
+TEST_F(ServeCommand, SaysOnceThatNobodyIsToldAndNothingElseWithoutLog)
 {
     ServiceProcess service(serving());
     RawClient client(portOf(service));
     call(client, "GET", "categories");
     service.signal(SIGTERM);
-    EXPECT_EQ(service.readErrors(), "");
+    EXPECT_EQ(service.readErrors(), "monitor-service: alarms are only stored: nobody is told of them without "
+                                    "--smtp-url or --alarm-webhook\n");
     EXPECT_EQ(service.wait(), 0);
 }
 

@@ -8,6 +8,7 @@
 #include "domain/SubCategory.h"
 #include "store/sqlite/SqliteDocuments.h"
 #include "store/sqlite/SqliteMeasurements.h"
+#include "store/sqlite/SqliteOutbox.h"
 #include "store/sqlite/SqliteStore.h"
 #include "support/TemporaryFolder.h"
 
@@ -62,11 +63,11 @@ std::vector<std::string> textsOf(SqliteConnection& connection, const std::string
     return texts;
 }
 
-// Takes away what the fourth version has added, but for the documents' members.
+// Takes away what the fourth version and those after it have added, but for the documents' members.
 void backToThirdVersion(SqliteConnection& connection)
 {
     connection.execute(
-        "DROP TABLE changes; DROP TABLE excesses; "
+        "DROP TABLE outbox; DROP TABLE changes; DROP TABLE excesses; "
         "DELETE FROM sqlite_stat1 WHERE tbl IN ('changes', 'excesses'); PRAGMA user_version = 3");
 }
 
@@ -92,7 +93,7 @@ TEST_F(SqliteSchema, FileOfTheFirstVersionBecomesTheCurrentOneWithItsData)
                 Not(Contains(HasSubstr("sqlite_stat"))));
     migrate(connection, patience);
     EXPECT_EQ(schemaOf(connection), current);
-    EXPECT_EQ(connection.integer("PRAGMA user_version"), 4);
+    EXPECT_EQ(connection.integer("PRAGMA user_version"), 5);
     EXPECT_EQ(SqliteStore(file).read()->documents(DocumentKind::Cell).find("c")->category, "Settlement");
 }
 
@@ -277,6 +278,14 @@ TEST_F(SqliteSchema, PointsAreReadByTheNarrowestKey)
         EXPECT_THAT(plans, Contains(HasSubstr(key.used)).Times(2));
         EXPECT_THAT(plans, Not(Contains(HasSubstr("SCAN"))));
     }
+}
+
+TEST_F(SqliteSchema, DueNoticesAreFoundByTheirTime)
+{
+    SqliteConnection connection = open();
+    const SqliteOutbox outbox(connection, 0, {Channel::Mail});
+    EXPECT_THAT(plansOf(connection, [&outbox] { outbox.nextDue(Channel::Mail, 1); }),
+                ElementsAre(HasSubstr("USING INDEX outbox_by_due (channel=? AND due<?)")));
 }
 
 TEST_F(SqliteSchema, WhatBelongsToADocumentIsReadByIt)
