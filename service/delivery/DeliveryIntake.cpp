@@ -4,6 +4,7 @@
 #include "delivery/DeliveryRecord.h"
 #include "delivery/PointMerge.h"
 #include "json/JsonText.h"
+#include "notify/NoteNews.h"
 
 #include <deque>
 #include <unordered_map>
@@ -117,6 +118,9 @@ IntakeResult takeIn(Session& session, const Delivery& delivery, const MayDo& may
             changed = true;
             recordDelivery(session, tally.target.quantity, tally.share, author);
             tally.outcome = tally.judgement.finish();
+            for (const std::string& alarm : tally.outcome.changedAlarms) {
+                noteNews(session, alarm);
+            }
         }
     }
     return {answerOf(points), changed};

@@ -77,7 +77,7 @@ bool SqliteCategories::rename(const std::string& category, const std::string& na
     m_connection.execute("PRAGMA defer_foreign_keys = ON");
     SqliteStatement renamed = m_connection.statement("UPDATE categories SET name = ? WHERE name = ?");
     const bool isThere = renamed.bind(name, category).run() > 0;
-    for (const char* const table : {"cells", "sub_categories"}) {
+    for (const char* const table : {"cells", "sub_categories", "changes"}) {
         m_connection
             .statement("UPDATE " + std::string(table) +
                        " SET document = json_set(document, '$.category', ?) WHERE category = ?")

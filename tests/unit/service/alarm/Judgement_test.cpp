@@ -531,7 +531,7 @@ TEST_F(Judgements, ExampleOfTheManual)
                          R"(,"initialValue":100)")}));
     EXPECT_EQ(told(), "4 10.5 0.5 2.5 0.5 ");
     take(delivery({point("S1", {sample(march(6, 8), 4, "105.0")})}));
-    EXPECT_EQ(told(), "5 10 0 2.33333333333 0.333333333333 ");
+    EXPECT_EQ(told(), "5 10 0 2.33333333333 0.33333333333 ");
     take(delivery({point("S1", {sample(march(5, 8), 6, "107.0")})}));
     EXPECT_EQ(told(), "5 10 0 3 1 ");
 }
