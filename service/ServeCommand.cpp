@@ -31,18 +31,25 @@ bool isLoopback(const std::string& host)
     return host == "::1" || host.rfind("127.", 0) == 0;
 }
 
-// One line for each request; the query is left out, as its values are nobody else's business.
+std::string orDash(const std::string& text)
+{
+    return text.empty() ? "-" : text;
+}
+
+// One line for each request; the query is left out, as its values are nobody else's business. Tokens are told
+// by their identifiers.
 HttpHandler logged(HttpHandler handler)
 {
     return [handler = std::move(handler)](HttpRequest&& request) {
+        const std::string address = orDash(request.address);
         const std::string what = request.method + ' ' + request.target.substr(0, request.target.find('?'));
         const auto begin = std::chrono::steady_clock::now();
         HttpResponse response = handler(std::move(request));
         const auto taken = std::chrono::steady_clock::now() - begin;
         const auto microseconds = std::chrono::duration_cast<std::chrono::microseconds>(taken).count();
-        std::cerr << isoText(systemNow()) + ' ' + what + ' ' + std::to_string(response.status) + ' ' +
-                         std::to_string(response.body.size()) + " B " + std::to_string(microseconds) +
-                         " us\n";
+        std::cerr << isoText(systemNow()) + ' ' + address + ' ' + orDash(response.caller) + ' ' + what + ' ' +
+                         std::to_string(response.status) + ' ' + std::to_string(response.body.size()) +
+                         " B " + std::to_string(microseconds) + " us\n";
         return response;
     };
 }

@@ -4,7 +4,8 @@
 
 namespace monitorservice {
 
-Principal::Principal(std::string owner, const std::vector<Grant>& grants) : m_owner(std::move(owner))
+Principal::Principal(std::string owner, const std::vector<Grant>& grants, std::string token)
+    : m_owner(std::move(owner)), m_token(std::move(token))
 {
     for (const Grant& grant : grants) {
         if (grant.rights.empty()) {

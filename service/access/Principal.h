@@ -22,10 +22,13 @@ struct HeldRights
 class Principal
 {
 public:
-    Principal(std::string owner, const std::vector<Grant>& grants);
+    Principal(std::string owner, const std::vector<Grant>& grants, std::string token = {});
 
     /// The owner of the token.
     const std::string& owner() const { return m_owner; }
+
+    /// The identifier of the token, never the token.
+    const std::string& token() const { return m_token; }
 
     bool may(Right right, const std::string& project, const std::string& category) const;
 
@@ -51,6 +54,7 @@ private:
     const ProjectRights* rightsIn(const std::string& project) const;
 
     std::string m_owner;
+    std::string m_token;
     std::map<std::string, ProjectRights> m_projects;
 };
 

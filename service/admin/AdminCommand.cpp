@@ -114,6 +114,15 @@ void checkText(const std::string& what, const std::string& text)
     }
 }
 
+void refuseToken(const Session& session, const std::string& id)
+{
+    std::vector<std::pair<std::string, std::string>> known;
+    for (const Token& token : session.tokens().list()) {
+        known.emplace_back(token.id, token.owner);
+    }
+    throw CommandError("there is no token \"" + id + "\"" + didYouMeanIdentifier(id, known));
+}
+
 void checkProject(const Session& session, const std::string& project)
 {
     if (session.projects().find(project)) {

@@ -45,6 +45,9 @@ std::unique_ptr<Store> openExisting(const AdminSettings& settings);
 /// Throws CommandError naming `what` unless the text is UTF-8, not blank, and without control characters.
 void checkText(const std::string& what, const std::string& text);
 
+/// Throws CommandError: there is no such token. Says which one is meant when its owner's name was given.
+[[noreturn]] void refuseToken(const Session& session, const std::string& id);
+
 /// Throws CommandError when there is no such project, or category.
 void checkProject(const Session& session, const std::string& project);
 void checkCategory(const Session& session, const std::string& category);

@@ -57,7 +57,7 @@ void addGrant(const AdminSettings& settings, const GrantArguments& arguments)
     const auto session = store->write();
     const std::optional<Token> token = session->tokens().find(grant.token);
     if (!token) {
-        throw CommandError("there is no token \"" + grant.token + "\"");
+        refuseToken(*session, grant.token);
     }
     if (token->revokedAt) {
         throw CommandError("token " + grant.token + " has been revoked");

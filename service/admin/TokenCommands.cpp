@@ -52,7 +52,7 @@ void revokeToken(const AdminSettings& settings, const std::string& id)
     const auto store = openExisting(settings);
     const auto session = store->write();
     if (!session->tokens().revoke(id, session->now())) {
-        throw CommandError("there is no token \"" + id + "\"");
+        refuseToken(*session, id);
     }
     session->commit();
 }

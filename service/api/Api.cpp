@@ -91,12 +91,21 @@ Api::Api(Store& store, std::shared_ptr<const HttpCounters> counters)
 
 HttpResponse Api::answer(HttpRequest& request) const
 {
+    std::string caller;
+    HttpResponse response = answerOrRefuse(request, caller);
+    response.caller = std::move(caller);
+    return response;
+}
+
+HttpResponse Api::answerOrRefuse(HttpRequest& request, std::string& caller) const
+{
     try {
         if (request.path.size() > 1 && request.path.front() == "monitor-service") {
-            return answerClient(request);
+            return answerClient(request, caller);
         }
         return answerOperator(request);
     } catch (const AuthenticationError& error) {
+        caller = error.token();
         return withHeaders(errorResponse(401, error.what()), {{"WWW-Authenticate", "Bearer"}});
     } catch (const ApiError& error) {
         return withHeaders(errorResponse(error.status(), error.what()), error.headers());
@@ -111,10 +120,11 @@ HttpResponse Api::answer(HttpRequest& request) const
     }
 }
 
-HttpResponse Api::answerClient(HttpRequest& request) const
+HttpResponse Api::answerClient(HttpRequest& request, std::string& caller) const
 {
     std::unique_ptr<const Session> session = m_store.read();
     Principal principal = authenticate(*session, request.authorization);
+    caller = principal.token();
     RouteMatch match = findRoute(m_routes, request);
     ApiRequest apiRequest{request, std::move(match.ids), m_store, std::move(session), std::move(principal)};
     return match.handler(apiRequest);

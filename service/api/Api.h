@@ -5,6 +5,8 @@
 #include "store/Store.h"
 
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace monitorservice {
 
@@ -16,12 +18,14 @@ public:
     /// The store must outlive the object.
     Api(Store& store, std::shared_ptr<const HttpCounters> counters);
 
-    /// Leaves the request without a body when that was a delivery.
+    /// Leaves the request without a body when that was a delivery. The answer's caller is the identifier of
+    /// the token that was shown.
     HttpResponse answer(HttpRequest& request) const;
 
 private:
     HttpResponse answerOperator(const HttpRequest& request) const;
-    HttpResponse answerClient(HttpRequest& request) const;
+    HttpResponse answerOrRefuse(HttpRequest& request, std::string& caller) const;
+    HttpResponse answerClient(HttpRequest& request, std::string& caller) const;
     bool isReady() const;
 
     Store& m_store;

@@ -42,12 +42,12 @@ Principal authenticate(const Session& session, const std::optional<std::string>&
         throw AuthenticationError("the token is not known");
     }
     if (token->revokedAt) {
-        throw AuthenticationError("the token has been revoked");
+        throw AuthenticationError("the token has been revoked", token->id);
     }
     if (token->expiresAt && session.now() >= *token->expiresAt) {
-        throw AuthenticationError("the token has expired");
+        throw AuthenticationError("the token has expired", token->id);
     }
-    return {token->owner, session.grants().ofToken(token->id)};
+    return {token->owner, session.grants().ofToken(token->id), token->id};
 }
 
 } // namespace monitorservice

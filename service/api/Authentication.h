@@ -6,6 +6,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace monitorservice {
 
@@ -13,7 +14,16 @@ namespace monitorservice {
 class AuthenticationError : public std::runtime_error
 {
 public:
-    using std::runtime_error::runtime_error;
+    explicit AuthenticationError(const std::string& message, std::string token = {})
+        : std::runtime_error(message), m_token(std::move(token))
+    {
+    }
+
+    /// The identifier of the token that was shown; empty when it is not known.
+    const std::string& token() const noexcept { return m_token; }
+
+private:
+    std::string m_token;
 };
 
 /// The bearer of the token in an Authorization field (RFC 6750, section 2.1), as the session sees the token

@@ -29,6 +29,9 @@ struct HttpRequest
     /// The Content-Type field; empty when absent.
     std::string contentType;
     std::string body;
+    /// The IP address at the other end of the connection: that of a proxy, if there is one before the
+    /// service.
+    std::string address;
 };
 
 /// What a handler answers. The length, the date and the connection's fate are added when it is sent.
@@ -39,6 +42,8 @@ struct HttpResponse
     std::string contentType = "application/json; charset=utf-8"; ///< not sent when empty
     /// Any but Connection, Content-Length, Content-Type, Date and Transfer-Encoding, which the server writes.
     std::vector<std::pair<std::string, std::string>> headers;
+    /// Who was answered, for the log; empty when that is not known. Not sent.
+    std::string caller;
 };
 
 /// Answers one request. It runs on a worker thread, several at a time, so it must be safe to call

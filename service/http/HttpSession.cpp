@@ -53,6 +53,13 @@ void logFailure(const std::string& method, std::string_view target, std::string_
     std::cerr << line + "\n" << std::flush;
 }
 
+std::string addressOf(const asio::ip::tcp::socket& socket)
+{
+    error_code error;
+    const asio::ip::tcp::endpoint other = socket.remote_endpoint(error);
+    return error ? std::string() : other.address().to_string();
+}
+
 bool isSendable(std::string_view text)
 {
     return std::none_of(text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
@@ -359,6 +366,7 @@ void HttpSession::handle()
     request.authorization = std::move(m_head.authorization);
     request.contentType = std::move(m_head.contentType);
     request.body = std::move(m_parser->get().body());
+    request.address = addressOf(m_socket);
     m_parser.reset();
 
     const Clock::time_point received = Clock::now();

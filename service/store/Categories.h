@@ -18,8 +18,8 @@ public:
     /// False when the category was there already.
     virtual bool add(const std::string& category) = 0;
     /// The category keeps its place in the order, and all that is of it goes with it: monitorings,
-    /// sub-categories, grants. What changes tell of stays as it was told. False when there is no such
-    /// category; StoreFailure::Conflict when the name is that of another one.
+    /// sub-categories, grants, entries of the audit trail; what these tell of stays as it was told. False
+    /// when there is no such category; StoreFailure::Conflict when the name is that of another one.
     virtual bool rename(const std::string& category, const std::string& name) = 0;
     /// False when there is no such category. StoreFailure::Conflict when a monitoring, a sub-category or a
     /// grant is of it.

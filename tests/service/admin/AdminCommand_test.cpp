@@ -113,6 +113,8 @@ TEST_F(AdminCommand, TokenStatesAreListed)
     EXPECT_EQ(admin({"token", "revoke", id}).exitCode, 0);
     EXPECT_EQ(admin({"token", "revoke", id}).exitCode, 0);
     expectFailure({"token", "revoke", "x"}, "there is no token \"x\"");
+    expectFailure({"token", "revoke", "Ade"},
+                  "there is no token \"Ade\"; did you mean " + id + " (\"Ada\")?");
     const std::string json = line({"token", "list", "--json"});
     EXPECT_EQ(memberAt(json, 0, "state"), R"("revoked")");
     EXPECT_NE(memberAt(json, 0, "revokedAt"), "null");

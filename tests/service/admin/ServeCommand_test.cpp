@@ -131,6 +131,25 @@ TEST_F(ServeCommand, LogHoldsNeitherTokenNorQuery)
     EXPECT_EQ(service.wait(), 0);
 }
 
+TEST_F(ServeCommand, LogTellsWhoAsked)
+{
+    ServiceProcess service(serving({"--log"}));
+    RawClient client(portOf(service));
+    call(client, "GET", "categories");
+    client.send("GET /healthz HTTP/1.1\r\nHost: h\r\n\r\n");
+    client.readAnswer();
+    call(client, "GET", "nothing");
+    admin({"token", "revoke", tokenId});
+    call(client, "GET", "projects");
+    service.signal(SIGTERM);
+    const std::string log = service.readErrors();
+    EXPECT_THAT(log, HasSubstr("Z 127.0.0.1 " + tokenId + " GET /monitor-service/categories 200 "));
+    EXPECT_THAT(log, HasSubstr("Z 127.0.0.1 - GET /healthz 200 "));
+    EXPECT_THAT(log, HasSubstr("Z 127.0.0.1 " + tokenId + " GET /monitor-service/nothing 404 "));
+    EXPECT_THAT(log, HasSubstr("Z 127.0.0.1 " + tokenId + " GET /monitor-service/projects 401 "));
+    EXPECT_EQ(service.wait(), 0);
+}
+
 TEST_F(ServeCommand, SaysOnceThatNobodyIsToldAndNothingElseWithoutLog)
 {
     ServiceProcess service(serving());
