@@ -4,7 +4,7 @@ namespace monitorservice {
 
 namespace {
 
-std::string columnOf(Channel channel)
+std::string nameOf(Channel channel)
 {
     return channel == Channel::Mail ? "mail" : "webhook";
 }
@@ -20,7 +20,7 @@ void SqliteOutbox::note(const std::string& alarm, Channel channel, const std::st
         .statement("INSERT INTO outbox AS held (alarm, channel, recipient, due, attempts, told) VALUES "
                    "(?, ?, ?, ?, 0, ?) ON CONFLICT (alarm, channel, recipient) DO UPDATE SET "
                    "due = excluded.due WHERE held.due IS NULL OR held.due > excluded.due + ?")
-        .bind(alarm, columnOf(channel), recipient, m_now, Notice().told, longestWait)
+        .bind(alarm, nameOf(channel), recipient, m_now, Notice().told, longestWait)
         .run();
 }
 
@@ -29,7 +29,7 @@ std::optional<Notice> SqliteOutbox::nextDue(Channel channel, Instant now) const
     SqliteStatement statement =
         m_connection.statement("SELECT alarm, recipient, due, attempts, told FROM outbox WHERE channel = ? "
                                "AND due <= ? ORDER BY due, alarm, recipient LIMIT 1");
-    statement.bind(columnOf(channel), now);
+    statement.bind(nameOf(channel), now);
     if (!statement.step()) {
         return std::nullopt;
     }
@@ -42,7 +42,7 @@ void SqliteOutbox::update(const Notice& notice)
     m_connection
         .statement("UPDATE outbox SET due = ?, attempts = ?, told = ? WHERE alarm = ? AND channel = ? AND "
                    "recipient = ?")
-        .bind(notice.due, notice.attempts, notice.told, notice.alarm, columnOf(notice.channel),
+        .bind(notice.due, notice.attempts, notice.told, notice.alarm, nameOf(notice.channel),
               notice.recipient)
         .run();
 }
