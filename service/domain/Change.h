@@ -8,8 +8,8 @@
 
 namespace monitorservice {
 
-/// One entry of the audit trail: who changed what, when, and what was there before. It refers to nothing but its
-/// project, so that it outlives what it tells of.
+/// One entry of the audit trail: who changed what, when, and what was there before. It refers to nothing but
+/// its project, so that it outlives what it tells of.
 struct Change
 {
     std::string id;

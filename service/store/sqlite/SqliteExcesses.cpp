@@ -5,9 +5,9 @@ namespace monitorservice {
 void SqliteExcesses::show(SqliteStatement& statement, const Visitor& visitor) const
 {
     while (statement.step()) {
-        m_connection.show(visitor,
-                          ReadingInExcess{statement.integer(0),
-                                          static_cast<std::int32_t>(statement.integer(1)), statement.text(2)});
+        m_connection.show(visitor, ReadingInExcess{statement.integer(0),
+                                                   static_cast<std::int32_t>(statement.integer(1)),
+                                                   statement.text(2)});
     }
 }
 

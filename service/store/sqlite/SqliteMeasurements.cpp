@@ -41,7 +41,8 @@ std::optional<StoredPoint> SqliteMeasurements::findPoint(const std::string& cell
                          : findPointSpeltOtherwise(cell, subCategory, name, settledDepth(depth));
 }
 
-// SQLite finds what may be the same number, within the index; what is the same is not said by rounded numbers.
+// SQLite finds what may be the same number, within the index; what is the same is not said by rounded
+// numbers.
 std::optional<StoredPoint> SqliteMeasurements::findPointSpeltOtherwise(const std::string& cell,
                                                                        const std::string& subCategory,
                                                                        const std::string& name,

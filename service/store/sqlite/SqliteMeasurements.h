@@ -38,7 +38,8 @@ public:
     void removeDelivered(const std::string& cell, const std::string& subCategory) override;
 
 private:
-    std::optional<StoredPoint> findPointSpeltOtherwise(const std::string& cell, const std::string& subCategory,
+    std::optional<StoredPoint> findPointSpeltOtherwise(const std::string& cell,
+                                                       const std::string& subCategory,
                                                        const std::string& name,
                                                        const std::string& settled) const;
 

@@ -272,6 +272,21 @@ TEST_F(DeliveryIntake, TrailOfManyCorrectionsLosesNone)
     EXPECT_THAT(sizes, ElementsAre(1'000, 1'000, 500));
 }
 
+TEST_F(DeliveryIntake, AlarmThatIsRaisedIsToBeTold)
+{
+    addGroup("g1", {"W1"}, 0, 0, 5);
+    const auto toBeTold = [this] {
+        const std::optional<Notice> notice = store.read()->outbox().nextDue(Channel::Webhook, now + 1);
+        return notice ? notice->alarm : "nothing";
+    };
+    take(delivery({point("W1", {sample(day1, 1, "1")})}));
+    EXPECT_EQ(toBeTold(), "nothing");
+    take(delivery({point("W1", {sample(day2, 2, "9")})}));
+    EXPECT_EQ(toBeTold(), member(documents(DocumentKind::Alarm).at(0), "_id"));
+    take(delivery({point("W1", {sample(day2, 2, "2")})}));
+    EXPECT_EQ(toBeTold(), "nothing");
+}
+
 TEST_F(DeliveryIntake, EarlierDeliveryRepeatedAfterALaterOneChangesNothing)
 {
     const std::string first = delivery({point("W1", {sample(day1, 1, "1")}, R"(,"fileId":"week1")")});

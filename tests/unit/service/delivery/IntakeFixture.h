@@ -109,6 +109,7 @@ private:
     {
         StoreOptions options;
         options.createIfMissing = true;
+        options.channels = {Channel::Webhook};
         options.clock = [this] {
             return now;
         };
