@@ -5,7 +5,6 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using ::testing::StartsWith;
 
 class ProjectsResource : public test::ApiFixture
 {
