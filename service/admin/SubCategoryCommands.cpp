@@ -29,6 +29,7 @@ struct Description
 std::vector<std::string> kindNames()
 {
     std::vector<std::string> names;
+    names.reserve(allSubCategoryKinds.size());
     for (const SubCategoryKind kind : allSubCategoryKinds) {
         names.emplace_back(toText(kind));
     }

@@ -13,7 +13,6 @@
 #include <random>
 #include <string>
 #include <system_error>
-#include <utility>
 
 namespace monitorservice {
 
@@ -80,8 +79,7 @@ void writeToDisk(const fs::path& file)
 
 } // namespace
 
-NewFile::NewFile(fs::path name)
-    : m_name(fs::absolute(std::move(name))), m_unpublished(unpublishedName(m_name))
+NewFile::NewFile(const fs::path& name) : m_name(fs::absolute(name)), m_unpublished(unpublishedName(m_name))
 {
     requireFreeName();
     makePrivately(m_unpublished, m_name);

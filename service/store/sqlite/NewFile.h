@@ -11,7 +11,7 @@ class NewFile
 public:
     /// Makes the file, empty. Throws StoreError: CannotOpen when there is something of this name, NotWritable
     /// when it cannot be made.
-    explicit NewFile(std::filesystem::path name);
+    explicit NewFile(const std::filesystem::path& name);
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
     ~NewFile();
