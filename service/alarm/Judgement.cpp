@@ -71,10 +71,8 @@ public:
 
     void judge(std::map<std::string, News>& news)
     {
-        const std::optional<double> reference =
-            referenceOf(m_measurements, m_changed.key, m_changed.initialValue);
         m_judgesAll = judgesAll();
-        if (!reference || (!m_judgesAll && m_changed.readings.empty())) {
+        if (!m_judgesAll && m_changed.readings.empty()) {
             return;
         }
         const Instant from = m_judgesAll ? std::numeric_limits<Instant>::min()
@@ -85,8 +83,10 @@ public:
         if (m_groups.empty() && m_held.empty()) {
             return;
         }
+        const double reference =
+            referenceOf(m_measurements, m_changed.key, m_changed.initialValue).value_or(0);
         m_point = std::make_shared<JudgedPoint>(
-            JudgedPoint{m_changed.key, m_changed.name, m_changed.depth, *reference});
+            JudgedPoint{m_changed.key, m_changed.name, m_changed.depth, reference});
         m_news = &news[m_changed.name];
         judgeDays();
         if (!m_changed.depth.empty()) {
@@ -200,13 +200,13 @@ private:
 Judgement::Judgement(Session& session, const MonitoredQuantity& quantity, LocalDays& days,
                      const Author& author)
     : m_session(session), m_quantity(quantity), m_days(days), m_limits(session, quantity),
-      m_book(session, quantity, days, author), m_isNeeded(!m_limits.areNone() || hasAlarms(session, quantity))
+      m_book(session, quantity, days, author), m_hasAlarms(hasAlarms(session, quantity))
 {
 }
 
 void Judgement::judge(const ChangedPoint& changed)
 {
-    if (m_isNeeded) {
+    if (concerns(changed.name)) {
         PointJudge(*this, changed).judge(m_news);
     }
 }

@@ -9,6 +9,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -47,8 +48,9 @@ public:
     /// All of it must outlive the judgement.
     Judgement(Session& session, const MonitoredQuantity& quantity, LocalDays& days, const Author& author);
 
-    /// False when no group limits anything and there are no alarms: nothing needs to be judged.
-    bool isNeeded() const { return m_isNeeded; }
+    /// False when no group limits the name, and there are no alarms in which it might stand: its readings
+    /// need not be judged.
+    bool concerns(std::string_view name) const { return m_hasAlarms || !m_limits.of(name).empty(); }
 
     void judge(const ChangedPoint& changed);
 
@@ -82,7 +84,7 @@ private:
     LocalDays& m_days;
     QuantityLimits m_limits;
     AlarmBook m_book;
-    bool m_isNeeded;
+    bool m_hasAlarms;
     std::map<std::string, News> m_news;
 };
 

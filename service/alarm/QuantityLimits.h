@@ -26,8 +26,6 @@ class QuantityLimits
 public:
     QuantityLimits(const Session& session, const MonitoredQuantity& quantity);
 
-    bool areNone() const { return m_byName.empty(); }
-
     /// The groups with a limit that list the name, by identifier; they live as long as this.
     const std::vector<const LimitingGroup*>& of(std::string_view name) const;
 

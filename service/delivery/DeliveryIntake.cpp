@@ -108,7 +108,7 @@ IntakeResult takeIn(Session& session, const Delivery& delivery, const MayDo& may
             tally = &tallies.emplace_back(session, target, author);
         }
         MergedPoint merged =
-            mergePoint(session, target, delivery, point, author, tally->judgement.isNeeded());
+            mergePoint(session, target, delivery, point, author, tally->judgement.concerns(point.name));
         points.push_back({tally, point.name, answerOf(point, merged)});
         add(*tally, point, std::move(merged));
     }
