@@ -15,6 +15,7 @@ std::vector<Route> dataManageDeletionRoutes();
 std::vector<Route> dataManageRoutes();
 std::vector<Route> deliveryRoutes();
 std::vector<Route> groupRoutes();
+std::vector<Route> pointLocationChangeRoutes();
 std::vector<Route> pointLocationLinkRoutes();
 std::vector<Route> pointLocationReadRoutes();
 std::vector<Route> projectRoutes();

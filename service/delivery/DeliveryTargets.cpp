@@ -13,7 +13,34 @@ namespace {
     throw DeliveryRefusal("\"" + place + "." + member + "\": " + reason);
 }
 
+MonitoredQuantity quantityOf(const StoredDocument& cell, const StoredDocument& subCategory)
+{
+    const auto measured = fromDocument<SubCategory>(subCategory.text);
+    return {cell.project,  cell.id,      fromDocument<Cell>(cell.text).name, cell.category, subCategory.id,
+            measured.kind, measured.unit};
+}
+
+std::shared_ptr<LocalDays> daysIn(const Session& session, const std::string& project)
+{
+    const std::optional<Project> found = session.projects().find(project);
+    if (!found) {
+        throw StoreError(StoreFailure::InputOutput, "the project of a monitoring is missing");
+    }
+    return std::make_shared<LocalDays>(found->timeZone);
+}
+
 } // namespace
+
+DeliveryTarget targetOf(const Session& session, const PointLocation& location)
+{
+    const auto cell = session.documents(DocumentKind::Cell).find(location.cell);
+    const auto subCategory = session.documents(DocumentKind::SubCategory).find(location.subCategory);
+    if (!cell || !subCategory) {
+        throw StoreError(StoreFailure::InputOutput,
+                         "the monitoring or the sub-category of a point is missing");
+    }
+    return {quantityOf(*cell, *subCategory), false, daysIn(session, cell->project)};
+}
 
 const DeliveryTarget& DeliveryTargets::of(const Delivery& delivery, const DeliveredPoint& point)
 {
@@ -54,10 +81,7 @@ DeliveryTarget DeliveryTargets::find(const std::string& place, const DeliveredPo
                "the sub-category is of category \"" + subCategory->category + "\", the monitoring of \"" +
                    cell->category + "\"");
     }
-    const auto measured = fromDocument<SubCategory>(subCategory->text);
-    return {{cell->project, cell->id, fromDocument<Cell>(cell->text).name, cell->category, subCategory->id,
-             measured.kind, measured.unit},
-            m_mayDo(Right::Edit, cell->project, cell->category),
+    return {quantityOf(*cell, *subCategory), m_mayDo(Right::Edit, cell->project, cell->category),
             daysOf(cell->project)};
 }
 
@@ -65,11 +89,7 @@ std::shared_ptr<LocalDays> DeliveryTargets::daysOf(const std::string& project)
 {
     std::shared_ptr<LocalDays>& days = m_days[project];
     if (!days) {
-        const std::optional<Project> found = m_session.projects().find(project);
-        if (!found) {
-            throw StoreError(StoreFailure::InputOutput, "the project of a monitoring is missing");
-        }
-        days = std::make_shared<LocalDays>(found->timeZone);
+        days = daysIn(m_session, project);
     }
     return days;
 }

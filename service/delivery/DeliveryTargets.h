@@ -2,6 +2,7 @@
 
 #include "delivery/Delivery.h"
 #include "domain/MonitoredQuantity.h"
+#include "domain/PointLocation.h"
 #include "store/Store.h"
 #include "time/LocalDays.h"
 
@@ -24,6 +25,9 @@ struct DeliveryTarget
     bool mayEdit = false; ///< the sender may change what is there, not only add to it
     std::shared_ptr<LocalDays> days;
 };
+
+/// The target that a stored point belongs to; whether anybody may edit it is not asked.
+DeliveryTarget targetOf(const Session& session, const PointLocation& location);
 
 /// Finds the targets of a delivery, each once.
 class DeliveryTargets

@@ -105,8 +105,10 @@ protected:
         process.start(QStringLiteral(RK_SCRIPTS "/contract.sh"),
                       QStringList{"--build-dir"_q, QStringLiteral(RK_BUILD)} + arguments);
         EXPECT_TRUE(process.waitForFinished(-1)); // the test's own time limit ends it
-        return {process.exitCode(), process.readAllStandardOutput().toStdString(),
-                process.readAllStandardError().toStdString()};
+        // CTest would take this test for one that was skipped itself, should it fail and show the output.
+        QString output = QString::fromUtf8(process.readAllStandardOutput());
+        output.replace("[  SKIPPED ]"_q, "[ left out ]"_q);
+        return {process.exitCode(), output.toStdString(), process.readAllStandardError().toStdString()};
     }
 
     QStringList here(const MonitorService::Token& token) const
@@ -126,7 +128,7 @@ TEST_F(ContractScript, PassesAndLeavesTheProjectAsItWas)
     const Result result = run(here(editor) + QStringList{"--reader-token-file"_q, tokenFile(reader)});
     EXPECT_EQ(result.code, 0) << result.output << result.messages;
     EXPECT_THAT(result.output, HasSubstr("[  PASSED  ]"));
-    EXPECT_THAT(result.output, Not(HasSubstr("RefusalContract.ReaderChangesNoMonitoring\n[  SKIPPED")));
+    EXPECT_THAT(result.output, Not(HasSubstr("RefusalContract.ReaderChangesNoMonitoring\n[ left out")));
     EXPECT_EQ(holdings(), before);
 }
 

@@ -351,7 +351,7 @@ TEST_F(RkmonImport, TablesNameMonitoringsAndSubCategories)
     const QString alarm = text(listed({"alarm"_q, "list"_q})[0], "id");
     const QString details = done({"alarm"_q, "detail"_q, alarm}).output;
     EXPECT_TRUE(details.contains("  -0.011  "_q)) << details.toStdString();
-    EXPECT_EQ(text(listed({"alarm"_q, "detail"_q, alarm})[0], "totalVar"), "-0.01100000000000001"_q);
+    EXPECT_EQ(text(listed({"alarm"_q, "detail"_q, alarm})[0], "totalVar"), "-0.011"_q);
     const QJsonObject changed =
         done({"group"_q, "update"_q, group, "--total-limit"_q, "2"_q, "--json"_q}).object();
     EXPECT_EQ(text(changed, "cellName"), "VH"_q);
@@ -540,8 +540,8 @@ TEST_F(RkmonImport, TheSampleOfARealSite)
             }
         }
         found.sort();
-        EXPECT_EQ(found, (QStringList{"2015-12-21 LS-a-W1"_q, "2015-12-21 VH-W5"_q, "2015-12-26 LS-b-W1"_q,
-                                      "2015-12-31 LS-a-W1"_q}));
+        EXPECT_EQ(found, (QStringList{"2015-12-21 LS-a-W1"_q, "2015-12-21 LS-a-W2"_q, "2015-12-21 VH-W5"_q,
+                                      "2015-12-26 LS-b-W1"_q, "2015-12-31 LS-a-W1"_q}));
     }
 }
 
@@ -585,7 +585,7 @@ TEST_F(RkmonImport, AGeneratedExcavationRaisesTwoPoints)
 {
     service().admin({"category"_q, "add"_q, "Foundation pit"_q});
     createSubCategory("Foundation pit"_q, "Settlement"_q, "ST"_q);
-    createSubCategory("Foundation pit"_q, "Horizontal displacement"_q, "IN"_q);
+    createSubCategory("Foundation pit"_q, "Horizontal displacement"_q, "IN"_q, "inclinometer"_q);
     const QString folder = QDir(rkmon.folder()).filePath("pit"_q);
     const Result made = rkmon.runShell(
         "'%1/generate' --points 6 --inclinometers 2 --days 10 --out '%2'"_q.arg(samples, folder));

@@ -23,6 +23,7 @@ protected:
         group.totalVar = 5;
         ASSERT_TRUE(data.createGroup(group)) << lastErrorText();
         measured = point(monitoring.id, "S1"_q, "1"_q);
+        measured.initialValue = 1;
         measured.data = {sample(1, december(18), 9)};
         deliver({measured});
         dataManageId = idsOf(dataManagesOf(monitoring.id)).value(0);

@@ -109,6 +109,7 @@ struct Resource
     Rule put = Rule::Unknown;
     Rule remove = Rule::Unknown;
     std::string body = {};
+    Rule patch = Rule::Unknown;
 
     Rule ruleOf(const std::string& method) const
     {
@@ -116,6 +117,7 @@ struct Resource
                : method == "POST"                  ? post
                : method == "PUT"                   ? put
                : method == "DELETE"                ? remove
+               : method == "PATCH"                 ? patch
                                                    : Rule::Unknown;
     }
 };
@@ -146,7 +148,8 @@ inline std::vector<Resource> resources()
         {"pointLocations", "", no, Rule::Deliver, no, no, "[[" + sample + "]]"},
         {"pointLocations?where=%7B%22cellId%22%3A%22{cells}%22%7D", "", no, no, Rule::Relate, no,
          R"({"links":[{"type":"model","rId":"new"}]})"},
-        {"pointLocations/{pointLocations}", "", Rule::Item},
+        {"pointLocations/{pointLocations}", "", Rule::Item, no, no, no, R"({"alias":"Renamed"})",
+         Rule::Change},
         {"projects/{project}/pointLocations", "pointLocations", Rule::List},
         {"projects/{project}/normal_statistics", "pointLocations", Rule::Days},
         {"projects/{project}/depth_statistics?type=depth", "depths", Rule::Days},

@@ -92,9 +92,10 @@ TEST_F(ProjectsResource, AboutTellsWhoAsksAndWhatTheyMay)
     EXPECT_EQ(answer.status, 200U);
     EXPECT_EQ(test::member(answer.body, "name"), "monitor-service");
     EXPECT_THAT(test::member(answer.body, "version"), ::testing::MatchesRegex("[0-9]+\\.[0-9]+\\.[0-9]+"));
-    EXPECT_EQ(test::member(answer.body, "extensions"),
-              R"(["about","alarmReasons","changes","deliveryResults","groupSides","pointSummaries",)"
-              R"("projects","subCategoryKinds"])");
+    EXPECT_EQ(
+        test::member(answer.body, "extensions"),
+        R"(["about","alarmReasons","changes","deliveryResults","groupSides","pointChanges","pointSummaries",)"
+        R"("projects","subCategoryKinds"])");
     EXPECT_EQ(test::member(answer.body, "owner"), "Bea");
     EXPECT_EQ(test::member(answer.body, "rights"),
               R"([{"projectId":"p1","category":null,"rights":["read"]},)"
