@@ -29,10 +29,11 @@ protected:
         rkmon.setVariable("TZ"_q, "America/Los_Angeles"_q);
     }
 
-    QString createSubCategory(const QString& category, const QString& name, const QString& alias) const
+    QString createSubCategory(const QString& category, const QString& name, const QString& alias,
+                              const QString& kind = "other"_q) const
     {
         return service().admin({"subcategory"_q, "create"_q, "--project"_q, project, "--category"_q, category,
-                                "--name"_q, name, "--alias"_q, alias});
+                                "--name"_q, name, "--alias"_q, alias, "--kind"_q, kind});
     }
 
     QString write(const char* name, const QByteArray& content) const
