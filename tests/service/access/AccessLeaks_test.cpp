@@ -232,7 +232,7 @@ TEST_F(AccessLeaks, RefusalsAreTheSameWithoutForeignData)
         for (const Resource& resource : resources()) {
             const std::string path = filledIn(resource.path, world, *place);
             const std::string body = filledIn(resource.body, world, *place);
-            for (const char* const method : {"GET", "PUT", "DELETE", "POST"}) {
+            for (const char* const method : {"GET", "PUT", "PATCH", "DELETE", "POST"}) {
                 // What is asked of a category is asked of something that everybody may know.
                 if (resource.ruleOf(method) != Rule::Make) {
                     askBoth(method, path, body);

@@ -114,8 +114,8 @@ private:
                 targets.push_back(path + "?samples=latest&rollup=true");
             }
         }
-        const std::string body =
-            method == "POST" || method == "PUT" ? filledIn(resource.body, m_world, place) : "";
+        const bool hasBody = method == "POST" || method == "PUT" || method == "PATCH";
+        const std::string body = hasBody ? filledIn(resource.body, m_world, place) : "";
         for (const std::string& target : targets) {
             SCOPED_TRACE(role.name() + ": " + method + ' ' + target + ' ' + body);
             const int commits = m_served->store.commits();
@@ -332,7 +332,8 @@ TEST(AccessRules, KnowEveryResourceThatIsDescribed)
         const std::pair<const char*, Rule> methods[] = {{"get", resource.get},
                                                         {"post", resource.post},
                                                         {"put", resource.put},
-                                                        {"delete", resource.remove}};
+                                                        {"delete", resource.remove},
+                                                        {"patch", resource.patch}};
         for (const auto& [method, rule] : methods) {
             if (rule != Rule::Unknown) {
                 known.insert(std::string(method) + ' ' + pattern);

@@ -276,7 +276,7 @@ TEST_F(AccessTokens, AddressesAndMethodsHaveOneMeaning)
                                       "/monitor-service/projects/project-own/cells/" + id,
                                       "/monitor-service/projects/project-own%2f..%2fproject-far/cells",
                                       "/monitor-service/projects/project-far/../project-own/cells"}) {
-            for (const char* const method : {"GET", "DELETE", "PUT"}) {
+            for (const char* const method : {"GET", "DELETE", "PUT", "PATCH"}) {
                 ++asked;
                 const RawAnswer answer = withFields(bearer + "Content-Length: 0\r\n", path, method);
                 EXPECT_TRUE(answer.status == 404 || answer.status == 400 ||
