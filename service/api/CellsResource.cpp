@@ -14,8 +14,8 @@ namespace monitorservice {
 
 namespace {
 
-constexpr const char* kind = "monitoring";
-constexpr const char* kinds = "monitorings";
+constexpr const char* cellKind = "monitoring";
+constexpr const char* cellKinds = "monitorings";
 
 void requireCategory(const Session& session, const std::string& category)
 {
@@ -32,7 +32,7 @@ void requireMayCreate(const Session& session, const Principal& principal, const 
         throw notFound("project", *body.project);
     }
     requireCategory(session, *body.category);
-    requireRight(principal, Right::Create, kinds, *body.project, *body.category);
+    requireRight(principal, Right::Create, cellKinds, *body.project, *body.category);
 }
 
 // POST cells: answers 201 and the whole monitoring.
@@ -63,7 +63,7 @@ HttpResponse getCell(ApiRequest& request)
 {
     const Parameters parameters(request.http, {});
     return answerJson(
-        readable(request.session->documents(DocumentKind::Cell), request.principal, kind, request.ids[0])
+        readable(request.session->documents(DocumentKind::Cell), request.principal, cellKind, request.ids[0])
             .text);
 }
 
@@ -112,14 +112,15 @@ HttpResponse updateCell(ApiRequest& request)
     const CellBody body = parseCellBody(request.http.body);
 
     const auto [session, principal] = beginWriting(request);
-    StoredDocument stored = readable(session->documents(DocumentKind::Cell), principal, kind, request.ids[0]);
-    requireRight(principal, Right::Edit, kinds, stored.project, stored.category);
+    StoredDocument stored =
+        readable(session->documents(DocumentKind::Cell), principal, cellKind, request.ids[0]);
+    requireRight(principal, Right::Edit, cellKinds, stored.project, stored.category);
     if (body.project && *body.project != stored.project) {
         throw ApiError(400, "\"projectId\": a monitoring stays in its project");
     }
     if (body.category && *body.category != stored.category) {
         requireCategory(*session, *body.category);
-        requireRight(principal, Right::Edit, kinds, stored.project, *body.category);
+        requireRight(principal, Right::Edit, cellKinds, stored.project, *body.category);
         requireNothingMeasured(*session, stored, "change its category");
     }
     Cell cell = fromDocument<Cell>(stored.text);
@@ -143,8 +144,9 @@ HttpResponse deleteCell(ApiRequest& request)
 {
     const Parameters parameters(request.http, {});
     const auto [session, principal] = beginWriting(request);
-    StoredDocument stored = readable(session->documents(DocumentKind::Cell), principal, kind, request.ids[0]);
-    requireRight(principal, Right::Delete, kinds, stored.project, stored.category);
+    StoredDocument stored =
+        readable(session->documents(DocumentKind::Cell), principal, cellKind, request.ids[0]);
+    requireRight(principal, Right::Delete, cellKinds, stored.project, stored.category);
     requireNothingMeasured(*session, stored, "be deleted");
     session->documents(DocumentKind::Cell).remove(stored.project, stored.id);
     Change change = cellChange("cell.deleted", fromDocument<Cell>(stored.text), principal);

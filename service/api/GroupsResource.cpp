@@ -16,8 +16,8 @@ namespace monitorservice {
 
 namespace {
 
-constexpr const char* kind = "group";
-constexpr const char* kinds = "groups";
+constexpr const char* groupKind = "group";
+constexpr const char* groupKinds = "groups";
 
 // The monitoring that a body names. Who may neither read nor change it is told that there is none.
 StoredDocument namedCell(const Session& session, const Principal& principal, Right right,
@@ -30,7 +30,7 @@ StoredDocument namedCell(const Session& session, const Principal& principal, Rig
     if (!known) {
         throw ApiError(400, "\"cellId\": there is no monitoring \"" + id + "\" in this project");
     }
-    requireRight(principal, right, kinds, project, cell->category);
+    requireRight(principal, right, groupKinds, project, cell->category);
     return std::move(*cell);
 }
 
@@ -109,9 +109,9 @@ HttpResponse createGroup(ApiRequest& request)
 HttpResponse getGroup(ApiRequest& request)
 {
     const Parameters parameters(request.http, {});
-    return answerJson(
-        readable(request.session->documents(DocumentKind::Group), request.principal, kind, request.ids[0])
-            .text);
+    return answerJson(readable(request.session->documents(DocumentKind::Group), request.principal, groupKind,
+                               request.ids[0])
+                          .text);
 }
 
 // PUT groupSettings/{id}: changes the members that are sent and answers the whole group. Its times change
@@ -123,8 +123,8 @@ HttpResponse updateGroup(ApiRequest& request)
 
     const auto [session, principal] = beginWriting(request);
     StoredDocument stored =
-        readable(session->documents(DocumentKind::Group), principal, kind, request.ids[0]);
-    requireRight(principal, Right::Edit, kinds, stored.project, stored.category);
+        readable(session->documents(DocumentKind::Group), principal, groupKind, request.ids[0]);
+    requireRight(principal, Right::Edit, groupKinds, stored.project, stored.category);
     if (body.project && *body.project != stored.project) {
         throw ApiError(400, "\"projectId\": a group stays in its project");
     }
@@ -154,8 +154,8 @@ HttpResponse deleteGroup(ApiRequest& request)
     const Parameters parameters(request.http, {});
     const auto [session, principal] = beginWriting(request);
     StoredDocument stored =
-        readable(session->documents(DocumentKind::Group), principal, kind, request.ids[0]);
-    requireRight(principal, Right::Delete, kinds, stored.project, stored.category);
+        readable(session->documents(DocumentKind::Group), principal, groupKind, request.ids[0]);
+    requireRight(principal, Right::Delete, groupKinds, stored.project, stored.category);
     session->documents(DocumentKind::Group).remove(stored.project, stored.id);
     Change change =
         groupChange("group.deleted", fromDocument<Group>(stored.text), stored.category, principal);

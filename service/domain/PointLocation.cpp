@@ -8,7 +8,7 @@ namespace monitorservice {
 
 namespace {
 
-constexpr const char* kind = "point location";
+constexpr const char* documentName = "point location";
 
 std::optional<double> initialValueIn(const DocumentReader& document)
 {
@@ -43,7 +43,7 @@ std::string toDocument(const PointLocation& pointLocation)
 template <>
 PointLocation fromDocument<PointLocation>(std::string_view text)
 {
-    const DocumentReader document(kind, text);
+    const DocumentReader document(documentName, text);
     PointLocation pointLocation;
     pointLocation.id = document.text("_id");
     pointLocation.project = document.text("projectId");
@@ -66,7 +66,7 @@ PointLocation fromDocument<PointLocation>(std::string_view text)
 
 std::optional<double> initialValueIn(std::string_view document)
 {
-    return initialValueIn(DocumentReader(kind, document));
+    return initialValueIn(DocumentReader(documentName, document));
 }
 
 } // namespace monitorservice

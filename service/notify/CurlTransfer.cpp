@@ -1,7 +1,6 @@
 #include "notify/CurlTransfer.h"
 
 #include <algorithm>
-#include <cstring>
 #include <stdexcept>
 
 namespace monitorservice {
@@ -97,7 +96,7 @@ std::size_t CurlTransfer::onUpload(char* buffer, std::size_t size, std::size_t c
 {
     auto& self = *static_cast<CurlTransfer*>(transfer);
     const std::size_t length = std::min(size * count, self.m_upload->size() - self.m_uploaded);
-    std::memcpy(buffer, self.m_upload->data() + self.m_uploaded, length);
+    std::copy_n(self.m_upload->data() + self.m_uploaded, length, buffer);
     self.m_uploaded += length;
     return length;
 }

@@ -28,7 +28,7 @@ std::set<Channel> channelsOf(const Transports& transports)
     return channels;
 }
 
-Notifiers startNotifiers(Store& store, Transports transports, const NotifyLog& log)
+Notifiers startNotifiers(Store& store, Transports&& transports, const NotifyLog& log)
 {
     Notifiers notifiers;
     for (auto& [channel, transport] : transports) {

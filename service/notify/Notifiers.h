@@ -21,6 +21,6 @@ Transports transportsOf(const NotifyOptions& options);
 std::set<Channel> channelsOf(const Transports& transports);
 
 /// Begins to send what is due by each of them. The store outlives the notifiers.
-Notifiers startNotifiers(Store& store, Transports transports, const NotifyLog& log);
+Notifiers startNotifiers(Store& store, Transports&& transports, const NotifyLog& log);
 
 } // namespace monitorservice
