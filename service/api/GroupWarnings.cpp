@@ -104,8 +104,7 @@ std::vector<std::string> warningsOf(const Session& session, const Group& group, 
     }
     const Names names(group.points.begin(), group.points.end());
     if (const Names missing = withoutPoint(session, group, names); !missing.empty()) {
-        warnings.push_back("the monitoring has no point of this sub-category with the name " +
-                           listed(missing));
+        warnings.push_back("the monitoring has no point of this sub-category named " + listed(missing));
     }
     warnOfOtherGroups(session, group, names, warnings);
     return warnings;

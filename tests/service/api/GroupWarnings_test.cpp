@@ -75,10 +75,9 @@ TEST_F(GroupWarnings, ThereAreNoneWhereAllIsWell)
 
 TEST_F(GroupWarnings, NamePointsThatAreNotThereAndNamesThatStandTwice)
 {
-    EXPECT_THAT(
-        warnings(post("Corner", R"("S1","W7","W \"8\"","S1","W7")")),
-        ElementsAre(R"("groupPoint" lists more than once: "S1", "W7")",
-                    R"(the monitoring has no point of this sub-category with the name "W "8"", "W7")"));
+    EXPECT_THAT(warnings(post("Corner", R"("S1","W7","W \"8\"","S1","W7")")),
+                ElementsAre(R"("groupPoint" lists more than once: "S1", "W7")",
+                            R"(the monitoring has no point of this sub-category named "W "8"", "W7")"));
 }
 
 TEST_F(GroupWarnings, SayThatThereIsNoLimit)
