@@ -103,7 +103,7 @@ const std::string& HttpSessions::currentDate()
 }
 
 HttpSession::HttpSession(HttpSessions& sessions, asio::ip::tcp::socket socket)
-    : m_sessions(sessions), m_socket(std::move(socket))
+    : m_sessions(sessions), m_socket(std::move(socket)), m_address(addressOf(m_socket))
 {
     m_sessions.open.insert(this);
     ++m_sessions.counters->connections;
@@ -366,7 +366,7 @@ void HttpSession::handle()
     request.authorization = std::move(m_head.authorization);
     request.contentType = std::move(m_head.contentType);
     request.body = std::move(m_parser->get().body());
-    request.address = addressOf(m_socket);
+    request.address = m_address;
     m_parser.reset();
 
     const Clock::time_point received = Clock::now();

@@ -155,6 +155,7 @@ private:
 
     HttpSessions& m_sessions;
     boost::asio::ip::tcp::socket m_socket;
+    std::string m_address; ///< at the other end; asked for once, as it costs a call of the system
     boost::beast::flat_buffer m_buffer;
     Phase m_phase = Phase::Idle;
     Clock::time_point m_deadline;
