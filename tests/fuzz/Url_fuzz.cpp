@@ -87,10 +87,11 @@ void checkWhole(const QString& text)
 
 const QStringList& parameterNames()
 {
-    static const QStringList names{QStringLiteral("where"),  QStringLiteral("skip"),
-                                   QStringLiteral("limit"),  QStringLiteral("only_count"),
-                                   QStringLiteral("expand"), QStringLiteral("order"),
-                                   QStringLiteral("type"),   QStringLiteral("cascade")};
+    static const QStringList names{QStringLiteral("where"),   QStringLiteral("skip"),
+                                   QStringLiteral("limit"),   QStringLiteral("only_count"),
+                                   QStringLiteral("expand"),  QStringLiteral("order"),
+                                   QStringLiteral("type"),    QStringLiteral("cascade"),
+                                   QStringLiteral("samples"), QStringLiteral("rollup")};
     return names;
 }
 

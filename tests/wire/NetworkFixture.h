@@ -55,6 +55,7 @@ protected:
     Outcome get() { return waitFor(manager.get(url())); }
     Outcome post() { return waitFor(manager.postJson(url(), QJsonObject{{QStringLiteral("a"), 1}})); }
     Outcome put() { return waitFor(manager.putJson(url(), QJsonObject{{QStringLiteral("a"), 1}})); }
+    Outcome patch() { return waitFor(manager.patchJson(url(), QJsonObject{{QStringLiteral("a"), 1}})); }
     Outcome remove() { return waitFor(manager.deleteResource(url())); }
 
     ScriptServer server;

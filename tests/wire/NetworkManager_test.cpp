@@ -8,6 +8,7 @@
 #include <QTcpServer>
 #include <QTemporaryDir>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -77,14 +78,16 @@ TEST_F(NetworkManagerTest, SendsEachMethodWithItsBody)
     server.answerJson(201, "[]");
     server.answerJson(200, "{}");
     server.answerJson(200, "{}");
+    server.answerJson(200, "{}");
     EXPECT_TRUE(get().isSuccessful);
     EXPECT_TRUE(waitFor(manager.postJson(url(), QJsonObject{{QStringLiteral("n"), QStringLiteral("é")}}))
                     .isSuccessful);
     EXPECT_TRUE(waitFor(manager.postJson(url(), QJsonArray{1, 2})).isSuccessful);
     EXPECT_TRUE(put().isSuccessful);
+    EXPECT_TRUE(patch().isSuccessful);
     EXPECT_TRUE(remove().isSuccessful);
 
-    ASSERT_EQ(server.requestCount(), 5);
+    ASSERT_EQ(server.requestCount(), 6);
     const auto requests = server.requests();
     EXPECT_EQ(requests.at(0).method, "GET");
     EXPECT_EQ(requests.at(0).body, "");
@@ -97,8 +100,11 @@ TEST_F(NetworkManagerTest, SendsEachMethodWithItsBody)
     EXPECT_EQ(requests.at(2).body, "[1,2]");
     EXPECT_EQ(requests.at(3).method, "PUT");
     EXPECT_EQ(requests.at(3).body, R"({"a":1})");
-    EXPECT_EQ(requests.at(4).method, "DELETE");
-    EXPECT_EQ(requests.at(4).body, "");
+    EXPECT_EQ(requests.at(4).method, "PATCH");
+    EXPECT_EQ(requests.at(4).body, R"({"a":1})");
+    EXPECT_EQ(requests.at(4).header("Content-Type"), "application/json");
+    EXPECT_EQ(requests.at(5).method, "DELETE");
+    EXPECT_EQ(requests.at(5).body, "");
     EXPECT_TRUE(server.isUsedUp());
 }
 
@@ -119,12 +125,13 @@ TEST_F(NetworkManagerTest, SendsALargeBodyWhole)
 
 TEST_F(NetworkManagerTest, KeepsItsConnection)
 {
-    for (int i = 0; i < 4; ++i) {
+    for (int i = 0; i < 5; ++i) {
         server.answerJson(200, "{}");
     }
     get();
     post();
     put();
+    patch();
     get();
     EXPECT_EQ(server.connectionCount(), 1);
     EXPECT_TRUE(server.isUsedUp());
@@ -142,48 +149,51 @@ TEST_F(NetworkManagerTest, DoesNotCollapseDotSegments)
 
 TEST_F(NetworkManagerTest, NoMethodIsRepeatedOnAFreshConnection)
 {
-    for (int i = 0; i < 4; ++i) {
+    for (int i = 0; i < 5; ++i) {
         server.answerRaw({Step::fin()});
     }
     expectFailureWithoutBody(get(), QNetworkReply::RemoteHostClosedError);
     expectFailureWithoutBody(post(), QNetworkReply::RemoteHostClosedError);
     expectFailureWithoutBody(put(), QNetworkReply::RemoteHostClosedError);
+    expectFailureWithoutBody(patch(), QNetworkReply::RemoteHostClosedError);
     expectFailureWithoutBody(remove(), QNetworkReply::RemoteHostClosedError);
-    EXPECT_THAT(wire(server), testing::ElementsAre("GET /x 1", "POST /x 2", "PUT /x 3", "DELETE /x 4"));
+    EXPECT_THAT(wire(server),
+                testing::ElementsAre("GET /x 1", "POST /x 2", "PUT /x 3", "PATCH /x 4", "DELETE /x 5"));
     EXPECT_TRUE(server.isUsedUp());
 }
 
 TEST_F(NetworkManagerTest, NoMethodIsRepeatedAfterAReset)
 {
-    for (int i = 0; i < 4; ++i) {
+    for (int i = 0; i < 5; ++i) {
         server.answerRaw({Step::reset()});
     }
     expectFailureWithoutBody(get(), QNetworkReply::RemoteHostClosedError);
     expectFailureWithoutBody(post(), QNetworkReply::RemoteHostClosedError);
     expectFailureWithoutBody(put(), QNetworkReply::RemoteHostClosedError);
+    expectFailureWithoutBody(patch(), QNetworkReply::RemoteHostClosedError);
     expectFailureWithoutBody(remove(), QNetworkReply::RemoteHostClosedError);
-    EXPECT_EQ(server.requestCount(), 4);
+    EXPECT_EQ(server.requestCount(), 5);
     EXPECT_TRUE(server.isUsedUp());
 }
 
 TEST_F(NetworkManagerTest, AWriteIsNotRepeatedWhenTheKeptConnectionCloses)
 {
+    const std::vector<std::function<Outcome()>> writes{[this] { return post(); }, [this] { return put(); },
+                                                       [this] {
+                                                           return patch();
+                                                       }};
     for (const Step& close : {Step::fin(), Step::reset()}) {
-        const int before = server.requestCount();
-        server.answerJson(200, "{}");
-        server.answerRaw({close});
-        server.answerJson(200, "{}");
-        server.answerRaw({close});
-        EXPECT_TRUE(get().isSuccessful);
-        expectFailureWithoutBody(post(), QNetworkReply::RemoteHostClosedError);
-        EXPECT_TRUE(get().isSuccessful);
-        expectFailureWithoutBody(put(), QNetworkReply::RemoteHostClosedError);
-        ASSERT_EQ(server.requestCount(), before + 4);
-        const auto requests = server.requests();
-        EXPECT_EQ(requests.at(before).connection, requests.at(before + 1).connection)
-            << "not a kept connection";
-        EXPECT_EQ(requests.at(before + 2).connection, requests.at(before + 3).connection)
-            << "not a kept connection";
+        for (const auto& write : writes) {
+            const int before = server.requestCount();
+            server.answerJson(200, "{}");
+            server.answerRaw({close});
+            EXPECT_TRUE(get().isSuccessful);
+            expectFailureWithoutBody(write(), QNetworkReply::RemoteHostClosedError);
+            ASSERT_EQ(server.requestCount(), before + 2);
+            const auto requests = server.requests();
+            EXPECT_EQ(requests.at(before).connection, requests.at(before + 1).connection)
+                << "not a kept connection";
+        }
     }
     EXPECT_TRUE(server.isUsedUp());
 }
@@ -277,7 +287,8 @@ TEST_F(NetworkManagerTest, AnEmptyAnswerToAWriteIsAnEmptyObject)
 {
     server.answerRaw({Step::bytes(ScriptServer::httpAnswer(204, {}, {}))});
     server.answerJson(200, "");
-    for (const Outcome& outcome : {remove(), post()}) {
+    server.answerJson(200, "");
+    for (const Outcome& outcome : {remove(), post(), patch()}) {
         EXPECT_TRUE(outcome.isSuccessful);
         EXPECT_TRUE(outcome.object.isEmpty());
         EXPECT_TRUE(outcome.errorText.isEmpty());

@@ -41,6 +41,8 @@ public:
     QNetworkReply* postJson(const QString& url, const QJsonArray& body);
     /// Starts PUT url with the compact JSON text of the body.
     QNetworkReply* putJson(const QString& url, const QJsonObject& body);
+    /// Starts PATCH url with the compact JSON text of the body.
+    QNetworkReply* patchJson(const QString& url, const QJsonObject& body);
     /// Starts DELETE url, without a body, on a connection of its own.
     QNetworkReply* deleteResource(const QString& url);
 

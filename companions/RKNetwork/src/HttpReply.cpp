@@ -26,13 +26,16 @@ QNetworkAccessManager::Operation operationOf(const QByteArray& method)
     if (method == "POST") {
         return QNetworkAccessManager::PostOperation;
     }
+    if (method == "GET") {
+        return QNetworkAccessManager::GetOperation;
+    }
     if (method == "PUT") {
         return QNetworkAccessManager::PutOperation;
     }
     if (method == "DELETE") {
         return QNetworkAccessManager::DeleteOperation;
     }
-    return QNetworkAccessManager::GetOperation;
+    return QNetworkAccessManager::CustomOperation;
 }
 
 // The text cut to what a message can hold.

@@ -81,6 +81,11 @@ QNetworkReply* NetworkManager::putJson(const QString& url, const QJsonObject& bo
     return send(QByteArrayLiteral("PUT"), url, compactText(body));
 }
 
+QNetworkReply* NetworkManager::patchJson(const QString& url, const QJsonObject& body)
+{
+    return send(QByteArrayLiteral("PATCH"), url, compactText(body));
+}
+
 QNetworkReply* NetworkManager::deleteResource(const QString& url)
 {
     return send(QByteArrayLiteral("DELETE"), url, {});

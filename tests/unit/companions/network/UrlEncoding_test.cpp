@@ -69,6 +69,7 @@ TEST(UrlEncoding, WhereIsReadAsJson)
               "&expand=true&order=-data.time&limit=1&skip=0");
     EXPECT_EQ(encoded("c?expand=true&where={}"), "c?expand=true&where=%7B%7D");
     EXPECT_EQ(encoded("c?where={}&type=depth&expand=true"), "c?where=%7B%7D&type=depth&expand=true");
+    EXPECT_EQ(encoded("c?where={}&samples=latest&rollup=true"), "c?where=%7B%7D&samples=latest&rollup=true");
 }
 
 TEST(UrlEncoding, WhereThatIsNoDocumentIsAllTheRest)
