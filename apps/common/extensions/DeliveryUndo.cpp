@@ -21,11 +21,8 @@ HistoryData historyOf(const AnswerObject& object)
     return history;
 }
 
-} // namespace
-
-UndoneDelivery undoDelivery(const RequestContext& context, const QString& historyId)
+UndoneDelivery undoneOf(const AnswerObject& object)
 {
-    const AnswerObject object = deleteResource(context, resourcePath("historyDatas/%1", historyId));
     UndoneDelivery undone;
     undone.delivery = historyOf(object);
     undone.correctCount = object.smallInteger("correctCount");
@@ -35,6 +32,13 @@ UndoneDelivery undoDelivery(const RequestContext& context, const QString& histor
     undone.removedPoints = object.integer("removedPoints");
     undone.alarms = object.texts("alarms");
     return undone;
+}
+
+} // namespace
+
+UndoneDelivery undoDelivery(const RequestContext& context, const QString& historyId)
+{
+    return readResult(deleteResource(context, resourcePath("historyDatas/%1", historyId)), undoneOf);
 }
 
 } // namespace extensions

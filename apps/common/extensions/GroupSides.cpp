@@ -14,6 +14,23 @@ void fillSides(const AnswerObject& object, GroupSides& sides)
     sides.warningLevel = object.number("warningLevel");
 }
 
+GroupSides sidesOf(const AnswerObject& object)
+{
+    GroupSides sides;
+    fillSides(object, sides);
+    return sides;
+}
+
+ChangedGroupSides changedSidesOf(const AnswerObject& object)
+{
+    ChangedGroupSides sides;
+    fillSides(object, sides);
+    if (object.has("warnings")) {
+        sides.warnings = object.texts("warnings");
+    }
+    return sides;
+}
+
 QJsonObject sidesBody(const GroupSidesChange& change)
 {
     QJsonObject body;
@@ -33,21 +50,13 @@ QJsonObject sidesBody(const GroupSidesChange& change)
 
 GroupSides readGroupSides(const RequestContext& context, const QString& id)
 {
-    GroupSides sides;
-    fillSides(get(context, resourcePath("groupSettings/%1", id)), sides);
-    return sides;
+    return sidesOf(get(context, resourcePath("groupSettings/%1", id)));
 }
 
 ChangedGroupSides changeGroupSides(const RequestContext& context, const QString& id,
                                    const GroupSidesChange& change)
 {
-    const AnswerObject object = put(context, resourcePath("groupSettings/%1", id), sidesBody(change));
-    ChangedGroupSides sides;
-    fillSides(object, sides);
-    if (object.has("warnings")) {
-        sides.warnings = object.texts("warnings");
-    }
-    return sides;
+    return readResult(put(context, resourcePath("groupSettings/%1", id), sidesBody(change)), changedSidesOf);
 }
 
 } // namespace extensions

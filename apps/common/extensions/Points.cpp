@@ -8,6 +8,7 @@ namespace extensions {
 
 namespace {
 
+// The members that every answer about a point has.
 void fillPoint(const AnswerObject& object, PointDetails& point)
 {
     point.id = object.identifier("_id");
@@ -22,6 +23,31 @@ void fillPoint(const AnswerObject& object, PointDetails& point)
     point.offsetDirection = object.text("offsetDirection");
     point.samples = object.integer("insertCount");
     point.latestTime = object.timeOrEmpty("lastDate");
+}
+
+PointDetails pointOf(const AnswerObject& object)
+{
+    PointDetails point;
+    fillPoint(object, point);
+    return point;
+}
+
+DeletedPoint deletedPointOf(const AnswerObject& object)
+{
+    DeletedPoint point;
+    fillPoint(object, point);
+    point.removedSamples = object.integer("removed");
+    point.alarms = object.texts("alarms");
+    return point;
+}
+
+DeletedSamples deletedSamplesOf(const AnswerObject& object)
+{
+    DeletedSamples samples;
+    samples.pointId = object.identifier("_id");
+    samples.removed = object.integer("removed");
+    samples.alarms = object.texts("alarms");
+    return samples;
 }
 
 RKPointLocationData sampleOf(const AnswerObject& object)
@@ -102,30 +128,19 @@ int countPointSummaries(const RequestContext& context, const QString& project, c
 
 PointDetails changePoint(const RequestContext& context, const QString& id, const PointChange& change)
 {
-    PointDetails point;
-    fillPoint(patch(context, resourcePath("pointLocations/%1", id), pointChangeBody(change)), point);
-    return point;
+    return readResult(patch(context, resourcePath("pointLocations/%1", id), pointChangeBody(change)),
+                      pointOf);
 }
 
 DeletedPoint deletePoint(const RequestContext& context, const QString& id)
 {
-    const AnswerObject object = deleteResource(context, resourcePath("pointLocations/%1", id));
-    DeletedPoint point;
-    fillPoint(object, point);
-    point.removedSamples = object.integer("removed");
-    point.alarms = object.texts("alarms");
-    return point;
+    return readResult(deleteResource(context, resourcePath("pointLocations/%1", id)), deletedPointOf);
 }
 
 DeletedSamples deleteSamples(const RequestContext& context, const QString& pointId, const QJsonObject& where)
 {
-    const AnswerObject object =
-        deleteResource(context, conditionPath(resourcePath("pointLocations/%1/samples", pointId), where));
-    DeletedSamples samples;
-    samples.pointId = object.identifier("_id");
-    samples.removed = object.integer("removed");
-    samples.alarms = object.texts("alarms");
-    return samples;
+    const QString path = conditionPath(resourcePath("pointLocations/%1/samples", pointId), where);
+    return readResult(deleteResource(context, path), deletedSamplesOf);
 }
 
 } // namespace extensions

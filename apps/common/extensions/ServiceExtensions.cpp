@@ -8,21 +8,18 @@ ServiceExtensions::ServiceExtensions(const ServiceSession& session)
 std::optional<ServiceAbout> ServiceExtensions::knownAbout()
 {
     if (!m_hasAsked) {
-        // Not straight into the member: an event during the wait may have asked as well.
-        std::optional<ServiceAbout> about =
-            extensions::readAbout(contextOf(QStringLiteral("ask what the service can")));
-        m_about = std::move(about);
+        m_about = extensions::readAbout(contextOf(QStringLiteral("ask what the service can")));
         m_hasAsked = true;
     }
     return m_about;
 }
 
-RequestContext ServiceExtensions::contextOf(const QString& purpose, Repetition repetition) const
+RequestContext ServiceExtensions::contextOf(const QString& purpose) const
 {
-    return {purpose, m_baseApi, m_tokenFile, repetition};
+    return {purpose, m_baseApi, m_tokenFile};
 }
 
-RequestContext ServiceExtensions::needing(Extension extension, const QString& purpose, Repetition repetition)
+RequestContext ServiceExtensions::needing(Extension extension, const QString& purpose)
 {
     if (!has(extension)) {
         throw Failure(
@@ -31,7 +28,7 @@ RequestContext ServiceExtensions::needing(Extension extension, const QString& pu
                            "among its extensions)")
                 .arg(purpose, m_baseApi, operationOf(extension), nameOf(extension)));
     }
-    return contextOf(purpose, repetition);
+    return contextOf(purpose);
 }
 
 bool ServiceExtensions::has(Extension extension)
@@ -78,10 +75,8 @@ int ServiceExtensions::pointSummaryCount(const QString& project, const PointSumm
 
 PointDetails ServiceExtensions::changePoint(const QString& id, const PointChange& change)
 {
-    // Done twice, it is as if done once.
     return extensions::changePoint(
-        needing(Extension::PointChanges, QStringLiteral("change point %1").arg(id), Repetition::IsHarmless),
-        id, change);
+        needing(Extension::PointChanges, QStringLiteral("change point %1").arg(id)), id, change);
 }
 
 DeletedPoint ServiceExtensions::deletePoint(const QString& id)
@@ -125,10 +120,8 @@ GroupSides ServiceExtensions::groupSides(const QString& id)
 
 ChangedGroupSides ServiceExtensions::changeGroupSides(const QString& id, const GroupSidesChange& change)
 {
-    return extensions::changeGroupSides(needing(Extension::GroupSides,
-                                                QStringLiteral("change the sides of group %1").arg(id),
-                                                Repetition::IsHarmless),
-                                        id, change);
+    return extensions::changeGroupSides(
+        needing(Extension::GroupSides, QStringLiteral("change the sides of group %1").arg(id)), id, change);
 }
 
 UndoneDelivery ServiceExtensions::undoDelivery(const QString& historyId)

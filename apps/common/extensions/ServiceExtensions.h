@@ -81,10 +81,9 @@ public:
 
 private:
     std::optional<ServiceAbout> knownAbout();
-    RequestContext contextOf(const QString& purpose, Repetition repetition = Repetition::MayDouble) const;
-    /// The context of a request that needs `extension`.
-    RequestContext needing(Extension extension, const QString& purpose,
-                           Repetition repetition = Repetition::MayDouble);
+    RequestContext contextOf(const QString& purpose) const;
+    /// The context of a request that needs `extension`; `purpose` completes "cannot ...".
+    RequestContext needing(Extension extension, const QString& purpose);
 
     QString m_baseApi;
     QString m_tokenFile;

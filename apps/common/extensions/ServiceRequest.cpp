@@ -57,8 +57,9 @@ const ServiceReply& requireSuccess(const ServiceReply& reply, const RequestConte
 AnswerObject documentOf(const ServiceReply& reply, const RequestContext& context)
 {
     if (requireSuccess(reply, context).isArray || !reply.hasBody) {
-        throw Failure(FailureKind::BadAnswer,
-                      QStringLiteral("cannot %1: the answer is not an object").arg(context.purpose));
+        const Failure failure(FailureKind::BadAnswer,
+                              QStringLiteral("cannot %1: the answer is not an object").arg(context.purpose));
+        throw reply.exchange.method == "GET" ? failure : afterChange(failure);
     }
     return {context.purpose, reply.object};
 }
@@ -112,6 +113,11 @@ AnswerObject deleteResource(const RequestContext& context, const QString& path)
 {
     return documentOf(waitFor(NetworkManager::instance().deleteResource(addressOf(context, path)), "DELETE"),
                       context);
+}
+
+Failure afterChange(const Failure& failure)
+{
+    return failure.extended(QStringLiteral("the service has carried it out all the same"));
 }
 
 QList<AnswerObject> getPage(const RequestContext& context, const ListRequest& list, int skip, int limit)

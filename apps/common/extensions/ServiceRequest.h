@@ -45,6 +45,20 @@ AnswerObject put(const RequestContext& context, const QString& path, const QJson
 AnswerObject patch(const RequestContext& context, const QString& path, const QJsonObject& body);
 AnswerObject deleteResource(const RequestContext& context, const QString& path);
 
+/// The failure to read the answer to a change that was made.
+Failure afterChange(const Failure& failure);
+
+/// What `read` makes of the answer to a change. Throws its failure, which says that the change was made.
+template <typename Read>
+auto readResult(const AnswerObject& answer, Read read)
+{
+    try {
+        return read(answer);
+    } catch (const Failure& failure) {
+        throw afterChange(failure);
+    }
+}
+
 /// A list of the service, and what of it is asked for.
 struct ListRequest
 {

@@ -59,6 +59,27 @@ TEST_F(DeliveryUndo, WhoseAnswerIsLostMayHaveHappened)
                 testing::HasSubstr("it may have been carried out all the same"));
 }
 
+TEST_F(DeliveryUndo, WhoseAnswerMakesNoSenseHasHappened)
+{
+    const auto undo = [&] {
+        service.undoDelivery("h1"_q);
+    };
+    QJsonObject document = undone;
+    document.remove("restored"_q);
+    answer(document);
+    EXPECT_EQ(messageOf(undo),
+              "cannot undo delivery h1: in the answer \"restored\" is missing; the service has "
+              "carried it out all the same");
+    server.answerJson(200, "[]");
+    EXPECT_EQ(messageOf(undo),
+              "cannot undo delivery h1: the answer is not an object; the service has carried "
+              "it out all the same");
+    server.answerRaw({ScriptServer::Step::bytes(ScriptServer::httpAnswer(204, {}, {}))});
+    EXPECT_EQ(messageOf(undo),
+              "cannot undo delivery h1: the answer is not an object; the service has carried "
+              "it out all the same");
+}
+
 TEST_F(DeliveryUndo, IsCheckedMemberByMember)
 {
     expectMembersAreChecked(
