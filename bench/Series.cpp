@@ -56,9 +56,9 @@ void insertPoint(Session& session, const std::string& cell, const std::string& s
     point.insertCount = series.count;
     point.lastCount = series.count - 1;
     point.lastDate = isoText(series.at(series.count - 1).time);
-    const std::int64_t key = session.measurements().insertPoint("p", point.id, toDocument(point));
+    const std::int64_t key = session.measurements().insertPoint("p", point.id, toDocument(point), 0);
     for (int number = 0; number < series.count; ++number) {
-        session.measurements().insertSample(key, series.at(number));
+        session.measurements().insertSample(key, series.at(number), 0);
     }
     insertDays(session, key, series);
 }

@@ -222,23 +222,24 @@ void AlarmBook::recordWithdrawal(const std::string& alarm, const std::string& na
     record(m_session, std::move(change));
 }
 
-std::vector<std::string> AlarmBook::close()
+AlarmBook::Closed AlarmBook::close()
 {
     Documents& documents = m_session.documents(DocumentKind::Alarm);
-    std::vector<std::string> changed;
+    Closed closed;
     for (auto& [id, page] : m_pages) {
         if (!page.changed) {
             continue;
         }
         if (page.alarm.pointCount == 0) {
             documents.remove(m_quantity.project, id);
+            closed.removed.push_back(id);
             continue;
         }
         page.alarm.stamp.change(m_author);
         documents.replace(m_quantity.project, id, toDocument(page.alarm));
-        changed.push_back(id);
+        closed.changed.push_back(id);
     }
-    return changed;
+    return closed;
 }
 
 } // namespace monitorservice

@@ -39,8 +39,15 @@ public:
     void update(const std::string& alarm, const std::string& name, const std::vector<AlarmDetail>& worst,
                 const std::vector<std::shared_ptr<const JudgedPoint>>& points, std::size_t withdrawn);
 
-    /// Writes the alarms that have changed; one without details goes. Gives the identifiers of those left.
-    std::vector<std::string> close();
+    /// Identifiers of alarms.
+    struct Closed
+    {
+        std::vector<std::string> changed;
+        std::vector<std::string> removed;
+    };
+
+    /// Writes the alarms that have changed; one without details goes.
+    Closed close();
 
 private:
     struct Page

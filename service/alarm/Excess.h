@@ -9,9 +9,13 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace monitorservice {
+
+/// Time and count, which tell a reading from the others of its point.
+using ReadingKey = std::pair<Instant, std::int32_t>;
 
 /// A sample as it is judged.
 struct Reading
@@ -20,6 +24,8 @@ struct Reading
     std::int32_t count = 0;
     std::optional<int> offsetMinutes; ///< of the time as it was written
     double value = 0;
+
+    ReadingKey key() const { return {time, count}; }
 };
 
 /// A point location as its readings are judged.

@@ -1,10 +1,12 @@
 #include "alarm/Judgement.h"
 
 #include "alarm/NamedPoints.h"
+#include "store/StoreError.h"
 
 #include <algorithm>
 #include <limits>
 #include <memory>
+#include <utility>
 
 namespace monitorservice {
 
@@ -39,13 +41,13 @@ bool isInExcess(const std::shared_ptr<const JudgedPoint>& point, const Reading& 
 {
     bool isOver = false;
     for (const LimitingGroup* const group : groups) {
-        const Variation variation = variationOf({point->reference, reading.value, previous}, group->limits);
-        if (!variation.isOver()) {
+        const JudgedValue judged{point->reference, reading.value, previous};
+        if (!isOverLimit(judged, group->limits)) {
             continue;
         }
         isOver = true;
         if (worst != nullptr) {
-            worst->consider({point, reading, group, variation});
+            worst->consider({point, reading, group, variationOf(judged, group->limits)});
         }
     }
     return isOver;
@@ -65,29 +67,28 @@ public:
     PointJudge(Judgement& all, const ChangedPoint& changed)
         : m_session(all.m_session), m_measurements(all.m_session.measurements()), m_days(all.m_days),
           m_book(all.m_book), m_groups(all.m_limits.of(changed.name)), m_changed(changed),
-          m_next(changed.readings.begin())
+          m_next(changed.readings.begin()), m_nextRemoved(changed.removed.begin())
     {
     }
 
     void judge(std::map<std::string, News>& news)
     {
-        m_judgesAll = judgesAll();
-        if (!m_judgesAll && m_changed.readings.empty()) {
+        const bool isMeasuredAnew = m_changed.initialValueChanged && m_changed.samplesHeld > 0;
+        if (!isMeasuredAnew && m_changed.readings.empty() && m_changed.removed.empty()) {
             return;
         }
-        const Instant from = m_judgesAll ? std::numeric_limits<Instant>::min()
-                                         : m_days.beginOf(m_days.dayOf(m_changed.readings.front().time));
-        m_session.excesses().visit(m_changed.key, from, endOfTime, [this](const ReadingInExcess& reading) {
-            m_held.emplace_hint(m_held.end(), ReadingKey(reading.time, reading.count), reading.alarm);
-        });
+        findReference();
+        const Instant from = m_judgesAll ? std::numeric_limits<Instant>::min() : m_days.beginOf(firstDay());
+        if (m_judgesAll || !m_changed.isAppended) {
+            m_session.excesses().visit(m_changed.key, from, endOfTime, [this](const ReadingInExcess& one) {
+                m_held.emplace_hint(m_held.end(), ReadingKey(one.time, one.count), one.alarm);
+            });
+        }
         if (m_groups.empty() && m_held.empty()) {
             return;
         }
-        const double reference =
-            referenceOf(m_measurements, m_changed.key, m_changed.initialValue).value_or(0);
-        m_point = std::make_shared<JudgedPoint>(
-            JudgedPoint{m_changed.key, m_changed.name, m_changed.depth, reference});
         m_news = &news[m_changed.name];
+        withdrawRemoved();
         judgeDays();
         if (!m_changed.depth.empty()) {
             m_news->depthsSince = std::min(m_news->depthsSince.value_or(from), from);
@@ -95,23 +96,82 @@ public:
     }
 
 private:
-    bool judgesAll() const
+    void findReference()
     {
-        if (m_changed.samplesHeld == static_cast<std::int64_t>(m_changed.readings.size())) {
-            return false; // these are all
+        const std::vector<Reading>& readings = m_changed.readings;
+        double reference = m_changed.initialValue.value_or(0);
+        if (isWhole()) {
+            if (!m_changed.initialValue && !readings.empty()) {
+                reference = readings.front().value;
+            }
+        } else {
+            m_judgesAll = m_changed.initialValueChanged;
+            if (!m_changed.initialValue) {
+                const Sample earliest = earliestSample();
+                reference = earliest.value;
+                m_judgesAll = m_judgesAll || isEarliestOther({earliest.time, earliest.count});
+            }
         }
-        if (m_changed.initialValueChanged) {
-            return true;
-        }
-        if (m_changed.initialValue || m_changed.readings.empty()) {
-            return false;
-        }
-        const std::optional<Sample> earliest = m_measurements.earliestSample(m_changed.key);
-        const Reading& first = m_changed.readings.front();
-        return earliest && earliest->time == first.time && earliest->count == first.count;
+        m_point = std::make_shared<JudgedPoint>(
+            JudgedPoint{m_changed.key, m_changed.name, m_changed.depth, reference});
     }
 
-    // The days to look at, with the measured day before the first and the one after the last.
+    Sample earliestSample() const
+    {
+        const std::optional<Sample> earliest = m_measurements.earliestSample(m_changed.key);
+        if (!earliest) {
+            throw StoreError(StoreFailure::InputOutput, "a point has samples and they cannot be found");
+        }
+        return *earliest;
+    }
+
+    // Whether the earliest reading is another than before, or has another value.
+    bool isEarliestOther(const ReadingKey& earliest) const
+    {
+        return (!m_changed.readings.empty() && m_changed.readings.front().key() == earliest) ||
+               (!m_changed.removed.empty() && m_changed.removed.front() < earliest);
+    }
+
+    // Whether the readings changed are all that the point has.
+    bool isWhole() const
+    {
+        return m_changed.samplesHeld == static_cast<std::int64_t>(m_changed.readings.size());
+    }
+
+    std::int64_t firstDay() const
+    {
+        if (m_changed.removed.empty()) {
+            return m_days.dayOf(m_changed.readings.front().time);
+        }
+        const Instant removed = m_changed.removed.front().first;
+        return m_days.dayOf(m_changed.readings.empty() ? removed
+                                                       : std::min(removed, m_changed.readings.front().time));
+    }
+
+    std::int64_t lastDay() const
+    {
+        if (m_changed.removed.empty()) {
+            return m_days.dayOf(m_changed.readings.back().time);
+        }
+        const Instant removed = m_changed.removed.back().first;
+        return m_days.dayOf(m_changed.readings.empty() ? removed
+                                                       : std::max(removed, m_changed.readings.back().time));
+    }
+
+    void withdrawRemoved()
+    {
+        for (const ReadingKey& key : m_changed.removed) {
+            const auto held = m_held.find(key);
+            if (held != m_held.end()) {
+                m_session.excesses().remove(m_changed.key, key.first, key.second);
+                ++m_news->rejudged[held->second];
+                m_held.erase(held);
+            }
+        }
+    }
+
+    // The days to look at, with the measured day before the first and the one after the last. The store is
+    // asked for what does not follow from the readings changed.
     std::vector<DaySummary> daysToJudge() const
     {
         std::vector<DaySummary> days;
@@ -119,15 +179,23 @@ private:
             days.push_back(day);
         };
         using Number = std::numeric_limits<std::int64_t>;
+        if (isWhole()) {
+            addDaysOfReadings(days);
+            return days;
+        }
         if (m_judgesAll) {
             m_measurements.visitDays(m_changed.key, Number::min(), Number::max(), add);
             return days;
         }
-        const std::int64_t first = m_days.dayOf(m_changed.readings.front().time);
-        const std::int64_t last = m_days.dayOf(m_changed.readings.back().time);
+        const std::int64_t first = firstDay();
         if (const auto before = m_measurements.latestDayBefore(m_changed.key, first)) {
             add(*before);
         }
+        if (m_changed.isAppended) {
+            addDaysOfReadings(days);
+            return days;
+        }
+        const std::int64_t last = lastDay();
         m_measurements.visitDays(m_changed.key, first, last, add);
         if (const auto after = m_measurements.earliestDayAfter(m_changed.key, last)) {
             add(*after);
@@ -135,29 +203,55 @@ private:
         return days;
     }
 
+    void addDaysOfReadings(std::vector<DaySummary>& days) const
+    {
+        for (const Reading& reading : m_changed.readings) {
+            const std::int64_t day = m_days.dayOf(reading.time);
+            if (days.empty() || days.back().day != day) {
+                days.emplace_back();
+            }
+            const std::int64_t samples = days.back().samples + 1;
+            days.back() = {day, reading.time, reading.count, reading.offsetMinutes, reading.value, samples};
+        }
+    }
+
+    // A day's readings are compared with the last one of the measured day before it: all of them are judged
+    // when something has changed from that one on.
     void judgeDays()
     {
         std::optional<DaySummary> before;
-        bool lastOfDayBeforeChanged = false;
+        std::optional<ReadingKey> lastChange; // before the day
         for (const DaySummary& day : daysToJudge()) {
             std::optional<JudgedValue::PreviousDay> previous;
             if (before) {
                 previous = previousDay(*before, day.day);
             }
+            passRemoved(day.day, lastChange);
+            const bool isReferenceChanged =
+                lastChange && (!before || *lastChange >= ReadingKey(before->time, before->count));
             const auto first = m_next;
             while (m_next != m_changed.readings.end() && m_days.dayOf(m_next->time) == day.day) {
                 ++m_next;
             }
-            if (m_judgesAll || lastOfDayBeforeChanged) {
+            if ((m_judgesAll || isReferenceChanged) && std::distance(first, m_next) < day.samples) {
                 for (const Reading& reading : readingsOf(day.day)) {
                     judge(reading, previous);
                 }
             } else {
                 std::for_each(first, m_next, [&](const Reading& reading) { judge(reading, previous); });
             }
-            lastOfDayBeforeChanged = first != m_next && std::prev(m_next)->time == day.time &&
-                                     std::prev(m_next)->count == day.count;
+            if (first != m_next) {
+                lastChange = std::max(lastChange.value_or(first->key()), std::prev(m_next)->key());
+            }
             before = day;
+        }
+    }
+
+    void passRemoved(std::int64_t day, std::optional<ReadingKey>& lastChange)
+    {
+        for (; m_nextRemoved != m_changed.removed.end() && m_days.dayOf(m_nextRemoved->first) < day;
+             ++m_nextRemoved) {
+            lastChange = std::max(lastChange.value_or(*m_nextRemoved), *m_nextRemoved);
         }
     }
 
@@ -191,6 +285,7 @@ private:
     const std::vector<const LimitingGroup*>& m_groups;
     const ChangedPoint& m_changed;
     std::vector<Reading>::const_iterator m_next; // not judged yet
+    std::vector<ReadingKey>::const_iterator m_nextRemoved;
     bool m_judgesAll = false;
     AlarmsOfReadings m_held; // those in excess before
     std::shared_ptr<const JudgedPoint> m_point;
@@ -211,10 +306,33 @@ void Judgement::judge(const ChangedPoint& changed)
     }
 }
 
+void Judgement::forget(std::int64_t point, const std::string& name)
+{
+    if (!concerns(name)) {
+        return;
+    }
+    News& news = m_news[name];
+    std::vector<ReadingKey> readings;
+    m_session.excesses().visit(point, std::numeric_limits<Instant>::min(), endOfTime,
+                               [&](const ReadingInExcess& reading) {
+                                   readings.emplace_back(reading.time, reading.count);
+                                   ++news.rejudged[reading.alarm];
+                               });
+    for (const auto& [time, count] : readings) {
+        m_session.excesses().remove(point, time, count);
+    }
+    // It may stand among the depths of a detail without being in excess itself.
+    news.depthsSince = std::numeric_limits<Instant>::min();
+}
+
 Judgement::Outcome Judgement::finish()
 {
     Outcome outcome;
     for (const auto& [name, news] : m_news) {
+        const bool isAmongDepths = news.depthsSince && m_hasAlarms;
+        if (news.fresh.isEmpty() && news.rejudged.empty() && !isAmongDepths) {
+            continue;
+        }
         const auto points = namedPoints(m_session, m_quantity, name);
         for (const std::string& alarm : alarmsOf(news, points)) {
             const auto rejudged = news.rejudged.find(alarm);
@@ -228,8 +346,17 @@ Judgement::Outcome Judgement::finish()
             outcome.alarmOfName.emplace(name, m_book.today());
         }
     }
-    outcome.changedAlarms = m_book.close();
+    AlarmBook::Closed closed = m_book.close();
+    outcome.changedAlarms = std::move(closed.changed);
+    outcome.removedAlarms = std::move(closed.removed);
     return outcome;
+}
+
+std::vector<std::string> Judgement::Outcome::touchedAlarms() const
+{
+    std::vector<std::string> alarms = changedAlarms;
+    alarms.insert(alarms.end(), removedAlarms.begin(), removedAlarms.end());
+    return alarms;
 }
 
 // The alarms whose details of the name may have changed.

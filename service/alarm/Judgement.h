@@ -10,7 +10,6 @@
 #include <set>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace monitorservice {
@@ -23,18 +22,19 @@ struct ChangedPoint
     std::string depth;
     std::optional<double> initialValue;
     bool initialValueChanged = false;
-    std::int64_t samplesHeld = 0;
-    std::vector<Reading> readings; ///< those inserted or corrected, in the order of time and count
+    std::int64_t samplesHeld = 0;    ///< now
+    std::vector<Reading> readings;   ///< those inserted or corrected, in the order of time and count
+    std::vector<ReadingKey> removed; ///< those held no more, alike
+    bool isAppended = false;         ///< all that happened is that these readings follow those held before
 };
 
-/// Judges the readings of one monitoring and sub-category that a delivery has changed, and those whose
-/// reference it has changed, and keeps the alarms what follows from the readings held: which readings are in
-/// excess depends on the readings, the initial values and the groups, not on how and in which order they
-/// came.
+/// Judges the readings of one monitoring and sub-category that have changed, and those whose reference has
+/// changed with them, and keeps the alarms what follows from the readings held: which readings are in excess
+/// depends on the readings, the initial values and the groups, not on how and in which order they came.
 ///
 /// Judged are the readings inserted and corrected; those of the next measured day when the last reading of a
-/// day is another than before; and all of the point when its initial value changes, or its earliest reading
-/// while it has none. A group that changes judges nothing by itself.
+/// day is another than before, or gone; and all of the point when its initial value changes, or its earliest
+/// reading while it has none. A group that changes judges nothing by itself.
 class Judgement
 {
 public:
@@ -42,7 +42,11 @@ public:
     struct Outcome
     {
         std::vector<std::string> changedAlarms;         ///< those raised or changed that are still there
+        std::vector<std::string> removedAlarms;         ///< those of which no reading is left
         std::map<std::string, std::string> alarmOfName; ///< of each point name with readings newly in excess
+
+        /// Those changed and those removed.
+        std::vector<std::string> touchedAlarms() const;
     };
 
     /// All of it must outlive the judgement.
@@ -54,11 +58,13 @@ public:
 
     void judge(const ChangedPoint& changed);
 
+    /// Takes all readings of a point out of the alarms; the point is to be removed before finish().
+    void forget(std::int64_t point, const std::string& name);
+
     /// Writes the alarms.
     Outcome finish();
 
 private:
-    using ReadingKey = std::pair<Instant, std::int32_t>;
     using AlarmsOfReadings = std::map<ReadingKey, std::string>;
 
     // What is new of a point name.

@@ -37,20 +37,34 @@ bool passes(double amount, double limit, double value)
     return amount - limit > tolerance * std::max(limit, std::abs(value));
 }
 
-double totalExcess(double total, const JudgedValue& judged, const Limits& limits)
+double totalVariation(const JudgedValue& judged)
 {
-    const double amount = amountOf(total, limits.totalSide);
-    const bool isOver = limits.total > 0 && passes(amount, limits.total, judged.value);
-    return isOver ? roundedDifference(amount - limits.total, std::max(amount, std::abs(judged.value))) : 0;
+    return finite(judged.value - judged.reference);
+}
+
+// In the unit of the values; there must be a day before.
+double dailyVariation(const JudgedValue& judged)
+{
+    return finite(judged.value - judged.previous->value) / static_cast<double>(judged.previous->daysBefore);
+}
+
+bool hasDaily(const JudgedValue& judged, const Limits& limits)
+{
+    return judged.previous && (limits.dayKind != DayVariationKind::Percent || judged.reference != 0);
+}
+
+bool isTotalOver(const JudgedValue& judged, const Limits& limits)
+{
+    return limits.total > 0 &&
+           passes(amountOf(totalVariation(judged), limits.totalSide), limits.total, judged.value);
 }
 
 // Compared in the unit of the values, where both ways to count have the same tolerance.
-double dailyExcess(double perDay, double daily, const JudgedValue& judged, const Limits& limits)
+bool isDailyOver(const JudgedValue& judged, const Limits& limits)
 {
-    const double limit = inUnitOfValues(limits.day, limits.dayKind, judged.reference);
-    const bool isOver = limits.day > 0 && passes(amountOf(perDay, limits.daySide), limit, judged.value);
-    const double amount = amountOf(daily, limits.daySide);
-    return isOver ? roundedDifference(amount - limits.day, std::max(amount, limits.day)) : 0;
+    return limits.day > 0 && hasDaily(judged, limits) &&
+           passes(amountOf(dailyVariation(judged), limits.daySide),
+                  inUnitOfValues(limits.day, limits.dayKind, judged.reference), judged.value);
 }
 
 } // namespace
@@ -60,22 +74,34 @@ double inUnitOfValues(double daily, DayVariationKind kind, double reference)
     return kind == DayVariationKind::Percent ? finite(daily / 100 * std::abs(reference)) : daily;
 }
 
+bool isOverLimit(const JudgedValue& judged, const Limits& limits)
+{
+    return isTotalOver(judged, limits) || isDailyOver(judged, limits);
+}
+
 Variation variationOf(const JudgedValue& judged, const Limits& limits)
 {
     Variation variation;
-    const double total = finite(judged.value - judged.reference);
-    variation.total = roundedDifference(total, std::max(std::abs(judged.value), std::abs(judged.reference)));
-    variation.totalExcess = totalExcess(total, judged, limits);
-    const bool isPercent = limits.dayKind == DayVariationKind::Percent;
-    if (!judged.previous || (isPercent && judged.reference == 0)) {
+    const double value = std::abs(judged.value);
+    const double total = totalVariation(judged);
+    variation.total = roundedDifference(total, std::max(value, std::abs(judged.reference)));
+    if (isTotalOver(judged, limits)) {
+        const double amount = amountOf(total, limits.totalSide);
+        variation.totalExcess = roundedDifference(amount - limits.total, std::max(amount, value));
+    }
+    if (!hasDaily(judged, limits)) {
         return variation;
     }
     const double before = judged.previous->value;
     const double perDay =
-        roundedDifference(finite(judged.value - before), std::max(std::abs(judged.value), std::abs(before))) /
+        roundedDifference(finite(judged.value - before), std::max(value, std::abs(before))) /
         static_cast<double>(judged.previous->daysBefore);
+    const bool isPercent = limits.dayKind == DayVariationKind::Percent;
     variation.daily = rounded(isPercent ? finite(perDay / std::abs(judged.reference) * 100) : perDay);
-    variation.dailyExcess = dailyExcess(perDay, *variation.daily, judged, limits);
+    if (isDailyOver(judged, limits)) {
+        const double amount = amountOf(*variation.daily, limits.daySide);
+        variation.dailyExcess = roundedDifference(amount - limits.day, std::max(amount, limits.day));
+    }
     return variation;
 }
 

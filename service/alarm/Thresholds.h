@@ -48,13 +48,14 @@ struct Variation
     std::optional<double> daily;
     double totalExcess = 0;
     double dailyExcess = 0; ///< as the group counts it
-
-    bool isOver() const { return totalExcess > 0 || dailyExcess > 0; }
 };
 
-/// A limit is passed when the amount of the variation is greater by more than 1e-9 of the larger of limit and
-/// value: what binary fractions add to 100.3 - 100 is not beyond 0.3. Every result is finite: what no double
-/// can hold is the largest one.
+/// Whether the reading passes a limit: the amount of a variation is greater than its limit by more than 1e-9
+/// of the larger of limit and value. What binary fractions add to 100.3 - 100 is not beyond 0.3.
+bool isOverLimit(const JudgedValue& judged, const Limits& limits);
+
+/// Limits are passed as isOverLimit() says. Every result is finite: what no double can hold is the largest
+/// one.
 Variation variationOf(const JudgedValue& judged, const Limits& limits);
 
 /// An amount of the daily variation in the unit of the values, whichever way the group counts it.

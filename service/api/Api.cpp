@@ -72,11 +72,11 @@ void add(std::vector<Route>& routes, const Route& route)
 std::vector<Route> allRoutes()
 {
     std::vector<Route> routes;
-    for (auto&& some :
-         {aboutRoutes(), alarmRoutes(), authRoutes(), cellRoutes(), categoryRoutes(), changeRoutes(),
-          dataManageDeletionRoutes(), dataManageRoutes(), deliveryRoutes(), groupRoutes(),
-          pointLocationChangeRoutes(), pointLocationLinkRoutes(), pointLocationReadRoutes(), projectRoutes(),
-          statisticsRoutes(), subCategoryRoutes()}) {
+    for (auto&& some : {aboutRoutes(), alarmRoutes(), authRoutes(), cellRoutes(), categoryRoutes(),
+                        changeRoutes(), dataManageDeletionRoutes(), dataManageRoutes(), deliveryRoutes(),
+                        deliveryUndoRoutes(), groupRoutes(), pointLocationChangeRoutes(),
+                        pointLocationDeletionRoutes(), pointLocationLinkRoutes(), pointLocationReadRoutes(),
+                        projectRoutes(), statisticsRoutes(), subCategoryRoutes()}) {
         for (const Route& route : some) {
             add(routes, route);
         }

@@ -71,4 +71,13 @@ bool Parameters::flag(std::string_view name) const
     return true;
 }
 
+Where requiredCondition(const Parameters& parameters, const std::string& otherwise)
+{
+    Where where = Where::parse(parameters.requiredText("where"));
+    if (where.isEmpty()) {
+        throw ApiError(400, "parameter \"where\" must have a condition: without one " + otherwise);
+    }
+    return where;
+}
+
 } // namespace monitorservice

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "http/HttpMessage.h"
+#include "query/Where.h"
 
 #include <cstdint>
 #include <optional>
@@ -30,5 +31,9 @@ public:
 private:
     const HttpRequest& m_request;
 };
+
+/// The where document of a request that changes what matches. Throws ApiError 400 when it is absent or
+/// without conditions; `otherwise` tells what that would do.
+Where requiredCondition(const Parameters& parameters, const std::string& otherwise);
 
 } // namespace monitorservice

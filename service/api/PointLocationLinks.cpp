@@ -31,16 +31,6 @@ std::string linksIn(std::string_view json)
     return *links;
 }
 
-Where requiredWhere(const Parameters& parameters)
-{
-    Where where = Where::parse(parameters.requiredText("where"));
-    if (where.isEmpty()) {
-        throw ApiError(400, "parameter \"where\" must have a condition: without one the relations of every "
-                            "point would be replaced");
-    }
-    return where;
-}
-
 // The categories of the project in which both rights are held; nothing when they are held in every category.
 std::optional<std::vector<std::string>> categoriesWithBoth(const Principal& principal, Right one, Right other,
                                                            const std::string& project)
@@ -114,7 +104,7 @@ std::uint64_t replaceLinksOf(Session& session, const DocumentQuery& query, const
 HttpResponse replaceLinks(ApiRequest& request)
 {
     const Parameters parameters(request.http, {"where"});
-    const Where where = requiredWhere(parameters);
+    const Where where = requiredCondition(parameters, "the relations of every point would be replaced");
     const std::string links = linksIn(request.http.body);
 
     const auto [session, principal] = beginWriting(request);

@@ -1,10 +1,9 @@
 #include "delivery/DeliveryIntake.h"
 
-#include "alarm/Judgement.h"
 #include "delivery/DeliveryRecord.h"
+#include "delivery/JudgementNews.h"
 #include "delivery/PointMerge.h"
 #include "json/JsonText.h"
-#include "notify/NoteNews.h"
 
 #include <deque>
 #include <unordered_map>
@@ -41,11 +40,12 @@ JsonObjectWriter answerOf(const DeliveredPoint& delivered, const MergedPoint& me
 struct TargetTally
 {
     TargetTally(Session& session, const DeliveryTarget& to, const Author& author)
-        : target(to), judgement(session, to.quantity, *to.days, author)
+        : target(to), record(session, to.quantity, author), judgement(session, to.quantity, *to.days, author)
     {
     }
 
     const DeliveryTarget& target;
+    DeliveryRecord record;
     DeliveryShare share;
     Judgement judgement;
     Judgement::Outcome outcome;
@@ -74,9 +74,16 @@ void add(TargetTally& tally, const DeliveredPoint& point, MergedPoint&& merged)
         share.lastDate = merged.location.lastDate;
     }
     const PointLocation& location = merged.location;
-    tally.judgement.judge({merged.key, location.name, location.depth, location.initialValue,
-                           merged.initialValueChanged, location.insertCount,
-                           std::move(merged.changedReadings)});
+    ChangedPoint changed;
+    changed.key = merged.key;
+    changed.name = location.name;
+    changed.depth = location.depth;
+    changed.initialValue = location.initialValue;
+    changed.initialValueChanged = merged.initialValueChanged;
+    changed.samplesHeld = location.insertCount;
+    changed.readings = std::move(merged.changedReadings);
+    changed.isAppended = merged.isAppended;
+    tally.judgement.judge(changed);
 }
 
 std::string answerOf(std::vector<PointAnswer>& points)
@@ -86,6 +93,8 @@ std::string answerOf(std::vector<PointAnswer>& points)
         const auto& alarms = point.tally->outcome.alarmOfName;
         const auto alarm = alarms.find(point.name);
         point.json.text("alarmId", alarm == alarms.end() ? std::string() : alarm->second);
+        const TargetTally& tally = *point.tally;
+        point.json.text("deliveryId", tally.share.changed ? tally.record.mark().history : std::string());
         answer.json(point.json.finish());
     }
     return answer.finish();
@@ -107,8 +116,8 @@ IntakeResult takeIn(Session& session, const Delivery& delivery, const MayDo& may
         if (tally == nullptr) {
             tally = &tallies.emplace_back(session, target, author);
         }
-        MergedPoint merged =
-            mergePoint(session, target, delivery, point, author, tally->judgement.concerns(point.name));
+        const Merging merging{target, delivery, tally->record.mark(), author};
+        MergedPoint merged = mergePoint(session, merging, point, tally->judgement.concerns(point.name));
         points.push_back({tally, point.name, answerOf(point, merged)});
         add(*tally, point, std::move(merged));
     }
@@ -116,11 +125,8 @@ IntakeResult takeIn(Session& session, const Delivery& delivery, const MayDo& may
     for (TargetTally& tally : tallies) {
         if (tally.share.changed) {
             changed = true;
-            recordDelivery(session, tally.target.quantity, tally.share, author);
-            tally.outcome = tally.judgement.finish();
-            for (const std::string& alarm : tally.outcome.changedAlarms) {
-                noteNews(session, alarm);
-            }
+            tally.record.write(tally.share);
+            tally.outcome = finishAndTell(session, tally.judgement);
         }
     }
     return {answerOf(points), changed};

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "domain/DataManage.h"
 #include "domain/MonitoredQuantity.h"
 #include "domain/Stamp.h"
-#include "store/Store.h"
+#include "store/Session.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -10,6 +11,13 @@
 #include <string>
 
 namespace monitorservice {
+
+/// What tells a delivery from the others of its data manage.
+struct DeliveryMark
+{
+    std::int64_t number = 0; ///< 1 is the first one
+    std::string history;     ///< identifier of its entry in the history
+};
 
 /// What one delivery brought of one quantity.
 struct DeliveryShare
@@ -23,9 +31,37 @@ struct DeliveryShare
     std::string lastDate;            ///< the same as text; empty when there is none
 };
 
+/// The data manage of a monitoring and sub-category; nothing while nothing was delivered for them.
+std::optional<DataManage> findDataManage(const Session& session, const MonitoredQuantity& quantity);
+
 /// Notes a delivery that has changed something: in the data manage of the quantity, which is made when there
 /// is none, and by one more entry of its history.
-void recordDelivery(Session& session, const MonitoredQuantity& quantity, const DeliveryShare& share,
+class DeliveryRecord
+{
+public:
+    /// All of it must outlive the record.
+    DeliveryRecord(Session& session, const MonitoredQuantity& quantity, const Author& author);
+
+    /// Under which it will be noted.
+    const DeliveryMark& mark() const { return m_mark; }
+
+    void write(const DeliveryShare& share);
+
+private:
+    Session& m_session;
+    const MonitoredQuantity& m_quantity;
+    const Author& m_author;
+    std::optional<DataManage> m_found;
+    DeliveryMark m_mark;
+};
+
+/// Notes in the data manage that so many samples are held no more.
+void noteRemoved(Session& session, const MonitoredQuantity& quantity, std::int64_t removed,
+                 const Author& author);
+
+/// Takes the entry of the latest delivery out of the history, and notes the delivery before it in the data
+/// manage, with so many samples held no more. When there was none before, the data manage goes.
+void takeBackRecord(Session& session, DataManage dataManage, const std::string& history, std::int64_t removed,
                     const Author& author);
 
 } // namespace monitorservice

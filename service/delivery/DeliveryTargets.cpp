@@ -31,15 +31,14 @@ std::shared_ptr<LocalDays> daysIn(const Session& session, const std::string& pro
 
 } // namespace
 
-DeliveryTarget targetOf(const Session& session, const PointLocation& location)
+DeliveryTarget targetOf(const Session& session, const std::string& cell, const std::string& subCategory)
 {
-    const auto cell = session.documents(DocumentKind::Cell).find(location.cell);
-    const auto subCategory = session.documents(DocumentKind::SubCategory).find(location.subCategory);
-    if (!cell || !subCategory) {
-        throw StoreError(StoreFailure::InputOutput,
-                         "the monitoring or the sub-category of a point is missing");
+    const auto monitoring = session.documents(DocumentKind::Cell).find(cell);
+    const auto quantity = session.documents(DocumentKind::SubCategory).find(subCategory);
+    if (!monitoring || !quantity) {
+        throw StoreError(StoreFailure::InputOutput, "the monitoring or the sub-category of data is missing");
     }
-    return {quantityOf(*cell, *subCategory), false, daysIn(session, cell->project)};
+    return {quantityOf(*monitoring, *quantity), false, daysIn(session, monitoring->project)};
 }
 
 const DeliveryTarget& DeliveryTargets::of(const Delivery& delivery, const DeliveredPoint& point)

@@ -2,7 +2,6 @@
 
 #include "delivery/Delivery.h"
 #include "domain/MonitoredQuantity.h"
-#include "domain/PointLocation.h"
 #include "store/Store.h"
 #include "time/LocalDays.h"
 
@@ -26,8 +25,8 @@ struct DeliveryTarget
     std::shared_ptr<LocalDays> days;
 };
 
-/// The target that a stored point belongs to; whether anybody may edit it is not asked.
-DeliveryTarget targetOf(const Session& session, const PointLocation& location);
+/// The target that is there already; whether anybody may edit it is not asked.
+DeliveryTarget targetOf(const Session& session, const std::string& cell, const std::string& subCategory);
 
 /// Finds the targets of a delivery, each once.
 class DeliveryTargets

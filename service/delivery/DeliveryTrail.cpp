@@ -3,8 +3,7 @@
 #include "domain/SampleText.h"
 #include "trail/AuditTrail.h"
 
-#include <string>
-#include <utility>
+#include <optional>
 
 namespace monitorservice {
 
@@ -22,6 +21,20 @@ std::string jsonOf(const std::optional<double>& initialValue)
     return json;
 }
 
+std::string linksOf(const PointLocation& point)
+{
+    return JsonObjectWriter().json("links", point.links).finish();
+}
+
+std::string descriptionOf(const PointLocation& point)
+{
+    return JsonObjectWriter()
+        .text("alias", point.alias)
+        .integer("dataType", point.dataType)
+        .text("offsetDirection", point.offsetDirection)
+        .finish();
+}
+
 std::string jsonOf(const Sample& sample)
 {
     std::string json;
@@ -31,27 +44,63 @@ std::string jsonOf(const Sample& sample)
 
 } // namespace
 
-void DeliveryTrail::initialValueChanged(const std::optional<double>& before,
-                                        const std::optional<double>& after)
+// Each with its own kind of entry, by which they are found.
+void DeliveryTrail::described(const PointLocation& before)
 {
-    record("initialValue.changed", jsonOf(before), jsonOf(after));
+    if (before.initialValue != m_point.initialValue) {
+        record(trailaction::initialValueChanged, jsonOf(before.initialValue), jsonOf(m_point.initialValue));
+    }
+    if (before.links != m_point.links) {
+        record(trailaction::linksReplaced, linksOf(before), linksOf(m_point));
+    }
+    if (before.alias != m_point.alias || before.dataType != m_point.dataType ||
+        before.offsetDirection != m_point.offsetDirection) {
+        record(trailaction::pointChanged, descriptionOf(before), descriptionOf(m_point));
+    }
 }
 
 void DeliveryTrail::sampleCorrected(const Sample& before, const Sample& after)
 {
-    m_before.json(jsonOf(before));
-    m_after.json(jsonOf(after));
-    if (++m_samples == samplesInAnEntry) {
-        finish();
+    m_corrected.before.json(jsonOf(before));
+    m_corrected.after.json(jsonOf(after));
+    if (++m_corrected.count == samplesInAnEntry) {
+        recordCorrected();
     }
+}
+
+void DeliveryTrail::sampleRemoved(const Sample& before)
+{
+    m_removed.before.json(jsonOf(before));
+    if (++m_removed.count == samplesInAnEntry) {
+        recordRemoved();
+    }
+}
+
+void DeliveryTrail::pointRemoved()
+{
+    finish();
+    record("pointLocation.deleted", toDocument(m_point), "null");
 }
 
 void DeliveryTrail::finish()
 {
-    if (m_samples > 0) {
-        record("sample.corrected", std::exchange(m_before, {}).finish(), std::exchange(m_after, {}).finish());
-        m_samples = 0;
+    if (m_corrected.count > 0) {
+        recordCorrected();
     }
+    if (m_removed.count > 0) {
+        recordRemoved();
+    }
+}
+
+void DeliveryTrail::recordCorrected()
+{
+    Samples samples = std::exchange(m_corrected, {});
+    record(trailaction::sampleCorrected, samples.before.finish(), samples.after.finish());
+}
+
+void DeliveryTrail::recordRemoved()
+{
+    record("sample.deleted", std::exchange(m_removed, {}).before.finish(), "null");
 }
 
 void DeliveryTrail::record(const char* action, std::string before, std::string after)
@@ -67,6 +116,7 @@ void DeliveryTrail::record(const char* action, std::string before, std::string a
     change.before = std::move(before);
     change.after = std::move(after);
     change.author = m_author;
+    change.delivery = m_history;
     monitorservice::record(m_session, std::move(change));
 }
 

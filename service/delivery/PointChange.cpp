@@ -1,10 +1,9 @@
 #include "delivery/PointChange.h"
 
-#include "alarm/Judgement.h"
 #include "delivery/DeliveryTargets.h"
 #include "delivery/DeliveryTrail.h"
+#include "delivery/JudgementNews.h"
 #include "domain/Assign.h"
-#include "notify/NoteNews.h"
 #include "time/Timestamp.h"
 
 namespace monitorservice {
@@ -15,11 +14,15 @@ void judgeAnew(Session& session, const DeliveryTarget& target, std::int64_t key,
                const PointLocation& location, const Author& author)
 {
     Judgement judgement(session, target.quantity, *target.days, author);
-    judgement.judge(
-        {key, location.name, location.depth, location.initialValue, true, location.insertCount, {}});
-    for (const std::string& alarm : judgement.finish().changedAlarms) {
-        noteNews(session, alarm);
-    }
+    ChangedPoint changed;
+    changed.key = key;
+    changed.name = location.name;
+    changed.depth = location.depth;
+    changed.initialValue = location.initialValue;
+    changed.initialValueChanged = true;
+    changed.samplesHeld = location.insertCount;
+    judgement.judge(changed);
+    finishAndTell(session, judgement);
 }
 
 } // namespace
@@ -27,7 +30,7 @@ void judgeAnew(Session& session, const DeliveryTarget& target, std::int64_t key,
 PointLocation changePoint(Session& session, PointLocation location, const PointChange& change,
                           const std::string& owner)
 {
-    const std::optional<double> initialValue = location.initialValue;
+    const PointLocation before = location;
     const bool isReferenceChanged = assign(location.initialValue, change.initialValue);
     bool isChanged = assign(location.alias, change.alias) || isReferenceChanged;
     isChanged = assign(location.dataType, change.dataType) || isChanged;
@@ -44,11 +47,11 @@ PointLocation changePoint(Session& session, PointLocation location, const PointC
     }
     const std::optional<Timestamp> lastDate = parseTimestamp(location.lastDate);
     session.measurements().replacePoint(stored->key, toDocument(location),
-                                        lastDate ? std::optional(lastDate->milliseconds) : std::nullopt);
+                                        lastDate ? std::optional(lastDate->milliseconds) : std::nullopt,
+                                        std::nullopt);
+    const DeliveryTarget target = targetOf(session, location.cell, location.subCategory);
+    DeliveryTrail(session, target.quantity, location, author).described(before);
     if (isReferenceChanged) {
-        const DeliveryTarget target = targetOf(session, location);
-        DeliveryTrail(session, target.quantity, location, author)
-            .initialValueChanged(initialValue, location.initialValue);
         judgeAnew(session, target, stored->key, location, author);
     }
     return location;

@@ -44,10 +44,10 @@ Instant lastTimeOf(const PointLocation& location)
 class SampleMerge
 {
 public:
-    SampleMerge(Session& session, const DeliveryTarget& target, const Delivery& delivery, MergedPoint& merged,
-                DeliveryTrail& trail, bool withReadings)
-        : m_measurements(session.measurements()), m_target(target), m_delivery(delivery), m_merged(merged),
-          m_trail(trail), m_withReadings(withReadings)
+    SampleMerge(Session& session, const Merging& merging, MergedPoint& merged, DeliveryTrail& trail,
+                bool withReadings)
+        : m_measurements(session.measurements()), m_merging(merging), m_merged(merged), m_trail(trail),
+          m_withReadings(withReadings)
     {
         if (merged.location.insertCount > 0) {
             m_merged.lastTime = lastTimeOf(merged.location);
@@ -57,14 +57,14 @@ public:
     // Samples come in the order of time and count.
     void add(const DeliveredSample& delivered)
     {
-        Sample sample = sampleOf(m_delivery, delivered);
-        const bool isNew = m_measurements.insertSample(m_merged.key, sample);
+        Sample sample = sampleOf(m_merging.delivery, delivered);
+        const bool isNew = m_measurements.insertSample(m_merged.key, sample, m_merging.mark.number);
         if (!isNew && !correct(sample, delivered)) {
             return;
         }
         m_merged.changed = true;
         (isNew ? m_merged.inserted : m_merged.corrected) += 1;
-        const std::int64_t day = m_target.days->dayOf(sample.time);
+        const std::int64_t day = m_merging.target.days->dayOf(sample.time);
         if (m_day && m_day->day != day) {
             finish();
         }
@@ -97,9 +97,11 @@ private:
         if (held->value == sample.value && held->timeFlag == sample.timeFlag) {
             return false;
         }
-        if (!m_target.mayEdit) {
-            refuse(m_target, m_delivery.nameOfRow(delivered.row), "this corrects a sample that is held");
+        if (!m_merging.target.mayEdit) {
+            refuse(m_merging.target, m_merging.delivery.nameOfRow(delivered.row),
+                   "this corrects a sample that is held");
         }
+        m_merged.isAppended = false;
         sample.offsetMinutes = held->offsetMinutes;
         m_measurements.replaceSample(m_merged.key, sample);
         m_trail.sampleCorrected(*held, sample);
@@ -111,6 +113,7 @@ private:
         PointLocation& location = m_merged.location;
         if (m_merged.lastTime &&
             std::tie(sample.time, sample.count) < std::tie(*m_merged.lastTime, location.lastCount)) {
+            m_merged.isAppended = false;
             return;
         }
         m_merged.lastTime = sample.time;
@@ -119,8 +122,7 @@ private:
     }
 
     Measurements& m_measurements;
-    const DeliveryTarget& m_target;
-    const Delivery& m_delivery;
+    const Merging& m_merging;
     MergedPoint& m_merged;
     DeliveryTrail& m_trail;
     bool m_withReadings;
@@ -155,41 +157,57 @@ void refuseChanges(const DeliveryTarget& target, const Delivery& delivery, const
     }
 }
 
-// Whether the description differs from what was stored.
-bool describe(PointLocation& location, const DeliveredPoint& point)
+template <typename Member, typename Delivered>
+bool isOther(const Member& member, const std::optional<Delivered>& delivered)
 {
-    bool changed = assign(location.alias, point.alias);
-    changed = assign(location.dataType, point.dataType) || changed;
-    changed = assign(location.offsetDirection, point.offsetDirection) || changed;
-    return assign(location.links, point.links) || changed;
+    return delivered && member != *delivered;
+}
+
+// Takes over the description. Gives whether it differs from what was stored.
+bool describe(MergedPoint& merged, const DeliveredPoint& point, DeliveryTrail& trail)
+{
+    PointLocation& location = merged.location;
+    merged.initialValueChanged = isOther(location.initialValue, point.initialValue);
+    if (!merged.initialValueChanged && !isOther(location.alias, point.alias) &&
+        !isOther(location.dataType, point.dataType) &&
+        !isOther(location.offsetDirection, point.offsetDirection) && !isOther(location.links, point.links)) {
+        return false;
+    }
+    const PointLocation before = location;
+    assign(location.initialValue, point.initialValue);
+    assign(location.alias, point.alias);
+    assign(location.dataType, point.dataType);
+    assign(location.offsetDirection, point.offsetDirection);
+    assign(location.links, point.links);
+    if (!merged.isNew) {
+        trail.described(before);
+    }
+    return true;
 }
 
 } // namespace
 
-MergedPoint mergePoint(Session& session, const DeliveryTarget& target, const Delivery& delivery,
-                       const DeliveredPoint& point, const Author& author, bool withReadings)
+MergedPoint mergePoint(Session& session, const Merging& merging, const DeliveredPoint& point,
+                       bool withReadings)
 {
     Measurements& measurements = session.measurements();
+    const DeliveryTarget& target = merging.target;
     const std::optional<StoredPoint> stored =
         measurements.findPoint(target.quantity.cell, target.quantity.subCategory, point.name, point.depth);
     MergedPoint merged;
-    merged.location =
-        stored ? fromDocument<PointLocation>(stored->document) : newLocation(session, target, point, author);
+    merged.location = stored ? fromDocument<PointLocation>(stored->document)
+                             : newLocation(session, target, point, merging.author);
     merged.isNew = !stored;
     if (stored && !target.mayEdit) {
-        refuseChanges(target, delivery, point, merged.location);
+        refuseChanges(target, merging.delivery, point, merged.location);
     }
-    const std::optional<double> initialValue = merged.location.initialValue;
-    merged.initialValueChanged = assign(merged.location.initialValue, point.initialValue);
-    merged.changed = describe(merged.location, point) || merged.initialValueChanged || merged.isNew;
+    DeliveryTrail trail(session, target.quantity, merged.location, merging.author, merging.mark.history);
+    const bool isDescribed = describe(merged, point, trail);
+    merged.changed = isDescribed || merged.isNew;
     merged.key = stored ? stored->key
                         : measurements.insertPoint(target.quantity.project, merged.location.id,
-                                                   toDocument(merged.location));
-    DeliveryTrail trail(session, target.quantity, merged.location, author);
-    if (merged.initialValueChanged && stored) {
-        trail.initialValueChanged(initialValue, merged.location.initialValue);
-    }
-    SampleMerge samples(session, target, delivery, merged, trail, withReadings);
+                                                   toDocument(merged.location), merging.mark.number);
+    SampleMerge samples(session, merging, merged, trail, withReadings);
     for (const DeliveredSample& sample : point.samples) {
         samples.add(sample);
     }
@@ -199,8 +217,9 @@ MergedPoint mergePoint(Session& session, const DeliveryTarget& target, const Del
         // The file alone is no change: an earlier delivery that is repeated does not put its file back.
         assign(merged.location.fileId, point.fileId);
         merged.location.insertCount += merged.inserted;
-        merged.location.stamp.change(author);
-        measurements.replacePoint(merged.key, toDocument(merged.location), merged.lastTime);
+        merged.location.stamp.change(merging.author);
+        measurements.replacePoint(merged.key, toDocument(merged.location), merged.lastTime,
+                                  merging.mark.number);
     }
     return merged;
 }

@@ -18,6 +18,7 @@ std::string toDocument(const Change& change)
         .text("name", change.name)
         .json("before", change.before)
         .json("after", change.after)
+        .text("delivery", change.delivery)
         .text("createdAt", change.author.time)
         .text("createdBy", change.author.name)
         .finish();
@@ -38,6 +39,7 @@ Change fromDocument<Change>(std::string_view text)
     change.name = document.text("name");
     change.before = document.json("before");
     change.after = document.json("after");
+    change.delivery = document.text("delivery");
     change.author = {document.text("createdBy"), document.text("createdAt")};
     return change;
 }

@@ -22,6 +22,7 @@ struct Change
     std::string name;            ///< of it, for people
     std::string before = "null"; ///< JSON: what was there
     std::string after = "null";  ///< JSON: what is there instead
+    std::string delivery;        ///< history entry of the delivery that changed it; empty: it was none
     Author author;
 };
 

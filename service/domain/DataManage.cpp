@@ -15,6 +15,8 @@ std::string toDocument(const DataManage& dataManage)
         .text("subCategoryId", dataManage.subCategory)
         .text("lastDate", dataManage.lastDate)
         .integer("lastCount", dataManage.lastCount)
+        .integer("sampleCount", dataManage.sampleCount)
+        .integer("deliveries", dataManage.deliveries)
         .text("fileId", dataManage.fileId);
     return appendStamp(document, dataManage.stamp).finish();
 }
@@ -30,6 +32,8 @@ DataManage fromDocument<DataManage>(std::string_view text)
     dataManage.subCategory = document.text("subCategoryId");
     dataManage.lastDate = document.text("lastDate");
     dataManage.lastCount = document.integer("lastCount");
+    dataManage.sampleCount = document.integer("sampleCount");
+    dataManage.deliveries = document.integer("deliveries");
     dataManage.fileId = document.text("fileId");
     dataManage.stamp = document.stamp();
     return dataManage;

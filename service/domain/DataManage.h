@@ -16,9 +16,11 @@ struct DataManage
     std::string project;
     std::string cell;
     std::string subCategory;
-    std::string lastDate;       ///< time of the latest sample of all deliveries; empty when there is none
-    std::int64_t lastCount = 0; ///< samples in the latest delivery
-    std::string fileId;         ///< file of the latest delivery; may be empty
+    std::string lastDate;         ///< time of the latest sample; empty when there is none
+    std::int64_t lastCount = 0;   ///< samples in the latest delivery
+    std::int64_t sampleCount = 0; ///< samples held
+    std::int64_t deliveries = 0;  ///< number of the latest delivery among those counted
+    std::string fileId;           ///< file of the latest delivery; may be empty
     Stamp stamp;
 };
 

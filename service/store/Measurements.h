@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace monitorservice {
 
@@ -22,6 +23,7 @@ public:
     using SampleVisitor = std::function<void(const Sample& sample)>;
     using DayVisitor = std::function<void(const DaySummary& day)>;
     using PointVisitor = std::function<void(const StoredPoint& point)>;
+    using DeliveredToVisitor = std::function<void(const DeliveredTo& point)>;
 
     /// Depths are compared as settledDepth() writes them.
     virtual std::optional<StoredPoint> findPoint(const std::string& cell, const std::string& subCategory,
@@ -29,15 +31,28 @@ public:
     /// The points of this name, by ascending depth as text, byte by byte.
     virtual void visitPoints(const std::string& cell, const std::string& subCategory, const std::string& name,
                              const PointVisitor& visitor) const = 0;
-    /// Gives the point's key. The document's "_id" and "projectId" are `id` and `project`.
+    /// The point of the monitoring and sub-category that has the latest sample; nothing when none has any.
+    virtual std::optional<StoredPoint> latestPoint(const std::string& cell,
+                                                   const std::string& subCategory) const = 0;
+    /// Every point of the monitoring and sub-category that the delivery of this number or a later one has
+    /// changed; there may be others among them.
+    virtual void visitDeliveredTo(const std::string& cell, const std::string& subCategory,
+                                  std::int64_t delivery, const DeliveredToVisitor& visitor) const = 0;
+    /// Gives the point's key. The document's "_id" and "projectId" are `id` and `project`; `delivery` is the
+    /// number of the delivery that makes it.
     /// StoreFailure::Conflict when the identifier is taken, when the monitoring and sub-category have a point
     /// of this name and depth, and when the monitoring or the sub-category does not exist.
     virtual std::int64_t insertPoint(const std::string& project, const std::string& id,
-                                     const std::string& document) = 0;
+                                     const std::string& document, std::int64_t delivery) = 0;
     /// `lastTime` is the time of the point's latest sample, "lastDate" in the document; nothing when it has
-    /// none. What the point is found by stays: monitoring, sub-category, name and depth.
+    /// none. What the point is found by stays: monitoring, sub-category, name and depth. `delivery` is the
+    /// number of the latest delivery that has changed it; nothing: that is the same as before.
     virtual void replacePoint(std::int64_t point, const std::string& document,
-                              const std::optional<Instant>& lastTime) = 0;
+                              const std::optional<Instant>& lastTime,
+                              const std::optional<std::int64_t>& delivery) = 0;
+    /// Removes the point with its samples and days. StoreFailure::Conflict while a reading of it is in
+    /// excess.
+    virtual void removePoint(std::int64_t point) = 0;
     /// Gives the point these relations, a JSON array as it is stored, and writes the change down; false when
     /// it has them already and nothing is changed. A clock that was set back does not make a change older
     /// than the one before.
@@ -49,14 +64,24 @@ public:
 
     /// The first in the order of time and count.
     virtual std::optional<Sample> earliestSample(std::int64_t point) const = 0;
+    /// The last in that order.
+    virtual std::optional<Sample> latestSample(std::int64_t point) const = 0;
     virtual std::optional<Sample> findSample(std::int64_t point, Instant time, std::int32_t count) const = 0;
     /// Samples from the first instant to before the second, in the order of time and count.
     virtual void visitSamples(std::int64_t point, Instant from, Instant before,
                               const SampleVisitor& visitor) const = 0;
-    /// False when the point has a sample of this time and count; nothing is changed then.
-    virtual bool insertSample(std::int64_t point, const Sample& sample) = 0;
+    /// Those that the delivery of this number has inserted, in the same order.
+    virtual void visitSamplesOf(std::int64_t point, std::int64_t delivery,
+                                const SampleVisitor& visitor) const = 0;
+    /// The numbers of the deliveries that have made the point or inserted samples held, the latest first.
+    virtual std::vector<std::int64_t> deliveriesOf(std::int64_t point) const = 0;
+    /// False when the point has a sample of this time and count; nothing is changed then. `delivery` is the
+    /// number of the delivery that inserts it.
+    virtual bool insertSample(std::int64_t point, const Sample& sample, std::int64_t delivery) = 0;
     /// Gives the sample of this time and count the value and the flag.
     virtual void replaceSample(std::int64_t point, const Sample& sample) = 0;
+    /// Nothing is changed when there is no such sample.
+    virtual void removeSample(std::int64_t point, Instant time, std::int32_t count) = 0;
 
     /// Days from the first to the last one named, both included, ascending.
     virtual void visitDays(std::int64_t point, std::int64_t first, std::int64_t last,
@@ -69,6 +94,9 @@ public:
     /// that is later. One that is as late replaces it: it is the same sample with a corrected value. What is
     /// kept of a day is what its samples give as long as every sample written is added to its day as well.
     virtual void addToDay(std::int64_t point, const DaySummary& added) = 0;
+    /// Makes what is kept of a day what its samples give, which are those from `from` to before `before`: one
+    /// without samples goes.
+    virtual void recountDay(std::int64_t point, std::int64_t day, Instant from, Instant before) = 0;
 
     /// Removes all that was delivered for the monitoring and sub-category or followed from it: points,
     /// samples, days, the data manage with its history, alarms with their details. Groups stay.

@@ -22,4 +22,11 @@ struct StoredPoint
     std::string document; ///< one JSON object, without the samples
 };
 
+/// A point location that a delivery may have changed.
+struct DeliveredTo
+{
+    StoredPoint point;
+    bool isMade = false; ///< the delivery has made it
+};
+
 } // namespace monitorservice

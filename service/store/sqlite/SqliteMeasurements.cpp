@@ -72,24 +72,63 @@ void SqliteMeasurements::visitPoints(const std::string& cell, const std::string&
     }
 }
 
+std::optional<StoredPoint> SqliteMeasurements::latestPoint(const std::string& cell,
+                                                           const std::string& subCategory) const
+{
+    SqliteStatement statement =
+        m_connection.statement("SELECT point, id, document FROM point_locations WHERE cell = ? AND "
+                               "sub_category = ? AND last_time IS NOT NULL ORDER BY last_time DESC LIMIT 1");
+    statement.bind(cell, subCategory);
+    if (!statement.step()) {
+        return std::nullopt;
+    }
+    return StoredPoint{statement.integer(0), statement.text(1), statement.text(2)};
+}
+
+void SqliteMeasurements::visitDeliveredTo(const std::string& cell, const std::string& subCategory,
+                                          std::int64_t delivery, const DeliveredToVisitor& visitor) const
+{
+    SqliteStatement statement = m_connection.statement(
+        "SELECT point, id, document, first_delivery FROM point_locations WHERE cell = ? AND "
+        "sub_category = ? AND last_delivery >= ? ORDER BY name, depth");
+    statement.bind(cell, subCategory, delivery);
+    while (statement.step()) {
+        m_connection.show(visitor, DeliveredTo{{statement.integer(0), statement.text(1), statement.text(2)},
+                                               statement.integer(3) == delivery});
+    }
+}
+
 std::int64_t SqliteMeasurements::insertPoint(const std::string& project, const std::string& id,
-                                             const std::string& document)
+                                             const std::string& document, std::int64_t delivery)
 {
     static const std::string sql =
-        "INSERT INTO point_locations (project, id, document, cell, sub_category, name, depth, last_time) "
+        "INSERT INTO point_locations (project, id, document, cell, sub_category, name, depth, last_time, "
+        "first_delivery, last_delivery) "
         "VALUES (?1, ?2, ?3, json_extract(?3, '$.cellId'), json_extract(?3, '$.subCategoryId'), "
         "json_extract(?3, '$.name'), json_extract(?3, '$.depth'), " +
-        instantIn("json_extract(?3, '$.lastDate')") + ")";
-    m_connection.statement(sql).bind(project, id, document).run();
+        instantIn("json_extract(?3, '$.lastDate')") + ", ?4, ?4)";
+    m_connection.statement(sql).bind(project, id, document, delivery).run();
     return m_connection.database().getLastInsertRowid();
 }
 
 void SqliteMeasurements::replacePoint(std::int64_t point, const std::string& document,
-                                      const std::optional<Instant>& lastTime)
+                                      const std::optional<Instant>& lastTime,
+                                      const std::optional<std::int64_t>& delivery)
 {
-    m_connection.statement("UPDATE point_locations SET document = ?, last_time = ? WHERE point = ?")
-        .bind(document, lastTime, point)
+    m_connection
+        .statement("UPDATE point_locations SET document = ?, last_time = ?, "
+                   "last_delivery = ifnull(?, last_delivery) WHERE point = ?")
+        .bind(document, lastTime, delivery, point)
         .run();
+}
+
+void SqliteMeasurements::removePoint(std::int64_t point)
+{
+    for (const char* const sql :
+         {"DELETE FROM samples WHERE point = ?", "DELETE FROM day_rollup WHERE point = ?",
+          "DELETE FROM point_locations WHERE point = ?"}) {
+        m_connection.statement(sql).bind(point).run();
+    }
 }
 
 bool SqliteMeasurements::replaceLinks(std::int64_t point, const std::string& links, Instant when,
@@ -111,6 +150,14 @@ std::unique_ptr<PointSelection> SqliteMeasurements::select(const DocumentQuery& 
 std::optional<Sample> SqliteMeasurements::earliestSample(std::int64_t point) const
 {
     static const std::string sql = std::string(selectSamplesOf) + "? ORDER BY time, count LIMIT 1";
+    SqliteStatement statement = m_connection.statement(sql);
+    statement.bind(point);
+    return statement.step() ? std::optional(sampleOf(statement)) : std::nullopt;
+}
+
+std::optional<Sample> SqliteMeasurements::latestSample(std::int64_t point) const
+{
+    static const std::string sql = std::string(selectSamplesOf) + "? ORDER BY time DESC, count DESC LIMIT 1";
     SqliteStatement statement = m_connection.statement(sql);
     statement.bind(point);
     return statement.step() ? std::optional(sampleOf(statement)) : std::nullopt;
@@ -142,13 +189,39 @@ void SqliteMeasurements::visitSamples(std::int64_t point, Instant from, Instant 
     }
 }
 
-bool SqliteMeasurements::insertSample(std::int64_t point, const Sample& sample)
+void SqliteMeasurements::visitSamplesOf(std::int64_t point, std::int64_t delivery,
+                                        const SampleVisitor& visitor) const
+{
+    static const std::string sql = std::string(selectSamplesOf) + "? AND delivery = ? ORDER BY time, count";
+    SqliteStatement statement = m_connection.statement(sql);
+    statement.bind(point, delivery);
+    Sample sample;
+    while (statement.step()) {
+        readSample(statement, sample);
+        m_connection.show(visitor, sample);
+    }
+}
+
+std::vector<std::int64_t> SqliteMeasurements::deliveriesOf(std::int64_t point) const
+{
+    SqliteStatement statement =
+        m_connection.statement("SELECT first_delivery AS delivery FROM point_locations WHERE point = ?1 UNION "
+                               "SELECT delivery FROM samples WHERE point = ?1 ORDER BY delivery DESC");
+    statement.bind(point);
+    std::vector<std::int64_t> deliveries;
+    while (statement.step()) {
+        deliveries.push_back(statement.integer(0));
+    }
+    return deliveries;
+}
+
+bool SqliteMeasurements::insertSample(std::int64_t point, const Sample& sample, std::int64_t delivery)
 {
     SqliteStatement statement = m_connection.statement(
-        "INSERT INTO samples (point, time, count, offset_minutes, value, time_flag) VALUES "
-        "(?, ?, ?, ?, ?, ?) ON CONFLICT (point, time, count) DO NOTHING");
+        "INSERT INTO samples (point, time, count, offset_minutes, value, time_flag, delivery) VALUES "
+        "(?, ?, ?, ?, ?, ?, ?) ON CONFLICT (point, time, count) DO NOTHING");
     statement.bind(point, sample.time, std::int64_t{sample.count}, columnOf(sample.offsetMinutes),
-                   sample.value, sample.timeFlag);
+                   sample.value, sample.timeFlag, delivery);
     return statement.run() > 0;
 }
 
@@ -157,6 +230,13 @@ void SqliteMeasurements::replaceSample(std::int64_t point, const Sample& sample)
     m_connection
         .statement("UPDATE samples SET value = ?, time_flag = ? WHERE point = ? AND time = ? AND count = ?")
         .bind(sample.value, sample.timeFlag, point, sample.time, std::int64_t{sample.count})
+        .run();
+}
+
+void SqliteMeasurements::removeSample(std::int64_t point, Instant time, std::int32_t count)
+{
+    m_connection.statement("DELETE FROM samples WHERE point = ? AND time = ? AND count = ?")
+        .bind(point, time, std::int64_t{count})
         .run();
 }
 
@@ -205,6 +285,19 @@ void SqliteMeasurements::addToDay(std::int64_t point, const DaySummary& added)
     statement.bind(point, added.day, added.time, std::int64_t{added.count}, columnOf(added.offsetMinutes),
                    added.value, added.samples);
     statement.run();
+}
+
+void SqliteMeasurements::recountDay(std::int64_t point, std::int64_t day, Instant from, Instant before)
+{
+    m_connection.statement("DELETE FROM day_rollup WHERE point = ? AND day = ?").bind(point, day).run();
+    m_connection
+        .statement("INSERT INTO day_rollup (point, day, time, count, offset_minutes, value, samples) "
+                   "SELECT point, ?2, time, count, offset_minutes, value, "
+                   "(SELECT count(*) FROM samples WHERE point = ?1 AND time >= ?3 AND time < ?4) "
+                   "FROM samples WHERE point = ?1 AND time >= ?3 AND time < ?4 "
+                   "ORDER BY time DESC, count DESC LIMIT 1")
+        .bind(point, day, from, before)
+        .run();
 }
 
 void SqliteMeasurements::removeDelivered(const std::string& cell, const std::string& subCategory)

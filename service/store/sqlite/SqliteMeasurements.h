@@ -14,26 +14,37 @@ public:
                                          const std::string& name, const std::string& depth) const override;
     void visitPoints(const std::string& cell, const std::string& subCategory, const std::string& name,
                      const PointVisitor& visitor) const override;
-    std::int64_t insertPoint(const std::string& project, const std::string& id,
-                             const std::string& document) override;
-    void replacePoint(std::int64_t point, const std::string& document,
-                      const std::optional<Instant>& lastTime) override;
+    std::optional<StoredPoint> latestPoint(const std::string& cell,
+                                           const std::string& subCategory) const override;
+    void visitDeliveredTo(const std::string& cell, const std::string& subCategory, std::int64_t delivery,
+                          const DeliveredToVisitor& visitor) const override;
+    std::int64_t insertPoint(const std::string& project, const std::string& id, const std::string& document,
+                             std::int64_t delivery) override;
+    void replacePoint(std::int64_t point, const std::string& document, const std::optional<Instant>& lastTime,
+                      const std::optional<std::int64_t>& delivery) override;
+    void removePoint(std::int64_t point) override;
     bool replaceLinks(std::int64_t point, const std::string& links, Instant when,
                       const std::string& who) override;
     std::unique_ptr<PointSelection> select(const DocumentQuery& query) const override;
 
     std::optional<Sample> earliestSample(std::int64_t point) const override;
+    std::optional<Sample> latestSample(std::int64_t point) const override;
     std::optional<Sample> findSample(std::int64_t point, Instant time, std::int32_t count) const override;
     void visitSamples(std::int64_t point, Instant from, Instant before,
                       const SampleVisitor& visitor) const override;
-    bool insertSample(std::int64_t point, const Sample& sample) override;
+    void visitSamplesOf(std::int64_t point, std::int64_t delivery,
+                        const SampleVisitor& visitor) const override;
+    std::vector<std::int64_t> deliveriesOf(std::int64_t point) const override;
+    bool insertSample(std::int64_t point, const Sample& sample, std::int64_t delivery) override;
     void replaceSample(std::int64_t point, const Sample& sample) override;
+    void removeSample(std::int64_t point, Instant time, std::int32_t count) override;
 
     void visitDays(std::int64_t point, std::int64_t first, std::int64_t last,
                    const DayVisitor& visitor) const override;
     std::optional<DaySummary> latestDayBefore(std::int64_t point, std::int64_t day) const override;
     std::optional<DaySummary> earliestDayAfter(std::int64_t point, std::int64_t day) const override;
     void addToDay(std::int64_t point, const DaySummary& added) override;
+    void recountDay(std::int64_t point, std::int64_t day, Instant from, Instant before) override;
 
     void removeDelivered(const std::string& cell, const std::string& subCategory) override;
 

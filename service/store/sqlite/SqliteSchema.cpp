@@ -377,6 +377,24 @@ CREATE INDEX outbox_by_due ON outbox (channel, due) WHERE due IS NOT NULL;
 )sql";
 }
 
+// Which delivery of its data manage inserted each sample, and what deliveries did besides, so that they can
+// be taken back. Those made before are not counted: they have the number 0.
+std::string seventhVersion()
+{
+    return R"sql(
+ALTER TABLE samples ADD COLUMN delivery INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE point_locations ADD COLUMN first_delivery INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE point_locations ADD COLUMN last_delivery INTEGER NOT NULL DEFAULT 0;
+
+UPDATE histories SET document = json_set(document, '$.number', 0,
+    '$.sentCount', json_extract(document, '$.insertCount') + json_extract(document, '$.correctCount'));
+UPDATE data_manages SET document = json_set(document, '$.deliveries', 0, '$.sampleCount',
+    ifnull((SELECT json_extract(h.document, '$.lastCount') FROM histories AS h
+        WHERE h.data_manage = data_manages.id ORDER BY h.id DESC LIMIT 1), 0));
+UPDATE changes SET document = json_set(document, '$.delivery', '');
+)sql";
+}
+
 void toFirstVersion(SqliteConnection& connection)
 {
     connection.execute(firstVersion());
@@ -404,9 +422,14 @@ void toFifthVersion(SqliteConnection& connection)
     connection.execute(fifthVersion());
 }
 
+void toSeventhVersion(SqliteConnection& connection)
+{
+    connection.execute(seventhVersion());
+}
+
 // The step at index n leads from version n to version n + 1. Steps that were released are never changed.
-constexpr std::array migrations{toFirstVersion, toSecondVersion, toThirdVersion, toFourthVersion,
-                                toFifthVersion};
+constexpr std::array migrations{toFirstVersion,  toSecondVersion, toThirdVersion,
+                                toFourthVersion, toFifthVersion,  toSeventhVersion};
 
 void checkOwnership(SqliteConnection& connection)
 {

@@ -55,7 +55,7 @@ void makeEndless(Session& session, const std::string& project)
     for (const HeldPoint& point : pointsOf(session, project)) {
         if (!isOwn(point.document)) {
             session.measurements().replacePoint(point.key, withMember(point.document, "alias", quotedEndless),
-                                                point.samples.back().time);
+                                                point.samples.back().time, std::nullopt);
         }
         for (Sample sample : point.samples) {
             if (sample.timeFlag != own.word + "Flag") {
@@ -101,9 +101,9 @@ void copyOwn(const Session& from, Session& to)
         if (from.documents(DocumentKind::PointLocation).find(point.id).value().category != own.category) {
             continue;
         }
-        const std::int64_t key = to.measurements().insertPoint(own.project, point.id, point.document);
+        const std::int64_t key = to.measurements().insertPoint(own.project, point.id, point.document, 0);
         for (const Sample& sample : point.samples) {
-            to.measurements().insertSample(key, sample);
+            to.measurements().insertSample(key, sample, 0);
         }
         for (const DaySummary& day : point.days) {
             to.measurements().addToDay(key, day);

@@ -93,6 +93,7 @@ enum class Rule
     Change,   ///< 404 when it may not be read, 403 when it may not be edited, otherwise 200
     Remove,   ///< the same with delete
     Held,     ///< the same, but 409 as something hangs on it
+    TakeBack, ///< the same as Change with both edit and delete
     Make,     ///< 404 when the project is not known to the bearer, 403 without create, otherwise 201
     Attach,   ///< 400 when the monitoring is not known to the bearer, 403 without create, otherwise 201
     Deliver,  ///< the same with 200
@@ -148,8 +149,10 @@ inline std::vector<Resource> resources()
         {"pointLocations", "", no, Rule::Deliver, no, no, "[[" + sample + "]]"},
         {"pointLocations?where=%7B%22cellId%22%3A%22{cells}%22%7D", "", no, no, Rule::Relate, no,
          R"({"links":[{"type":"model","rId":"new"}]})"},
-        {"pointLocations/{pointLocations}", "", Rule::Item, no, no, no, R"({"alias":"Renamed"})",
+        {"pointLocations/{pointLocations}", "", Rule::Item, no, no, Rule::Remove, R"({"alias":"Renamed"})",
          Rule::Change},
+        {"pointLocations/{pointLocations}/samples?where=%7B%22count%22%3A1%7D", "", no, no, no, Rule::Remove},
+
         {"projects/{project}/pointLocations", "pointLocations", Rule::List},
         {"projects/{project}/normal_statistics", "pointLocations", Rule::Days},
         {"projects/{project}/depth_statistics?type=depth", "depths", Rule::Days},
@@ -162,6 +165,7 @@ inline std::vector<Resource> resources()
         {"dataManages/{dataManages}", "", no, no, no, Rule::Held},
         {"dataManages/{dataManages}?cascade=true", "", no, no, no, Rule::Remove},
         {"dataManages/{dataManages}/historyDatas", "historyDatas", Rule::Under},
+        {"historyDatas/{historyDatas}", "", no, no, no, Rule::TakeBack},
         {"projects/{project}/alarmManages", "alarmManages", Rule::List},
         {"projects/{project}/changes", "changes", Rule::List},
         {"alarmManages/{alarmManages}/alarmDetails", "alarmDetails", Rule::Under},
@@ -221,6 +225,8 @@ inline unsigned statusFor(Rule rule, const Role& role, const Place& place, bool 
         return changed('d', 200);
     case Rule::Held:
         return changed('d', 409);
+    case Rule::TakeBack:
+        return changed(role.may('e', place) ? 'd' : 'e', 200);
     case Rule::Make:
         return added(role.mayInProjectOf('r', place) || role.mayInProjectOf('c', place), 404, 201);
     case Rule::Attach:

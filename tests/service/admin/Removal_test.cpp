@@ -137,7 +137,8 @@ TEST_F(Removal, SubCategoryIsRemovedWhenNothingUsesIt)
     write([&](Session& session) {
         session.measurements().insertPoint(project, "p1",
                                            R"({"_id":"p1","projectId":")" + project + "\"," + members +
-                                               R"("name":"S1","depth":"","lastDate":"","links":[]})");
+                                               R"("name":"S1","depth":"","lastDate":"","links":[]})",
+                                           0);
     });
     expectFailure({"subcategory", "remove", subCategory},
                   "sub-category \"Ground\" is still in use and stays: point locations: 1, groups: 1, data "

@@ -73,11 +73,12 @@ TEST_F(ChangesResource, TellWhatBecameOfAGroup)
     const std::string id = newGroup("Corner");
     const std::string path = "groupSettings/" + id;
     const std::string created = get(path).body;
-    EXPECT_EQ(newest(), R"({"_id":")" + member(newest(), "_id") +
-                            R"(","projectId":"p1","category":"Settlement","cellId":")" + tower +
-                            R"(","subCategoryId":"ground","action":"group.created","subject":")" + id +
-                            R"(","name":"Corner","before":null,"after":)" + created +
-                            R"(,"createdAt":"2015-12-21T06:30:00.123Z","createdBy":"Ada Editor"})");
+    EXPECT_EQ(newest(),
+              R"({"_id":")" + member(newest(), "_id") +
+                  R"(","projectId":"p1","category":"Settlement","cellId":")" + tower +
+                  R"(","subCategoryId":"ground","action":"group.created","subject":")" + id +
+                  R"(","name":"Corner","before":null,"after":)" + created +
+                  R"(,"delivery":"","createdAt":"2015-12-21T06:30:00.123Z","createdBy":"Ada Editor"})");
     now += 1000;
     EXPECT_EQ(call(editor, "PUT", path, R"({"groupName":"Edge","groupPoint":["S9"]})").status, 200U);
     const std::string changed = get(path).body;

@@ -42,7 +42,7 @@ protected:
                                 const std::string& subCategory)
     {
         DataManage dataManage{
-            id, projectOf(session, cell), cell, subCategory, "2015-12-21T05:00:00.000Z", 3, {}, {}};
+            id, projectOf(session, cell), cell, subCategory, "2015-12-21T05:00:00.000Z", 3, 3, 1, {}, {}};
         dataManage.stamp = Stamp::of({"Ada", "2015-12-20T00:00:00.000Z"});
         dataManage.stamp.change({"Ada", isoText(session.now())});
         return toDocument(dataManage);
@@ -57,7 +57,7 @@ protected:
                 .insert(
                     session.documents(DocumentKind::DataManage).find(dataManage)->project, id,
                     toDocument(History{
-                        id, dataManage, lastDate, 2, 2, 0, {}, Stamp::of({"Ada", isoText(session.now())})}));
+                        id, dataManage, 1, lastDate, 2, 2, 2, 0, {}, Stamp::of({"Ada", isoText(session.now())})}));
         });
         return id;
     }

@@ -106,10 +106,10 @@ protected:
             location.lastCount = latest->count;
         }
         const std::int64_t key =
-            session.measurements().insertPoint(project, location.id, toDocument(location));
+            session.measurements().insertPoint(project, location.id, toDocument(location), 0);
         LocalDays days(session.projects().find(project)->timeZone);
         for (const Sample& sample : samples) {
-            session.measurements().insertSample(key, sample);
+            session.measurements().insertSample(key, sample, 0);
             session.measurements().addToDay(key, {days.dayOf(sample.time), sample.time, sample.count,
                                                   sample.offsetMinutes, sample.value, 1});
         }

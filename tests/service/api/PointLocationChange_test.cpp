@@ -57,7 +57,12 @@ TEST_F(PointLocationChange, MembersThatAreSentAreChanged)
     EXPECT_EQ(answer.body.find("\"data\""), std::string::npos);
     EXPECT_EQ(stored("alias"), "north");
     EXPECT_EQ(stored("updatedAt"), member(answer.body, "updatedAt"));
-    EXPECT_THAT(all(DocumentKind::Change), IsEmpty());
+    ASSERT_THAT(all(DocumentKind::Change), SizeIs(1));
+    const std::string change = all(DocumentKind::Change)[0];
+    EXPECT_EQ(member(change, "action"), "pointLocation.changed");
+    EXPECT_EQ(member(change, "before"), R"({"alias":"","dataType":0,"offsetDirection":""})");
+    EXPECT_EQ(member(change, "after"), R"({"alias":"north","dataType":3,"offsetDirection":"down"})");
+    EXPECT_EQ(member(change, "delivery"), "");
     patch(R"({"alias":""})");
     EXPECT_EQ(stored("alias"), "");
     EXPECT_EQ(stored("insertCount"), "2");

@@ -94,7 +94,8 @@ TEST_F(ProjectsResource, AboutTellsWhoAsksAndWhatTheyMay)
     EXPECT_THAT(test::member(answer.body, "version"), ::testing::MatchesRegex("[0-9]+\\.[0-9]+\\.[0-9]+"));
     EXPECT_EQ(
         test::member(answer.body, "extensions"),
-        R"(["about","alarmReasons","changes","deliveryResults","groupSides","pointChanges","pointSummaries",)"
+        R"(["about","alarmReasons","changes","deliveryResults","deliveryUndo","groupSides","pointChanges",)"
+        R"("pointDeletion","pointSummaries",)"
         R"("projects","subCategoryKinds"])");
     EXPECT_EQ(test::member(answer.body, "owner"), "Bea");
     EXPECT_EQ(test::member(answer.body, "rights"),

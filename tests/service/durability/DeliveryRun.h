@@ -54,11 +54,13 @@ public:
         return m_client.readAnswer();
     }
 
-    /// The status of the answer to a delivery, nothing when the connection ends before.
-    std::optional<unsigned> deliver(const std::string& body)
+    /// Nothing when the connection ends before the answer.
+    std::optional<ServiceAnswer> send(const std::string& method, const std::string& path,
+                                      const std::string& body)
     {
         try {
-            return call("POST", "pointLocations", body).status;
+            const RawAnswer answer = call(method, path, body);
+            return ServiceAnswer{answer.status, answer.body};
         } catch (const std::exception&) {
             return std::nullopt;
         }
@@ -95,7 +97,7 @@ public:
     DeliveryRun(const DeliveryRun&) = delete;
     DeliveryRun& operator=(const DeliveryRun&) = delete;
 
-    /// Waits until so many deliveries have been answered 2xx, or none will be any more.
+    /// Waits until so many requests have been answered 2xx, or none will be any more.
     void waitForAnswers(int number) const
     {
         while (m_answered < number && m_clients > 0) {
@@ -108,10 +110,11 @@ private:
     {
         try {
             ClientConnection connection(port, token);
-            const auto send = [&](const std::string& body) {
-                const std::optional<unsigned> status = connection.deliver(body);
-                m_answered += status == 200U ? 1 : 0;
-                return status;
+            const auto send = [&](const std::string& method, const std::string& path,
+                                  const std::string& body) {
+                std::optional<ServiceAnswer> answer = connection.send(method, path, body);
+                m_answered += answer && answer->status == 200U ? 1 : 0;
+                return answer;
             };
             client.run(send, m_isStopped);
         } catch (const std::exception&) {

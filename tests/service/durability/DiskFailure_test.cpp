@@ -21,7 +21,7 @@ protected:
         std::string text;
         for (const char* const list :
              {"pointLocations", "normal_statistics", "dataManages", "alarmManages"}) {
-            const HttpResponse answer = run.call(*site, "GET", {"projects", site->project, list});
+            const HttpResponse answer = run.call(*site, "GET", "projects/" + site->project + "/" + list);
             EXPECT_EQ(answer.status, 200U) << answer.body;
             text += answer.body;
         }
@@ -48,7 +48,7 @@ protected:
         }
         holdsWhatItMust(file);
         EXPECT_GT(tally().refused, 0U);
-        print(message + ", " + std::to_string(tally().refused) + " deliveries refused", tally());
+        print(message + ", " + std::to_string(tally().refused) + " requests refused", tally());
     }
 
     void deliverOnce(const StoreRun& run, FaultyDisk& disk, const std::function<void()>& fail,
@@ -58,10 +58,11 @@ protected:
         const std::string before = everything(run);
         HttpResponse answer;
         fail();
-        const auto status = client.sendOne([&](const std::string& body) {
-            answer = run.call(*site, "POST", {"pointLocations"}, body);
-            return std::optional(answer.status);
-        });
+        const auto status =
+            client.sendOne([&](const std::string& method, const std::string& path, const std::string& body) {
+                answer = run.call(*site, method, path, body);
+                return std::optional(ServiceAnswer{answer.status, answer.body});
+            });
         if (status != 200U) {
             EXPECT_EQ(status, 503U);
             EXPECT_THAT(answer.body, HasSubstr(message));
@@ -71,7 +72,7 @@ protected:
         disk.repair();
         if (status != 200U) {
             EXPECT_EQ(everything(run), before);
-            client.resolve(heldFiles(run.store(), *site));
+            resolve(client, run.store());
         }
         EXPECT_EQ(client.sendOne(run.sender(*site)), 200U) << "though the disk works again";
     }

@@ -38,20 +38,28 @@ protected:
         }
     }
 
-    /// Finds out what has become of deliveries not answered 2xx, and compares the file with what it must
+    /// Finds out what has become of requests not answered 2xx, and compares the file with what it must
     /// hold: one line for each problem.
     std::vector<std::string> problemsOf(const std::filesystem::path& data)
     {
-        const std::set<std::string> held = heldFiles(*openStore(data.string()), *site);
         std::vector<const SiteModel*> models;
-        for (const auto& client : clients) {
-            client->resolve(held);
-            models.push_back(&client->model());
+        {
+            const std::unique_ptr<Store> store = openStore(data.string());
+            for (const auto& client : clients) {
+                resolve(*client, *store);
+                models.push_back(&client->model());
+            }
         }
         std::vector<std::string> problems = flawsOf(data, *site);
         const std::vector<std::string> different = differences(data, *site, models);
         problems.insert(problems.end(), different.begin(), different.end());
         return problems;
+    }
+
+    void resolve(DeliveringClient& client, Store& store) const
+    {
+        client.resolve(heldFiles(store, *site),
+                       [&](const SiteModel& model) { return holdsAllOf(store, *site, model); });
     }
 
     /// Expects that there are no problems; false when there are.
@@ -74,8 +82,9 @@ protected:
 
     static void print(const std::string& what, const DeliveryTally& tally)
     {
-        std::cout << what << ": " << tally.answered << " deliveries answered 2xx, " << tally.missing
-                  << " of them missing; without a 2xx " << tally.unansweredWhole << " whole and "
+        std::cout << what << ": " << tally.answered << " requests answered 2xx, " << tally.withdrawn
+                  << " of which took something away, " << tally.missing
+                  << " deliveries missing; without a 2xx " << tally.unansweredWhole << " whole and "
                   << tally.unansweredAbsent << " absent; "
                   << (HasFailure() ? "the file is NOT as it must be" : "none in part") << std::endl;
     }

@@ -108,7 +108,11 @@ TEST_F(DataServiceProcess, LivesOnWhenNoFileMayGrowAndWritesAgainWhenItMay)
     const rlimit unlimited{RLIM_INFINITY, RLIM_INFINITY};
     EXPECT_EQ(prlimit(service.process().id(), RLIMIT_FSIZE, &unlimited, nullptr), 0);
     for (const auto& client : clients) {
-        EXPECT_EQ(client->sendOne([&](const std::string& body) { return connection.deliver(body); }), 200U);
+        EXPECT_EQ(
+            client->sendOne([&](const std::string& method, const std::string& path, const std::string& body) {
+                return connection.send(method, path, body);
+            }),
+            200U);
     }
     EXPECT_TRUE(holdsWhatItMust(file));
     service.process().signal(SIGTERM);

@@ -82,13 +82,16 @@ std::string sampleText(const SampleKey& key, const SampleValue& value)
            (value.offsetMinutes ? std::to_string(*value.offsetMinutes) : "Z") + ' ' + numberText(value.value);
 }
 
-void addPoint(std::vector<std::string>& lines, const PointKey& key, const SiteModel::Point& point)
+void addPoint(std::vector<std::string>& lines, const PointKey& pointKey, const SiteModel::Point& point)
 {
-    const std::string name = pointText(key);
-    const auto& [lastKey, lastValue] = *point.samples.rbegin();
+    const std::string name = pointText(pointKey);
+    std::string last = "0 ";
+    if (!point.samples.empty()) {
+        const auto& [key, value] = *point.samples.rbegin();
+        last = std::to_string(key.count) + ' ' + timeText(key.time, value.offsetMinutes);
+    }
     lines.push_back("point " + name + " initial " + numberText(point.initialValue) + " inserted " +
-                    std::to_string(point.samples.size()) + " last " + std::to_string(lastKey.count) + ' ' +
-                    timeText(lastKey.time, lastValue.offsetMinutes));
+                    std::to_string(point.samples.size()) + " last " + last);
     for (const auto& [sample, value] : point.samples) {
         lines.push_back("sample " + name + ' ' + sampleText(sample, value) + ' ' + value.timeFlag);
     }
@@ -298,18 +301,17 @@ private:
         const simdjson::dom::element object = m_parser.parse(dataManage);
         const std::string id = textIn(object, "_id");
         const std::string file = textIn(object, "fileId");
-        // Each entry of the history has the rows held after its delivery: the sum of what was inserted so
-        // far.
-        std::int64_t rows = 0;
+        const std::int64_t held = integerIn(object, "sampleCount");
+        const std::int64_t deliveries = integerIn(object, "deliveries");
+        // Whatever was taken back, deliveries are numbered without gaps.
         std::string latestFile;
-        std::int64_t latestRows = 0;
-        const auto histories = documentsOfParent(m_session, m_site, DocumentKind::History, id);
-        for (const std::string& history : histories) {
+        std::int64_t number = 0;
+        for (const std::string& history : documentsOfParent(m_session, m_site, DocumentKind::History, id)) {
             const simdjson::dom::element entry = m_parser.parse(history);
-            rows += integerIn(entry, "insertCount");
-            latestRows = integerIn(entry, "lastCount");
             latestFile = textIn(entry, "fileId");
-            check(rows == latestRows, "rows held after delivery " + latestFile);
+            check(integerIn(entry, "number") == ++number, "number of delivery " + latestFile);
+            check(integerIn(entry, "lastCount") >= integerIn(entry, "insertCount"),
+                  "rows held after delivery " + latestFile);
         }
         std::int64_t samples = 0;
         for (const HeldPoint& point : m_points) {
@@ -317,7 +319,8 @@ private:
                            ? static_cast<std::int64_t>(point.samples.size())
                            : 0;
         }
-        check(latestRows == samples, "samples held in " + id);
+        check(held == samples, "samples held in " + id);
+        check(deliveries == number && number > 0, "deliveries of " + id);
         check(latestFile == file, "file of data manage " + id);
     }
 
@@ -415,6 +418,15 @@ std::vector<std::string> flawsOf(const std::filesystem::path& file, const Site& 
         flaws.insert(flaws.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
     }
     return flaws;
+}
+
+bool holdsAllOf(Store& store, const Site& site, const SiteModel& model)
+{
+    std::vector<std::string> held = HeldLines(*store.read(), site).read();
+    std::vector<std::string> expected = expectedLines({&model});
+    std::sort(held.begin(), held.end());
+    std::sort(expected.begin(), expected.end());
+    return std::includes(held.begin(), held.end(), expected.begin(), expected.end());
 }
 
 std::vector<std::string> differences(const std::filesystem::path& file, const Site& site,

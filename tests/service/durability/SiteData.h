@@ -24,6 +24,9 @@ std::set<std::string> heldFiles(Store& store, const Site& site);
 /// contradict the samples. Empty when nothing is.
 std::vector<std::string> flawsOf(const std::filesystem::path& file, const Site& site);
 
+/// Whether a store holds all that a model says; it may hold more.
+bool holdsAllOf(Store& store, const Site& site, const SiteModel& model);
+
 /// What a data file holds otherwise than the models of all clients together say, one line for each sample,
 /// day, point, delivery and excess. Empty when it holds just that.
 std::vector<std::string> differences(const std::filesystem::path& file, const Site& site,

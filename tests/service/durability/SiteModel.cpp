@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 #include <ctime>
+#include <limits>
 #include <tuple>
 
 namespace monitorservice::test {
@@ -157,6 +158,38 @@ void SiteModel::apply(const SentDelivery& delivery)
             m_histories.push_back(history);
         }
     }
+}
+
+void SiteModel::takeBack(std::size_t target, const std::string& fileId, const SiteModel& before)
+{
+    for (auto point = m_points.begin(); point != m_points.end();) {
+        const auto was = before.m_points.find(point->first);
+        if (point->first.target == target && was == before.m_points.end()) {
+            point = m_points.erase(point);
+            continue;
+        }
+        if (point->first.target == target) {
+            point->second = was->second;
+        }
+        ++point;
+    }
+    m_histories.erase(std::remove_if(m_histories.begin(), m_histories.end(),
+                                     [&](const History& history) {
+                                         return history.target == target && history.fileId == fileId;
+                                     }),
+                      m_histories.end());
+}
+
+void SiteModel::removePoint(const PointKey& key)
+{
+    m_points.erase(key);
+}
+
+void SiteModel::removeSamples(const PointKey& key, std::int64_t from, std::int64_t before)
+{
+    Samples& samples = m_points.at(key).samples;
+    constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
+    samples.erase(samples.lower_bound({from, least}), samples.lower_bound({before, least}));
 }
 
 // Gives whether anything is different from before.

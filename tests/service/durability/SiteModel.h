@@ -117,6 +117,11 @@ public:
     explicit SiteModel(const Site& site) : m_site(&site) {}
 
     void apply(const SentDelivery& delivery);
+    /// Takes the delivery of this file back in one target; `before` is the model as it was before it.
+    void takeBack(std::size_t target, const std::string& fileId, const SiteModel& before);
+    void removePoint(const PointKey& key);
+    /// Removes those from the first instant to before the second.
+    void removeSamples(const PointKey& key, std::int64_t from, std::int64_t before);
 
     const std::map<PointKey, Point>& points() const { return m_points; }
     const std::vector<History>& histories() const { return m_histories; }
@@ -133,7 +138,7 @@ private:
                std::vector<std::string>& texts) const;
 
     const Site* m_site;
-    std::map<PointKey, Point> m_points;
+    std::map<PointKey, Point> m_points; ///< those that exist, without samples too
     std::vector<History> m_histories;
 };
 

@@ -2,6 +2,7 @@
 
 #include "DeliveringClient.h"
 #include "api/Api.h"
+#include "http/RequestTarget.h"
 #include "store/OpenStore.h"
 
 #include <atomic>
@@ -26,23 +27,26 @@ public:
 
     Store& store() const { return *m_store; }
 
-    HttpResponse call(const Site& site, const std::string& method, std::vector<std::string> path,
+    /// The path is one below the service's, and may have a query.
+    HttpResponse call(const Site& site, const std::string& method, const std::string& path,
                       const std::string& body = {}) const
     {
+        RequestTarget target = parseRequestTarget("/monitor-service/" + path);
         HttpRequest request;
         request.method = method;
-        request.path = std::move(path);
-        request.path.insert(request.path.begin(), "monitor-service");
+        request.path = std::move(target.path);
+        request.parameters = std::move(target.parameters);
         request.authorization = "Bearer " + site.token;
         request.body = body;
         return m_api.answer(request);
     }
 
-    /// What sends deliveries of a site here.
+    /// What sends requests of a site here.
     DeliveringClient::Send sender(const Site& site) const
     {
-        return [this, &site](const std::string& body) {
-            return std::optional(call(site, "POST", {"pointLocations"}, body).status);
+        return [this, &site](const std::string& method, const std::string& path, const std::string& body) {
+            HttpResponse response = call(site, method, path, body);
+            return std::optional(ServiceAnswer{response.status, std::move(response.body)});
         };
     }
 

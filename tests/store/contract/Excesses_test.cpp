@@ -39,7 +39,8 @@ protected:
         return session->measurements().insertPoint(
             "p", id,
             R"({"_id":")" + id + R"(","projectId":"p","cellId":"c","subCategoryId":"s","name":")" + id +
-                R"(","depth":"","lastDate":""})");
+                R"(","depth":"","lastDate":""})",
+            0);
     }
 
     Excesses& excesses() { return session->excesses(); }

@@ -119,7 +119,7 @@ std::string KindsModel::add(DocumentKind kind, const std::string& project, const
     document.text = json + "}";
     document.searched = json + members.besides + "}";
     if (kind == DocumentKind::PointLocation) {
-        m_session.measurements().insertPoint(project, id, document.text);
+        m_session.measurements().insertPoint(project, id, document.text, 0);
     } else {
         m_session.documents(kind).insert(project, id, document.text);
     }

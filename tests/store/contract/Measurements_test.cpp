@@ -34,7 +34,7 @@ protected:
         session->documents(DocumentKind::SubCategory)
             .insert("p", "s",
                     R"({"_id":"s","projectId":"p","name":"Level","category":"Settlement","alias":"L"})");
-        point = measurements().insertPoint("p", "w1", pointDocument("w1", "W1", ""));
+        point = measurements().insertPoint("p", "w1", pointDocument("w1", "W1", ""), 0);
     }
 
     Measurements& measurements() { return session->measurements(); }
@@ -72,8 +72,8 @@ protected:
 
 TEST_P(PointMeasurements, SampleComesBackAsItWasWritten)
 {
-    ASSERT_TRUE(measurements().insertSample(point, {-5, -7, -480, 0.1, "A"}));
-    ASSERT_TRUE(measurements().insertSample(point, {-5, -6, std::nullopt, 1e300, ""}));
+    ASSERT_TRUE(measurements().insertSample(point, {-5, -7, -480, 0.1, "A"}, 0));
+    ASSERT_TRUE(measurements().insertSample(point, {-5, -6, std::nullopt, 1e300, ""}, 0));
     const auto first = measurements().findSample(point, -5, -7);
     ASSERT_TRUE(first);
     EXPECT_EQ(first->offsetMinutes, -480);
@@ -88,8 +88,8 @@ TEST_P(PointMeasurements, SampleComesBackAsItWasWritten)
 
 TEST_P(PointMeasurements, SampleOfTheSameTimeAndCountIsNotInsertedAgain)
 {
-    ASSERT_TRUE(measurements().insertSample(point, {10, 1, 0, 1.0, "A"}));
-    EXPECT_FALSE(measurements().insertSample(point, {10, 1, 0, 2.0, "B"}));
+    ASSERT_TRUE(measurements().insertSample(point, {10, 1, 0, 1.0, "A"}, 0));
+    EXPECT_FALSE(measurements().insertSample(point, {10, 1, 0, 2.0, "B"}, 0));
     EXPECT_EQ(measurements().findSample(point, 10, 1)->value, 1.0);
     measurements().replaceSample(point, {10, 1, 60, 2.0, "B"});
     EXPECT_EQ(measurements().findSample(point, 10, 1)->value, 2.0);
@@ -98,10 +98,10 @@ TEST_P(PointMeasurements, SampleOfTheSameTimeAndCountIsNotInsertedAgain)
 
 TEST_P(PointMeasurements, SamplesComeInTheOrderOfTimeAndCount)
 {
-    measurements().insertSample(point, {20, 1, 0, 4.0, ""});
-    measurements().insertSample(point, {10, 9, 0, 3.0, ""});
-    measurements().insertSample(point, {10, -2, 0, 2.0, ""});
-    measurements().insertSample(point, {9, 1, 0, 1.0, ""});
+    measurements().insertSample(point, {20, 1, 0, 4.0, ""}, 0);
+    measurements().insertSample(point, {10, 9, 0, 3.0, ""}, 0);
+    measurements().insertSample(point, {10, -2, 0, 2.0, ""}, 0);
+    measurements().insertSample(point, {9, 1, 0, 1.0, ""}, 0);
     EXPECT_THAT(values(0, 100), ElementsAre(1.0, 2.0, 3.0, 4.0));
     EXPECT_THAT(values(10, 20), ElementsAre(2.0, 3.0));
 }
@@ -153,7 +153,7 @@ TEST_P(PointMeasurements, EarliestSampleIsTheFirstByTimeAndCount)
 {
     EXPECT_FALSE(measurements().earliestSample(point));
     for (const auto& [time, count] : {std::pair(20, 1), std::pair(10, 7), std::pair(10, -3)}) {
-        measurements().insertSample(point, {time, count, std::nullopt, 0.5 * count, "A"});
+        measurements().insertSample(point, {time, count, std::nullopt, 0.5 * count, "A"}, 0);
     }
     const std::optional<Sample> earliest = measurements().earliestSample(point);
     ASSERT_TRUE(earliest);
@@ -166,7 +166,7 @@ TEST_P(PointMeasurements, EarliestSampleIsTheFirstByTimeAndCount)
 TEST_P(PointMeasurements, DepthIsFoundHoweverItsNumberIsSpelt)
 {
     const auto insert = [this](const std::string& id, const std::string& depth) {
-        measurements().insertPoint("p", id, pointDocument(id, "I1", depth));
+        measurements().insertPoint("p", id, pointDocument(id, "I1", depth), 0);
     };
     insert("a", "2.50");
     insert("b", "2.500001");
@@ -194,7 +194,8 @@ TEST_P(PointMeasurements, DepthIsFoundHoweverItsNumberIsSpelt)
 
 TEST_P(PointMeasurements, PointIsFoundByMonitoringSubCategoryNameAndDepth)
 {
-    const std::int64_t deep = measurements().insertPoint("p", "w1deep", pointDocument("w1deep", "W1", "20"));
+    const std::int64_t deep =
+        measurements().insertPoint("p", "w1deep", pointDocument("w1deep", "W1", "20"), 0);
     ASSERT_TRUE(measurements().findPoint("c", "s", "W1", "20"));
     EXPECT_EQ(measurements().findPoint("c", "s", "W1", "20")->key, deep);
     EXPECT_EQ(measurements().findPoint("c", "s", "W1", "")->key, point);
@@ -202,15 +203,15 @@ TEST_P(PointMeasurements, PointIsFoundByMonitoringSubCategoryNameAndDepth)
     std::vector<std::string> ids;
     measurements().visitPoints("c", "s", "W1", [&](const StoredPoint& one) { ids.push_back(one.id); });
     EXPECT_THAT(ids, ElementsAre("w1", "w1deep"));
-    EXPECT_THROW(measurements().insertPoint("p", "again", pointDocument("again", "W1", "20")), StoreError);
+    EXPECT_THROW(measurements().insertPoint("p", "again", pointDocument("again", "W1", "20"), 0), StoreError);
 }
 
 TEST_P(PointMeasurements, PointsOrderByTheirLatestTimeWhateverItsOffset)
 {
     measurements().replacePoint(point, pointDocument("w1", "W1", "", "2015-12-20T20:00:00.500-08:00"),
-                                Instant{1450670400500});
-    measurements().insertPoint("p", "w2", pointDocument("w2", "W2", "", "2015-12-21T04:00:00.499Z"));
-    measurements().insertPoint("p", "w3", pointDocument("w3", "W3", ""));
+                                Instant{1450670400500}, std::nullopt);
+    measurements().insertPoint("p", "w2", pointDocument("w2", "W2", "", "2015-12-21T04:00:00.499Z"), 0);
+    measurements().insertPoint("p", "w3", pointDocument("w3", "W3", ""), 0);
     DocumentQuery query;
     query.project = "p";
     query.order = parseOrder("-data.time");
@@ -237,7 +238,7 @@ TEST_P(PointMeasurements, CategoryOfAPointIsThatOfItsMonitoring)
 TEST_P(PointMeasurements, PointOfAKnownNameAndDepthIsAConflict)
 {
     EXPECT_EQ(
-        failureOf([this] { measurements().insertPoint("p", "again", pointDocument("again", "W1", "")); }),
+        failureOf([this] { measurements().insertPoint("p", "again", pointDocument("again", "W1", ""), 0); }),
         "conflict");
 }
 
@@ -245,7 +246,7 @@ TEST_P(PointMeasurements, PointOfAnUnknownMonitoringIsAConflict)
 {
     std::string document = pointDocument("w2", "W2", "");
     document.replace(document.find("\"cellId\":\"c\""), 12, "\"cellId\":\"x\"");
-    EXPECT_EQ(failureOf([&] { measurements().insertPoint("p", "w2", document); }), "conflict");
+    EXPECT_EQ(failureOf([&] { measurements().insertPoint("p", "w2", document, 0); }), "conflict");
 }
 
 TEST_P(PointMeasurements, MonitoringWithPointsIsNotRemoved)
@@ -258,7 +259,7 @@ TEST_P(PointMeasurements, LinksAreReplacedOnceAndNeverBeforeTheLastChange)
     const std::string held = R"({"_id":"w2","projectId":"p","cellId":"c","subCategoryId":"s","name":"W2",)"
                              R"("depth":"","lastDate":"","links":[],"updatedAt":"2015-12-21T00:00:00.000Z",)"
                              R"("updatedBy":"a"})";
-    const std::int64_t key = measurements().insertPoint("p", "w2", held);
+    const std::int64_t key = measurements().insertPoint("p", "w2", held, 0);
     const std::string links = R"([{"type":"model","rId":"m2"}])";
     EXPECT_TRUE(measurements().replaceLinks(key, links, 1500000000000, "Ada"));
     EXPECT_FALSE(measurements().replaceLinks(key, links, 1600000000000, "Bob"));
@@ -267,6 +268,111 @@ TEST_P(PointMeasurements, LinksAreReplacedOnceAndNeverBeforeTheLastChange)
                       HasSubstr(R"("links":[{"type":"model","rId":"m2"}])")));
     EXPECT_TRUE(measurements().replaceLinks(key, "[]", 1400000000000, "Bob"));
     EXPECT_THAT(documentOf("w2"), HasSubstr(R"("updatedAt":"2017-07-14T02:40:00.000Z","updatedBy":"Bob")"));
+}
+
+TEST_P(PointMeasurements, LatestSampleIsTheLastByTimeAndCount)
+{
+    EXPECT_FALSE(measurements().latestSample(point));
+    for (const auto& [time, count] : {std::pair(10, 7), std::pair(20, -3), std::pair(20, -9)}) {
+        measurements().insertSample(point, {time, count, 60, 0.5 * count, "A"}, 0);
+    }
+    const std::optional<Sample> latest = measurements().latestSample(point);
+    ASSERT_TRUE(latest);
+    EXPECT_EQ(latest->time, 20);
+    EXPECT_EQ(latest->count, -3);
+    EXPECT_EQ(latest->offsetMinutes, 60);
+}
+
+TEST_P(PointMeasurements, SamplesAreFoundByTheDeliveryThatInsertedThem)
+{
+    const auto valuesOf = [this](std::int64_t delivery) {
+        std::vector<double> values;
+        measurements().visitSamplesOf(point, delivery,
+                                      [&values](const Sample& sample) { values.push_back(sample.value); });
+        return values;
+    };
+    measurements().insertSample(point, {20, 1, 0, 4.0, ""}, 3);
+    measurements().insertSample(point, {10, 1, 0, 3.0, ""}, 3);
+    measurements().insertSample(point, {15, 1, 0, 2.0, ""}, 70'000);
+    EXPECT_FALSE(measurements().insertSample(point, {10, 1, 0, 9.0, ""}, 4));
+    measurements().replaceSample(point, {20, 1, 0, 5.0, ""});
+    EXPECT_THAT(valuesOf(3), ElementsAre(3.0, 5.0));
+    EXPECT_THAT(valuesOf(70'000), ElementsAre(2.0));
+    EXPECT_THAT(valuesOf(4), ElementsAre());
+    // 0: no delivery has made the point.
+    EXPECT_THAT(measurements().deliveriesOf(point), ElementsAre(70'000, 3, 0));
+}
+
+TEST_P(PointMeasurements, PointsAreFoundByTheDeliveriesThatChangedThem)
+{
+    const std::int64_t second = measurements().insertPoint("p", "w2", pointDocument("w2", "W2", ""), 4);
+    const auto found = [this](std::int64_t delivery) {
+        std::vector<std::string> names;
+        measurements().visitDeliveredTo("c", "s", delivery, [&names](const DeliveredTo& one) {
+            names.push_back(one.point.id + (one.isMade ? " made" : ""));
+        });
+        return names;
+    };
+    EXPECT_THAT(found(4), ElementsAre("w2 made"));
+    EXPECT_THAT(found(5), ElementsAre());
+    measurements().replacePoint(point, pointDocument("w1", "W1", ""), std::nullopt, 5);
+    EXPECT_THAT(found(4), ElementsAre("w1", "w2 made"));
+    EXPECT_THAT(found(5), ElementsAre("w1"));
+    measurements().replacePoint(second, pointDocument("w2", "W2", ""), std::nullopt, std::nullopt);
+    EXPECT_THAT(found(4), ElementsAre("w1", "w2 made"));
+    measurements().replacePoint(point, pointDocument("w1", "W1", ""), std::nullopt, 3);
+    EXPECT_THAT(found(4), ElementsAre("w2 made"));
+    EXPECT_THAT(measurements().deliveriesOf(second), ElementsAre(4));
+}
+
+TEST_P(PointMeasurements, LatestPointIsThatWithTheLatestSample)
+{
+    EXPECT_FALSE(measurements().latestPoint("c", "s"));
+    measurements().insertPoint("p", "w2", pointDocument("w2", "W2", "", "2015-12-21T04:00:00.500Z"), 0);
+    measurements().insertPoint("p", "w3", pointDocument("w3", "W3", "", "2015-12-20T20:00:00.501-08:00"), 0);
+    EXPECT_EQ(measurements().latestPoint("c", "s").value().id, "w3");
+    EXPECT_FALSE(measurements().latestPoint("c", "t"));
+}
+
+TEST_P(PointMeasurements, SampleIsRemovedAlone)
+{
+    measurements().insertSample(point, {10, 1, 0, 1.0, ""}, 1);
+    measurements().insertSample(point, {10, 2, 0, 2.0, ""}, 1);
+    measurements().removeSample(point, 10, 1);
+    measurements().removeSample(point, 10, 1);
+    EXPECT_THAT(values(0, 100), ElementsAre(2.0));
+    EXPECT_TRUE(measurements().insertSample(point, {10, 1, 0, 3.0, ""}, 2));
+}
+
+TEST_P(PointMeasurements, DayIsRecountedFromItsSamples)
+{
+    measurements().addToDay(point, {7, 100, 1, 60, 1.0, 3});
+    measurements().insertSample(point, {99, 9, 0, 9.0, ""}, 0);
+    measurements().insertSample(point, {50, 1, std::nullopt, 5.0, ""}, 0);
+    measurements().insertSample(point, {50, 2, 90, 6.0, ""}, 0);
+    measurements().recountDay(point, 7, 50, 99);
+    EXPECT_EQ(day(7).time, 50);
+    EXPECT_EQ(day(7).count, 2);
+    EXPECT_EQ(day(7).offsetMinutes, 90);
+    EXPECT_EQ(day(7).value, 6.0);
+    EXPECT_EQ(day(7).samples, 2);
+    measurements().recountDay(point, 7, 51, 99);
+    EXPECT_FALSE(measurements().latestDayBefore(point, 100)) << "a day without samples stays";
+}
+
+TEST_P(PointMeasurements, PointIsRemovedWithItsSamplesAndDays)
+{
+    const std::int64_t other = measurements().insertPoint("p", "w2", pointDocument("w2", "W2", ""), 0);
+    for (const std::int64_t key : {point, other}) {
+        measurements().insertSample(key, {10, 1, 0, 1.0, ""}, 0);
+        measurements().addToDay(key, {0, 10, 1, 0, 1.0, 1});
+    }
+    measurements().removePoint(other);
+    EXPECT_FALSE(measurements().findPoint("c", "s", "W2", ""));
+    EXPECT_FALSE(measurements().findSample(other, 10, 1));
+    EXPECT_FALSE(measurements().latestDayBefore(other, 100));
+    EXPECT_TRUE(measurements().findSample(point, 10, 1));
+    EXPECT_TRUE(measurements().latestDayBefore(point, 100));
 }
 
 // What is kept of each day, recomputed from the samples alone.
@@ -282,7 +388,7 @@ TEST_P(PointMeasurements, DaysAreWhatTheSamplesGive)
             const Instant time = below(24 * 12) * hour;
             const Sample sample{time, below(3), below(2) == 0 ? std::nullopt : std::optional(-480),
                                 static_cast<double>(below(1000)), ""};
-            const bool isNew = measurements().insertSample(point, sample);
+            const bool isNew = measurements().insertSample(point, sample, 0);
             if (!isNew) {
                 measurements().replaceSample(point, sample);
             }
@@ -336,9 +442,9 @@ TEST_P(PointMeasurements, WhatWasDeliveredIsRemovedTogether)
     }
     std::string other = pointDocument("w2", "W1", "");
     other.replace(other.find("\"subCategoryId\":\"s\""), 19, "\"subCategoryId\":\"s2\"");
-    const std::int64_t stays = measurements().insertPoint("p", "w2", other);
+    const std::int64_t stays = measurements().insertPoint("p", "w2", other, 0);
     for (const std::int64_t key : {point, stays}) {
-        measurements().insertSample(key, {10, 1, 0, 1.0, ""});
+        measurements().insertSample(key, {10, 1, 0, 1.0, ""}, 0);
         measurements().addToDay(key, {0, 10, 1, 0, 1.0, 1});
     }
     measurements().removeDelivered("c", "s");

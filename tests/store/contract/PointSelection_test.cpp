@@ -86,9 +86,9 @@ protected:
             last = std::max(last.value_or(sample.time), sample.time);
         }
         const std::int64_t key = session.measurements().insertPoint(
-            "p", name + depth, pointDocument(name, depth, last ? isoText(*last) : "", links));
+            "p", name + depth, pointDocument(name, depth, last ? isoText(*last) : "", links), 0);
         for (const Sample& sample : samples) {
-            session.measurements().insertSample(key, sample);
+            session.measurements().insertSample(key, sample, 0);
             const std::int64_t number = sample.time / day - (sample.time % day < 0 ? 1 : 0);
             session.measurements().addToDay(
                 key, {number, sample.time, sample.count, sample.offsetMinutes, sample.value, 1});
@@ -291,7 +291,7 @@ TEST_P(PointSelections, WhatAConditionThrowsArrivesAndLeavesTheSessionUsable)
     fillTwo();
     write([this](Session& session) {
         session.measurements().insertSample(keys[1],
-                                            {5 * day, 1, std::nullopt, 1, std::string(40, 'a') + "!"});
+                                            {5 * day, 1, std::nullopt, 1, std::string(40, 'a') + "!"}, 0);
     });
     const auto session = store->read();
     {

@@ -68,7 +68,8 @@ TEST(Thresholds, VariationsAndWhatGoesBeyondTheLimits)
         EXPECT_DOUBLE_EQ(found.daily.value_or(0), row.day.value_or(0)) << row.what;
         EXPECT_DOUBLE_EQ(found.totalExcess, row.totalExcess) << row.what;
         EXPECT_DOUBLE_EQ(found.dailyExcess, row.dailyExcess) << row.what;
-        EXPECT_EQ(found.isOver(), row.totalExcess > 0 || row.dailyExcess > 0) << row.what;
+        EXPECT_EQ(isOverLimit(row.judged, row.limits), row.totalExcess > 0 || row.dailyExcess > 0)
+            << row.what;
     }
 }
 
@@ -83,7 +84,7 @@ TEST(Thresholds, VariationAtItsLimitIsNotBeyondIt)
                 };
                 const JudgedValue at{value(reference), value(reference + sign * limit),
                                      JudgedValue::PreviousDay{value(reference), 1}};
-                EXPECT_FALSE(variationOf(at, {unit, value(limit), value(limit)}).isOver())
+                EXPECT_FALSE(isOverLimit(at, {unit, value(limit), value(limit)}))
                     << reference << ' ' << limit;
                 const JudgedValue beyond{value(reference), value(reference + sign * (limit + 1)),
                                          JudgedValue::PreviousDay{value(reference), 1}};
@@ -98,8 +99,8 @@ TEST(Thresholds, VariationAtItsLimitIsNotBeyondIt)
 TEST(Thresholds, PercentAtTheirLimitAreNotBeyondIt)
 {
     // 3 % of 0.7 is 0.021.
-    EXPECT_FALSE(variationOf(reading(0.7, 0.7, 1, 0.721), {percent, 3, 0}).isOver());
-    EXPECT_TRUE(variationOf(reading(0.7, 0.7, 1, 0.7210001), {percent, 3, 0}).isOver());
+    EXPECT_FALSE(isOverLimit(reading(0.7, 0.7, 1, 0.721), {percent, 3, 0}));
+    EXPECT_TRUE(isOverLimit(reading(0.7, 0.7, 1, 0.7210001), {percent, 3, 0}));
 }
 
 TEST(Thresholds, LimitOfOneSideLeavesTheOtherFree)
@@ -109,12 +110,12 @@ TEST(Thresholds, LimitOfOneSideLeavesTheOtherFree)
     const Variation up = variationOf(reading(0, 3, 1, 6), rising);
     EXPECT_EQ(up.totalExcess, 1);
     EXPECT_EQ(up.dailyExcess, 1);
-    EXPECT_FALSE(variationOf(reading(0, 3, 1, 6), falling).isOver());
+    EXPECT_FALSE(isOverLimit(reading(0, 3, 1, 6), falling));
     const Variation down = variationOf(reading(0, -3, 1, -6), falling);
     EXPECT_EQ(down.total, -6);
     EXPECT_EQ(down.totalExcess, 1);
     EXPECT_EQ(down.dailyExcess, 1);
-    EXPECT_FALSE(variationOf(reading(0, -3, 1, -6), rising).isOver());
+    EXPECT_FALSE(isOverLimit(reading(0, -3, 1, -6), rising));
     const Variation percentDown =
         variationOf(reading(-100, -100, 1, -106), {percent, 5, 0, LimitSide::Falling, LimitSide::Both});
     EXPECT_EQ(percentDown.dailyExcess, 1);

@@ -92,7 +92,10 @@ TEST_F(DeliveryIntake, NewPointIsMadeWithItsSamples)
     EXPECT_EQ(answer, R"([{"_id":")" + member(document, "_id") +
                           R"(","cellId":"c1","subCategoryId":"s1","name":"W1","depth":"2.5","insertCount":2,)"
                           R"("lastCount":2,"lastDate":")" +
-                          day2 + R"(","isNew":true,"inserted":2,"corrected":0,"unchanged":0,"alarmId":""}])");
+                          day2 +
+                          R"(","isNew":true,"inserted":2,"corrected":0,"unchanged":0,"alarmId":"",)"
+                          R"("deliveryId":")" +
+                          member(documents(DocumentKind::History).front(), "_id") + R"("}])");
     EXPECT_EQ(samples(), "1.25 1.5");
     EXPECT_EQ(dayValues(), "1.25/1 1.5/1");
     EXPECT_EQ(heldSamples().at(0).timeFlag, "A");

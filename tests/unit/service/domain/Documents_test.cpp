@@ -63,15 +63,15 @@ template <>
 std::string example<DataManage>()
 {
     return R"({"_id":"d1","projectId":"p1","cellId":"c1","subCategoryId":"s1",)"
-           R"("lastDate":"2015-12-21T06:30:00.000-08:00","lastCount":672,"fileId":"f1",)" +
+           R"("lastDate":"2015-12-21T06:30:00.000-08:00","lastCount":672,"sampleCount":1344,"deliveries":2,"fileId":"f1",)" +
            stampMembers + "}";
 }
 
 template <>
 std::string example<History>()
 {
-    return R"({"_id":"h1","dataManageId":"d1","lastDate":"2015-12-21T06:30:00.000-08:00","lastCount":1344,)"
-           R"("insertCount":672,"correctCount":5,"fileId":"f1",)" +
+    return R"({"_id":"h1","dataManageId":"d1","number":2,"lastDate":"2015-12-21T06:30:00.000-08:00",)"
+           R"("lastCount":1344,"sentCount":700,"insertCount":672,"correctCount":5,"fileId":"f1",)" +
            stampMembers + "}";
 }
 
@@ -100,7 +100,7 @@ std::string example<Change>()
 {
     return R"({"_id":"x1","projectId":"p1","category":"pit","cellId":"c1","subCategoryId":"s1",)"
            R"("action":"alarm.withdrawn","subject":"e1","name":"W1","before":{"totalVar":"-0.6"},"after":[7],)"
-           R"("createdAt":"2026-01-01T00:00:00.000Z","createdBy":"Ada"})";
+           R"("delivery":"h1","createdAt":"2026-01-01T00:00:00.000Z","createdBy":"Ada"})";
 }
 
 template <>

@@ -2,6 +2,7 @@
 
 #include "domain/Alarm.h"
 #include "domain/AlarmDetail.h"
+#include "domain/DataManage.h"
 #include "domain/Group.h"
 #include "domain/History.h"
 #include "domain/PointLocation.h"
@@ -68,6 +69,8 @@ void backToThirdVersion(SqliteConnection& connection)
 {
     connection.execute(
         "DROP TABLE outbox; DROP TABLE changes; DROP TABLE excesses; "
+        "ALTER TABLE samples DROP COLUMN delivery; ALTER TABLE point_locations DROP COLUMN first_delivery; "
+        "ALTER TABLE point_locations DROP COLUMN last_delivery; "
         "DELETE FROM sqlite_stat1 WHERE tbl IN ('changes', 'excesses'); PRAGMA user_version = 3");
 }
 
@@ -165,7 +168,7 @@ TEST_F(SqliteSchema, DocumentsOfTheThirdVersionGetTheMembersOfTheFourth)
            R"("fileId":"",)" +
                stamp);
     insert("histories", "h",
-           R"({"_id":"h","dataManageId":"d","lastDate":"","lastCount":0,"insertCount":0,"fileId":"",)" +
+           R"({"_id":"h","dataManageId":"d","lastDate":"","lastCount":12,"insertCount":7,"fileId":"",)" +
                stamp);
     insert("alarms", "a",
            R"({"_id":"a","projectId":"p","cellId":"c","cellName":"Tower","subCategoryId":"s",)"
@@ -191,7 +194,13 @@ TEST_F(SqliteSchema, DocumentsOfTheThirdVersionGetTheMembersOfTheFourth)
     EXPECT_EQ(group.warningLevel, 80);
     EXPECT_EQ(fromDocument<PointLocation>(document("point_locations", "0")).initialValue, std::nullopt);
     EXPECT_EQ(fromDocument<PointLocation>(document("point_locations", "2.5")).initialValue, 2.5);
-    EXPECT_EQ(fromDocument<History>(document("histories", "h")).correctCount, 0);
+    const auto history = fromDocument<History>(document("histories", "h"));
+    EXPECT_EQ(history.correctCount, 0);
+    EXPECT_EQ(history.number, 0);
+    EXPECT_EQ(history.sentCount, 7);
+    const auto dataManage = fromDocument<DataManage>(document("data_manages", "d"));
+    EXPECT_EQ(dataManage.deliveries, 0);
+    EXPECT_EQ(dataManage.sampleCount, 12);
     EXPECT_EQ(fromDocument<Alarm>(document("alarms", "a")).day, "");
     const auto detail = fromDocument<AlarmDetail>(document("alarm_details", "e"));
     EXPECT_EQ(detail.group, "");
