@@ -115,8 +115,8 @@ TEST_F(ServiceExtensionsOnService, AboutTellsWhatTheServiceCanAndWhoAsks)
     EXPECT_EQ(about.rights[0].rights, (QStringList{"read"_q, "create"_q, "edit"_q, "delete"_q}));
     for (const Extension extension :
          {Extension::About, Extension::AlarmReasons, Extension::Changes, Extension::GroupSides,
-          Extension::PointChanges, Extension::PointSummaries, Extension::Projects,
-          Extension::SubCategoryKinds}) {
+          Extension::DeliveryUndo, Extension::PointChanges, Extension::PointDeletion,
+          Extension::PointSummaries, Extension::Projects, Extension::SubCategoryKinds}) {
         EXPECT_TRUE(extensions->has(extension)) << nameOf(extension).toStdString();
     }
     workAs(service().createToken("Cleo"_q, project, "reader"_q, "Pit"_q), service().baseAddress());
@@ -311,6 +311,70 @@ TEST_F(ServiceExtensionsOnService, AlarmsHaveReasons)
     ASSERT_EQ(details.size(), 2);
     EXPECT_EQ(details[0].id, reasons[0].id);
     EXPECT_EQ(details[1].id, reasons[1].id);
+}
+
+TEST_F(ServiceExtensionsOnService, DeliveriesAreTakenBack)
+{
+    deliver({point("S1"_q, {100, 101})});
+    deliver({point("S1"_q, {100, 107, 109}), point("S2"_q, {7})});
+    const QString id = summaries().constFirst().id;
+    RKDataManageCondition condition;
+    QList<RKDataManage> dataManages;
+    session->ask("list data"_q,
+                 [&] { return session->projectData().getDataManageRangeData(condition, 0, 9, dataManages); });
+    ASSERT_EQ(dataManages.size(), 1);
+    RKHistoryDataCondition ofIt;
+    ofIt.dataManageId = dataManages[0].id;
+    QList<HistoryData> history;
+    session->ask("list deliveries"_q,
+                 [&] { return session->data().getHistoryRangeData(ofIt, 0, 9, history); });
+    ASSERT_EQ(history.size(), 2);
+    EXPECT_THAT(messageOf([&] { extensions->undoDelivery(history[1].id); }),
+                testing::HasSubstr("delivery 1 is not the latest of its data manage: that is delivery 2"));
+    const UndoneDelivery undone = extensions->undoDelivery(history[0].id);
+    EXPECT_EQ(undone.delivery.id, history[0].id);
+    EXPECT_EQ(undone.dataManageId, dataManages[0].id);
+    EXPECT_EQ(undone.correctCount, 1);
+    EXPECT_EQ(undone.removed, 2);
+    EXPECT_EQ(undone.restored, 1);
+    EXPECT_EQ(undone.removedPoints, 1);
+    EXPECT_EQ(undone.alarms, QStringList());
+    const QList<PointSummary> left = summaries();
+    ASSERT_EQ(left.size(), 1);
+    EXPECT_EQ(left[0].samples, 2);
+    EXPECT_EQ(left[0].latest->value, 101.0);
+    AuditQuery corrections;
+    corrections.where = QJsonObject{{"subject"_q, id}, {"action"_q, "sample.corrected"_q}};
+    const QList<AuditEntry> entries = extensions->changes(project, corrections, 0, 10);
+    ASSERT_EQ(entries.size(), 2);
+    EXPECT_EQ(entries[1].deliveryId, history[0].id);
+    EXPECT_EQ(entries[0].deliveryId, QString());
+}
+
+TEST_F(ServiceExtensionsOnService, PointsAndSingleReadingsAreDeleted)
+{
+    limited({"S1"_q, "S2"_q}, 10);
+    deliver({point("S1"_q, {100, 101, 150}), point("S2"_q, {7, 70})});
+    PointSummaryQuery query;
+    query.order = "name"_q;
+    const QList<PointSummary> before = summaries(query);
+    ASSERT_EQ(before.size(), 2);
+    const DeletedSamples reading =
+        extensions->deleteSamples(before[0].id, QJsonObject{{"value"_q, QJsonObject{{"$gt"_q, 149}}}});
+    EXPECT_EQ(reading.pointId, before[0].id);
+    EXPECT_EQ(reading.removed, 1);
+    EXPECT_EQ(reading.alarms.size(), 1);
+    EXPECT_EQ(summaries(query)[0].latest->value, 101.0);
+    EXPECT_THAT(messageOf([&] { extensions->deleteSamples(before[0].id, {}); }),
+                testing::HasSubstr("must have a condition"));
+    const DeletedPoint point = extensions->deletePoint(before[1].id);
+    EXPECT_EQ(point.name, "S2"_q);
+    EXPECT_EQ(point.removedSamples, 2);
+    EXPECT_EQ(point.alarms, reading.alarms);
+    ASSERT_EQ(summaries(query).size(), 1);
+    QList<RKAlarm> alarms;
+    session->ask("list alarms"_q, [&] { return session->projectData().getAlarmRangeData({}, 0, 9, alarms); });
+    EXPECT_EQ(alarms.size(), 0);
 }
 
 TEST_F(ServiceExtensionsOnService, ADeploymentWithoutThemSaysWhatItCannot)

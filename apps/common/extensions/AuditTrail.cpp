@@ -18,6 +18,7 @@ AuditEntry entryOf(const AnswerObject& object)
     entry.name = object.text("name");
     entry.before = object.value("before");
     entry.after = object.value("after");
+    entry.deliveryId = object.text("delivery");
     entry.time = object.time("createdAt");
     entry.author = object.text("createdBy");
     return entry;

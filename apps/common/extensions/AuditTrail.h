@@ -20,6 +20,7 @@ struct AuditEntry
     QString name;          ///< of it, for people
     QJsonValue before;     ///< what was there; null: nothing, or it is of another category
     QJsonValue after;      ///< what is there instead, alike
+    QString deliveryId;    ///< in the history, of the delivery that made the change; empty: it was none
     QDateTime time;
     QString author;
 };

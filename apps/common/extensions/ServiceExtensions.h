@@ -58,7 +58,7 @@ public:
     PointDetails changePoint(const QString& id, const PointChange& change);
     /// Deletes a point with its samples. DELETE pointLocations/{id}.
     DeletedPoint deletePoint(const QString& id);
-    /// Deletes the samples that meet the condition; an empty one is met by all.
+    /// Deletes the samples that meet a condition on count, time, value or timeFlag; one without is refused.
     /// DELETE pointLocations/{id}/samples.
     DeletedSamples deleteSamples(const QString& pointId, const QJsonObject& where);
 

@@ -204,9 +204,9 @@ void SqliteMeasurements::visitSamplesOf(std::int64_t point, std::int64_t deliver
 
 std::vector<std::int64_t> SqliteMeasurements::deliveriesOf(std::int64_t point) const
 {
-    SqliteStatement statement =
-        m_connection.statement("SELECT first_delivery AS delivery FROM point_locations WHERE point = ?1 UNION "
-                               "SELECT delivery FROM samples WHERE point = ?1 ORDER BY delivery DESC");
+    SqliteStatement statement = m_connection.statement(
+        "SELECT first_delivery AS delivery FROM point_locations WHERE point = ?1 UNION "
+        "SELECT delivery FROM samples WHERE point = ?1 ORDER BY delivery DESC");
     statement.bind(point);
     std::vector<std::int64_t> deliveries;
     while (statement.step()) {

@@ -54,10 +54,17 @@ protected:
         write([&](Session& session) {
             id = session.newIdentifier();
             session.documents(DocumentKind::History)
-                .insert(
-                    session.documents(DocumentKind::DataManage).find(dataManage)->project, id,
-                    toDocument(History{
-                        id, dataManage, 1, lastDate, 2, 2, 2, 0, {}, Stamp::of({"Ada", isoText(session.now())})}));
+                .insert(session.documents(DocumentKind::DataManage).find(dataManage)->project, id,
+                        toDocument(History{id,
+                                           dataManage,
+                                           1,
+                                           lastDate,
+                                           2,
+                                           2,
+                                           2,
+                                           0,
+                                           {},
+                                           Stamp::of({"Ada", isoText(session.now())})}));
         });
         return id;
     }

@@ -12,7 +12,7 @@ protected:
     const QJsonObject entry =
         jsonObject(R"({"_id":"e1","category":"Settlement","cellId":"c1","subCategoryId":"s1",
                        "action":"initialValue.changed","subject":"pt1","name":"S1","before":null,"after":12.5,
-                       "createdAt":"2026-11-20T18:46:18.219Z","createdBy":"Ana"})");
+                       "delivery":"h1","createdAt":"2026-11-20T18:46:18.219Z","createdBy":"Ana"})");
 };
 
 } // namespace
@@ -34,6 +34,7 @@ TEST_F(AuditTrail, IsReadPageByPage)
     EXPECT_EQ(entries[0].name, "S1"_q);
     EXPECT_TRUE(entries[0].before.isNull());
     EXPECT_EQ(entries[0].after.toDouble(), 12.5);
+    EXPECT_EQ(entries[0].deliveryId, "h1"_q);
     EXPECT_EQ(entries[0].time, QDateTime(QDate(2026, 11, 20), QTime(18, 46, 18, 219), Qt::UTC));
     EXPECT_EQ(entries[0].author, "Ana"_q);
     EXPECT_EQ(lastRequest(), "GET projects/p7/changes");

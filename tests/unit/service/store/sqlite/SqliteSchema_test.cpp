@@ -18,6 +18,7 @@
 #include <sqlite3.h>
 
 #include <functional>
+#include <iostream>
 
 namespace monitorservice {
 namespace {
@@ -206,6 +207,47 @@ TEST_F(SqliteSchema, DocumentsOfTheThirdVersionGetTheMembersOfTheFourth)
     EXPECT_EQ(detail.group, "");
     EXPECT_EQ(detail.totalLimit, 0);
     EXPECT_EQ(detail.stamp.createdBy, "Ada");
+}
+
+// By the numbers that the longest lived data manages have.
+TEST_F(SqliteSchema, KnowingWhichDeliveryASampleIsOfCostsAtMostFourBytes)
+{
+    constexpr int pointCount = 100;
+    constexpr int samplesEach = 1'000;
+    SqliteStore(file).write()->commit();
+    SqliteConnection connection = open();
+    SqliteMeasurements measurements(connection);
+    connection.execute("BEGIN");
+    connection.execute(
+        R"(INSERT INTO sub_categories (project, id, document) VALUES ('p', 's',
+           '{"_id":"s","projectId":"p","name":"Level","category":"Settlement","alias":""}'))");
+    for (int number = 0; number < pointCount; ++number) {
+        PointLocation location;
+        location.id = "point " + std::to_string(number);
+        location.project = "p";
+        location.cell = "c";
+        location.subCategory = "s";
+        location.name = location.id;
+        const std::int64_t point =
+            measurements.insertPoint("p", location.id, toDocument(location), 8'000'000);
+        for (int sample = 0; sample < samplesEach; ++sample) {
+            measurements.insertSample(
+                point, {1'450'000'000'000 + sample * 3'600'000LL, sample, 480, 0.1 * sample, "A"},
+                8'000'000 + sample / 10);
+        }
+    }
+    connection.execute("COMMIT; VACUUM");
+    const auto bytes = [&connection] {
+        return connection.integer("PRAGMA page_count") * connection.integer("PRAGMA page_size");
+    };
+    const std::int64_t with = bytes();
+    connection.execute("ALTER TABLE samples DROP COLUMN delivery; "
+                       "ALTER TABLE point_locations DROP COLUMN first_delivery; "
+                       "ALTER TABLE point_locations DROP COLUMN last_delivery; VACUUM");
+    const double perSample = static_cast<double>(with - bytes()) / (pointCount * samplesEach);
+    EXPECT_GT(perSample, 3);
+    EXPECT_LE(perSample, 4.1) << "pages are whole, samples are not";
+    std::cout << "bytes a sample: " << perSample << '\n';
 }
 
 TEST_F(SqliteSchema, EveryIndexOfATableWithFiguresHasThem)
