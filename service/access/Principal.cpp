@@ -8,12 +8,17 @@ Principal::Principal(std::string owner, const std::vector<Grant>& grants, std::s
     : m_owner(std::move(owner)), m_token(std::move(token))
 {
     for (const Grant& grant : grants) {
-        if (grant.rights.empty()) {
+        if (!grant.project) {
+            m_mayAdminister = m_mayAdminister || grant.rights.has(Right::Administer);
             continue;
         }
-        ProjectRights& project = m_projects[grant.project];
+        const Rights inProject = grant.rights.without(Right::Administer);
+        if (inProject.empty()) {
+            continue;
+        }
+        ProjectRights& project = m_projects[*grant.project];
         Rights& rights = grant.category ? project.byCategory[*grant.category] : project.everywhere;
-        rights = rights | grant.rights;
+        rights = rights | inProject;
     }
 }
 
@@ -65,6 +70,9 @@ bool Principal::isKnownIn(const std::string& project) const
 std::vector<HeldRights> Principal::allRights() const
 {
     std::vector<HeldRights> all;
+    if (m_mayAdminister) {
+        all.push_back({std::nullopt, std::nullopt, Right::Administer});
+    }
     for (const auto& [project, rights] : m_projects) {
         if (!rights.everywhere.empty()) {
             all.push_back({project, std::nullopt, rights.everywhere});

@@ -10,15 +10,16 @@
 
 namespace monitorservice {
 
-/// Rights that are held in a project.
+/// Rights that are held in a project, or in the service as a whole.
 struct HeldRights
 {
-    std::string project;
+    std::optional<std::string> project;  ///< nothing: the whole service
     std::optional<std::string> category; ///< nothing: every category, those added later too
     Rights rights;
 };
 
-/// Who sent a request, and what they may do.
+/// Who sent a request, and what they may do. What a grant of the whole service gives is to administer it, and
+/// nothing in its projects; a grant of a project never gives that.
 class Principal
 {
 public:
@@ -41,7 +42,11 @@ public:
     /// Whether any right is held in any category of the project.
     bool isKnownIn(const std::string& project) const;
 
-    /// All rights, by project and category; what is held in every category comes first.
+    /// Whether projects, categories and sub-categories may be administered.
+    bool mayAdminister() const { return m_mayAdminister; }
+
+    /// All rights, that of the whole service first, then by project and category; what is held in every
+    /// category comes first.
     std::vector<HeldRights> allRights() const;
 
 private:
@@ -55,6 +60,7 @@ private:
 
     std::string m_owner;
     std::string m_token;
+    bool m_mayAdminister = false;
     std::map<std::string, ProjectRights> m_projects;
 };
 

@@ -8,11 +8,12 @@ namespace monitorservice {
 
 namespace {
 
-constexpr std::array<std::pair<std::string_view, Right>, 4> namedRights{{
+constexpr std::array<std::pair<std::string_view, Right>, 5> namedRights{{
     {"read", Right::Read},
     {"create", Right::Create},
     {"edit", Right::Edit},
     {"delete", Right::Delete},
+    {"administer", Right::Administer},
 }};
 
 } // namespace

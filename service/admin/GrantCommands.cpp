@@ -62,7 +62,7 @@ void addGrant(const AdminSettings& settings, const GrantArguments& arguments)
     if (token->revokedAt) {
         throw CommandError("token " + grant.token + " has been revoked");
     }
-    checkProject(*session, grant.project);
+    checkProject(*session, arguments.project);
     if (arguments.categoryGiven) {
         checkCategory(*session, arguments.category);
         grant.category = arguments.category;
@@ -87,7 +87,8 @@ void revokeGrant(const AdminSettings& settings, const std::string& id)
 std::string toJson(const Grant& grant)
 {
     JsonObjectWriter object;
-    object.text("_id", grant.id).text("tokenId", grant.token).text("projectId", grant.project);
+    object.text("_id", grant.id).text("tokenId", grant.token);
+    grant.project ? object.text("projectId", *grant.project) : object.null("projectId");
     grant.category ? object.text("category", *grant.category) : object.null("category");
     return object.text("rights", grant.rights.names()).text("createdAt", isoText(grant.createdAt)).finish();
 }
@@ -98,8 +99,8 @@ void listGrants(const AdminSettings& settings, bool json)
     std::vector<std::vector<std::string>> rows;
     for (const Grant& grant : openExisting(settings)->read()->grants().list()) {
         array.json(toJson(grant));
-        rows.push_back({grant.id, grant.token, grant.project, grant.rights.names(),
-                        grant.category.value_or("(every category)")});
+        rows.push_back({grant.id, grant.token, grant.project.value_or("(the whole service)"),
+                        grant.rights.names(), grant.category.value_or("(every category)")});
     }
     if (json) {
         std::cout << array.finish() << '\n';

@@ -12,7 +12,7 @@ namespace {
 std::string namesOf(Rights rights)
 {
     JsonArrayWriter names;
-    for (const Right right : {Right::Read, Right::Create, Right::Edit, Right::Delete}) {
+    for (const Right right : {Right::Read, Right::Create, Right::Edit, Right::Delete, Right::Administer}) {
         if (rights.has(right)) {
             names.text(Rights(right).names());
         }
@@ -25,7 +25,7 @@ std::string rightsArray(const std::vector<HeldRights>& all)
     JsonArrayWriter array;
     for (const HeldRights& held : all) {
         JsonObjectWriter object;
-        object.text("projectId", held.project);
+        held.project ? object.text("projectId", *held.project) : object.null("projectId");
         held.category ? object.text("category", *held.category) : object.null("category");
         array.json(object.json("rights", namesOf(held.rights)).finish());
     }

@@ -8,13 +8,13 @@
 
 namespace monitorservice {
 
-/// One entry of the audit trail: who changed what, when, and what was there before. It refers to nothing but
-/// its project, so that it outlives what it tells of.
+/// One entry of the audit trail: who changed what, when, and what was there before. It refers to nothing, so
+/// that it outlives what it tells of, its project, too.
 struct Change
 {
     std::string id;
-    std::string project;
-    std::string category; ///< of the monitoring it is about; access to the entry is decided by it
+    std::string project;  ///< empty: it is about the service as a whole
+    std::string category; ///< of what it is about; access to the entry is decided by it
     std::string cell;     ///< empty when it is about none; so are the members below
     std::string subCategory;
     std::string action;          ///< what happened to what, such as "sample.corrected"

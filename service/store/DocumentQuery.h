@@ -11,10 +11,12 @@
 
 namespace monitorservice {
 
-/// Which documents of a project, in which order, and which page of them.
+/// Which documents of a project, or of all projects, in which order, and which page of them.
 struct DocumentQuery
 {
     std::string project;
+    /// Whatever the project; entries of the audit trail may be of none.
+    bool everyProject = false;
     std::optional<std::vector<std::string>> categories; ///< only these; nothing: every category
     /// Only those that belong to this document: to a monitoring, a data manage, an alarm or an alarm detail,
     /// as the kind says. Not for cells and sub-categories.

@@ -32,7 +32,8 @@ public:
 
     /// `text` is the whole document; its "_id" and "projectId" are `id` and `project`. It comes back byte for
     /// byte. StoreFailure::Conflict when the identifier is taken, in whatever project, when the kind holds
-    /// something else to be unique, and when what the document refers to does not exist.
+    /// something else to be unique, and when what the document refers to does not exist. Entries of the audit
+    /// trail refer to nothing: their project may be gone, or be none, an empty text.
     virtual void insert(const std::string& project, const std::string& id, const std::string& text) = 0;
     /// Nothing is changed when there is no such document in the project.
     virtual void replace(const std::string& project, const std::string& id, const std::string& text) = 0;

@@ -8,7 +8,7 @@
 
 namespace monitorservice {
 
-/// Every member may throw StoreError.
+/// Those of projects and those of the whole service. Every member may throw StoreError.
 class Grants : public StoreInterface
 {
 public:
@@ -17,7 +17,7 @@ public:
     virtual std::vector<Grant> list() const = 0;
     /// Adds the rights to the grant of the same token, project and category when there is one; gives the
     /// identifier of the grant that holds them now. StoreFailure::Conflict when the token, the project or the
-    /// category does not exist.
+    /// category does not exist, and when it is of a category but of no project.
     virtual std::string add(const Grant& grant) = 0;
     /// False when there is no such grant.
     virtual bool remove(const std::string& id) = 0;

@@ -20,8 +20,8 @@ public:
     virtual void insert(const Project& project) = 0;
     /// False when there is no such project.
     virtual bool rename(const std::string& id, const std::string& name) = 0;
-    /// False when there is no such project. StoreFailure::Conflict when anything belongs to it: documents of
-    /// whatever kind, grants.
+    /// False when there is no such project. StoreFailure::Conflict when anything belongs to it: grants, and
+    /// documents of whatever kind but entries of the audit trail, which stay.
     virtual bool remove(const std::string& id) = 0;
 };
 

@@ -37,6 +37,18 @@ inline std::vector<std::string> documentsOf(Store& store, DocumentKind kind)
     return documents;
 }
 
+/// The audit trail: of all projects, of those that are gone and of none.
+inline std::vector<std::string> entriesOf(const Session& session)
+{
+    std::vector<std::string> entries;
+    DocumentQuery query;
+    query.everyProject = true;
+    session.documents(DocumentKind::Change).visit(query, [&entries](std::string_view document) {
+        entries.emplace_back(document);
+    });
+    return entries;
+}
+
 /// A point with all that is kept of it.
 struct HeldPoint
 {
@@ -120,7 +132,7 @@ inline std::vector<std::string> contentsOf(Store& store)
 {
     constexpr std::array kinds{DocumentKind::Cell,        DocumentKind::SubCategory, DocumentKind::Group,
                                DocumentKind::DataManage,  DocumentKind::History,     DocumentKind::Alarm,
-                               DocumentKind::AlarmDetail, DocumentKind::AlarmDepth,  DocumentKind::Change};
+                               DocumentKind::AlarmDetail, DocumentKind::AlarmDepth};
     const auto session = store.read();
     std::vector<std::string> lines;
     for (const std::string& category : session->categories().list()) {
@@ -153,8 +165,11 @@ inline std::vector<std::string> contentsOf(Store& store)
             }
         }
     }
+    for (const std::string& entry : entriesOf(*session)) {
+        lines.push_back("entry " + entry);
+    }
     for (const Grant& grant : session->grants().list()) {
-        lines.push_back("grant " + grant.id + ' ' + grant.token + ' ' + grant.project + ' ' +
+        lines.push_back("grant " + grant.id + ' ' + grant.token + ' ' + grant.project.value_or("*") + ' ' +
                         grant.category.value_or("*") + ' ' + grant.rights.names());
     }
     return lines;

@@ -22,8 +22,9 @@ std::vector<Grant> allGrants(SqliteStatement& statement)
 {
     std::vector<Grant> grants;
     while (statement.step()) {
-        grants.push_back({statement.text(0), statement.text(1), statement.text(2), statement.optionalText(3),
-                          Rights::ofBits(statement.integer(4)), statement.integer(5)});
+        grants.push_back({statement.text(0), statement.text(1), statement.optionalText(2),
+                          statement.optionalText(3), Rights::ofBits(statement.integer(4)),
+                          statement.integer(5)});
     }
     return grants;
 }
@@ -87,12 +88,13 @@ std::string SqliteGrants::add(const Grant& grant)
     m_connection
         .statement(
             "INSERT INTO grants (id, token, project, category, rights, created_at) VALUES (?, ?, ?, ?, ?, ?)"
-            " ON CONFLICT (token, project, ifnull(category, x'')) DO UPDATE SET rights = rights | "
+            " ON CONFLICT (token, ifnull(project, x''), ifnull(category, x'')) DO UPDATE SET rights = rights "
+            "| "
             "excluded.rights")
         .bind(grant.id, grant.token, grant.project, grant.category, grant.rights.bits(), grant.createdAt)
         .run();
     SqliteStatement statement =
-        m_connection.statement("SELECT id FROM grants WHERE token = ? AND project = ? AND category IS ?");
+        m_connection.statement("SELECT id FROM grants WHERE token = ? AND project IS ? AND category IS ?");
     statement.bind(grant.token, grant.project, grant.category).step();
     return statement.text(0);
 }

@@ -377,6 +377,53 @@ CREATE INDEX outbox_by_due ON outbox (channel, due) WHERE due IS NOT NULL;
 )sql";
 }
 
+// Grants may be of no project, and entries of the audit trail refer to none: a column's reference can only be
+// taken away with its table.
+std::string sixthVersion()
+{
+    return R"sql(
+CREATE TABLE grants_made_anew (
+    id TEXT PRIMARY KEY,
+    token TEXT NOT NULL REFERENCES tokens (id),
+    project TEXT REFERENCES projects (id),
+    category TEXT REFERENCES categories (name),
+    rights INTEGER NOT NULL,
+    created_at INTEGER NOT NULL,
+    CHECK (project IS NOT NULL OR category IS NULL)
+) STRICT, WITHOUT ROWID;
+INSERT INTO grants_made_anew (id, token, project, category, rights, created_at)
+    SELECT id, token, project, category, rights, created_at FROM grants;
+DROP TABLE grants;
+ALTER TABLE grants_made_anew RENAME TO grants;
+CREATE UNIQUE INDEX grants_by_token ON grants (token, ifnull(project, x''), ifnull(category, x''));
+
+CREATE TABLE changes_made_anew (
+    project TEXT NOT NULL,
+    id TEXT NOT NULL UNIQUE,
+    document TEXT NOT NULL,
+    category TEXT NOT NULL AS (json_extract(document, '$.category')) STORED,
+    cell TEXT NOT NULL AS (json_extract(document, '$.cellId')) STORED,
+    sub_category TEXT NOT NULL AS (json_extract(document, '$.subCategoryId')) STORED,
+    action TEXT NOT NULL AS (json_extract(document, '$.action')) STORED,
+    subject TEXT NOT NULL AS (json_extract(document, '$.subject')) STORED,
+    created_by TEXT NOT NULL AS (json_extract(document, '$.createdBy')) STORED,
+    )sql" + timeColumn("created_at", "createdAt") +
+           R"sql(,
+    PRIMARY KEY (project, id)
+) STRICT;
+INSERT INTO changes_made_anew (project, id, document) SELECT project, id, document FROM changes;
+DROP TABLE changes; -- and its figures
+ALTER TABLE changes_made_anew RENAME TO changes;
+CREATE INDEX changes_by_subject ON changes (subject, id);
+
+INSERT INTO sqlite_stat1 (tbl, idx, stat) VALUES
+    ('changes', 'sqlite_autoindex_changes_1', '1000000 1'),
+    ('changes', 'sqlite_autoindex_changes_2', '1000000 100000 1'),
+    ('changes', 'changes_by_subject', '1000000 10 1');
+ANALYZE sqlite_schema;
+)sql";
+}
+
 // Which delivery of its data manage inserted each sample, and what deliveries did besides, so that they can
 // be taken back. Those made before are not counted: they have the number 0.
 std::string seventhVersion()
@@ -422,14 +469,19 @@ void toFifthVersion(SqliteConnection& connection)
     connection.execute(fifthVersion());
 }
 
+void toSixthVersion(SqliteConnection& connection)
+{
+    connection.execute(sixthVersion());
+}
+
 void toSeventhVersion(SqliteConnection& connection)
 {
     connection.execute(seventhVersion());
 }
 
 // The step at index n leads from version n to version n + 1. Steps that were released are never changed.
-constexpr std::array migrations{toFirstVersion,  toSecondVersion, toThirdVersion,
-                                toFourthVersion, toFifthVersion,  toSeventhVersion};
+constexpr std::array migrations{toFirstVersion, toSecondVersion, toThirdVersion,  toFourthVersion,
+                                toFifthVersion, toSixthVersion,  toSeventhVersion};
 
 void checkOwnership(SqliteConnection& connection)
 {

@@ -95,6 +95,30 @@ TEST_P(AccessRecords, GrantForEveryCategoryStandsApart)
     EXPECT_EQ(grants[1].rights.names(), "edit,delete");
 }
 
+TEST_P(AccessRecords, GrantOfTheWholeServiceIsOfNoProject)
+{
+    Grant whole = grant("g1", std::nullopt, Right::Administer);
+    whole.project = std::nullopt;
+    EXPECT_EQ(session->grants().add(whole), "g1");
+    EXPECT_EQ(session->grants().add(grant("g2", std::nullopt, Right::Read)), "g2");
+    whole.id = "g3";
+    EXPECT_EQ(session->grants().add(whole), "g1") << "there is one";
+    EXPECT_EQ(session->grants().ofToken("t1").size(), 2U);
+    const auto grants = session->grants().list();
+    ASSERT_EQ(grants.size(), 2U);
+    EXPECT_EQ(grants[0].project, std::nullopt);
+    EXPECT_EQ(grants[0].category, std::nullopt);
+    EXPECT_EQ(grants[0].rights.names(), "administer");
+    EXPECT_EQ(grants[1].project, "p1");
+}
+
+TEST_P(AccessRecords, GrantOfACategoryIsOfAProject)
+{
+    Grant whole = grant("g1", "Settlement", Right::Administer);
+    whole.project = std::nullopt;
+    EXPECT_EQ(failureOf([&] { session->grants().add(whole); }), "conflict");
+}
+
 TEST_P(AccessRecords, RemovedGrantIsGone)
 {
     session->grants().add(grant("g1", std::nullopt, Right::Read));

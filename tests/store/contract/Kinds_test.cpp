@@ -22,10 +22,10 @@ std::vector<std::string> expected(const std::vector<KnownDocument>& documents, c
     simdjson::dom::parser parser;
     for (const KnownDocument& document : documents) {
         const auto& categories = query.categories;
-        const bool isInReach =
-            document.project == query.project && (!query.parent || *query.parent == document.parent) &&
-            (!categories ||
-             std::find(categories->begin(), categories->end(), document.category) != categories->end());
+        const bool isInReach = (query.everyProject || document.project == query.project) &&
+                               (!query.parent || *query.parent == document.parent) &&
+                               (!categories || std::find(categories->begin(), categories->end(),
+                                                         document.category) != categories->end());
         if (isInReach && matcher.matches(parser.parse(document.searched))) {
             found.push_back(&document);
         }
@@ -81,6 +81,7 @@ TEST_P(Kinds, AreFoundAsTheMatcherFindsThem)
             const Where where = Where::parse(json);
             DocumentQuery query;
             query.project = chance.once(2) ? "p1" : "p2";
+            query.everyProject = chance.once(4);
             query.where = &where;
             query.order = order.empty() ? std::vector<OrderTerm>() : parseOrder(order);
             if (chance.once(3)) {

@@ -96,13 +96,38 @@ TEST_P(Renaming, ProjectIsRemovedWhenNothingBelongsToIt)
 
 TEST_P(Renaming, ProjectThatIsUsedIsAConflict)
 {
-    const std::vector<Insert> uses{insertCell, insertSubCategory, insertGrant, insertChange};
+    const std::vector<Insert> uses{insertCell, insertSubCategory, insertGrant};
     for (std::size_t use = 0; use < uses.size(); ++use) {
         EXPECT_EQ(failureWith(uses[use], [](Session& session) { session.projects().remove("p1"); }),
                   "conflict")
             << use;
     }
     EXPECT_EQ(store->read()->projects().list().size(), 2U);
+}
+
+TEST_P(Renaming, EntriesOfTheTrailOutliveTheirProject)
+{
+    write([](Session& session) {
+        insertChange(session, "p1", "Settlement");
+        EXPECT_TRUE(session.projects().remove("p1"));
+    });
+    const auto session = store->read();
+    EXPECT_EQ(session->documents(DocumentKind::Change).find("h1")->project, "p1");
+    DocumentQuery query;
+    query.project = "p1";
+    EXPECT_EQ(session->documents(DocumentKind::Change).count(query), 1U);
+}
+
+TEST_P(Renaming, EntriesOfTheTrailMayBeOfNoProject)
+{
+    write([](Session& session) { insertChange(session, "", ""); });
+    const auto session = store->read();
+    EXPECT_EQ(session->documents(DocumentKind::Change).find("h1")->project, "");
+    DocumentQuery query;
+    query.project = "p1";
+    EXPECT_EQ(session->documents(DocumentKind::Change).count(query), 0U);
+    query.everyProject = true;
+    EXPECT_EQ(session->documents(DocumentKind::Change).count(query), 1U);
 }
 
 TEST_P(Renaming, CategoryIsRemovedWhenNothingIsOfIt)

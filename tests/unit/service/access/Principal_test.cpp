@@ -9,7 +9,8 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-Grant grant(const std::string& project, const std::optional<std::string>& category, Rights rights)
+Grant grant(const std::optional<std::string>& project, const std::optional<std::string>& category,
+            Rights rights)
 {
     return {"g", "t", project, category, rights, 0};
 }
@@ -50,13 +51,38 @@ TEST(Principal, TellsAllThatItHolds)
                                       grant("p3", "A", Rights())});
     std::vector<std::string> told;
     for (const HeldRights& held : principal.allRights()) {
-        told.push_back(held.project + " " + held.category.value_or("*") + " " + held.rights.names());
+        told.push_back(held.project.value_or("*") + " " + held.category.value_or("*") + " " +
+                       held.rights.names());
     }
     EXPECT_THAT(told, ElementsAre("p1 * create", "p1 A read,edit", "p2 B delete"));
     EXPECT_TRUE(principal.isKnownIn("p1"));
     EXPECT_TRUE(principal.isKnownIn("p2"));
     EXPECT_FALSE(principal.isKnownIn("p3"));
     EXPECT_FALSE(principal.isKnownIn("p4"));
+}
+
+TEST(Principal, AdministersByAGrantOfTheWholeServiceAlone)
+{
+    const Rights all = Rights(Right::Read) | Right::Create | Right::Edit | Right::Delete | Right::Administer;
+    const Principal administrator("Ada", {grant(std::nullopt, std::nullopt, all)});
+    EXPECT_TRUE(administrator.mayAdminister());
+    EXPECT_FALSE(administrator.isKnownIn("p1"));
+    EXPECT_FALSE(administrator.may(Right::Read, "p1", "A"));
+    EXPECT_FALSE(administrator.may(Right::Administer, "p1", "A"));
+    EXPECT_THAT(*administrator.categoriesWith(Right::Read, "p1"), IsEmpty());
+
+    const Principal editor("Bea", {grant("p1", std::nullopt, all), grant("p2", "A", Right::Administer)});
+    EXPECT_FALSE(editor.mayAdminister());
+    EXPECT_FALSE(editor.may(Right::Administer, "p1", "A"));
+    EXPECT_FALSE(editor.isKnownIn("p2"));
+    EXPECT_EQ(editor.allRights().at(0).rights.names(), "read,create,edit,delete");
+
+    const Principal both("Cleo", {grant("p1", "A", Right::Read), grant(std::nullopt, std::nullopt, all)});
+    EXPECT_TRUE(both.mayAdminister());
+    EXPECT_TRUE(both.may(Right::Read, "p1", "A"));
+    ASSERT_EQ(both.allRights().size(), 2U);
+    EXPECT_EQ(both.allRights().at(0).project, std::nullopt);
+    EXPECT_EQ(both.allRights().at(0).rights.names(), "administer");
 }
 
 } // namespace

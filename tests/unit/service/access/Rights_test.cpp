@@ -18,7 +18,8 @@ TEST(Rights, AreReadFromNamesAndWrittenInOneOrder)
 
 TEST(Rights, EveryNameIsKnown)
 {
-    EXPECT_EQ(Rights::ofNames("read,create,edit,delete")->names(), "read,create,edit,delete");
+    EXPECT_EQ(Rights::ofNames("administer,read,create,edit,delete")->names(),
+              "read,create,edit,delete,administer");
 }
 
 TEST(Rights, UnknownAndEmptyNamesAreRefused)
@@ -28,11 +29,18 @@ TEST(Rights, UnknownAndEmptyNamesAreRefused)
     }
 }
 
+TEST(Rights, LoseOneAlone)
+{
+    const Rights rights = Rights(Right::Read) | Right::Administer;
+    EXPECT_TRUE(rights.without(Right::Administer) == Right::Read);
+    EXPECT_TRUE(rights.without(Right::Edit) == rights);
+}
+
 TEST(Rights, SurviveTheirBits)
 {
-    const Rights rights = Rights(Right::Create) | Right::Edit;
+    const Rights rights = Rights(Right::Create) | Right::Edit | Right::Administer;
     EXPECT_TRUE(Rights::ofBits(rights.bits()) == rights);
-    EXPECT_TRUE(Rights::ofBits(0xff0).empty());
+    EXPECT_TRUE(Rights::ofBits(0xfe0).empty());
 }
 
 } // namespace

@@ -65,13 +65,58 @@ std::vector<std::string> textsOf(SqliteConnection& connection, const std::string
     return texts;
 }
 
+const std::string grantsOfTheFifthVersion = R"sql(
+DROP TABLE grants;
+CREATE TABLE grants (
+    id TEXT PRIMARY KEY,
+    token TEXT NOT NULL REFERENCES tokens (id),
+    project TEXT NOT NULL REFERENCES projects (id),
+    category TEXT REFERENCES categories (name),
+    rights INTEGER NOT NULL,
+    created_at INTEGER NOT NULL
+) STRICT, WITHOUT ROWID;
+CREATE UNIQUE INDEX grants_by_token ON grants (token, project, ifnull(category, x''));
+)sql";
+
+const std::string columnsBeforeTheSeventhVersion = R"sql(
+ALTER TABLE samples DROP COLUMN delivery;
+ALTER TABLE point_locations DROP COLUMN first_delivery;
+ALTER TABLE point_locations DROP COLUMN last_delivery;
+)sql";
+
+// What the sixth version has made anew, without content, and what the seventh has added.
+void backToFifthVersion(SqliteConnection& connection)
+{
+    connection.execute(grantsOfTheFifthVersion + columnsBeforeTheSeventhVersion + R"sql(
+DROP TABLE changes;
+CREATE TABLE changes (
+    project TEXT NOT NULL REFERENCES projects (id),
+    id TEXT NOT NULL UNIQUE,
+    document TEXT NOT NULL,
+    category TEXT NOT NULL AS (json_extract(document, '$.category')) STORED,
+    cell TEXT NOT NULL AS (json_extract(document, '$.cellId')) STORED,
+    sub_category TEXT NOT NULL AS (json_extract(document, '$.subCategoryId')) STORED,
+    action TEXT NOT NULL AS (json_extract(document, '$.action')) STORED,
+    subject TEXT NOT NULL AS (json_extract(document, '$.subject')) STORED,
+    created_by TEXT NOT NULL AS (json_extract(document, '$.createdBy')) STORED,
+    created_at INTEGER NOT NULL AS ()sql" +
+                       instantIn("json_extract(document, '$.createdAt')") + R"sql() STORED,
+    PRIMARY KEY (project, id)
+) STRICT;
+CREATE INDEX changes_by_subject ON changes (subject, id);
+INSERT INTO sqlite_stat1 (tbl, idx, stat) VALUES
+    ('changes', 'sqlite_autoindex_changes_1', '1000000 1'),
+    ('changes', 'sqlite_autoindex_changes_2', '1000000 100000 1'),
+    ('changes', 'changes_by_subject', '1000000 10 1');
+PRAGMA user_version = 5)sql");
+}
+
 // Takes away what the fourth version and those after it have added, but for the documents' members.
 void backToThirdVersion(SqliteConnection& connection)
 {
     connection.execute(
+        grantsOfTheFifthVersion + columnsBeforeTheSeventhVersion +
         "DROP TABLE outbox; DROP TABLE changes; DROP TABLE excesses; "
-        "ALTER TABLE samples DROP COLUMN delivery; ALTER TABLE point_locations DROP COLUMN first_delivery; "
-        "ALTER TABLE point_locations DROP COLUMN last_delivery; "
         "DELETE FROM sqlite_stat1 WHERE tbl IN ('changes', 'excesses'); PRAGMA user_version = 3");
 }
 
@@ -97,7 +142,7 @@ TEST_F(SqliteSchema, FileOfTheFirstVersionBecomesTheCurrentOneWithItsData)
                 Not(Contains(HasSubstr("sqlite_stat"))));
     migrate(connection, patience);
     EXPECT_EQ(schemaOf(connection), current);
-    EXPECT_EQ(connection.integer("PRAGMA user_version"), 5);
+    EXPECT_EQ(connection.integer("PRAGMA user_version"), 7);
     EXPECT_EQ(SqliteStore(file).read()->documents(DocumentKind::Cell).find("c")->category, "Settlement");
 }
 
@@ -241,13 +286,44 @@ TEST_F(SqliteSchema, KnowingWhichDeliveryASampleIsOfCostsAtMostFourBytes)
         return connection.integer("PRAGMA page_count") * connection.integer("PRAGMA page_size");
     };
     const std::int64_t with = bytes();
-    connection.execute("ALTER TABLE samples DROP COLUMN delivery; "
-                       "ALTER TABLE point_locations DROP COLUMN first_delivery; "
-                       "ALTER TABLE point_locations DROP COLUMN last_delivery; VACUUM");
+    connection.execute(columnsBeforeTheSeventhVersion + "VACUUM");
     const double perSample = static_cast<double>(with - bytes()) / (pointCount * samplesEach);
     EXPECT_GT(perSample, 3);
     EXPECT_LE(perSample, 4.1) << "pages are whole, samples are not";
     std::cout << "bytes a sample: " << perSample << '\n';
+}
+
+TEST_F(SqliteSchema, GrantsAndEntriesOfTheFifthVersionStay)
+{
+    SqliteConnection connection = open();
+    const std::vector<std::string> current = schemaOf(connection);
+    backToFifthVersion(connection);
+    connection.execute("INSERT INTO tokens (id, owner, name, secret_sha256, created_at) "
+                       "VALUES ('t', 'Ada', '', x'01', 1);"
+                       "INSERT INTO grants (id, token, project, category, rights, created_at) "
+                       "VALUES ('g1', 't', 'p', NULL, 15, 2), ('g2', 't', 'p', 'Settlement', 1, 3)");
+    const std::string entry = R"({"_id":"h","projectId":"p","category":"Settlement","cellId":"c",)"
+                              R"("subCategoryId":"","action":"cell.changed","subject":"c","name":"Tower",)"
+                              R"("before":{"name":"Mast"},"after":null,)"
+                              R"("createdAt":"2015-12-21T06:30:00.123Z","createdBy":"Ada"})";
+    connection.statement("INSERT INTO changes (project, id, document) VALUES ('p', 'h', ?)")
+        .bind(entry)
+        .run();
+    migrate(connection, patience);
+    EXPECT_EQ(schemaOf(connection), current);
+    EXPECT_THAT(textsOf(connection, "SELECT * FROM pragma_foreign_key_check", 0), ElementsAre());
+
+    SqliteStore store(file);
+    const auto session = store.write();
+    const std::vector<Grant> grants = session->grants().list();
+    ASSERT_EQ(grants.size(), 2U);
+    EXPECT_EQ(grants[0].project, "p");
+    EXPECT_EQ(grants[0].category, std::nullopt);
+    EXPECT_EQ(grants[0].rights.names(), "read,create,edit,delete");
+    EXPECT_EQ(grants[0].createdAt, 2);
+    EXPECT_EQ(grants[1].category, "Settlement");
+    EXPECT_EQ(session->documents(DocumentKind::Change).find("h")->text,
+              entry.substr(0, entry.size() - 1) + R"(,"delivery":""})");
 }
 
 TEST_F(SqliteSchema, EveryIndexOfATableWithFiguresHasThem)
@@ -337,6 +413,18 @@ TEST_F(SqliteSchema, DueNoticesAreFoundByTheirTime)
     const SqliteOutbox outbox(connection, 0, {Channel::Mail});
     EXPECT_THAT(plansOf(connection, [&outbox] { outbox.nextDue(Channel::Mail, 1); }),
                 ElementsAre(HasSubstr("USING INDEX outbox_by_due (channel=? AND due<?)")));
+}
+
+TEST_F(SqliteSchema, LatestEntriesOfAllProjectsAreReadByTheirIdentifiers)
+{
+    SqliteConnection connection = open();
+    const SqliteDocuments changes(connection, documentTable(DocumentKind::Change));
+    DocumentQuery query;
+    query.everyProject = true;
+    query.order = parseOrder("-_id");
+    query.limit = 20;
+    EXPECT_THAT(plansOf(connection, [&] { changes.visit(query, [](std::string_view /*document*/) {}); }),
+                ElementsAre(HasSubstr("USING INDEX sqlite_autoindex_changes_1")));
 }
 
 TEST_F(SqliteSchema, WhatBelongsToADocumentIsReadByIt)
