@@ -1,11 +1,12 @@
 #include "admin/AdminCommand.h"
 
 #include "admin/Suggestion.h"
+#include "administration/Existence.h"
 #include "store/OpenStore.h"
-
-#include <simdjson.h>
+#include "time/TimeZone.h"
 
 #include <algorithm>
+#include <cctype>
 #include <iostream>
 
 namespace monitorservice {
@@ -35,11 +36,6 @@ std::size_t characters(const std::string& text)
     }));
 }
 
-bool isControl(char byte)
-{
-    return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7f;
-}
-
 std::string line(const std::vector<std::string>& cells, const std::vector<std::size_t>& widths)
 {
     std::string text;
@@ -51,6 +47,66 @@ std::string line(const std::vector<std::string>& cells, const std::vector<std::s
     }
     // The last cells of a row may be empty.
     return text.substr(0, text.find_last_not_of(' ') + 1) + '\n';
+}
+
+// The option of a member: "--time-zone" of "timeZone".
+std::string optionOf(const std::string& member)
+{
+    std::string option = "--";
+    for (const char letter : member) {
+        if (std::isupper(static_cast<unsigned char>(letter)) != 0) {
+            option += '-';
+        }
+        option += static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+    }
+    return option;
+}
+
+// Categories are no options: they stand as they are behind the command.
+std::string nameOfValue(const AdministrationError& error)
+{
+    const bool isNamedByItself = error.subject() == "category";
+    const std::string name = isNamedByItself ? error.subject() : optionOf(error.subject());
+    const bool isShown = isNamedByItself || error.subject() == "timeZone";
+    return isShown ? name + " \"" + error.value() + "\"" : name;
+}
+
+// Ends the message about a value with one that could be taken, where that is hard to find.
+std::string possibleValue(const AdministrationError& error)
+{
+    if (error.subject() != "timeZone") {
+        return {};
+    }
+    const std::string meant = didYouMean(error.value(), timeZoneNames());
+    return meant.empty() ? "; Europe/Vienna would be one" : meant;
+}
+
+// Identifiers with the names that are easily given in their place.
+std::vector<std::pair<std::string, std::string>> knownAs(const std::string& kind, const Session& session)
+{
+    std::vector<std::pair<std::string, std::string>> known;
+    if (kind == "token") {
+        for (const Token& token : session.tokens().list()) {
+            known.emplace_back(token.id, token.owner);
+        }
+    }
+    for (const Project& project : session.projects().list()) {
+        if (kind == "project") {
+            known.emplace_back(project.id, project.name);
+        } else if (kind == "sub-category") {
+            for (const SubCategory& one : subCategoriesOf(session, project.id)) {
+                known.emplace_back(one.id, one.name);
+            }
+        }
+    }
+    return known;
+}
+
+std::string suggestionFor(const AdministrationError& unknown, const Session& session)
+{
+    return unknown.subject() == "category"
+               ? didYouMean(unknown.value(), session.categories().list())
+               : didYouMeanIdentifier(unknown.value(), knownAs(unknown.subject(), session));
 }
 
 // To every command, so that it may stand before and behind each word; opening the data requires it. Gives
@@ -101,45 +157,22 @@ std::unique_ptr<Store> openExisting(const AdminSettings& settings)
     return openStore(dataOf(settings));
 }
 
-void checkText(const std::string& what, const std::string& text)
+void explain(const AdministrationError& error, const Session* session)
 {
-    if (!simdjson::validate_utf8(text.data(), text.size())) {
-        throw CommandError(what + " is not UTF-8");
-    }
-    if (text.find_first_not_of(' ') == std::string::npos) {
-        throw CommandError(what + " is empty");
-    }
-    if (std::any_of(text.begin(), text.end(), isControl)) {
-        throw CommandError(what + " has a control character");
+    switch (error.failure()) {
+    case AdministrationFailure::BadValue:
+        throw CommandError(nameOfValue(error) + " " + error.what() + possibleValue(error));
+    case AdministrationFailure::Unknown:
+        throw CommandError(error.what() + (session == nullptr ? "" : suggestionFor(error, *session)));
+    default:
+        throw CommandError(error.what());
     }
 }
 
-void refuseToken(const Session& session, const std::string& id)
+void warn(const std::vector<std::string>& warnings)
 {
-    std::vector<std::pair<std::string, std::string>> known;
-    for (const Token& token : session.tokens().list()) {
-        known.emplace_back(token.id, token.owner);
-    }
-    throw CommandError("there is no token \"" + id + "\"" + didYouMeanIdentifier(id, known));
-}
-
-void checkProject(const Session& session, const std::string& project)
-{
-    if (session.projects().find(project)) {
-        return;
-    }
-    std::vector<std::pair<std::string, std::string>> known;
-    for (const Project& one : session.projects().list()) {
-        known.emplace_back(one.id, one.name);
-    }
-    throw CommandError("there is no project \"" + project + "\"" + didYouMeanIdentifier(project, known));
-}
-
-void checkCategory(const Session& session, const std::string& category)
-{
-    if (!session.categories().contains(category)) {
-        throw CommandError("there is no category \"" + category + "\"" +
-                           didYouMean(category, session.categories().list()));
+    for (const std::string& warning : warnings) {
+        std::cerr << "warning: " + warning + '\n';
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "administration/AdministrationError.h"
 #include "store/Store.h"
 
 #include <CLI/CLI.hpp>
@@ -42,15 +43,33 @@ std::unique_ptr<Store> openOrCreate(const AdminSettings& settings);
 /// Opens the data; there must be some.
 std::unique_ptr<Store> openExisting(const AdminSettings& settings);
 
-/// Throws CommandError naming `what` unless the text is UTF-8, not blank, and without control characters.
-void checkText(const std::string& what, const std::string& text);
+/// Throws CommandError that says of a refusal what people need: the option that is wrong, and what was
+/// probably meant, as far as the session knows it; null: it knows nothing.
+[[noreturn]] void explain(const AdministrationError& error, const Session* session);
 
-/// Throws CommandError: there is no such token. Says which one is meant when its owner's name was given.
-[[noreturn]] void refuseToken(const Session& session, const std::string& id);
+/// Calls an action that may throw AdministrationError, and explains that.
+template <typename Action>
+auto explained(const Session* session, Action&& action)
+{
+    try {
+        return action();
+    } catch (const AdministrationError& error) {
+        explain(error, session);
+    }
+}
 
-/// Throws CommandError when there is no such project, or category.
-void checkProject(const Session& session, const std::string& project);
-void checkCategory(const Session& session, const std::string& category);
+/// Gives an action the session in which it changes the data, and commits. Gives what the action gives.
+template <typename Action>
+auto administer(Store& store, Action&& action)
+{
+    const auto session = store.write();
+    auto result = explained(session.get(), [&] { return action(*session); });
+    session->commit();
+    return result;
+}
+
+/// Writes warnings to the standard error; what they are about was done nevertheless.
+void warn(const std::vector<std::string>& warnings);
 
 /// The value of an option that is not among those it may have: throws CLI::ValidationError, which lists these
 /// and suggests the closest.

@@ -1,6 +1,6 @@
 #include "admin/AdminCommand.h"
-#include "admin/NearNames.h"
-#include "admin/Uses.h"
+#include "admin/CommandAuthor.h"
+#include "administration/CategoryAdministration.h"
 #include "json/JsonText.h"
 
 #include <iostream>
@@ -9,54 +9,49 @@ namespace monitorservice {
 
 namespace {
 
-void warnOfLikeCategories(const Session& session, const std::string& category)
+// Those that are there already stay. Gives the warnings.
+std::vector<std::string> addNewCategories(Session& session, const std::vector<std::string>& categories)
 {
-    for (const std::string& other : session.categories().list()) {
-        if (differInCaseOnly(other, category)) {
-            warn("there is a category \"" + other + "\" too");
+    std::vector<std::string> warnings;
+    CategoryAdministration administration(session, commandAuthor());
+    for (const std::string& category : categories) {
+        if (session.categories().contains(category)) {
+            std::cerr << "category \"" << category << "\" is there already\n";
+            continue;
         }
+        const std::vector<std::string> more = administration.add(category).warnings;
+        warnings.insert(warnings.end(), more.begin(), more.end());
     }
+    return warnings;
 }
 
 void addCategories(const AdminSettings& settings, const std::vector<std::string>& categories)
 {
-    for (const std::string& category : categories) {
-        checkText("category \"" + category + "\"", category);
-    }
-    const auto store = openOrCreate(settings);
-    const auto session = store->write();
-    for (const std::string& category : categories) {
-        if (!session->categories().add(category)) {
-            std::cerr << "category \"" << category << "\" is there already\n";
-            continue;
+    // Before a file comes to be.
+    explained(nullptr, [&] {
+        for (const std::string& category : categories) {
+            CategoryAdministration::check(category);
         }
-        warnOfLikeCategories(*session, category);
-    }
-    session->commit();
+    });
+    const auto store = openOrCreate(settings);
+    warn(administer(*store, [&](Session& session) { return addNewCategories(session, categories); }));
 }
 
 void renameCategory(const AdminSettings& settings, const std::string& category, const std::string& name)
 {
-    checkText("category \"" + name + "\"", name);
     const auto store = openExisting(settings);
-    const auto session = store->write();
-    checkCategory(*session, category);
-    if (name != category && session->categories().contains(name)) {
-        throw CommandError("there is a category \"" + name + "\" already");
-    }
-    session->categories().rename(category, name);
-    warnOfLikeCategories(*session, name);
-    session->commit();
+    const Administered<std::string> renamed = administer(*store, [&](Session& session) {
+        return CategoryAdministration(session, commandAuthor()).rename(category, name);
+    });
+    warn(renamed.warnings);
 }
 
 void removeCategory(const AdminSettings& settings, const std::string& category)
 {
     const auto store = openExisting(settings);
-    const auto session = store->write();
-    checkCategory(*session, category);
-    requireUnused("category \"" + category + "\"", usesOfCategory(*session, category));
-    session->categories().remove(category);
-    session->commit();
+    administer(*store, [&](Session& session) {
+        return CategoryAdministration(session, commandAuthor()).remove(category);
+    });
 }
 
 void listCategories(const AdminSettings& settings, bool json)

@@ -1,8 +1,12 @@
 #include "admin/AdminCommand.h"
+#include "admin/CommandAuthor.h"
+#include "administration/GrantAdministration.h"
 #include "json/JsonText.h"
 
 #include <iostream>
+#include <optional>
 #include <sstream>
+#include <string_view>
 
 namespace monitorservice {
 
@@ -11,86 +15,72 @@ namespace {
 struct GrantArguments
 {
     std::string token;
-    std::string project;
-    std::string category;
-    bool categoryGiven = false;
+    std::optional<std::string> project;
+    std::optional<std::string> category;
     std::string rights;
     std::string role;
 };
+
+constexpr const char* administrator = "administrator";
 
 Rights rightsOfRole(const std::string& role)
 {
     if (role == "reader") {
         return Right::Read;
     }
+    if (role == administrator) {
+        return Right::Administer;
+    }
     if (role != "editor") {
-        refuseValue("--role", role, {"reader", "editor"});
+        refuseValue("--role", role, {"reader", "editor", administrator});
     }
     return Rights(Right::Read) | Right::Create | Right::Edit | Right::Delete;
 }
 
-Rights rightsOf(const GrantArguments& arguments)
+// To administer is no right in a project: it is given by its role alone.
+Rights rightsNamed(const std::string& list)
 {
-    if (!arguments.role.empty()) {
-        return rightsOfRole(arguments.role);
-    }
-    if (const std::optional<Rights> rights = Rights::ofNames(arguments.rights)) {
+    const std::optional<Rights> rights = Rights::ofNames(list);
+    if (rights && !rights->has(Right::Administer)) {
         return *rights;
     }
-    std::istringstream names(arguments.rights);
+    std::istringstream names(list);
     for (std::string name; std::getline(names, name, ',');) {
-        if (!Rights::ofNames(name)) {
+        const std::optional<Rights> right = Rights::ofNames(name);
+        if (!right || right->has(Right::Administer)) {
             refuseValue("--rights", name, {"read", "create", "edit", "delete"});
         }
     }
-    throw CLI::ValidationError("--rights",
-                               "\"" + arguments.rights + "\" is not a list of read, create, edit, delete");
+    throw CLI::ValidationError("--rights", "\"" + list + "\" is not a list of read, create, edit, delete");
 }
 
 void addGrant(const AdminSettings& settings, const GrantArguments& arguments)
 {
     Grant grant;
-    grant.rights = rightsOf(arguments);
+    grant.rights = arguments.role.empty() ? rightsNamed(arguments.rights) : rightsOfRole(arguments.role);
     grant.token = arguments.token;
     grant.project = arguments.project;
+    grant.category = arguments.category;
     const auto store = openExisting(settings);
-    const auto session = store->write();
-    const std::optional<Token> token = session->tokens().find(grant.token);
-    if (!token) {
-        refuseToken(*session, grant.token);
-    }
-    if (token->revokedAt) {
-        throw CommandError("token " + grant.token + " has been revoked");
-    }
-    checkProject(*session, arguments.project);
-    if (arguments.categoryGiven) {
-        checkCategory(*session, arguments.category);
-        grant.category = arguments.category;
-    }
-    grant.id = session->newIdentifier();
-    grant.createdAt = session->now();
-    const std::string id = session->grants().add(grant);
-    session->commit();
-    std::cout << id << '\n';
+    const Grant held = administer(
+        *store, [&](Session& session) { return GrantAdministration(session, commandAuthor()).add(grant); });
+    std::cout << held.id << '\n';
 }
 
 void revokeGrant(const AdminSettings& settings, const std::string& id)
 {
     const auto store = openExisting(settings);
-    const auto session = store->write();
-    if (!session->grants().remove(id)) {
-        throw CommandError("there is no grant \"" + id + "\"");
-    }
-    session->commit();
+    administer(*store,
+               [&](Session& session) { return GrantAdministration(session, commandAuthor()).revoke(id); });
 }
 
-std::string toJson(const Grant& grant)
+// Where the rights of a grant are held, for a table.
+std::vector<std::string> reachOf(const Grant& grant)
 {
-    JsonObjectWriter object;
-    object.text("_id", grant.id).text("tokenId", grant.token);
-    grant.project ? object.text("projectId", *grant.project) : object.null("projectId");
-    grant.category ? object.text("category", *grant.category) : object.null("category");
-    return object.text("rights", grant.rights.names()).text("createdAt", isoText(grant.createdAt)).finish();
+    if (!grant.project) {
+        return {"(the whole service)", ""};
+    }
+    return {*grant.project, grant.category.value_or("(every category)")};
 }
 
 void listGrants(const AdminSettings& settings, bool json)
@@ -98,9 +88,9 @@ void listGrants(const AdminSettings& settings, bool json)
     JsonArrayWriter array;
     std::vector<std::vector<std::string>> rows;
     for (const Grant& grant : openExisting(settings)->read()->grants().list()) {
-        array.json(toJson(grant));
-        rows.push_back({grant.id, grant.token, grant.project.value_or("(the whole service)"),
-                        grant.rights.names(), grant.category.value_or("(every category)")});
+        array.json(toDocument(grant));
+        const std::vector<std::string> reach = reachOf(grant);
+        rows.push_back({grant.id, grant.token, reach[0], grant.rights.names(), reach[1]});
     }
     if (json) {
         std::cout << array.finish() << '\n';
@@ -109,16 +99,30 @@ void listGrants(const AdminSettings& settings, bool json)
     }
 }
 
-// The options cannot be required by the parser, as "grant list" and "grant revoke" have none of them.
-void requireOptions(const CLI::App& grant)
+void refuseOptionsOfProjects(const CLI::App& grant)
 {
+    for (const char* const option : {"--project", "--category"}) {
+        if (grant.count(option) > 0) {
+            throw CLI::ValidationError(option, "an administrator is one of the whole service, not of a part");
+        }
+    }
+}
+
+// The options cannot be required by the parser, as "grant list" and "grant revoke" have none of them.
+void requireOptions(const CLI::App& grant, const GrantArguments& arguments)
+{
+    const bool isOfWholeService = arguments.role == administrator;
     for (const char* const option : {"--token", "--project"}) {
-        if (grant.count(option) == 0) {
+        const bool isNeeded = option != std::string_view("--project") || !isOfWholeService;
+        if (isNeeded && grant.count(option) == 0) {
             throw CLI::RequiredError(option);
         }
     }
     if (grant.count("--rights") + grant.count("--role") != 1) {
         throw CLI::RequiredError("exactly one of --rights and --role");
+    }
+    if (isOfWholeService) {
+        refuseOptionsOfProjects(grant);
     }
 }
 
@@ -126,9 +130,10 @@ void requireOptions(const CLI::App& grant)
 
 void addGrantCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings)
 {
-    CLI::App* const grant = admin.add_subcommand(
-        "grant",
-        "Let a token do something in a project; adds to what it may already; prints the grant's identifier");
+    CLI::App* const grant =
+        admin.add_subcommand("grant", "Let a token do something in a project, or administer the service; "
+                                      "adds to what it may already; prints "
+                                      "the grant's identifier");
     const auto arguments = std::make_shared<GrantArguments>();
     grant->require_subcommand(0, 1);
     grant->add_option("--token", arguments->token, "The token's identifier")->type_name("ID");
@@ -137,11 +142,13 @@ void addGrantCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& set
                       "Only in this category; every category when not given");
     grant->add_option("--rights", arguments->rights,
                       "A list of read, create, edit, delete with commas between");
-    grant->add_option("--role", arguments->role, "reader: read; editor: everything");
+    grant->add_option(
+        "--role", arguments->role,
+        "reader: read; editor: all four; administrator: projects, categories and sub-categories "
+        "of the whole service");
     grant->final_callback([settings, arguments, grant] {
         if (grant->get_subcommands().empty()) {
-            requireOptions(*grant);
-            arguments->categoryGiven = grant->count("--category") > 0;
+            requireOptions(*grant, *arguments);
             addGrant(*settings, *arguments);
         }
     });

@@ -1,9 +1,8 @@
 #include "admin/AdminCommand.h"
-#include "admin/NearNames.h"
-#include "admin/Suggestion.h"
-#include "admin/Uses.h"
+#include "admin/CommandAuthor.h"
+#include "administration/ProjectAdministration.h"
+#include "domain/Document.h"
 #include "json/JsonText.h"
-#include "time/TimeZone.h"
 
 #include <iostream>
 
@@ -11,54 +10,32 @@ namespace monitorservice {
 
 namespace {
 
-void warnOfLikeProjects(const Session& session, const Project& project)
+void createProject(const AdminSettings& settings, const ProjectDescription& description)
 {
-    for (const Project& other : session.projects().list()) {
-        const bool isLike = other.name == project.name || differInCaseOnly(other.name, project.name);
-        if (other.id != project.id && isLike) {
-            warn("project " + other.id + " is called \"" + other.name + "\" too");
-        }
-    }
-}
-
-void createProject(const AdminSettings& settings, Project project)
-{
-    checkText("--name", project.name);
-    if (!isTimeZone(project.timeZone)) {
-        const std::string meant = didYouMean(project.timeZone, timeZoneNames());
-        throw CommandError("--time-zone \"" + project.timeZone +
-                           "\" is not a zone of this system's time zone database" +
-                           (meant.empty() ? "; Europe/Vienna would be one" : meant));
-    }
+    // Before a file comes to be.
+    explained(nullptr, [&] { ProjectAdministration::check(description); });
     const auto store = openOrCreate(settings);
-    const auto session = store->write();
-    project.id = session->newIdentifier();
-    project.createdAt = session->now();
-    session->projects().insert(project);
-    warnOfLikeProjects(*session, project);
-    session->commit();
-    std::cout << project.id << '\n';
+    const Administered<Project> made = administer(*store, [&](Session& session) {
+        return ProjectAdministration(session, commandAuthor()).create(description);
+    });
+    warn(made.warnings);
+    std::cout << made.thing.id << '\n';
 }
 
 void renameProject(const AdminSettings& settings, const std::string& id, const std::string& name)
 {
-    checkText("--name", name);
     const auto store = openExisting(settings);
-    const auto session = store->write();
-    checkProject(*session, id);
-    session->projects().rename(id, name);
-    warnOfLikeProjects(*session, {id, name, {}});
-    session->commit();
+    const Administered<Project> renamed = administer(*store, [&](Session& session) {
+        return ProjectAdministration(session, commandAuthor()).rename(id, name);
+    });
+    warn(renamed.warnings);
 }
 
 void removeProject(const AdminSettings& settings, const std::string& id)
 {
     const auto store = openExisting(settings);
-    const auto session = store->write();
-    checkProject(*session, id);
-    requireUnused("project " + id, usesOfProject(*session, id));
-    session->projects().remove(id);
-    session->commit();
+    administer(*store,
+               [&](Session& session) { return ProjectAdministration(session, commandAuthor()).remove(id); });
 }
 
 void listProjects(const AdminSettings& settings, bool json)
@@ -75,12 +52,8 @@ void listProjects(const AdminSettings& settings, bool json)
     }
     JsonArrayWriter array;
     for (const Project& project : projects) {
-        array.json(JsonObjectWriter()
-                       .text("_id", project.id)
-                       .text("name", project.name)
-                       .text("timeZone", project.timeZone)
-                       .text("createdAt", isoText(project.createdAt))
-                       .finish());
+        array.json(std::string(openedDocument(toDocument(project))) + ",\"createdAt\":\"" +
+                   isoText(project.createdAt) + "\"}");
     }
     std::cout << array.finish() << '\n';
 }
@@ -93,7 +66,7 @@ void addProjectCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& s
         admin.add_subcommand("project", "Sites with their monitorings")->require_subcommand(1);
 
     CLI::App* const create = project->add_subcommand("create", "Make a project; prints its identifier");
-    const auto made = std::make_shared<Project>();
+    const auto made = std::make_shared<ProjectDescription>();
     create->add_option("--name", made->name, "Display name")->required();
     create->add_option("--time-zone", made->timeZone, "Where the project's days begin, such as Europe/Vienna")
         ->required()

@@ -1,8 +1,7 @@
 #include "admin/AdminCommand.h"
-#include "admin/NearNames.h"
-#include "admin/Suggestion.h"
-#include "admin/Uses.h"
-#include "domain/SubCategory.h"
+#include "admin/CommandAuthor.h"
+#include "administration/Existence.h"
+#include "administration/SubCategoryAdministration.h"
 #include "json/JsonText.h"
 
 #include <charconv>
@@ -12,18 +11,12 @@ namespace monitorservice {
 
 namespace {
 
-constexpr std::int32_t mostDecimals = 15;
-
 // What a command says of a sub-category; what is not given stays as it is.
 struct Description
 {
-    std::optional<std::string> name;
-    std::optional<std::string> alias;
+    SubCategoryDescription texts; // without what is written in its own way
     std::optional<std::string> kind;
-    std::optional<std::string> unit;
     std::optional<std::string> decimals;
-
-    bool isEmpty() const { return !name && !alias && !kind && !unit && !decimals; }
 };
 
 std::vector<std::string> kindNames()
@@ -60,134 +53,49 @@ std::optional<std::int32_t> decimalsIn(const std::string& text)
     return decimals;
 }
 
-// An empty alias or unit is none.
-void checkOptionalText(const std::string& what, const std::string& text)
+SubCategoryDescription read(const Description& given)
 {
-    if (!text.empty()) {
-        checkText(what, text);
+    SubCategoryDescription description = given.texts;
+    if (given.kind) {
+        description.kind = kindNamed(*given.kind);
     }
+    if (given.decimals) {
+        description.decimals = decimalsIn(*given.decimals);
+    }
+    return description;
 }
 
-void apply(const Description& description, SubCategory& subCategory)
+void createSubCategory(const AdminSettings& settings, const SubCategory& place, const Description& given)
 {
-    if (description.name) {
-        checkText("--name", *description.name);
-        subCategory.name = *description.name;
-    }
-    if (description.alias) {
-        checkOptionalText("--alias", *description.alias);
-        subCategory.alias = *description.alias;
-    }
-    if (description.kind) {
-        subCategory.kind = kindNamed(*description.kind);
-    }
-    if (description.unit) {
-        checkOptionalText("--unit", *description.unit);
-        subCategory.unit = *description.unit;
-    }
-    if (description.decimals) {
-        subCategory.decimals = decimalsIn(*description.decimals);
-    }
-}
-
-std::vector<SubCategory> subCategoriesOf(const Session& session, const std::string& project)
-{
-    std::vector<SubCategory> subCategories;
-    DocumentQuery query;
-    query.project = project;
-    session.documents(DocumentKind::SubCategory).visit(query, [&](std::string_view document) {
-        subCategories.push_back(fromDocument<SubCategory>(document));
-    });
-    return subCategories;
-}
-
-void warnOfLikeSubCategories(const Session& session, const SubCategory& subCategory)
-{
-    for (const SubCategory& other : subCategoriesOf(session, subCategory.project)) {
-        if (other.id == subCategory.id) {
-            continue;
-        }
-        if (!subCategory.alias.empty() && other.alias == subCategory.alias) {
-            warn("sub-category \"" + other.name + "\" of category \"" + other.category +
-                 "\" has the alias \"" + other.alias + "\" too");
-        }
-        if (other.category == subCategory.category && differInCaseOnly(other.name, subCategory.name)) {
-            warn("category \"" + other.category + "\" of the project has a sub-category \"" + other.name +
-                 "\" too");
-        }
-    }
-}
-
-// Writes with `write`, which fails when the category has a sub-category of this name.
-template <typename Write>
-void writeUnlessNamed(const SubCategory& subCategory, Write&& write)
-{
-    try {
-        write();
-    } catch (const StoreError& error) {
-        if (error.failure() != StoreFailure::Conflict) {
-            throw;
-        }
-        throw CommandError("category \"" + subCategory.category + "\" of the project has a sub-category \"" +
-                           subCategory.name + "\" already");
-    }
-}
-
-void createSubCategory(const AdminSettings& settings, SubCategory subCategory, const Description& description)
-{
-    apply(description, subCategory);
+    const SubCategoryDescription description = read(given);
     const auto store = openExisting(settings);
-    const auto session = store->write();
-    checkProject(*session, subCategory.project);
-    checkCategory(*session, subCategory.category);
-    subCategory.id = session->newIdentifier();
-    writeUnlessNamed(subCategory, [&] {
-        session->documents(DocumentKind::SubCategory)
-            .insert(subCategory.project, subCategory.id, toDocument(subCategory));
+    const Administered<SubCategory> made = administer(*store, [&](Session& session) {
+        return SubCategoryAdministration(session, commandAuthor())
+            .create(place.project, place.category, description);
     });
-    warnOfLikeSubCategories(*session, subCategory);
-    session->commit();
-    std::cout << subCategory.id << '\n';
+    warn(made.warnings);
+    std::cout << made.thing.id << '\n';
 }
 
-SubCategory subCategoryNamed(const Session& session, const std::string& id)
+void changeSubCategory(const AdminSettings& settings, const std::string& id, const Description& given)
 {
-    if (const auto stored = session.documents(DocumentKind::SubCategory).find(id)) {
-        return fromDocument<SubCategory>(stored->text);
+    const SubCategoryDescription description = read(given);
+    if (description.isEmpty()) {
+        throw CLI::RequiredError("one of --name, --alias, --kind, --unit, --decimals");
     }
-    std::vector<std::pair<std::string, std::string>> known;
-    for (const Project& project : session.projects().list()) {
-        for (const SubCategory& one : subCategoriesOf(session, project.id)) {
-            known.emplace_back(one.id, one.name);
-        }
-    }
-    throw CommandError("there is no sub-category \"" + id + "\"" + didYouMeanIdentifier(id, known));
-}
-
-void changeSubCategory(const AdminSettings& settings, const std::string& id, const Description& description)
-{
     const auto store = openExisting(settings);
-    const auto session = store->write();
-    SubCategory subCategory = subCategoryNamed(*session, id);
-    apply(description, subCategory);
-    writeUnlessNamed(subCategory, [&] {
-        session->documents(DocumentKind::SubCategory)
-            .replace(subCategory.project, subCategory.id, toDocument(subCategory));
+    const Administered<SubCategory> changed = administer(*store, [&](Session& session) {
+        return SubCategoryAdministration(session, commandAuthor()).change(id, description);
     });
-    if (description.name || description.alias) {
-        warnOfLikeSubCategories(*session, subCategory);
-    }
-    session->commit();
+    warn(changed.warnings);
 }
 
 void removeSubCategory(const AdminSettings& settings, const std::string& id)
 {
     const auto store = openExisting(settings);
-    const auto session = store->write();
-    const SubCategory subCategory = subCategoryNamed(*session, id);
-    requireUnused("sub-category \"" + subCategory.name + "\"", usesOfSubCategory(*session, subCategory));
-    session->documents(DocumentKind::SubCategory).remove(subCategory.project, subCategory.id);
-    session->commit();
+    administer(*store, [&](Session& session) {
+        return SubCategoryAdministration(session, commandAuthor()).remove(id);
+    });
 }
 
 std::vector<std::string> rowOf(const SubCategory& subCategory)
@@ -204,7 +112,7 @@ void listSubCategories(const AdminSettings& settings, const std::string& onlyPro
     const auto store = openExisting(settings);
     const auto session = store->read();
     if (!onlyProject.empty()) {
-        checkProject(*session, onlyProject);
+        explained(session.get(), [&] { return requireProject(*session, onlyProject); });
     }
     JsonArrayWriter array;
     std::vector<std::vector<std::string>> rows;
@@ -227,11 +135,11 @@ void listSubCategories(const AdminSettings& settings, const std::string& onlyPro
 // Gives the option --name, which one command requires.
 CLI::Option* addDescription(CLI::App& command, Description& description)
 {
-    CLI::Option* const name = command.add_option("--name", description.name, "Display name");
-    command.add_option("--alias", description.alias, "Short name");
+    CLI::Option* const name = command.add_option("--name", description.texts.name, "Display name");
+    command.add_option("--alias", description.texts.alias, "Short name");
     command.add_option("--kind", description.kind,
                        "displacement, settlement, inclinometer, water level, force or other");
-    command.add_option("--unit", description.unit, "Unit of the values, such as mm");
+    command.add_option("--unit", description.texts.unit, "Unit of the values, such as mm");
     command
         .add_option("--decimals", description.decimals,
                     "Decimal places that values are shown with, 0 to 15; none: as they are")
@@ -259,12 +167,7 @@ void addChangeCommand(CLI::App& subCategory, const std::shared_ptr<AdminSettings
     const auto description = std::make_shared<Description>();
     change->add_option("id", *id, "The sub-category's identifier")->required()->type_name("ID");
     addDescription(*change, *description);
-    change->callback([settings, id, description] {
-        if (description->isEmpty()) {
-            throw CLI::RequiredError("one of --name, --alias, --kind, --unit, --decimals");
-        }
-        changeSubCategory(*settings, *id, *description);
-    });
+    change->callback([settings, id, description] { changeSubCategory(*settings, *id, *description); });
 }
 
 } // namespace

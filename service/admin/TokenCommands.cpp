@@ -1,5 +1,7 @@
-#include "access/Secret.h"
 #include "admin/AdminCommand.h"
+#include "admin/CommandAuthor.h"
+#include "administration/TokenAdministration.h"
+#include "domain/Document.h"
 #include "json/JsonText.h"
 #include "time/Timestamp.h"
 
@@ -25,36 +27,30 @@ std::optional<Instant> expiry(const std::string& text, Instant now)
     return time->milliseconds;
 }
 
-void createToken(const AdminSettings& settings, Token token, const std::string& expires, bool json)
+void createToken(const AdminSettings& settings, TokenDescription description, const std::string& expires,
+                 bool json)
 {
-    checkText("--owner", token.owner);
-    if (!token.name.empty()) {
-        checkText("--name", token.name);
-    }
+    // Before a file comes to be.
+    explained(nullptr, [&] { TokenAdministration::check(description); });
     const auto store = openOrCreate(settings);
-    const auto session = store->write();
-    token.id = session->newIdentifier();
-    token.createdAt = session->now();
-    token.expiresAt = expiry(expires, session->now());
-    const std::string text = newTokenText();
-    session->tokens().insert(token, sha256(text));
-    session->commit();
+    const NewToken made = administer(*store, [&](Session& session) {
+        description.expiresAt = expiry(expires, session.now());
+        return TokenAdministration(session, commandAuthor()).create(description);
+    });
     if (json) {
-        std::cout << JsonObjectWriter().text("_id", token.id).text("token", text).finish() << '\n';
+        std::cout << JsonObjectWriter().text("_id", made.token.id).text("token", made.secret).finish()
+                  << '\n';
         return;
     }
-    std::cout << text << '\n';
-    std::cerr << "token " << token.id << " of " << token.owner << "; it is not shown again\n";
+    std::cout << made.secret << '\n';
+    std::cerr << "token " << made.token.id << " of " << made.token.owner << "; it is not shown again\n";
 }
 
 void revokeToken(const AdminSettings& settings, const std::string& id)
 {
     const auto store = openExisting(settings);
-    const auto session = store->write();
-    if (!session->tokens().revoke(id, session->now())) {
-        refuseToken(*session, id);
-    }
-    session->commit();
+    administer(*store,
+               [&](Session& session) { return TokenAdministration(session, commandAuthor()).revoke(id); });
 }
 
 const char* stateOf(const Token& token, Instant now)
@@ -65,22 +61,6 @@ const char* stateOf(const Token& token, Instant now)
     return token.expiresAt && now >= *token.expiresAt ? "expired" : "valid";
 }
 
-std::string toJson(const Token& token, Instant now)
-{
-    JsonObjectWriter object;
-    object.text("_id", token.id)
-        .text("owner", token.owner)
-        .text("name", token.name)
-        .text("state", stateOf(token, now))
-        .text("createdAt", isoText(token.createdAt));
-    const auto optionalTime = [&object](std::string_view member, const std::optional<Instant>& time) {
-        time ? object.text(member, isoText(*time)) : object.null(member);
-    };
-    optionalTime("expiresAt", token.expiresAt);
-    optionalTime("revokedAt", token.revokedAt);
-    return object.finish();
-}
-
 void listTokens(const AdminSettings& settings, bool json)
 {
     const auto store = openExisting(settings);
@@ -88,7 +68,8 @@ void listTokens(const AdminSettings& settings, bool json)
     JsonArrayWriter array;
     std::vector<std::vector<std::string>> rows;
     for (const Token& token : session->tokens().list()) {
-        array.json(toJson(token, session->now()));
+        array.json(std::string(openedDocument(toDocument(token))) + ",\"state\":\"" +
+                   stateOf(token, session->now()) + "\"}");
         rows.push_back({token.id, stateOf(token, session->now()), isoText(token.createdAt),
                         token.expiresAt ? isoText(*token.expiresAt) : "never", token.owner, token.name});
     }
@@ -109,7 +90,7 @@ void addTokenCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& set
     CLI::App* const create = command->add_subcommand(
         "create",
         "Make a token; prints it once to the standard output and its identifier to the standard error");
-    const auto made = std::make_shared<Token>();
+    const auto made = std::make_shared<TokenDescription>();
     const auto expires = std::make_shared<std::string>();
     create->add_option("--owner", made->owner, "Whose it is: the author of what is written with it")
         ->required();

@@ -15,4 +15,7 @@ struct Project
     Instant createdAt = 0;
 };
 
+/// The document under which it is answered.
+std::string toDocument(const Project& project);
+
 } // namespace monitorservice

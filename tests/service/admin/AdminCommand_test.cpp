@@ -158,6 +158,45 @@ TEST_F(AdminCommand, GrantsAddUpAndAreRevoked)
     EXPECT_EQ(memberAt(json, 0, "rights"), R"("read,create,edit,delete")");
 }
 
+TEST_F(AdminCommand, AdministratorIsOneOfTheWholeService)
+{
+    const std::string project = newProject();
+    const std::string token = newTokenId("Ada");
+    const Arguments administrator{"grant", "--token", token, "--role", "administrator"};
+    const std::string grant = line(administrator);
+    EXPECT_EQ(line(administrator), grant);
+    const std::string reader = line({"grant", "--token", token, "--project", project, "--role", "reader"});
+    EXPECT_NE(reader, grant);
+    const std::string json = line({"grant", "list", "--json"});
+    EXPECT_EQ(memberAt(json, 0, "_id"), "\"" + grant + "\"");
+    EXPECT_EQ(memberAt(json, 0, "projectId"), "null");
+    EXPECT_EQ(memberAt(json, 0, "category"), "null");
+    EXPECT_EQ(memberAt(json, 0, "rights"), R"("administer")");
+    EXPECT_EQ(memberAt(json, 1, "rights"), R"("read")");
+    EXPECT_THAT(line({"grant", "list"}), HasSubstr(token + "  (the whole service)       administer\n"));
+    line({"grant", "revoke", grant});
+    EXPECT_THAT(line({"grant", "list"}), ::testing::Not(HasSubstr("administer")));
+}
+
+TEST_F(AdminCommand, AdministratorIsOfNoProject)
+{
+    const std::string project = newProject();
+    const std::string token = newTokenId("Ada");
+    for (const Arguments& option : {Arguments{"--project", project}, Arguments{"--category", "Settlement"}}) {
+        Arguments arguments{"grant", "--token", token, "--role", "administrator"};
+        arguments.insert(arguments.end(), option.begin(), option.end());
+        const CommandResult result = admin(arguments);
+        EXPECT_EQ(result.exitCode, 2);
+        EXPECT_THAT(result.error,
+                    HasSubstr(option.front() + ": an administrator is one of the whole service"));
+    }
+    const CommandResult named =
+        admin({"grant", "--token", token, "--project", project, "--rights", "read,administer"});
+    EXPECT_EQ(named.exitCode, 2);
+    EXPECT_THAT(named.error, HasSubstr("\"administer\" is none of read, create, edit, delete"));
+    EXPECT_EQ(line({"grant", "list", "--json"}), "[]");
+}
+
 TEST_F(AdminCommand, GrantsAreForWhatExists)
 {
     const std::string project = newProject();
@@ -188,6 +227,8 @@ TEST_F(AdminCommand, WrongUsageIsTwo)
              {"grant"},
              {"grant", "--token", "t", "--project", project},
              {"grant", "--token", "t", "--role", "reader"},
+             {"grant", "--role", "administrator"},
+             {"grant", "--token", "t", "--role", "administrator", "--rights", "read"},
              {"grant", "--token", "t", "--project", project, "--role", "owner"},
              {"grant", "--token", "t", "--project", project, "--rights", "write"},
              {"grant", "--token", "t", "--project", project, "--rights", "read", "--role", "reader"},

@@ -77,12 +77,14 @@ TEST_F(Removal, ProjectIsRemovedWhenNothingBelongsToIt)
     expectFailure({"project", "remove", project}, "there is no project");
 }
 
-TEST_F(Removal, ProjectWithAnAuditTrailStays)
+TEST_F(Removal, ProjectsEntriesInTheAuditTrailStay)
 {
     insert(DocumentKind::Change, "h1",
            R"("category":"Settlement","cellId":"","subCategoryId":"","action":"cell.deleted","subject":"c1",)"
            R"("createdAt":"2015-12-21T06:30:00.123Z","createdBy":"Ada")");
-    expectFailure({"project", "remove", project}, "stays: entries of the audit trail: 1\n");
+    EXPECT_EQ(line({"project", "remove", project}), "");
+    const std::unique_ptr<Store> store = openStore(file);
+    EXPECT_EQ(store->read()->documents(DocumentKind::Change).find("h1")->project, project);
 }
 
 TEST_F(Removal, CategoryIsRenamedWithAllThatIsOfIt)

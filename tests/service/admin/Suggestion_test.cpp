@@ -1,7 +1,5 @@
 #include "admin/Suggestion.h"
 
-#include "admin/NearNames.h"
-
 #include <gtest/gtest.h>
 
 namespace monitorservice {
@@ -30,16 +28,6 @@ TEST(Suggestion, EndsAMessage)
 {
     EXPECT_EQ(didYouMean("setlement", kinds), "; did you mean \"settlement\"?");
     EXPECT_EQ(didYouMeanIdentifier("Pti", {{"01", "Slope"}, {"02", "Pit"}}), "; did you mean 02 (\"Pit\")?");
-}
-
-TEST(NearNames, DifferInCaseInAnyScript)
-{
-    EXPECT_TRUE(differInCaseOnly("Ground", "gROUND"));
-    EXPECT_TRUE(differInCaseOnly("Böschung Süd", "BÖSCHUNG SÜD"));
-    EXPECT_TRUE(differInCaseOnly("\\E.*[a] (b)", "\\e.*[A] (B)"));
-    EXPECT_FALSE(differInCaseOnly("Ground", "Ground"));
-    EXPECT_FALSE(differInCaseOnly("Ground", "Grounds"));
-    EXPECT_FALSE(differInCaseOnly("a.c", "ABC"));
 }
 
 } // namespace

@@ -42,10 +42,10 @@ TEST(UsageError, UnknownOptionsSuggestBeforeMissingOnesAreNamed)
 
 TEST(UsageError, UnknownValuesSuggest)
 {
-    expectRefused(
-        {"admin", "--data", "x", "grant", "--token", "t", "--project", "p", "--role", "editr"},
-        "--role: \"editr\" is none of reader, editor; did you mean \"editor\"? (see monitor-service "
-        "admin grant --help)");
+    expectRefused({"admin", "--data", "x", "grant", "--token", "t", "--project", "p", "--role", "editr"},
+                  "--role: \"editr\" is none of reader, editor, administrator; did you mean \"editor\"? (see "
+                  "monitor-service "
+                  "admin grant --help)");
     expectRefused(
         {"admin", "--data", "x", "grant", "--token", "t", "--project", "p", "--rights", "read,edti"},
         "--rights: \"edti\" is none of read, create, edit, delete; did you mean \"edit\"? (see "

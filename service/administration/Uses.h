@@ -13,7 +13,7 @@ std::string usesOfProject(const Session& session, const std::string& project);
 std::string usesOfCategory(const Session& session, const std::string& category);
 std::string usesOfSubCategory(const Session& session, const SubCategory& subCategory);
 
-/// Throws CommandError that names `what` and its uses, if there are any.
+/// Throws AdministrationError with the uses of what is called so in messages, if there are any.
 void requireUnused(const std::string& what, const std::string& uses);
 
 } // namespace monitorservice

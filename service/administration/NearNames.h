@@ -8,7 +8,4 @@ namespace monitorservice {
 /// accepted side by side, but people take one for the other.
 bool differInCaseOnly(const std::string& one, const std::string& other);
 
-/// Writes a warning to the standard error; what it is about is done nevertheless.
-void warn(const std::string& message);
-
 } // namespace monitorservice

@@ -1,6 +1,6 @@
-#include "admin/Uses.h"
+#include "administration/Uses.h"
 
-#include "admin/AdminCommand.h"
+#include "administration/AdministrationError.h"
 #include "query/Where.h"
 
 #include <algorithm>
@@ -33,7 +33,6 @@ std::string usesOfProject(const Session& session, const std::string& project)
     std::string uses;
     addUses(uses, "monitorings", session.documents(DocumentKind::Cell).count(query));
     addUses(uses, "sub-categories", session.documents(DocumentKind::SubCategory).count(query));
-    addUses(uses, "entries of the audit trail", session.documents(DocumentKind::Change).count(query));
     addUses(uses, "grants",
             grantsOf(session, [&project](const Grant& grant) { return grant.project == project; }));
     return uses;
@@ -76,7 +75,8 @@ std::string usesOfSubCategory(const Session& session, const SubCategory& subCate
 void requireUnused(const std::string& what, const std::string& uses)
 {
     if (!uses.empty()) {
-        throw CommandError(what + " is still in use and stays: " + uses);
+        throw AdministrationError(AdministrationFailure::InUse, what, uses,
+                                  what + " is still in use and stays: " + uses);
     }
 }
 

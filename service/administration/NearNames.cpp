@@ -1,11 +1,10 @@
-#include "admin/NearNames.h"
+#include "administration/NearNames.h"
 
 #include "query/Pattern.h"
 #include "query/PatternSearch.h"
 
 #include <algorithm>
 #include <cctype>
-#include <iostream>
 
 namespace monitorservice {
 
@@ -40,11 +39,6 @@ bool differInCaseOnly(const std::string& one, const std::string& other)
     }
     const Pattern pattern("\\A" + literal(one) + "\\z", "i", "name");
     return PatternSearch().finds(pattern, other);
-}
-
-void warn(const std::string& message)
-{
-    std::cerr << "warning: " + message + '\n';
 }
 
 } // namespace monitorservice
