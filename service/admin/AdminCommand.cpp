@@ -22,6 +22,7 @@ Examples:
       --kind settlement --unit mm --decimals 1
   monitor-service admin --data site.db token create --owner "A. Engineer" --name laptop
   monitor-service admin --data site.db grant --token ID --project ID --role editor
+  monitor-service admin --data site.db grant --token ID --role administrator
   monitor-service admin --data site.db token list --json
   monitor-service admin --data site.db backup site-backup.db
   monitor-service admin restore site-backup.db --data restored.db

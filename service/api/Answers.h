@@ -1,11 +1,14 @@
 #pragma once
 
+#include "domain/Document.h"
+#include "domain/DocumentWriter.h"
 #include "http/HttpMessage.h"
 #include "json/JsonText.h"
 
 #include <cstdint>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace monitorservice {
 
@@ -22,6 +25,15 @@ inline HttpResponse answerJson(std::string text, unsigned status = 200)
 inline HttpResponse answerCount(std::uint64_t count)
 {
     return answerJson(JsonObjectWriter().integer("count", static_cast<std::int64_t>(count)).finish());
+}
+
+/// The document with what is allowed of it and hardly meant, if there is anything: the member "warnings".
+inline std::string withWarnings(std::string document, const std::vector<std::string>& warnings)
+{
+    if (warnings.empty()) {
+        return document;
+    }
+    return std::string(openedDocument(document)) + ",\"warnings\":" + textArray(warnings) + "}";
 }
 
 /// Answers 201 with the document that was made and its address, such as "cells/ID".

@@ -17,13 +17,6 @@ namespace {
 constexpr const char* cellKind = "monitoring";
 constexpr const char* cellKinds = "monitorings";
 
-void requireCategory(const Session& session, const std::string& category)
-{
-    if (!session.categories().contains(category)) {
-        throw ApiError(400, "\"category\": there is no category \"" + category + "\"");
-    }
-}
-
 void requireMayCreate(const Session& session, const Principal& principal, const CellBody& body)
 {
     const bool knowsProject = principal.mayAnywhere(Right::Read, *body.project) ||
@@ -31,8 +24,22 @@ void requireMayCreate(const Session& session, const Principal& principal, const 
     if (!knowsProject) {
         throw notFound("project", *body.project);
     }
-    requireCategory(session, *body.category);
+    requireSentCategory(session, *body.category);
     requireRight(principal, Right::Create, cellKinds, *body.project, *body.category);
+}
+
+// What is common to the entries of the audit trail about a monitoring.
+Change cellChange(const char* action, const Cell& cell, const Principal& principal)
+{
+    Change change;
+    change.project = cell.project;
+    change.category = cell.category;
+    change.cell = cell.id;
+    change.action = action;
+    change.subject = cell.id;
+    change.name = cell.name;
+    change.author.name = principal.owner();
+    return change;
 }
 
 // POST cells: answers 201 and the whole monitoring.
@@ -53,6 +60,9 @@ HttpResponse createCell(ApiRequest& request)
     applyTo(cell, body);
     std::string document = toDocument(cell);
     session->documents(DocumentKind::Cell).insert(cell.project, cell.id, document);
+    Change change = cellChange("cell.created", cell, principal);
+    change.after = document;
+    record(*session, std::move(change));
     session->commit();
 
     return answerCreated(std::move(document), "cells/" + cell.id);
@@ -65,20 +75,6 @@ HttpResponse getCell(ApiRequest& request)
     return answerJson(
         readable(request.session->documents(DocumentKind::Cell), request.principal, cellKind, request.ids[0])
             .text);
-}
-
-// What is common to the entries of the audit trail about a monitoring.
-Change cellChange(const char* action, const Cell& cell, const Principal& principal)
-{
-    Change change;
-    change.project = cell.project;
-    change.category = cell.category;
-    change.cell = cell.id;
-    change.action = action;
-    change.subject = cell.id;
-    change.name = cell.name;
-    change.author.name = principal.owner();
-    return change;
 }
 
 // What hangs on a monitoring would be lost with it, and belongs to a sub-category of its category: it has to
@@ -119,7 +115,7 @@ HttpResponse updateCell(ApiRequest& request)
         throw ApiError(400, "\"projectId\": a monitoring stays in its project");
     }
     if (body.category && *body.category != stored.category) {
-        requireCategory(*session, *body.category);
+        requireSentCategory(*session, *body.category);
         requireRight(principal, Right::Edit, cellKinds, stored.project, *body.category);
         requireNothingMeasured(*session, stored, "change its category");
     }

@@ -1,3 +1,4 @@
+#include "api/Administering.h"
 #include "api/Listing.h"
 #include "api/Resources.h"
 
@@ -5,21 +6,35 @@ namespace monitorservice {
 
 namespace {
 
-// GET projects/{project}/changes: the audit trail, newest first; identifiers rise with time whatever the
-// clock does. What is about the project as a whole has no category, so it is given to who may read every
-// category.
-HttpResponse listChanges(ApiRequest& request)
+// Newest first; identifiers rise with time whatever the clock does.
+HttpResponse answerChanges(const ApiRequest& request, const ListReach& reach)
 {
     ListKind list;
     list.order = "-_id";
-    return answerListing(request, request.ids[0], request.session->documents(DocumentKind::Change), list);
+    return answerListing(request, reach, request.session->documents(DocumentKind::Change), list);
+}
+
+// GET projects/{project}/changes: the audit trail of a project. What is about the project as a whole has no
+// category, so it is given to who may read every category.
+HttpResponse listChanges(ApiRequest& request)
+{
+    return answerChanges(request, readableIn(request, request.ids[0]));
+}
+
+// GET changes: the audit trail of the whole service, with what is of no project and of those that are gone.
+HttpResponse listAllChanges(ApiRequest& request)
+{
+    requireAdministrator(request.principal);
+    ListReach all;
+    all.everyProject = true;
+    return answerChanges(request, all);
 }
 
 } // namespace
 
 std::vector<Route> changeRoutes()
 {
-    return {{{"projects", "*", "changes"}, {{"GET", listChanges}}}};
+    return {{{"changes"}, {{"GET", listAllChanges}}}, {{"projects", "*", "changes"}, {{"GET", listChanges}}}};
 }
 
 } // namespace monitorservice

@@ -7,8 +7,9 @@ namespace monitorservice {
 
 /// What this service can beyond the operations that every one has: GET about names it, and tools ask for it
 /// there before they use it. A name that was given once keeps its meaning.
-constexpr std::array<std::string_view, 11> extensions{
+constexpr std::array<std::string_view, 12> extensions{
     "about",            // GET about
+    "administration",   // POST, PATCH and DELETE of projects, categories and sub-categories; GET changes
     "alarmReasons",     // alarm details have reading, reference, unit and the group with its limits
     "changes",          // GET projects/{project}/changes
     "deliveryResults",  // the answer to a delivery tells what became of its samples, and its alarm

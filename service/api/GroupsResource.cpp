@@ -7,7 +7,6 @@
 #include "api/Parameters.h"
 #include "api/Permission.h"
 #include "api/Resources.h"
-#include "domain/DocumentWriter.h"
 #include "trail/AuditTrail.h"
 
 #include <utility>
@@ -49,17 +48,13 @@ std::string requirePlace(const Session& session, const Principal& principal, Rig
     return std::move(cell.category);
 }
 
-// The group as it is answered to who sent it: with what is hardly meant, if there is anything.
-std::string withWarnings(const Session& session, const Principal& principal, const std::string& category,
-                         std::string document)
+// The group as it is answered to who sent it: with what is hardly meant, as far as they may know it.
+std::string asItIsSeen(const Session& session, const Principal& principal, const std::string& category,
+                       std::string document)
 {
     const auto group = fromDocument<Group>(document);
-    const std::vector<std::string> warnings =
-        warningsOf(session, group, principal.may(Right::Read, group.project, category));
-    if (warnings.empty()) {
-        return document;
-    }
-    return std::string(openedDocument(document)) + ",\"warnings\":" + textArray(warnings) + "}";
+    return withWarnings(std::move(document),
+                        warningsOf(session, group, principal.may(Right::Read, group.project, category)));
 }
 
 // What is common to the entries of the audit trail about a group.
@@ -100,7 +95,7 @@ HttpResponse createGroup(ApiRequest& request)
     Change change = groupChange("group.created", group, category, principal);
     change.after = document;
     record(*session, std::move(change));
-    std::string answer = withWarnings(*session, principal, category, std::move(document));
+    std::string answer = asItIsSeen(*session, principal, category, std::move(document));
     session->commit();
     return answerCreated(std::move(answer), "groupSettings/" + group.id);
 }
@@ -131,7 +126,7 @@ HttpResponse updateGroup(ApiRequest& request)
     Group group = fromDocument<Group>(stored.text);
     Change was = groupChange("group.changed", group, stored.category, principal);
     if (!applyTo(group, body)) {
-        return answerJson(withWarnings(*session, principal, stored.category, std::move(stored.text)));
+        return answerJson(asItIsSeen(*session, principal, stored.category, std::move(stored.text)));
     }
     const bool mayMove = body.cell || body.subCategory;
     const std::string category =
@@ -143,7 +138,7 @@ HttpResponse updateGroup(ApiRequest& request)
     Change is = groupChange("group.changed", group, category, principal);
     is.after = document;
     recordReplaced(*session, std::move(was), std::move(is));
-    std::string answer = withWarnings(*session, principal, category, std::move(document));
+    std::string answer = asItIsSeen(*session, principal, category, std::move(document));
     session->commit();
     return answerJson(std::move(answer));
 }

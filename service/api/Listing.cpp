@@ -36,12 +36,21 @@ std::vector<std::string> textsOf(const Documents& documents, const DocumentQuery
 
 } // namespace
 
-ListParameters::ListParameters(const ApiRequest& request, const std::string& project,
+ListReach readableIn(const ApiRequest& request, const std::string& project)
+{
+    ListReach reach;
+    reach.project = project;
+    reach.categories = request.principal.categoriesWith(Right::Read, project);
+    return reach;
+}
+
+ListParameters::ListParameters(const ApiRequest& request, const ListReach& reach,
                                const std::vector<std::string_view>& besides)
     : given(request.http, knownParameters(besides))
 {
-    query.project = project;
-    query.categories = request.principal.categoriesWith(Right::Read, project);
+    query.project = reach.project;
+    query.everyProject = reach.everyProject;
+    query.categories = reach.categories;
     query.skip = given.number("skip").value_or(0);
     query.limit = given.number("limit").value_or(query.limit);
     onlyCount = given.flag("only_count");
@@ -51,7 +60,7 @@ ListParameters::ListParameters(const ApiRequest& request, const std::string& pro
         query.where = &where;
     }
     if (query.categories && query.categories->empty()) {
-        throw notFound("project", project);
+        throw notFound("project", reach.project);
     }
     if (const std::string* const order = given.text("order")) {
         query.order = parseOrder(*order);
@@ -61,7 +70,13 @@ ListParameters::ListParameters(const ApiRequest& request, const std::string& pro
 HttpResponse answerListing(const ApiRequest& request, const std::string& project, const Documents& documents,
                            const ListKind& kind)
 {
-    ListParameters parameters(request, project);
+    return answerListing(request, readableIn(request, project), documents, kind);
+}
+
+HttpResponse answerListing(const ApiRequest& request, const ListReach& reach, const Documents& documents,
+                           const ListKind& kind)
+{
+    ListParameters parameters(request, reach);
     DocumentQuery& query = parameters.query;
     query.parent = kind.parent;
     if (query.order.empty() && kind.order != nullptr) {

@@ -11,13 +11,24 @@
 
 namespace monitorservice {
 
+/// The documents that a list may have at all, whatever is asked for.
+struct ListReach
+{
+    std::string project;
+    bool everyProject = false; ///< whatever the project, and those of none
+    std::optional<std::vector<std::string>> categories = std::nullopt; ///< nothing: every category
+};
+
+/// Those of the project that the caller may read.
+ListReach readableIn(const ApiRequest& request, const std::string& project);
+
 /// What a request for a list asks for, by the parameters where, skip, limit, only_count, expand and order,
 /// and by those that the list has besides.
 struct ListParameters
 {
-    /// Throws ApiError 400 or QueryError for a parameter that is wrong, and ApiError 404 when the caller may
-    /// read nothing in the project.
-    ListParameters(const ApiRequest& request, const std::string& project,
+    /// Throws ApiError 400 or QueryError for a parameter that is wrong, and ApiError 404 when nothing of the
+    /// project can be reached.
+    ListParameters(const ApiRequest& request, const ListReach& reach,
                    const std::vector<std::string_view>& besides = {});
     ListParameters(const ListParameters&) = delete;
     ListParameters& operator=(const ListParameters&) = delete;
@@ -39,9 +50,12 @@ struct ListKind
     std::function<std::string(std::string_view document)> expanded = nullptr;
 };
 
-/// Answers a list of a project's documents, as ListParameters says: an array of those in categories that the
-/// caller may read, or their number as {"count": N}. Throws ApiError 413 when the array is longer than an
-/// answer may be.
+/// Answers a list of documents, as ListParameters says: an array of those in reach, or their number as
+/// {"count": N}. Throws ApiError 413 when the array is longer than an answer may be.
+HttpResponse answerListing(const ApiRequest& request, const ListReach& reach, const Documents& documents,
+                           const ListKind& kind = {});
+
+/// The same of a project's documents in categories that the caller may read.
 HttpResponse answerListing(const ApiRequest& request, const std::string& project, const Documents& documents,
                            const ListKind& kind = {});
 

@@ -14,6 +14,13 @@ StoredDocument readable(const Documents& documents, const Principal& principal, 
     return std::move(*document);
 }
 
+void requireSentCategory(const Session& session, const std::string& category)
+{
+    if (!session.categories().contains(category)) {
+        throw ApiError(400, "\"category\": there is no category \"" + category + "\"");
+    }
+}
+
 void requireRight(const Principal& principal, Right right, const std::string& what,
                   const std::string& project, const std::string& category)
 {

@@ -34,7 +34,7 @@ std::optional<PointDigest> digestIn(const Parameters& parameters)
 // with what these come to. `expand` is accepted; relations are always there.
 HttpResponse listPoints(ApiRequest& request)
 {
-    const ListParameters parameters(request, request.ids[0], {"samples", "rollup"});
+    const ListParameters parameters(request, readableIn(request, request.ids[0]), {"samples", "rollup"});
     const std::optional<PointDigest> digest = digestIn(parameters.given);
     const auto selection = request.session->measurements().select(parameters.query);
     if (parameters.onlyCount) {

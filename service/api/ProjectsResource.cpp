@@ -1,6 +1,10 @@
+#include "administration/ProjectAdministration.h"
+#include "api/Administering.h"
 #include "api/AnswerSize.h"
 #include "api/Answers.h"
 #include "api/ApiError.h"
+#include "api/JsonBody.h"
+#include "api/NameBody.h"
 #include "api/Parameters.h"
 #include "api/Resources.h"
 #include "query/Matcher.h"
@@ -14,15 +18,6 @@
 namespace monitorservice {
 
 namespace {
-
-std::string projectDocument(const Project& project)
-{
-    return JsonObjectWriter()
-        .text("_id", project.id)
-        .text("name", project.name)
-        .text("timeZone", project.timeZone)
-        .finish();
-}
 
 const std::string& memberOf(const Project& project, const std::string& path)
 {
@@ -38,12 +33,17 @@ const std::string& memberOf(const Project& project, const std::string& path)
     refuseOrder(path);
 }
 
-// The projects that the bearer has any right in, by identifier.
+bool maySee(const Principal& principal, const std::string& project)
+{
+    return principal.mayAdminister() || principal.isKnownIn(project);
+}
+
+// The projects that the bearer has any right in or administers, by identifier.
 std::vector<Project> knownProjects(const ApiRequest& request)
 {
     std::vector<Project> projects = request.session->projects().list();
     const auto unknown = std::remove_if(projects.begin(), projects.end(), [&](const Project& project) {
-        return !request.principal.isKnownIn(project.id);
+        return !maySee(request.principal, project.id);
     });
     projects.erase(unknown, projects.end());
     return projects;
@@ -54,7 +54,7 @@ void keepMatching(std::vector<Project>& projects, const std::string& condition)
     Matcher matcher(Where::parse(condition));
     simdjson::dom::parser parser;
     const auto others = std::remove_if(projects.begin(), projects.end(), [&](const Project& project) {
-        return !matcher.matches(parser.parse(projectDocument(project)));
+        return !matcher.matches(parser.parse(toDocument(project)));
     });
     projects.erase(others, projects.end());
 }
@@ -76,7 +76,7 @@ void sortBy(std::vector<Project>& projects, const std::string& order)
     });
 }
 
-// GET projects: a list like others, of the projects that the bearer has any right in.
+// GET projects: a list like others, of the projects that the bearer has any right in or administers.
 HttpResponse listProjects(ApiRequest& request)
 {
     const Parameters parameters(request.http, {"where", "skip", "limit", "only_count", "expand", "order"});
@@ -96,7 +96,7 @@ HttpResponse listProjects(ApiRequest& request)
     }
     JsonArrayWriter array;
     for (std::size_t i = skip; i < projects.size() && i - skip < limit; ++i) {
-        array.json(projectDocument(projects[i]));
+        array.json(toDocument(projects[i]));
         requireRoom(array.size());
     }
     return answerJson(array.finish());
@@ -108,17 +108,70 @@ HttpResponse getProject(ApiRequest& request)
     const Parameters parameters(request.http, {});
     const std::string& id = request.ids[0];
     const std::optional<Project> project = request.session->projects().find(id);
-    if (!project || !request.principal.isKnownIn(id)) {
+    if (!project || !maySee(request.principal, id)) {
         throw notFound("project", id);
     }
-    return answerJson(projectDocument(*project));
+    return answerJson(toDocument(*project));
+}
+
+ProjectDescription parseProjectBody(std::string_view json)
+{
+    const JsonBody text(json);
+    std::optional<std::string> projectName;
+    std::optional<std::string> timeZone;
+    forEachMember(text.object(), "", [&](std::string_view name, simdjson::dom::element value) {
+        if (name == "name") {
+            projectName = textOf(value, "name");
+        } else if (name == "timeZone") {
+            timeZone = textOf(value, "timeZone");
+        } else {
+            throw ApiError(400, "\"" + std::string(name) + "\" is not a member that can be set");
+        }
+    });
+    requireMember(projectName.has_value(), "name");
+    requireMember(timeZone.has_value(), "timeZone");
+    return {*projectName, *timeZone};
+}
+
+// POST projects: answers 201 and the project.
+HttpResponse createProject(ApiRequest& request)
+{
+    const Parameters parameters(request.http, {});
+    const ProjectDescription description = parseProjectBody(request.http.body);
+    return administer(request, [&](Session& session, const std::string& author) {
+        const Administered<Project> made = ProjectAdministration(session, author).create(description);
+        return answerCreated(withWarnings(toDocument(made.thing), made.warnings),
+                             "projects/" + made.thing.id);
+    });
+}
+
+// PATCH projects/{project}: renames it; answers the project.
+HttpResponse renameProject(ApiRequest& request)
+{
+    const Parameters parameters(request.http, {});
+    const std::string name = parseNameBody(request.http.body);
+    return administer(request, [&](Session& session, const std::string& author) {
+        const Administered<Project> renamed =
+            ProjectAdministration(session, author).rename(request.ids[0], name);
+        return answerJson(withWarnings(toDocument(renamed.thing), renamed.warnings));
+    });
+}
+
+// DELETE projects/{project}: answers what was removed.
+HttpResponse removeProject(ApiRequest& request)
+{
+    const Parameters parameters(request.http, {});
+    return administer(request, [&](Session& session, const std::string& author) {
+        return answerJson(toDocument(ProjectAdministration(session, author).remove(request.ids[0])));
+    });
 }
 
 } // namespace
 
 std::vector<Route> projectRoutes()
 {
-    return {{{"projects"}, {{"GET", listProjects}}}, {{"projects", "*"}, {{"GET", getProject}}}};
+    return {{{"projects"}, {{"GET", listProjects}, {"POST", createProject}}},
+            {{"projects", "*"}, {{"GET", getProject}, {"PATCH", renameProject}, {"DELETE", removeProject}}}};
 }
 
 } // namespace monitorservice

@@ -99,4 +99,23 @@ RequestTarget parseRequestTarget(std::string_view target)
     return parsed;
 }
 
+std::string encodedSegment(std::string_view text)
+{
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    constexpr std::string_view asTheyAre =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
+    std::string encoded;
+    for (const char character : text) {
+        if (asTheyAre.find(character) != std::string_view::npos) {
+            encoded += character;
+            continue;
+        }
+        const auto byte = static_cast<unsigned char>(character);
+        encoded += '%';
+        encoded += digits[byte >> 4U];
+        encoded += digits[byte & 0x0fU];
+    }
+    return encoded;
+}
+
 } // namespace monitorservice

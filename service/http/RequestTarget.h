@@ -21,4 +21,7 @@ struct RequestTarget
 /// incomplete percent-encoding, %00, and bytes that are not UTF-8.
 RequestTarget parseRequestTarget(std::string_view target);
 
+/// The text as one segment of a path: all but letters, digits, "-", ".", "_" and "~" is encoded.
+std::string encodedSegment(std::string_view text);
+
 } // namespace monitorservice

@@ -16,8 +16,12 @@ struct Role
     std::string inOwn;
     std::string inBeside;
     std::string inFar;
+    bool administers = false;
 
-    std::string name() const { return everywhere + "-" + inOwn + "-" + inBeside + "-" + inFar; }
+    std::string name() const
+    {
+        return everywhere + "-" + inOwn + "-" + inBeside + "-" + inFar + (administers ? "-a" : "");
+    }
 
     bool may(char right, const Place& place) const
     {
@@ -75,29 +79,36 @@ inline void addToken(Store& store, const Role& role)
                           {{own.project, std::nullopt, rightsOf(role.everywhere)},
                            {own.project, own.category, rightsOf(role.inOwn)},
                            {own.project, beside.category, rightsOf(role.inBeside)},
-                           {far.project, far.category, rightsOf(role.inFar)}});
+                           {far.project, far.category, rightsOf(role.inFar)},
+                           {std::nullopt, std::nullopt, role.administers ? Right::Administer : Rights()}});
 }
 
 /// How a method of a resource answers.
 enum class Rule
 {
-    Unknown,  ///< 405
-    Open,     ///< 200 for every bearer
-    Known,    ///< a project: 200 when any right is held in it, otherwise 404
-    Projects, ///< 200 with the projects that any right is held in
-    Question, ///< 200, the answer is in the text
-    List,     ///< of a project: 200 with what may be read, 404 when nothing may
-    Days,     ///< the same, with statistics
-    Item,     ///< 200 when it may be read, otherwise 404
-    Under,    ///< what hangs on an item: 200 with all of it when the item may be read, otherwise 404
-    Change,   ///< 404 when it may not be read, 403 when it may not be edited, otherwise 200
-    Remove,   ///< the same with delete
-    Held,     ///< the same, but 409 as something hangs on it
-    TakeBack, ///< the same as Change with both edit and delete
-    Make,     ///< 404 when the project is not known to the bearer, 403 without create, otherwise 201
-    Attach,   ///< 400 when the monitoring is not known to the bearer, 403 without create, otherwise 201
-    Deliver,  ///< the same with 200
-    Relate,   ///< 403 when points may be read but not edited, otherwise 200 with the number that may be both
+    Unknown,   ///< 405
+    Open,      ///< 200 for every bearer
+    Known,     ///< a project: 200 when any right is held in it, and for administrators, otherwise 404
+    Projects,  ///< 200 with the projects that any right is held in; for administrators all of them
+    Question,  ///< 200, the answer is in the text
+    List,      ///< of a project: 200 with what may be read, 404 when nothing may
+    Days,      ///< the same, with statistics
+    Item,      ///< 200 when it may be read, otherwise 404
+    Under,     ///< what hangs on an item: 200 with all of it when the item may be read, otherwise 404
+    Change,    ///< 404 when it may not be read, 403 when it may not be edited, otherwise 200
+    Remove,    ///< the same with delete
+    Held,      ///< the same, but 409 as something hangs on it
+    TakeBack,  ///< the same as Change with both edit and delete
+    Make,      ///< 404 when the project is not known to the bearer, 403 without create, otherwise 201
+    Attach,    ///< 400 when the monitoring is not known to the bearer, 403 without create, otherwise 201
+    Deliver,   ///< the same with 200
+    Relate,    ///< 403 when points may be read but not edited, otherwise 200 with the number that may be both
+    Described, ///< of a project, as List; for administrators all of them, 404 without that project
+    Definition, ///< the same as Item
+    Administer, ///< 403 but for administrators, who are answered 200, and 404 when it is not there
+    Found,      ///< the same with 201
+    Used,       ///< the same with 409 as something uses it
+    Trail,      ///< 403 but for administrators: 200 with what is told of all projects
 };
 
 /// One address. "{cells}" stands for the place's first identifier of that kind, "{cells.1}" for its second.
@@ -131,9 +142,12 @@ inline std::vector<Resource> resources()
         R"("data":[{"count":9,"time":"2016-01-01T00:00:00Z","value":1,"timeFlag":""}]})";
     return {
         {"about", "", Rule::Open},
-        {"projects", "", Rule::Projects},
-        {"projects/{project}", "", Rule::Known},
-        {"categories", "", Rule::Open},
+        {"projects", "", Rule::Projects, Rule::Found, no, no, R"({"name":"New pit","timeZone":"UTC"})"},
+        {"projects/{project}", "", Rule::Known, no, no, Rule::Used, R"({"name":"Renamed"})",
+         Rule::Administer},
+        {"categories", "", Rule::Open, Rule::Found, no, no, R"({"name":"Strain"})"},
+        {"categories/Spare", "", no, no, no, Rule::Administer, R"({"name":"Stress"})", Rule::Administer},
+        {"changes", "changes", Rule::Trail},
         {"projects/{project}/auth?category={category}&key=create", "c", Rule::Question},
         {"projects/{project}/auth?category={category}&key=edit", "e", Rule::Question},
         {"projects/{project}/auth?category={category}&key=delete", "d", Rule::Question},
@@ -143,8 +157,10 @@ inline std::vector<Resource> resources()
         {"cells/{cells.1}", "", Rule::Item, no, Rule::Change, Rule::Remove, R"({"links":[]})"},
         {"cells/{cells}/groupSettings", "groupSettings", Rule::Under},
         {"projects/{project}/cells", "cells", Rule::List},
-        {"projects/{project}/subCategories", "subCategories", Rule::List},
-        {"subCategories/{subCategories}", "", Rule::Item},
+        {"projects/{project}/subCategories", "subCategories", Rule::Described, Rule::Found, no, no,
+         R"({"name":"New","category":"{category}"})"},
+        {"subCategories/{subCategories}", "", Rule::Definition, no, no, Rule::Used, R"({"unit":"kN"})",
+         Rule::Administer},
         {"pointLocations", "", no, Rule::Deliver, no, no, "[" + sample + "]"},
         {"pointLocations", "", no, Rule::Deliver, no, no, "[[" + sample + "]]"},
         {"pointLocations?where=%7B%22cellId%22%3A%22{cells}%22%7D", "", no, no, Rule::Relate, no,
@@ -194,8 +210,13 @@ inline std::string filledIn(std::string text, const AccessWorld& world, const Pl
 }
 
 /// What the role must be answered.
-inline unsigned statusFor(Rule rule, const Role& role, const Place& place, bool isNested)
+inline unsigned statusFor(const Resource& resource, Rule rule, const Role& role, const Place& place,
+                          bool isNested)
 {
+    const bool isThere = place.project != nowhere.project || resource.path.find('{') == std::string::npos;
+    const auto administered = [&](unsigned done) {
+        return !role.administers ? 403U : isThere ? done : 404U;
+    };
     const bool reads = role.may('r', place);
     const auto changed = [&](char right, unsigned done) {
         return !reads ? 404U : role.may(right, place) ? done : 403U;
@@ -212,7 +233,18 @@ inline unsigned statusFor(Rule rule, const Role& role, const Place& place, bool 
     case Rule::Question:
         return 200;
     case Rule::Known:
-        return role.isKnownIn(place.project) ? 200 : 404;
+        return isThere && (role.administers || role.isKnownIn(place.project)) ? 200 : 404;
+    case Rule::Described:
+        return isThere && (role.administers || role.mayInProjectOf('r', place)) ? 200 : 404;
+    case Rule::Definition:
+        return isThere && (role.administers || reads) ? 200 : 404;
+    case Rule::Administer:
+    case Rule::Trail:
+        return administered(200);
+    case Rule::Found:
+        return administered(201);
+    case Rule::Used:
+        return administered(409);
     case Rule::List:
     case Rule::Days:
         return role.mayInProjectOf('r', place) ? 200 : 404;

@@ -52,7 +52,8 @@ inline const std::array<const Place*, 3> places{&own, &beside, &far};
 /// Identifiers by kind, named as the paths name them: "cells", "groupSettings"…
 using Identifiers = std::map<std::string, std::vector<std::string>>;
 
-/// A data file to be copied: each place has monitorings, a sub-category, points with and without depths,
+/// A data file to be copied: besides Settlement and Inclinometer the category Spare, which nothing is of, and
+/// each place has monitorings, a sub-category, points with and without depths,
 /// samples, a group with what the audit trail tells of it, a delivery with its history, and the alarm that
 /// it raised.
 class AccessWorld
@@ -73,6 +74,7 @@ public:
             session.projects().insert({far.project, "Far slope", "UTC", 1});
             session.categories().add(own.category);
             session.categories().add(beside.category);
+            session.categories().add("Spare");
         });
         constexpr Rights all = Rights(Right::Read) | Right::Create | Right::Edit | Right::Delete;
         addToken(store, "admin", {{own.project, std::nullopt, all}, {far.project, std::nullopt, all}});
@@ -91,7 +93,7 @@ public:
 
     struct GrantOf
     {
-        std::string project;
+        std::optional<std::string> project;
         std::optional<std::string> category;
         Rights rights;
     };
@@ -193,7 +195,11 @@ private:
                 point(place, cell, place.word + "I1", "2", place.value + 4) + "]");
         ids["pointLocations"] = listed({"projects", place.project, "pointLocations"}, cell);
         ids["dataManages"] = listed({"projects", place.project, "dataManages"}, cell);
-        ids["changes"] = listed({"projects", place.project, "changes"}, cell);
+        for (const std::string& one : ids["cells"]) {
+            for (std::string& id : listed({"projects", place.project, "changes"}, one)) {
+                ids["changes"].push_back(std::move(id));
+            }
+        }
         ids["historyDatas"] = listed({"dataManages", ids["dataManages"].front(), "historyDatas"});
         ids["alarmManages"] = listed({"projects", place.project, "alarmManages"}, cell);
         ids["alarmDetails"] = listed({"alarmManages", ids["alarmManages"].front(), "alarmDetails"});

@@ -105,7 +105,8 @@ protected:
         return text;
     }
 
-    std::string grant(const std::string& token, const std::string& project,
+    /// Without a project it is one of the whole service.
+    std::string grant(const std::string& token, const std::optional<std::string>& project,
                       const std::optional<std::string>& category, Rights rights)
     {
         std::string id;
@@ -114,6 +115,25 @@ protected:
                 {session.newIdentifier(), token.substr(4), project, category, rights, 0});
         });
         return id;
+    }
+
+    std::string newAdministrator(const std::string& owner)
+    {
+        std::string text = newToken(owner);
+        grant(text, std::nullopt, std::nullopt, Right::Administer);
+        return text;
+    }
+
+    /// The latest entry of the audit trail, of whatever project.
+    std::string latestEntry()
+    {
+        std::string latest;
+        DocumentQuery query;
+        query.everyProject = true;
+        store.read()->documents(DocumentKind::Change).visit(query, [&latest](std::string_view entry) {
+            latest = entry;
+        });
+        return latest;
     }
 
     RawAnswer call(const std::string& token, const std::string& method, const std::string& path,

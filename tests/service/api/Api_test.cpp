@@ -187,7 +187,7 @@ TEST_F(ApiTest, UnknownPathsAreNotFound)
 {
     for (const char* const path : {"", "nothing", "cells/a/b", "cells/", "projects/", "projects/p1/",
                                    "projects//cells", "projects/p1/cells/", "projects/p1/../p1/cells",
-                                   "./cells/x", "projects/p1%2Fcells", "categories/x", "Categories"}) {
+                                   "./cells/x", "projects/p1%2Fcells", "categories/x/y", "Categories"}) {
         EXPECT_EQ(get(path).status, 404U) << path;
     }
     EXPECT_EQ(raw(requestText("GET", "/", "", "")).status, 404U);
@@ -213,8 +213,11 @@ TEST_F(ApiTest, UnknownMethodsAreRefusedWithTheKnownOnes)
     for (const Case& one :
          {Case{"cells", "GET", "POST"}, Case{"cells/x", "POST", "GET, PUT, DELETE"},
           Case{"cells/x", "PATCH", "GET, PUT, DELETE"}, Case{"projects/p1/cells", "POST", "GET"},
-          Case{"categories", "POST", "GET"}, Case{"projects/p1/subCategories", "DELETE", "GET"},
-          Case{"subCategories/x", "PUT", "GET"}, Case{"projects/p1/auth", "POST", "GET"}}) {
+          Case{"categories", "PUT", "GET, POST"}, Case{"categories/x", "GET", "PATCH, DELETE"},
+          Case{"projects", "PATCH", "GET, POST"}, Case{"projects/p1", "PUT", "GET, PATCH, DELETE"},
+          Case{"projects/p1/subCategories", "DELETE", "GET, POST"},
+          Case{"subCategories/x", "PUT", "GET, PATCH, DELETE"}, Case{"changes", "POST", "GET"},
+          Case{"projects/p1/auth", "POST", "GET"}}) {
         const RawAnswer answer = call(editor, one.method, one.path);
         EXPECT_EQ(answer.status, 405U) << one.method << ' ' << one.path;
         EXPECT_EQ(answer.fields.at("allow"), one.allow) << one.method << ' ' << one.path;

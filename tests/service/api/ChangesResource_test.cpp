@@ -94,6 +94,16 @@ TEST_F(ChangesResource, TellWhatBecameOfAGroup)
     EXPECT_THAT(changes(), ElementsAre("group.deleted", "group.changed", "group.created"));
 }
 
+TEST_F(ChangesResource, TellOfANewMonitoring)
+{
+    const std::string id = newCell("Mast");
+    EXPECT_EQ(newest(), R"({"_id":")" + member(newest(), "_id") +
+                            R"(","projectId":"p1","category":"Settlement","cellId":")" + id +
+                            R"(","subCategoryId":"","action":"cell.created","subject":")" + id +
+                            R"(","name":"Mast","before":null,"after":)" + get("cells/" + id).body +
+                            R"(,"createdAt":"2015-12-21T06:30:00.123Z","createdBy":"Ada Editor"})");
+}
+
 TEST_F(ChangesResource, TellWhatBecameOfAMonitoring)
 {
     const std::string path = "cells/" + tower;
@@ -221,6 +231,47 @@ TEST_F(ChangesResource, AreReadByWhoMayReadTheirCategory)
     EXPECT_EQ(call(creator, "GET", list).status, 404U);
     EXPECT_EQ(call(reader, "GET", "projects/vienna/changes").status, 404U);
     EXPECT_THAT(members(get("projects/vienna/changes"), "_id"), IsEmpty());
+}
+
+TEST_F(ChangesResource, OfTheWholeServiceAreForAdministrators)
+{
+    const std::string administrator = newAdministrator("Root");
+    const auto asked = [&](const std::string& parameters) {
+        return call(administrator, "GET", "changes" + parameters);
+    };
+    EXPECT_EQ(asked("").body, "[]");
+    newGroup("Corner");
+    now += 1000;
+    const std::string made =
+        member(call(administrator, "POST", "projects", R"({"name":"Dam","timeZone":"UTC"})").body, "_id");
+    call(administrator, "POST", "categories", R"({"name":"Strain"})");
+    call(administrator, "DELETE", "projects/" + made);
+    EXPECT_THAT(members(asked(""), "action"),
+                ElementsAre("project.removed", "category.created", "project.created", "group.created"));
+    EXPECT_THAT(members(asked(""), "projectId"), ElementsAre(made, "", made, "p1"));
+    EXPECT_THAT(members(asked("?order=createdAt,action&skip=1&limit=2"), "action"),
+                ElementsAre("category.created", "project.created"));
+    EXPECT_EQ(asked("?only_count=true").body, R"({"count":4})");
+    EXPECT_THAT(members(asked("?where=" + percentEncoded(R"({"projectId":""})")), "name"),
+                ElementsAre("Strain"));
+    EXPECT_THAT(members(asked("?where=" + percentEncoded(R"({"before.name":"Dam"})")), "action"),
+                ElementsAre("project.removed"));
+    EXPECT_EQ(refusal(asked("?order=name")).substr(0, 3), "400");
+    EXPECT_EQ(refusal(asked("?project=p1")).substr(0, 3), "400");
+    EXPECT_EQ(refusal(get("changes")), "403 the token may not administer the service");
+    EXPECT_EQ(call("", "GET", "changes").status, 401U);
+    EXPECT_THAT(changes(), ElementsAre("group.created")) << "of a project as before";
+    EXPECT_EQ(call(administrator, "GET", list).status, 404U) << "without a right in the project";
+}
+
+TEST_F(ChangesResource, OfAProjectsNameAreForWhoMayReadAllOfIt)
+{
+    const std::string administrator = newAdministrator("Root");
+    call(administrator, "PATCH", "projects/p1", R"({"name":"Grube"})");
+    call(administrator, "PATCH", "subCategories/ground", R"({"unit":"mm"})");
+    EXPECT_THAT(changes(newTokenFor("Settlement", Right::Read)), ElementsAre("subCategory.changed"));
+    EXPECT_THAT(changes(newTokenFor("Inclinometer", Right::Read)), IsEmpty());
+    EXPECT_THAT(changes(), ElementsAre("subCategory.changed", "project.renamed"));
 }
 
 TEST_F(ChangesResource, CanOnlyBeRead)

@@ -3,6 +3,7 @@
 #include "ApiFixture.h"
 #include "domain/PointLocation.h"
 #include "json/JsonText.h"
+#include "store/StoreContents.h"
 #include "time/LocalDays.h"
 #include "time/Timestamp.h"
 
@@ -35,7 +36,7 @@ struct NewPoint
 };
 
 /// With project "vienna" in its time zone, and in p1 and there a monitoring and a sub-category of each
-/// category. Points are written into the store, not delivered.
+/// category. Points are written into the store, not delivered. The audit trail is empty.
 class MeasuredFixture : public ApiFixture
 {
 protected:
@@ -50,6 +51,17 @@ protected:
         tower = newCell("Tower 1");
         wall = newCell("Wall", "Inclinometer");
         tunnel = newCellIn("vienna", "Tunnel");
+        clearTrail();
+    }
+
+    void clearTrail()
+    {
+        write([](Session& session) {
+            for (const std::string& entry : entriesOf(session)) {
+                session.documents(DocumentKind::Change)
+                    .remove(member(entry, "projectId"), member(entry, "_id"));
+            }
+        });
     }
 
     void newSubCategory(const SubCategory& subCategory)

@@ -123,4 +123,17 @@ TEST(RequestTarget, RefusesFragmentsBlanksControlsAndRawBytes)
     EXPECT_EQ(refusal(std::string_view("/a\0b", 4)), 400U);
 }
 
+TEST(RequestTarget, SegmentIsReadAsItWasEncoded)
+{
+    EXPECT_EQ(encodedSegment("Settlement-1_a.b~"), "Settlement-1_a.b~");
+    EXPECT_EQ(encodedSegment("a/b ?%#\u00e4"), "a%2Fb%20%3F%25%23%C3%A4");
+    std::string all;
+    for (char character = 1; character < 127; ++character) {
+        all += character;
+    }
+    const RequestTarget parsed = parseRequestTarget("/" + encodedSegment(all) + "/x");
+    ASSERT_EQ(parsed.path.size(), 2U);
+    EXPECT_EQ(parsed.path.front(), all);
+}
+
 } // namespace monitorservice
