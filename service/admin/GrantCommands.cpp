@@ -130,10 +130,9 @@ void requireOptions(const CLI::App& grant, const GrantArguments& arguments)
 
 void addGrantCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings)
 {
-    CLI::App* const grant =
-        admin.add_subcommand("grant", "Let a token do something in a project, or administer the service; "
-                                      "adds to what it may already; prints "
-                                      "the grant's identifier");
+    CLI::App* const grant = admin.add_subcommand(
+        "grant", "Let a token do something in a project, or administer the service; adds to what it may "
+                 "already; prints the grant's identifier");
     const auto arguments = std::make_shared<GrantArguments>();
     grant->require_subcommand(0, 1);
     grant->add_option("--token", arguments->token, "The token's identifier")->type_name("ID");
@@ -144,8 +143,8 @@ void addGrantCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& set
                       "A list of read, create, edit, delete with commas between");
     grant->add_option(
         "--role", arguments->role,
-        "reader: read; editor: all four; administrator: projects, categories and sub-categories "
-        "of the whole service");
+        "reader: read; editor: read, create, edit, delete; administrator: projects, categories and "
+        "sub-categories of the whole service");
     grant->final_callback([settings, arguments, grant] {
         if (grant->get_subcommands().empty()) {
             requireOptions(*grant, *arguments);

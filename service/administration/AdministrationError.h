@@ -41,7 +41,7 @@ private:
 };
 
 /// There is none of this kind, such as "project", that is identified so.
-inline AdministrationError unknown(const std::string& kind, const std::string& id)
+inline AdministrationError noSuch(const std::string& kind, const std::string& id)
 {
     return {AdministrationFailure::Unknown, kind, id, "there is no " + kind + " \"" + id + "\""};
 }

@@ -86,7 +86,7 @@ Administered<std::string> CategoryAdministration::rename(const std::string& cate
 std::string CategoryAdministration::remove(const std::string& category)
 {
     requireCategory(m_session, category);
-    requireUnused("category \"" + category + "\"", usesOfCategory(m_session, category));
+    requireUnused("category", "\"" + category + "\"", usesOfCategory(m_session, category));
     m_session.categories().remove(category);
     Change change = categoryChange("category.removed", category, m_author);
     change.before = categoryDocument(category);

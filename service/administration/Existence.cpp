@@ -10,7 +10,7 @@ Project requireProject(const Session& session, const std::string& id)
 {
     std::optional<Project> project = session.projects().find(id);
     if (!project) {
-        throw unknown("project", id);
+        throw noSuch("project", id);
     }
     return std::move(*project);
 }
@@ -18,7 +18,7 @@ Project requireProject(const Session& session, const std::string& id)
 void requireCategory(const Session& session, const std::string& category)
 {
     if (!session.categories().contains(category)) {
-        throw unknown("category", category);
+        throw noSuch("category", category);
     }
 }
 
@@ -26,7 +26,7 @@ SubCategory requireSubCategory(const Session& session, const std::string& id)
 {
     const std::optional<StoredDocument> stored = session.documents(DocumentKind::SubCategory).find(id);
     if (!stored) {
-        throw unknown("sub-category", id);
+        throw noSuch("sub-category", id);
     }
     return fromDocument<SubCategory>(stored->text);
 }
@@ -35,7 +35,7 @@ Token requireToken(const Session& session, const std::string& id)
 {
     std::optional<Token> token = session.tokens().find(id);
     if (!token) {
-        throw unknown("token", id);
+        throw noSuch("token", id);
     }
     return std::move(*token);
 }
@@ -46,7 +46,7 @@ Grant requireGrant(const Session& session, const std::string& id)
     const auto grant =
         std::find_if(grants.begin(), grants.end(), [&id](const Grant& one) { return one.id == id; });
     if (grant == grants.end()) {
-        throw unknown("grant", id);
+        throw noSuch("grant", id);
     }
     return *grant;
 }

@@ -84,7 +84,7 @@ Administered<Project> ProjectAdministration::rename(const std::string& id, const
 Project ProjectAdministration::remove(const std::string& id)
 {
     Project project = requireProject(m_session, id);
-    requireUnused("project " + id, usesOfProject(m_session, id));
+    requireUnused("project", id, usesOfProject(m_session, id));
     m_session.projects().remove(id);
     Change change = projectChange("project.removed", project, m_author);
     change.before = toDocument(project);

@@ -136,7 +136,7 @@ Administered<SubCategory> SubCategoryAdministration::change(const std::string& i
 SubCategory SubCategoryAdministration::remove(const std::string& id)
 {
     SubCategory subCategory = requireSubCategory(m_session, id);
-    requireUnused("sub-category \"" + subCategory.name + "\"", usesOfSubCategory(m_session, subCategory));
+    requireUnused("sub-category", "\"" + subCategory.name + "\"", usesOfSubCategory(m_session, subCategory));
     m_session.documents(DocumentKind::SubCategory).remove(subCategory.project, id);
     Change change = subCategoryChange("subCategory.removed", subCategory, m_author);
     change.before = toDocument(subCategory);

@@ -72,11 +72,11 @@ std::string usesOfSubCategory(const Session& session, const SubCategory& subCate
     return uses;
 }
 
-void requireUnused(const std::string& what, const std::string& uses)
+void requireUnused(const std::string& kind, const std::string& name, const std::string& uses)
 {
     if (!uses.empty()) {
-        throw AdministrationError(AdministrationFailure::InUse, what, uses,
-                                  what + " is still in use and stays: " + uses);
+        throw AdministrationError(AdministrationFailure::InUse, kind, name,
+                                  kind + " " + name + " is still in use and stays: " + uses);
     }
 }
 

@@ -13,7 +13,8 @@ std::string usesOfProject(const Session& session, const std::string& project);
 std::string usesOfCategory(const Session& session, const std::string& category);
 std::string usesOfSubCategory(const Session& session, const SubCategory& subCategory);
 
-/// Throws AdministrationError with the uses of what is called so in messages, if there are any.
-void requireUnused(const std::string& what, const std::string& uses);
+/// Throws AdministrationError with the uses, if there are any. The kind is such as "project"; `name` is how
+/// the message calls the thing behind it.
+void requireUnused(const std::string& kind, const std::string& name, const std::string& uses);
 
 } // namespace monitorservice

@@ -48,7 +48,7 @@ TEST_F(CategoriesAdministered, WhatIsRefusedIsNotToldOf)
         .insert("p1", "s1",
                 R"({"_id":"s1","projectId":"p1","name":"Ground","category":"Settlement","alias":""})");
     EXPECT_EQ(refusalOf([&] { administration.remove("Settlement"); }),
-              "in use category \"Settlement\": category \"Settlement\" is still in use and stays: "
+              "in use category: category \"Settlement\" is still in use and stays: "
               "sub-categories: 1 in project \"Pit\"");
     EXPECT_THAT(entries(), IsEmpty());
     session->categories().add("Strain");

@@ -65,7 +65,7 @@ TEST_F(ProjectsAdministered, WhatIsRefusedIsNotToldOf)
         .insert("p1", "s1",
                 R"({"_id":"s1","projectId":"p1","name":"Ground","category":"Settlement","alias":""})");
     EXPECT_EQ(refusalOf([&] { administration.remove("p1"); }),
-              "in use project p1: project p1 is still in use and stays: sub-categories: 1");
+              "in use project: project p1 is still in use and stays: sub-categories: 1");
     EXPECT_THAT(entries(), IsEmpty());
 }
 
