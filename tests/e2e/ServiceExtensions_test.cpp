@@ -234,8 +234,8 @@ TEST_F(ServiceExtensionsOnService, ChangesAreListedNewestFirst)
     PointChange change;
     change.initialValue = 100.25;
     extensions->changePoint(id, change);
-    const QList<AuditEntry> entries = extensions->changes(project, {}, 0, 10);
-    ASSERT_EQ(entries.size(), 2);
+    const QList<AuditEntry> entries = extensions->changes(project, {}, 0, 100);
+    ASSERT_GE(entries.size(), 4);
     EXPECT_EQ(entries[0].action, "initialValue.changed"_q);
     EXPECT_EQ(entries[0].subject, id);
     EXPECT_EQ(entries[0].name, "S1"_q);
@@ -249,10 +249,12 @@ TEST_F(ServiceExtensionsOnService, ChangesAreListedNewestFirst)
     EXPECT_TRUE(entries[1].before.isNull());
     EXPECT_EQ(entries[1].after.toObject().value("_id"_q), group);
     EXPECT_GE(entries[0].time, entries[1].time);
+    EXPECT_EQ(entries[2].action, "cell.created"_q);
+    EXPECT_EQ(entries.constLast().action, "project.created"_q);
 
     AuditQuery query;
     query.order = "_id"_q;
-    EXPECT_EQ(extensions->changes(project, query, 0, 1).constFirst().id, entries[1].id);
+    EXPECT_EQ(extensions->changes(project, query, 0, 1).constFirst().id, entries.constLast().id);
     query.where = QJsonObject{{"action"_q, "group.created"_q}};
     EXPECT_EQ(extensions->changeCount(project, query), 1);
 }
