@@ -325,18 +325,16 @@ TEST_F(ServiceExtensionsOnService, DeliveriesAreTakenBack)
     session->ask("list data"_q,
                  [&] { return session->projectData().getDataManageRangeData(condition, 0, 9, dataManages); });
     ASSERT_EQ(dataManages.size(), 1);
-    RKHistoryDataCondition ofIt;
-    ofIt.dataManageId = dataManages[0].id;
-    QList<HistoryData> history;
-    session->ask("list deliveries"_q,
-                 [&] { return session->data().getHistoryRangeData(ofIt, 0, 9, history); });
+    const QList<DeliveryEntry> history = extensions->deliveries(dataManages[0].id, 0, 9);
     ASSERT_EQ(history.size(), 2);
     EXPECT_THAT(messageOf([&] { extensions->undoDelivery(history[1].id); }),
                 testing::HasSubstr("delivery 1 is not the latest of its data manage: that is delivery 2"));
     const UndoneDelivery undone = extensions->undoDelivery(history[0].id);
     EXPECT_EQ(undone.delivery.id, history[0].id);
-    EXPECT_EQ(undone.dataManageId, dataManages[0].id);
-    EXPECT_EQ(undone.correctCount, 1);
+    EXPECT_EQ(undone.delivery.dataManageId, dataManages[0].id);
+    EXPECT_EQ(undone.delivery.number, 2);
+    EXPECT_EQ(undone.delivery.sentCount, 4);
+    EXPECT_EQ(undone.delivery.correctCount, 1);
     EXPECT_EQ(undone.removed, 2);
     EXPECT_EQ(undone.restored, 1);
     EXPECT_EQ(undone.removedPoints, 1);

@@ -124,8 +124,15 @@ ChangedGroupSides ServiceExtensions::changeGroupSides(const QString& id, const G
         needing(Extension::GroupSides, QStringLiteral("change the sides of group %1").arg(id)), id, change);
 }
 
-UndoneDelivery ServiceExtensions::undoDelivery(const QString& historyId)
+QList<DeliveryEntry> ServiceExtensions::deliveries(const QString& dataManageId, int skip, int limit)
+{
+    return extensions::readDeliveries(
+        needing(Extension::DeliveryUndo, QStringLiteral("list the deliveries of %1").arg(dataManageId)),
+        dataManageId, skip, limit);
+}
+
+UndoneDelivery ServiceExtensions::undoDelivery(const QString& deliveryId)
 {
     return extensions::undoDelivery(
-        needing(Extension::DeliveryUndo, QStringLiteral("undo delivery %1").arg(historyId)), historyId);
+        needing(Extension::DeliveryUndo, QStringLiteral("undo delivery %1").arg(deliveryId)), deliveryId);
 }

@@ -3,7 +3,7 @@
 #include "ServiceSession.h"
 #include "extensions/AlarmReasons.h"
 #include "extensions/AuditTrail.h"
-#include "extensions/DeliveryUndo.h"
+#include "extensions/DeliveryHistory.h"
 #include "extensions/Extension.h"
 #include "extensions/GroupSides.h"
 #include "extensions/Points.h"
@@ -75,9 +75,12 @@ public:
     /// Changes what is set, and gives what is so then. PUT groupSettings/{id}.
     ChangedGroupSides changeGroupSides(const QString& id, const GroupSidesChange& change);
 
-    /// Takes the latest delivery of a monitoring and sub-category back. A Failure (Refused) with the
-    /// service's words when it is another one. DELETE historyDatas/{id}.
-    UndoneDelivery undoDelivery(const QString& historyId);
+    /// At most `limit` deliveries of a data manage from the one at `skip` on, the latest first, with the
+    /// identifiers that the library's history leaves out. GET dataManages/{id}/historyDatas.
+    QList<DeliveryEntry> deliveries(const QString& dataManageId, int skip, int limit);
+    /// Takes the latest delivery of a data manage back. A Failure (Refused) with the service's words when it
+    /// is another one. DELETE historyDatas/{id}.
+    UndoneDelivery undoDelivery(const QString& deliveryId);
 
 private:
     std::optional<ServiceAbout> knownAbout();

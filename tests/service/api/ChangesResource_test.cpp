@@ -101,7 +101,7 @@ TEST_F(ChangesResource, TellOfANewMonitoring)
                             R"(","projectId":"p1","category":"Settlement","cellId":")" + id +
                             R"(","subCategoryId":"","action":"cell.created","subject":")" + id +
                             R"(","name":"Mast","before":null,"after":)" + get("cells/" + id).body +
-                            R"(,"createdAt":"2015-12-21T06:30:00.123Z","createdBy":"Ada Editor"})");
+                            R"(,"delivery":"","createdAt":"2015-12-21T06:30:00.123Z","createdBy":"Ada Editor"})");
 }
 
 TEST_F(ChangesResource, TellWhatBecameOfAMonitoring)

@@ -80,6 +80,10 @@ protected:
              [](auto& it) {
                  it.changeGroupSides("x1"_q, {});
              }},
+            {"deliveries", Extension::DeliveryUndo, "DELETE historyDatas/{id}",
+             [](auto& it) {
+                 it.deliveries("x1"_q, 0, 1);
+             }},
             {"undoDelivery", Extension::DeliveryUndo, "DELETE historyDatas/{id}",
              [](auto& it) {
                  it.undoDelivery("x1"_q);
@@ -156,6 +160,7 @@ TEST_F(ServiceExtensionsTest, ReachNoOtherResourceByWhatIsNoIdentifier)
         EXPECT_EQ(failureOf([&] { service.deletePoint(id); }), FailureKind::BadInput) << id.toStdString();
         EXPECT_EQ(failureOf([&] { service.deleteSamples(id, {}); }), FailureKind::BadInput);
         EXPECT_EQ(failureOf([&] { service.undoDelivery(id); }), FailureKind::BadInput);
+        EXPECT_EQ(failureOf([&] { service.deliveries(id, 0, 1); }), FailureKind::BadInput);
         EXPECT_EQ(failureOf([&] { service.changes(id, {}, 0, 1); }), FailureKind::BadInput);
     }
     EXPECT_EQ(server.requestCount(), before);
