@@ -97,11 +97,12 @@ TEST_F(ChangesResource, TellWhatBecameOfAGroup)
 TEST_F(ChangesResource, TellOfANewMonitoring)
 {
     const std::string id = newCell("Mast");
-    EXPECT_EQ(newest(), R"({"_id":")" + member(newest(), "_id") +
-                            R"(","projectId":"p1","category":"Settlement","cellId":")" + id +
-                            R"(","subCategoryId":"","action":"cell.created","subject":")" + id +
-                            R"(","name":"Mast","before":null,"after":)" + get("cells/" + id).body +
-                            R"(,"delivery":"","createdAt":"2015-12-21T06:30:00.123Z","createdBy":"Ada Editor"})");
+    EXPECT_EQ(newest(),
+              R"({"_id":")" + member(newest(), "_id") +
+                  R"(","projectId":"p1","category":"Settlement","cellId":")" + id +
+                  R"(","subCategoryId":"","action":"cell.created","subject":")" + id +
+                  R"(","name":"Mast","before":null,"after":)" + get("cells/" + id).body +
+                  R"(,"delivery":"","createdAt":"2015-12-21T06:30:00.123Z","createdBy":"Ada Editor"})");
 }
 
 TEST_F(ChangesResource, TellWhatBecameOfAMonitoring)
