@@ -125,6 +125,19 @@ TEST_F(ServiceExtensionsOnService, AboutTellsWhatTheServiceCanAndWhoAsks)
     EXPECT_EQ(extensions->about().rights[0].rights, QStringList{"read"_q});
 }
 
+TEST_F(ServiceExtensionsOnService, AboutTellsAnAdministratorSo)
+{
+    const MonitorService::Token token = service().createToken("Cleo"_q, project, "reader"_q, "Pit"_q);
+    service().admin({"grant"_q, "--token"_q, token.id, "--role"_q, "administrator"_q});
+    workAs(token, service().baseAddress());
+    const ServiceAbout about = extensions->about();
+    ASSERT_EQ(about.rights.size(), 2);
+    EXPECT_EQ(about.rights[0].project, std::nullopt);
+    EXPECT_EQ(about.rights[0].rights, QStringList{"administer"_q});
+    EXPECT_EQ(about.rights[1].project, project);
+    EXPECT_EQ(extensions->project(project).id, project);
+}
+
 TEST_F(ServiceExtensionsOnService, AboutOfATokenThatIsNotKnownIsAFailure)
 {
     workAs({QString(), "rkm_unknown"_q}, service().baseAddress());

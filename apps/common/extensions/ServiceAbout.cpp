@@ -27,7 +27,7 @@ bool hasNoAbout(const ServiceReply& reply)
 HeldRights rightsOf(const AnswerObject& object)
 {
     HeldRights held;
-    held.project = object.identifier("projectId");
+    held.project = object.textOrNull("projectId");
     held.category = object.textOrNull("category");
     held.rights = object.texts("rights");
     return held;

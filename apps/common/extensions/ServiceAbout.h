@@ -8,12 +8,12 @@
 
 #include <optional>
 
-/// What the bearer of the token may do in one project.
+/// What the bearer of the token may do in one project, or in the whole service.
 struct HeldRights
 {
-    QString project;
+    std::optional<QString> project;  ///< identifier; nothing: it is held in the whole service
     std::optional<QString> category; ///< nothing: in every category
-    QStringList rights;              ///< of "read", "create", "edit", "delete"
+    QStringList rights; ///< of "read", "create", "edit", "delete"; "administer" in the whole service
 };
 
 /// Which service it is, what it can beyond the operations that every one has, and who asks.

@@ -26,7 +26,8 @@ TEST_F(ServiceAboutTest, IsAskedForOnceAndNotBeforeItIsNeeded)
     EXPECT_EQ(server.requestCount(), 0);
     server.answerJson(200, R"({"name":"monitor-service","version":"1.2.3","extensions":["about","new"],
         "owner":"Ana","rights":[{"projectId":"p7","category":null,"rights":["read","create"]},
-        {"projectId":"p8","category":"Pit","rights":[]}]})");
+        {"projectId":"p8","category":"Pit","rights":[]},
+        {"projectId":null,"category":null,"rights":["administer"]}]})");
     EXPECT_TRUE(service.has(Extension::About));
     EXPECT_EQ(lastRequest(), "GET about");
     EXPECT_FALSE(service.has(Extension::Changes));
@@ -34,12 +35,14 @@ TEST_F(ServiceAboutTest, IsAskedForOnceAndNotBeforeItIsNeeded)
     EXPECT_EQ(about.version, "1.2.3"_q);
     EXPECT_EQ(about.extensions, (QStringList{"about"_q, "new"_q}));
     EXPECT_EQ(about.owner, "Ana"_q);
-    ASSERT_EQ(about.rights.size(), 2);
+    ASSERT_EQ(about.rights.size(), 3);
     EXPECT_EQ(about.rights[0].project, "p7"_q);
     EXPECT_EQ(about.rights[0].category, std::nullopt);
     EXPECT_EQ(about.rights[0].rights, (QStringList{"read"_q, "create"_q}));
     EXPECT_EQ(about.rights[1].category, "Pit"_q);
     EXPECT_TRUE(about.rights[1].rights.isEmpty());
+    EXPECT_EQ(about.rights[2].project, std::nullopt);
+    EXPECT_EQ(about.rights[2].rights, QStringList{"administer"_q});
     EXPECT_EQ(server.requestCount(), 1);
 }
 
