@@ -3,6 +3,7 @@
 #include "ExitCode.h"
 #include "Output.h"
 #include "ServiceSession.h"
+#include "extensions/ServiceExtensions.h"
 
 #include <QString>
 #include <QStringList>
@@ -18,6 +19,9 @@ public:
 
     Output& output() { return m_output; }
 
+    /// What the service can beyond the library's operations; asked at the first use.
+    ServiceExtensions& extensions() { return m_extensions; }
+
     /// Tells the user something on standard error, at once.
     void note(const QString& message) const;
 
@@ -32,6 +36,7 @@ public:
 
 private:
     Output m_output;
+    ServiceExtensions m_extensions{*this};
     QStringList m_closingNotes;
 };
 
