@@ -98,6 +98,25 @@ QList<RKMonitoringSubCategory> subCategories(ServiceSession& session, const QStr
     return found;
 }
 
+QList<MeasuredSubCategory> measuredSubCategories(ServiceSession& session, ServiceExtensions& extensions,
+                                                 const QString& category)
+{
+    QList<MeasuredSubCategory> found;
+    if (!extensions.has(Extension::SubCategoryKinds)) {
+        for (const RKMonitoringSubCategory& known : subCategories(session, category)) {
+            found.append(MeasuredSubCategory{known, {}, {}, {}});
+        }
+        return found;
+    }
+    session.projectData(); // refused first when there is no project
+    for (const MeasuredSubCategory& known : extensions.subCategories(session.project())) {
+        if (known.category == category) {
+            found.append(known);
+        }
+    }
+    return found;
+}
+
 QString monitoringName(ServiceSession& session, const QString& id)
 {
     if (id.isEmpty()) {
@@ -134,35 +153,21 @@ QString subCategoryName(ServiceSession& session, const QString& id)
     return subCategory.name;
 }
 
-std::optional<RKMonitoringSubCategory> subCategoryAmong(const QList<RKMonitoringSubCategory>& known,
-                                                        const QString& text)
+void refuseSeveralSubCategories(const QString& text, const QStringList& ids)
 {
-    QList<RKMonitoringSubCategory> found;
-    QStringList ids;
-    for (const RKMonitoringSubCategory& subCategory : known) {
-        if (subCategory.id == text) {
-            return subCategory;
-        }
-        if (subCategory.name == text || subCategory.alias == text) {
-            found.append(subCategory);
-            ids.append(subCategory.id);
-        }
-    }
-    if (found.size() > 1) {
-        throw Failure(FailureKind::BadInput, severalText(QStringLiteral("sub-categories"), text, ids));
-    }
-    return found.isEmpty() ? std::nullopt : std::make_optional(found.constFirst());
+    throw Failure(FailureKind::BadInput, severalText(QStringLiteral("sub-categories"), text, ids));
+}
+
+void refuseUnknownSubCategory(const QString& category, const QString& text)
+{
+    throw Failure(FailureKind::NotFound,
+                  QStringLiteral("\"%1\" has no sub-category \"%2\"").arg(category, text),
+                  Remedy::ListSubCategories);
 }
 
 RKMonitoringSubCategory subCategory(ServiceSession& session, const QString& category, const QString& text)
 {
-    const auto found = subCategoryAmong(subCategories(session, category), text);
-    if (!found) {
-        throw Failure(FailureKind::NotFound,
-                      QStringLiteral("\"%1\" has no sub-category \"%2\"").arg(category, text),
-                      Remedy::ListSubCategories);
-    }
-    return *found;
+    return subCategoryOf(category, subCategories(session, category), text);
 }
 
 } // namespace lookup

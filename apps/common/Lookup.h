@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ServiceSession.h"
+#include "extensions/ServiceExtensions.h"
 
 #include <QList>
 #include <QSet>
@@ -36,6 +37,10 @@ QStringList categories(ServiceSession& session);
 
 QList<RKMonitoringSubCategory> subCategories(ServiceSession& session, const QString& category);
 
+/// The same with what they measure, as far as the service tells that.
+QList<MeasuredSubCategory> measuredSubCategories(ServiceSession& session, ServiceExtensions& extensions,
+                                                 const QString& category);
+
 /// Name of a monitoring; a request only for one that the library has not read yet. Empty for an empty
 /// identifier.
 QString monitoringName(ServiceSession& session, const QString& id);
@@ -60,10 +65,45 @@ void readMonitoringNamesOf(ServiceSession& session, const Records& records)
 /// Name of a sub-category, in the same way as that of a monitoring.
 QString subCategoryName(ServiceSession& session, const QString& id);
 
+/// Throws the failure of a text that is the name or alias of several sub-categories, `ids`.
+[[noreturn]] void refuseSeveralSubCategories(const QString& text, const QStringList& ids);
+
 /// The one of `known` with this identifier, name or alias; nothing when there is none, a Failure when
 /// several.
-std::optional<RKMonitoringSubCategory> subCategoryAmong(const QList<RKMonitoringSubCategory>& known,
-                                                        const QString& text);
+template <typename SubCategory>
+std::optional<SubCategory> subCategoryAmong(const QList<SubCategory>& known, const QString& text)
+{
+    QList<SubCategory> found;
+    QStringList ids;
+    for (const SubCategory& subCategory : known) {
+        if (subCategory.id == text) {
+            return subCategory;
+        }
+        if (subCategory.name == text || subCategory.alias == text) {
+            found.append(subCategory);
+            ids.append(subCategory.id);
+        }
+    }
+    if (found.size() > 1) {
+        refuseSeveralSubCategories(text, ids);
+    }
+    return found.isEmpty() ? std::nullopt : std::make_optional(found.constFirst());
+}
+
+/// Throws the failure of a text that names no sub-category of `category`.
+[[noreturn]] void refuseUnknownSubCategory(const QString& category, const QString& text);
+
+/// The one of `known`, those of `category`, with this identifier, name or alias. Throws a Failure when there
+/// is none, or several.
+template <typename SubCategory>
+SubCategory subCategoryOf(const QString& category, const QList<SubCategory>& known, const QString& text)
+{
+    const auto found = subCategoryAmong(known, text);
+    if (!found) {
+        refuseUnknownSubCategory(category, text);
+    }
+    return *found;
+}
 
 /// The sub-category of `category` with this identifier, name or alias. Throws a Failure when there is none.
 RKMonitoringSubCategory subCategory(ServiceSession& session, const QString& category, const QString& text);

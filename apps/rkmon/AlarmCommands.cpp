@@ -81,7 +81,7 @@ Sheet depthSheet(const QList<AlarmThree>& depths)
 RKAlarmCondition conditionOf(Session& session, const AlarmListOptions& options)
 {
     RKAlarmCondition condition;
-    restrictTo(options.period, condition);
+    restrictTo(options.period, session.zoneOf(), condition);
     condition.name = markers::keptOutOf(options.name);
     condition.isAllCell = options.cells.isEmpty();
     for (const QString& cell : options.cells) {
@@ -123,7 +123,7 @@ ExitCode listAlarms(Session& session, const AlarmListOptions& options)
 ExitCode listDetails(Session& session, const DetailOptions& options)
 {
     RKAlarmDetailCondition condition;
-    restrictTo(options.period, condition);
+    restrictTo(options.period, session.zoneOf(), condition);
     condition.alarmManId = options.id;
     condition.pointName = markers::keptOutOf(options.point);
     const auto readPage = [&](int skip, int limit) {

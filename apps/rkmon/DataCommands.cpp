@@ -73,7 +73,7 @@ Sheet historySheet(const QList<IdentifiedHistory>& history)
 ExitCode listData(Session& session, const DataListOptions& options)
 {
     RKDataManageCondition condition;
-    restrictTo(options.period, condition);
+    restrictTo(options.period, session.zoneOf(), condition);
     condition.category = markers::keptOutOf(options.category);
     if (!options.cell.isEmpty()) {
         condition.cellId = lookup::monitoring(session, options.cell).id;
@@ -117,7 +117,7 @@ ExitCode listHistory(Session& session, const HistoryOptions& options)
     constexpr qint32 timeOfLatestData = 0;
     constexpr qint32 timeOfLastChange = 2;
     RKHistoryDataCondition condition;
-    restrictTo(options.period, condition);
+    restrictTo(options.period, session.zoneOf(), condition);
     condition.dataManageId = options.id;
     condition.timeType = options.isByChange ? timeOfLastChange : timeOfLatestData;
     session.output().addList(historySheet(pages::read(

@@ -66,7 +66,7 @@ int readCount(Session& session, const RKMonitoringCondition& condition)
 
 ExitCode listMonitorings(Session& session, const MonitoringListOptions& options)
 {
-    const RKMonitoringCondition condition = conditionOf(options.filter);
+    const RKMonitoringCondition condition = conditionOf(options.filter, session.zoneOf());
     session.output().addList(monitoringSheet(pages::read(
         session, options.page, QStringLiteral("monitorings"),
         [&](int skip, int limit) { return readPage(session, condition, skip, limit); },
@@ -76,7 +76,7 @@ ExitCode listMonitorings(Session& session, const MonitoringListOptions& options)
 
 ExitCode countMonitorings(Session& session, const CountOptions& options)
 {
-    const int count = readCount(session, conditionOf(options.filter));
+    const int count = readCount(session, conditionOf(options.filter, session.zoneOf()));
     session.output().addText({{column::text("COUNT", "count")}, {{count}}}, QString::number(count));
     return ExitCode::Success;
 }

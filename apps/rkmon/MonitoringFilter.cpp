@@ -16,7 +16,7 @@ void addFilterOptions(CLI::App& app, MonitoringFilter& filter)
     addPeriodOptions(app, filter.period, "Created at this time or later", "Created on this day or earlier");
 }
 
-RKMonitoringCondition conditionOf(const MonitoringFilter& filter)
+RKMonitoringCondition conditionOf(const MonitoringFilter& filter, const std::function<QTimeZone()>& zoneOf)
 {
     RKMonitoringCondition condition;
     condition.name = markers::keptOutOf(filter.name);
@@ -24,6 +24,6 @@ RKMonitoringCondition conditionOf(const MonitoringFilter& filter)
         lookup::restrictToName(filter.exactName, condition);
     }
     condition.modelId = markers::requireNone(filter.model, "--model");
-    restrictTo(filter.period, condition);
+    restrictTo(filter.period, zoneOf, condition);
     return condition;
 }

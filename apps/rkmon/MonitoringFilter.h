@@ -21,4 +21,4 @@ struct MonitoringFilter
 void addFilterOptions(CLI::App& app, MonitoringFilter& filter);
 
 /// The library's condition. Throws a Failure (BadInput) for a time that cannot be read.
-RKMonitoringCondition conditionOf(const MonitoringFilter& filter);
+RKMonitoringCondition conditionOf(const MonitoringFilter& filter, const std::function<QTimeZone()>& zoneOf);

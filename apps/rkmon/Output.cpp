@@ -19,18 +19,20 @@
 
 namespace {
 
-// Date, time of day and offset of the local zone, without the fraction.
-QString localTimeText(const QDateTime& time)
+using Zone = std::function<QTimeZone()>;
+
+// Date, time of day and offset in a zone, without the fraction.
+QString zonedTimeText(const QDateTime& time, const Zone& zone)
 {
     // YYYY-MM-DDThh:mm:ss.zzz and the offset
     constexpr int dateLength = 10;
     constexpr int timeBegin = 11;
     constexpr int timeLength = 8;
     constexpr int offsetBegin = 23;
-    const QString text = RKPub::getQStringByDateTime(time.toLocalTime());
-    if (text.isEmpty()) {
+    if (!time.isValid()) {
         return QString();
     }
+    const QString text = RKPub::getQStringByDateTime(time.toTimeZone(zone()));
     return QStringLiteral("%1 %2 %3")
         .arg(text.left(dateLength), text.mid(timeBegin, timeLength), text.mid(offsetBegin));
 }
@@ -44,14 +46,14 @@ QString roundedText(const QVariant& cell)
     return isNumber ? QString::number(number, 'g', digits) : cell.toString();
 }
 
-QString tableText(const QVariant& cell, const Column& column)
+QString tableText(const QVariant& cell, const Column& column, const Zone& zone)
 {
     if (column.isComputed) {
         return roundedText(cell);
     }
     switch (static_cast<QMetaType::Type>(cell.type())) {
     case QMetaType::QDateTime:
-        return localTimeText(cell.toDateTime());
+        return zonedTimeText(cell.toDateTime(), zone);
     case QMetaType::QStringList:
         return cell.toStringList().join(QLatin1String(", "));
     case QMetaType::Bool:
@@ -120,7 +122,7 @@ table::Layout tableLayout()
     return {terminal::isTerminal(stdout) ? terminal::width() : 0, terminal::hasColour()};
 }
 
-QByteArray tableLines(const Sheet& sheet)
+QByteArray tableLines(const Sheet& sheet, const Zone& zone)
 {
     QStringList titles;
     QVector<int> fixedColumns;
@@ -139,7 +141,7 @@ QByteArray tableLines(const Sheet& sheet)
         QStringList texts;
         for (int column = 0; column < sheet.columns.size(); ++column) {
             if (sheet.columns[column].isListed) {
-                texts.append(tableText(row[column], sheet.columns[column]));
+                texts.append(tableText(row[column], sheet.columns[column], zone));
             }
         }
         rows.append(texts);
@@ -147,13 +149,13 @@ QByteArray tableLines(const Sheet& sheet)
     return table::listLines(titles, rows, fixedColumns, tableLayout()).toUtf8();
 }
 
-QByteArray recordLines(const Sheet& sheet)
+QByteArray recordLines(const Sheet& sheet, const Zone& zone)
 {
     QStringList titles;
     QStringList texts;
     for (int column = 0; column < sheet.columns.size(); ++column) {
         titles.append(sheet.columns[column].title);
-        texts.append(tableText(sheet.rows.constFirst()[column], sheet.columns[column]));
+        texts.append(tableText(sheet.rows.constFirst()[column], sheet.columns[column], zone));
     }
     return table::recordLines(titles, texts, tableLayout()).toUtf8();
 }
@@ -164,7 +166,7 @@ void Output::addList(const Sheet& sheet)
 {
     switch (m_form) {
     case OutputForm::Table:
-        m_content += tableLines(sheet);
+        m_content += tableLines(sheet, m_zone);
         return;
     case OutputForm::Json: {
         QJsonArray array;
@@ -184,7 +186,7 @@ void Output::addRecord(const Sheet& sheet)
 {
     switch (m_form) {
     case OutputForm::Table:
-        m_content += recordLines(sheet);
+        m_content += recordLines(sheet, m_zone);
         return;
     case OutputForm::Json:
         m_content += QJsonDocument(jsonObject(sheet, sheet.rows.constFirst())).toJson();

@@ -2,8 +2,11 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QTimeZone>
 #include <QVariant>
 #include <QVector>
+
+#include <functional>
 
 /// How results are written: tables for people, the others for programs.
 enum class OutputForm
@@ -82,7 +85,8 @@ struct Sheet
 class Output
 {
 public:
-    explicit Output(OutputForm form) : m_form(form) {}
+    /// `zone` gives the zone that people see times in; it is asked at the first time.
+    Output(OutputForm form, std::function<QTimeZone()> zone) : m_form(form), m_zone(std::move(zone)) {}
 
     /// A list: a table, a JSON array of objects, or CSV with a heading.
     void addList(const Sheet& sheet);
@@ -107,5 +111,6 @@ private:
     void addLines(const QStringList& texts);
 
     OutputForm m_form;
+    std::function<QTimeZone()> m_zone;
     QByteArray m_content;
 };

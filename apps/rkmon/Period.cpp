@@ -2,37 +2,76 @@
 
 #include "CommandOptions.h"
 #include "Failure.h"
+#include "TimeZones.h"
 
 #include <RKPub.h>
 
 namespace {
 
-QDateTime timeOf(const QString& text, const char* option)
+using ZoneOf = std::function<QTimeZone()>;
+
+// A day, YYYY-MM-DD; invalid for anything else.
+QDate dayIn(const QString& text)
 {
-    const QDateTime time = RKPub::getDateTimeByQString(text);
-    if (!time.isValid()) {
-        throw Failure(FailureKind::BadInput,
-                      QStringLiteral("%1: \"%2\" is not a time; give one like 2026-03-01, "
-                                     "2026-03-01T08:00:00 or 2026-03-01T08:00:00+01:00")
-                          .arg(QLatin1String(option), text));
+    constexpr int dayLength = 10;
+    return text.size() == dayLength ? RKPub::getDateTimeByQString(text).date() : QDate();
+}
+
+// The time that a clock of the zone shows then. Throws a Failure when it skips that time.
+QDateTime zonedTime(const QDateTime& clock, const QTimeZone& zone, const QString& text)
+{
+    const QDateTime time(clock.date(), clock.time(), zone);
+    if (time.toUTC().toTimeZone(zone).time() != clock.time()) {
+        throw Failure(
+            FailureKind::BadInput,
+            QStringLiteral("--since: \"%1\" does not exist in %2, whose clocks are put forward then")
+                .arg(text, QString::fromLatin1(zone.id())));
     }
     return time;
 }
 
-// A day of the local zone, or its midnight in another one.
-QDateTime dayOf(const QString& text)
+// The clock that a time without an offset shows, whatever the zone; invalid for anything else.
+QDateTime clockIn(const QString& text)
 {
-    constexpr int dayLength = 10; // YYYY-MM-DD
-    const QDateTime day = RKPub::getDateTimeByQString(text);
-    const bool isDate = text.size() == dayLength;
-    const bool isMidnight = day.timeSpec() != Qt::LocalTime && day.time() == QTime(0, 0);
-    if (!day.isValid() || !(isDate || isMidnight)) {
+    // Read as UTC: the zone of this machine may skip a time that the zone of the project has.
+    return RKPub::getDateTimeByQString(text + QLatin1Char('Z'));
+}
+
+QDateTime beginOf(const QString& text, const ZoneOf& zoneOf)
+{
+    if (const QDate day = dayIn(text); day.isValid()) {
+        return zones::startOfDay(day, zoneOf());
+    }
+    if (const QDateTime clock = clockIn(text); clock.isValid()) {
+        return zonedTime(clock, zoneOf(), text);
+    }
+    const QDateTime time = RKPub::getDateTimeByQString(text);
+    if (!time.isValid() || time.timeSpec() == Qt::LocalTime) {
+        throw Failure(FailureKind::BadInput,
+                      QStringLiteral("--since: \"%1\" is not a time; give one like 2026-03-01, "
+                                     "2026-03-01T08:00:00 or 2026-03-01T08:00:00+01:00")
+                          .arg(text));
+    }
+    return time;
+}
+
+// When the day ends, a day earlier: the library takes the end of a period for the beginning of its last day,
+// and adds the 24 hours that it has as a rule.
+QDateTime endOf(const QString& text, const ZoneOf& zoneOf)
+{
+    if (const QDate day = dayIn(text); day.isValid()) {
+        return zones::startOfDay(day.addDays(1), zoneOf()).toUTC().addDays(-1);
+    }
+    const QDateTime midnight = RKPub::getDateTimeByQString(text);
+    const bool isMidnight =
+        midnight.isValid() && midnight.timeSpec() != Qt::LocalTime && midnight.time() == QTime(0, 0);
+    if (!isMidnight) {
         throw Failure(FailureKind::BadInput,
                       QStringLiteral("--until: \"%1\" is not a day; give one like 2026-03-31, or "
                                      "its midnight with an offset, as 2026-03-31T00:00:00+01:00")
                           .arg(text));
     }
-    return day;
+    return midnight;
 }
 
 } // namespace
@@ -43,7 +82,7 @@ void addPeriodOptions(CLI::App& app, Period& period, const char* since, const ch
     options::addText(app, "--until", period.until, until)->type_name("DAY");
 }
 
-void restrictTo(const Period& period, RKTimePeriod& condition)
+void restrictTo(const Period& period, const ZoneOf& zoneOf, RKTimePeriod& condition)
 {
     if (period.since.isEmpty() && period.until.isEmpty()) {
         return;
@@ -52,9 +91,9 @@ void restrictTo(const Period& period, RKTimePeriod& condition)
     constexpr int lastYear = 9999;
     condition.isAllTime = false;
     condition.startTime =
-        period.since.isEmpty() ? QDateTime::fromMSecsSinceEpoch(0, Qt::UTC) : timeOf(period.since, "--since");
+        period.since.isEmpty() ? QDateTime::fromMSecsSinceEpoch(0, Qt::UTC) : beginOf(period.since, zoneOf);
     condition.endTime = period.until.isEmpty() ? QDateTime(QDate(lastYear, 12, 30), QTime(0, 0), Qt::UTC)
-                                               : dayOf(period.until);
+                                               : endOf(period.until, zoneOf);
     if (condition.startTime >= condition.endTime.addDays(1)) {
         throw Failure(FailureKind::BadInput,
                       QStringLiteral("--since %1 is after --until %2").arg(period.since, period.until));

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <QString>
+#include <QTimeZone>
 #include <RKTimePeriod.h>
+
+#include <functional>
 
 namespace CLI {
 class App;
@@ -17,5 +20,7 @@ struct Period
 /// Adds --since and --until; `since` and `until` say what they mean.
 void addPeriodOptions(CLI::App& app, Period& period, const char* since, const char* until);
 
-/// Restricts `condition` to the period. Throws a Failure (BadInput) for a time that cannot be read.
-void restrictTo(const Period& period, RKTimePeriod& condition);
+/// Restricts `condition` to the period; its days, and its times without an offset, are of the zone that
+/// `zoneOf` gives, which is only asked when there is one. Throws a Failure (BadInput) for a time that cannot
+/// be read.
+void restrictTo(const Period& period, const std::function<QTimeZone()>& zoneOf, RKTimePeriod& condition);

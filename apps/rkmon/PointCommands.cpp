@@ -3,7 +3,12 @@
 #include "Lookup.h"
 #include "PointFilter.h"
 #include "PointImportCommand.h"
+#include "PointNames.h"
+#include "PointSheets.h"
 #include "RecordChecks.h"
+#include "points/PointSelection.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -39,101 +44,38 @@ struct LinkOptions
     bool isUnlinked = false;
 };
 
-QStringList relationTexts(const QMap<QString, QStringList>& links)
+void addPoints(Session& session, const QList<RKPointLocation>& points, const PointMeanings& meanings,
+               bool hasSamples)
 {
-    QStringList texts;
-    for (auto link = links.cbegin(); link != links.cend(); ++link) {
-        for (const QString& id : *link) {
-            texts.append(QStringLiteral("%1=%2").arg(link.key(), id));
-        }
-    }
-    return texts;
+    session.output().addList(hasSamples ? sampleSheet(points, meanings)
+                                        : pointSheet(session, points, meanings));
 }
 
-// Points without their samples, but the latest one.
-Sheet pointSheet(Session& session, const QList<RKPointLocation>& points)
+// The points of a monitoring that the user wants.
+QList<RKPointLocation> readPoints(Session& session, const PointFilter& filter, const RKMonitoring& monitoring,
+                                  PointMeanings& meanings)
 {
-    Sheet sheet{{column::fixed("ID", "id"),
-                 column::text("NAME", "name"),
-                 column::fixed("DEPTH", "depth"),
-                 column::fixed("SAMPLES", "samples"),
-                 column::fixed("LATEST", "latestTime"),
-                 column::fixed("COUNT", "latestCount"),
-                 column::fixed("VALUE", "latestValue"),
-                 column::text("RELATIONS", "links"),
-                 column::unlisted("MONITORING", "cellName"),
-                 column::unlisted("MONITORING ID", "cellId"),
-                 column::unlisted("CATEGORY", "category"),
-                 column::unlisted("DATA TYPE", "dataType"),
-                 column::unlisted("OFFSET DIRECTION", "offsetDirection"),
-                 column::unlisted("SAMPLES HELD", "insertCount"),
-                 column::unlisted("LAST COUNT", "lastCount"),
-                 column::unlisted("LAST TIME", "lastDate"),
-                 column::unlisted("CREATED", "createdAt"),
-                 column::unlisted("CREATED BY", "createdBy"),
-                 column::unlisted("UPDATED", "updatedAt"),
-                 column::unlisted("UPDATED BY", "updatedBy")},
-                {}};
-    lookup::readMonitoringNamesOf(session, points);
-    for (const RKPointLocation& point : points) {
-        // Of the samples that the condition chose; the point's own members tell of all of them.
-        const bool hasSamples = !point.data.isEmpty();
-        const RKPointLocationData latest = hasSamples ? point.data.constLast() : RKPointLocationData();
-        const QString depth = noneIfEmpty(point.depth);
-        sheet.rows.append({point.id,
-                           point.name,
-                           depth,
-                           point.data.size(),
-                           latest.time,
-                           hasSamples ? QVariant(latest.count) : QVariant(QString()),
-                           hasSamples ? QVariant(latest.value) : QVariant(QString()),
-                           relationTexts(point.links),
-                           lookup::monitoringName(session, point.cellId),
-                           point.cellId,
-                           point.category,
-                           point.dataType,
-                           point.offsetDirection,
-                           point.insertCount,
-                           point.lastCount,
-                           point.lastDate,
-                           point.createdAt,
-                           point.createdBy,
-                           point.updatedAt,
-                           point.updatedBy});
-    }
-    return sheet;
-}
-
-// One row per sample, with the columns of a file that `point import` reads.
-Sheet sampleSheet(const QList<RKPointLocation>& points)
-{
-    Sheet sheet{{column::text("NAME", "name"), column::fixed("DEPTH", "depth"), column::fixed("TIME", "time"),
-                 column::fixed("COUNT", "count"), column::fixed("VALUE", "value"),
-                 column::fixed("FLAG", "timeFlag")},
-                {}};
-    for (const RKPointLocation& point : points) {
-        const QString depth = noneIfEmpty(point.depth);
-        for (const RKPointLocationData& sample : point.data) {
-            sheet.rows.append({point.name, depth, sample.time, sample.count, sample.value, sample.timeFlag});
-        }
-    }
-    return sheet;
-}
-
-void addPoints(Session& session, const QList<RKPointLocation>& points, bool hasSamples)
-{
-    session.output().addList(hasSamples ? sampleSheet(points) : pointSheet(session, points));
+    RKPointLocationCondition condition = conditionOf(session, filter, monitoring);
+    const QString purpose = QStringLiteral("list the points of \"%1\"").arg(monitoring.name);
+    QList<RKPointLocation> points;
+    session.ask(purpose, [&] { return session.data().getPointLocation(condition, points, false); });
+    requireIdentifiers(points, purpose, QStringLiteral("points"));
+    const PointSelection selection = selectionOf(session, filter, monitoring);
+    points.erase(std::remove_if(points.begin(), points.end(),
+                                [&](const RKPointLocation& point) {
+                                    return !selection.holds(point.id, pointLabel(point.name, point.depth));
+                                }),
+                 points.end());
+    meanings = meaningsOf(points, selection);
+    return points;
 }
 
 ExitCode listPoints(Session& session, const PointListOptions& options)
 {
     const RKMonitoring monitoring = lookup::monitoring(session, options.filter.cell);
-    RKPointLocationCondition condition = conditionOf(options.filter, monitoring);
-    const QString purpose = QStringLiteral("list the points of \"%1\"").arg(monitoring.name);
-    QList<RKPointLocation> points;
-    session.ask(purpose, [&] { return session.data().getPointLocation(condition, points, false); });
-    requireIdentifiers(points, purpose, QStringLiteral("points"));
-    addPoints(session, points, options.hasSamples);
+    PointMeanings meanings;
+    const QList<RKPointLocation> points = readPoints(session, options.filter, monitoring, meanings);
+    addPoints(session, points, meanings, options.hasSamples);
     return ExitCode::Success;
 }
 
@@ -143,26 +85,46 @@ ExitCode showPoint(Session& session, const PointShowOptions& options)
     RKPointLocation point;
     session.ask(purpose, [&] { return session.data().getPointLocationByPointId(options.id, point); });
     requireIdentifier(point, purpose, QStringLiteral("a point"));
+    const PointMeanings meanings = meaningsOf(session, {point});
     if (options.hasSamples) {
-        session.output().addList(sampleSheet({point}));
+        session.output().addList(sampleSheet({point}, meanings));
     } else {
-        session.output().addRecord(pointSheet(session, {point}));
+        session.output().addRecord(pointSheet(session, {point}, meanings));
     }
     return ExitCode::Success;
 }
 
+RKPointLocation newestOf(const QList<RKPointLocation>& points)
+{
+    RKPointLocation newest;
+    for (const RKPointLocation& point : points) {
+        if (!point.data.isEmpty() &&
+            (newest.data.isEmpty() || point.data.constLast().time > newest.data.constLast().time)) {
+            newest = point;
+        }
+    }
+    return newest;
+}
+
+// The library finds the newest point of a monitoring, whatever it measures; among those of a sub-category it
+// is looked for here.
 ExitCode showLatest(Session& session, const LatestOptions& options)
 {
     const RKMonitoring monitoring = lookup::monitoring(session, options.filter.cell);
-    RKPointLocationCondition condition = conditionOf(options.filter, monitoring);
-    const QString purpose = QStringLiteral("find the newest point of \"%1\"").arg(monitoring.name);
     RKPointLocation point;
-    session.ask(purpose, [&] { return session.data().getPointLocationByTimeOrder(condition, point); });
+    if (options.filter.subCategories.isEmpty()) {
+        RKPointLocationCondition condition = conditionOf(session, options.filter, monitoring);
+        const QString purpose = QStringLiteral("find the newest point of \"%1\"").arg(monitoring.name);
+        session.ask(purpose, [&] { return session.data().getPointLocationByTimeOrder(condition, point); });
+    } else {
+        PointMeanings meanings;
+        point = newestOf(readPoints(session, options.filter, monitoring, meanings));
+    }
     if (point.id.isEmpty()) {
         throw Failure(FailureKind::NotFound,
                       QStringLiteral("no point of \"%1\" matches").arg(monitoring.name));
     }
-    session.output().addRecord(pointSheet(session, {point}));
+    session.output().addRecord(pointSheet(session, {point}, meaningsOf(session, {point})));
     return ExitCode::Success;
 }
 
@@ -172,7 +134,7 @@ ExitCode findPoints(Session& session, const FindOptions& options)
     QList<RKPointLocation> points;
     session.ask(purpose, [&] { return session.projectData().getPointLocationByGuid(options.uuid, points); });
     requireIdentifiers(points, purpose, QStringLiteral("points"));
-    addPoints(session, points, options.hasSamples);
+    addPoints(session, points, meaningsOf(session, points), options.hasSamples);
     return ExitCode::Success;
 }
 

@@ -8,16 +8,24 @@ void addPointFilterOptions(CLI::App& app, PointFilter& filter)
     options::addCell(app, filter.cell)->required();
     options::addTexts(app, "--name", filter.names, "Only the point of this name; once for each")
         ->type_name("NAME");
+    options::addTexts(app, "--sub-category", filter.subCategories,
+                      "Only points of this sub-category, by identifier, name or alias; once for each");
     addPeriodOptions(app, filter.period, "Measured at this time or later", "Measured on this day or earlier");
     app.add_flag("--flag-a", filter.isOnlyFlagA, "Only samples whose time flag is \"A\"");
 }
 
-RKPointLocationCondition conditionOf(const PointFilter& filter, const RKMonitoring& monitoring)
+RKPointLocationCondition conditionOf(Session& session, const PointFilter& filter,
+                                     const RKMonitoring& monitoring)
 {
     RKPointLocationCondition condition;
-    restrictTo(filter.period, condition);
+    restrictTo(filter.period, session.zoneOf(), condition);
     condition.cellId = monitoring.id;
     condition.names = filter.names;
     condition.onlyTimeFlagA = filter.isOnlyFlagA;
     return condition;
+}
+
+PointSelection selectionOf(Session& session, const PointFilter& filter, const RKMonitoring& monitoring)
+{
+    return {session, session.extensions(), monitoring, filter.names, filter.subCategories};
 }

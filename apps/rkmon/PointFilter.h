@@ -2,6 +2,7 @@
 
 #include "Period.h"
 #include "Session.h"
+#include "points/PointSelection.h"
 
 #include <QString>
 #include <QStringList>
@@ -18,12 +19,19 @@ struct PointFilter
     /// Identifier or exact name of the monitoring.
     QString cell;
     QStringList names;
+    /// Identifiers, names or aliases of sub-categories.
+    QStringList subCategories;
     Period period;
     bool isOnlyFlagA = false;
 };
 
-/// Adds --cell (required), --name, --since, --until and --flag-a.
+/// Adds --cell (required), --name, --sub-category, --since, --until and --flag-a.
 void addPointFilterOptions(CLI::App& app, PointFilter& filter);
 
-/// The library's condition for points of `monitoring`. Throws a Failure (BadInput) for what cannot be asked.
-RKPointLocationCondition conditionOf(const PointFilter& filter, const RKMonitoring& monitoring);
+/// The library's condition for points of `monitoring`, which knows no sub-categories. Throws a Failure
+/// (BadInput) for what cannot be asked.
+RKPointLocationCondition conditionOf(Session& session, const PointFilter& filter,
+                                     const RKMonitoring& monitoring);
+
+/// The points of `monitoring` that the user wants; to be made after they were read.
+PointSelection selectionOf(Session& session, const PointFilter& filter, const RKMonitoring& monitoring);

@@ -1,12 +1,47 @@
 #include "Session.h"
 
 #include "Messages.h"
+#include "TimeZones.h"
 
 Session::Session(const Configuration& configuration, OutputForm form)
-    : ServiceSession(configuration), m_output(form)
+    : ServiceSession(configuration), m_output(form, [this] { return shownZone(); }),
+      m_machineZone(zones::ofMachine())
 {
     for (const QString& warning : configuration.warnings) {
         warn(warning);
+    }
+}
+
+std::optional<QTimeZone> Session::projectZone()
+{
+    if (!m_hasAskedForZone) {
+        m_projectZone = zones::ofProject(*this, m_extensions);
+        m_hasAskedForZone = true;
+    }
+    return m_projectZone;
+}
+
+QTimeZone Session::zone()
+{
+    if (const std::optional<QTimeZone> zone = projectZone()) {
+        return *zone;
+    }
+    if (!m_hasToldOfZone && !project().isEmpty()) {
+        note(QStringLiteral(
+                 "the service does not tell the project's time zone; days are those of this machine, %1")
+                 .arg(QString::fromLatin1(m_machineZone.id())));
+        m_hasToldOfZone = true;
+    }
+    return m_machineZone;
+}
+
+QTimeZone Session::shownZone()
+{
+    // A result is shown even when its zone cannot be asked for: what was changed before has been changed.
+    try {
+        return projectZone().value_or(m_machineZone);
+    } catch (const Failure&) {
+        return m_machineZone;
     }
 }
 

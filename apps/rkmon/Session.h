@@ -7,20 +7,37 @@
 
 #include <QString>
 #include <QStringList>
+#include <QTimeZone>
 
 #include <functional>
+#include <optional>
 
 /// What a command works with: the service, and the place for its result.
 class Session : public ServiceSession
 {
 public:
-    /// Writes the warnings of `configuration`.
+    /// Writes the warnings of `configuration`. Throws a Failure when it or this machine's time zone is wrong.
     Session(const Configuration& configuration, OutputForm form);
 
     Output& output() { return m_output; }
 
     /// What the service can beyond the library's operations; asked at the first use.
     ServiceExtensions& extensions() { return m_extensions; }
+
+    /// The zone that days, and times without an offset, are of: the project's, or this machine's where the
+    /// service does not tell that, which the user is told once.
+    QTimeZone zone();
+
+    /// The same, for what may need it.
+    std::function<QTimeZone()> zoneOf()
+    {
+        return [this] {
+            return zone();
+        };
+    }
+
+    /// The zone of the project; nothing where the service does not tell it.
+    std::optional<QTimeZone> projectZone();
 
     /// Tells the user something on standard error, at once.
     void note(const QString& message) const;
@@ -35,9 +52,16 @@ public:
     void finish();
 
 private:
+    // The zone that times are shown in; they name their offset, so that nothing needs to be said of it.
+    QTimeZone shownZone();
+
     Output m_output;
     ServiceExtensions m_extensions{*this};
     QStringList m_closingNotes;
+    QTimeZone m_machineZone;
+    bool m_hasAskedForZone = false;
+    bool m_hasToldOfZone = false;
+    std::optional<QTimeZone> m_projectZone;
 };
 
 /// What a subcommand does once the command line is read; returns the exit status, or throws a Failure.

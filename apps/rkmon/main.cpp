@@ -7,8 +7,8 @@
 #include "Session.h"
 #include "Terminal.h"
 
-#include <QApplication>
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QLoggingCategory>
 #include <QTextCodec>
 
@@ -92,7 +92,7 @@ std::unique_ptr<QCoreApplication> makeApplication(int& count, char** words)
     }
     // Where there is no session, Qt warns of what a chart does not need.
     QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false"));
-    auto application = std::make_unique<QApplication>(count, words);
+    auto application = std::make_unique<QGuiApplication>(count, words);
     QLoggingCategory::setFilterRules(QString());
     return application;
 }

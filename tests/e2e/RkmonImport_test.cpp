@@ -140,9 +140,9 @@ TEST_F(RkmonImport, SamplesComeBackAsTheFileThatWentIn)
         "W1,20,2015-12-18T00:00:00-08:00,1,0.25\nW1,20,2015-12-18T00:15:00-08:00,2,0.26\n";
     ASSERT_EQ(import({write("a.csv", header + rows)}).code, 0);
     const Result out = done({"point"_q, "list"_q, "--cell"_q, "VH"_q, "--samples"_q, "--csv"_q});
-    EXPECT_EQ(out.output, "name,depth,time,count,value,timeFlag\r\n"
-                          "W1,20,2015-12-18T00:00:00.000-08:00,1,0.25,\r\n"
-                          "W1,20,2015-12-18T00:15:00.000-08:00,2,0.26,\r\n"_q);
+    EXPECT_EQ(out.output, "subCategory,name,depth,time,count,value,timeFlag,initialValue\r\n"
+                          "Soil moisture,W1,20,2015-12-18T00:00:00.000-08:00,1,0.25,,0.25\r\n"
+                          "Soil moisture,W1,20,2015-12-18T00:15:00.000-08:00,2,0.26,,0.25\r\n"_q);
     const Result again = import({write("b.csv", out.output.toUtf8())});
     EXPECT_EQ(again.code, 0) << again.messages.toStdString();
     EXPECT_EQ(samplesHeld("VH"_q), 2);
@@ -476,10 +476,10 @@ TEST_F(RkmonImport, StatisticsAreShownAndDrawn)
     QFile file(svg);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QByteArray content = file.readAll();
-    for (const char* label : {"Value (mm)", "Date (UTC-08:00)", "I1, 2.5", "S1"}) {
+    for (const char* label : {"Soil moisture (mm)", "Date (UTC-08:00)", "I1, 2.5", "S1"}) {
         EXPECT_TRUE(content.contains(label)) << label;
     }
-    EXPECT_EQ(rkmon.run({"stats"_q, "normal"_q, "--cell"_q, "VH"_q, "--plot"_q, "a.pdf"_q}).code, 2);
+    EXPECT_EQ(rkmon.run({"stats"_q, "normal"_q, "--cell"_q, "VH"_q, "--plot"_q, "a.jpg"_q}).code, 2);
     EXPECT_EQ(rkmon.run({"stats"_q, "normal"_q, "--cell"_q, "VH"_q, "--name"_q, "none"_q, "--draw"_q}).code,
               4);
 }

@@ -34,13 +34,18 @@ TEST_F(RkmonOutput, TableAlignsNamesOfAnyScript)
         << lines[1].toStdString();
     EXPECT_TRUE(lines[2].startsWith(second + "  VH    Pit              ana, ben  20"_q))
         << lines[2].toStdString();
-    EXPECT_TRUE(lines[1].endsWith(" +00:00"_q)) << lines[1].toStdString();
+    const bool isOfTheProject = lines[1].endsWith(" -08:00"_q) || lines[1].endsWith(" -07:00"_q);
+    EXPECT_TRUE(isOfTheProject) << lines[1].toStdString();
 }
 
-TEST_F(RkmonOutput, TimesAreLocalWithTheirOffset)
+TEST_F(RkmonOutput, TimesAreOfTheProjectWithTheirOffset)
 {
     const QString id = created("VH"_q);
     rkmon.setVariable("TZ"_q, "Asia/Kolkata"_q);
+    const QString shown = rkmon.run({"monitoring"_q, "show"_q, id}).output;
+    EXPECT_TRUE(shown.contains(" -08:00\n"_q) || shown.contains(" -07:00\n"_q)) << shown.toStdString();
+    // Without a project there are only the machine's.
+    rkmon.removeVariable("RKMON_PROJECT"_q);
     EXPECT_TRUE(rkmon.run({"monitoring"_q, "show"_q, id}).output.contains(" +05:30\n"_q));
     // Programs get the instant as it is stored.
     EXPECT_TRUE(rkmon.run({"monitoring"_q, "show"_q, id, "--json"_q})

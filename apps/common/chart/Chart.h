@@ -1,10 +1,12 @@
 #pragma once
 
+#include <QDate>
 #include <QPointF>
 #include <QString>
 #include <QVector>
 
-/// What a chart shows, whatever draws it.
+/// What a chart shows, whatever draws it: panels of one quantity each, one above the other over one axis of
+/// time, or a single panel over depth.
 struct Chart
 {
     enum class Kind
@@ -18,25 +20,43 @@ struct Chart
     struct Curve
     {
         QString label;
-        /// Over time: milliseconds since 1970 on the clock of the site, and value. Over depth: value and
-        /// depth.
+        /// Identifier and name of the point that it is of; empty when it is of several.
+        QString pointId;
+        QString pointName;
+        /// Over time: milliseconds since 1970 on the clock of the site, and value, in the order of time. Over
+        /// depth: value and depth, from the top.
         QVector<QPointF> points;
+        /// Over time: the project's day of each point.
+        QVector<QDate> days;
     };
 
-    /// A line that the values of one curve should not cross.
+    /// A line that values should not cross, or one from which on to warn.
     struct Limit
     {
+        /// `curve` of a line for the whole panel.
+        static constexpr int everyCurve = -1;
+
+        bool isWarning = false;
         QString label;
         double value = 0.0;
-        /// Index of the curve.
-        int curve = 0;
+        /// Index of the curve that it is for.
+        int curve = everyCurve;
+    };
+
+    /// Curves of one quantity, which share an axis of values.
+    struct Panel
+    {
+        /// Identifier of the sub-category.
+        QString subCategoryId;
+        /// Of the axis of values, with their unit.
+        QString valueLabel;
+        QVector<Curve> curves;
+        QVector<Limit> limits;
     };
 
     Kind kind = Kind::OverTime;
     QString title;
-    QString valueLabel;
     /// Of the axis of time or depth.
     QString otherLabel;
-    QVector<Curve> curves;
-    QVector<Limit> limits;
+    QVector<Panel> panels;
 };

@@ -1,10 +1,9 @@
 #include "chart/LimitLines.h"
 
-#include "PointNames.h"
+#include "DailyLimit.h"
 #include "ThresholdGroups.h"
 
 #include <QSet>
-#include <QStringList>
 
 #include <algorithm>
 #include <cmath>
@@ -13,73 +12,197 @@ namespace chart {
 
 namespace {
 
-// Names of the points of `days` that a group bounds.
-QStringList limitedNames(const Days& days, const QList<PointLocSetting>& groups)
+constexpr double wholeLimit = 100.0; // percent
+
+// A line about nothing yet: what its amount counts from, and how far it is from there.
+struct Amount
 {
-    QSet<QString> shown;
-    for (const QList<RKPointLocationChartData>& day : days) {
-        for (const RKPointLocationChartData& entry : day) {
-            shown.insert(entry.name);
+    double limit = 0.0; // not negative
+    double level = wholeLimit;
+    bool isFalling = false;
+
+    double distance() const
+    {
+        const double amount = limit * level / wholeLimit;
+        return isFalling ? -amount : amount;
+    }
+};
+
+QString signedText(double number)
+{
+    constexpr int digits = 12;
+    const QString amount = QString::number(std::abs(number), 'g', digits);
+    return (number < 0.0 ? QString(QChar(0x2212)) : QStringLiteral("+")) + amount;
+}
+
+QList<Amount> amountsOf(double limit, LimitSide side, double warningLevel)
+{
+    QList<Amount> amounts;
+    if (!(limit > 0.0)) {
+        return amounts;
+    }
+    for (const bool isFalling : {false, true}) {
+        const LimitSide other = isFalling ? LimitSide::Rising : LimitSide::Falling;
+        if (side == other) {
+            continue;
+        }
+        amounts.append({limit, wholeLimit, isFalling});
+        if (warningLevel > 0.0 && warningLevel < wholeLimit) {
+            amounts.append({limit, warningLevel, isFalling});
         }
     }
-    QStringList limited;
-    for (const PointLocSetting& group : groups) {
-        for (const QString& name : group.groupPoint) {
-            if (group.totalVar > 0.0 && shown.contains(name) && !limited.contains(name)) {
-                limited.append(name);
+    return amounts;
+}
+
+// Collects the lines of one panel.
+class PanelLines
+{
+public:
+    PanelLines(Chart::Panel& panel, Values values, const ReferenceOf& referenceOf)
+        : m_panel(panel), m_values(values), m_referenceOf(referenceOf)
+    {
+    }
+
+    void add(const LimitingGroup& group)
+    {
+        for (int curve = 0; curve < m_panel.curves.size(); ++curve) {
+            if (group.setting.groupPoint.contains(m_panel.curves[curve].pointName)) {
+                addForCurve(group, curve);
             }
         }
     }
-    return limited;
+
+    // Lines that are at the same place for several curves become one of the whole panel.
+    void finish()
+    {
+        leaveOutWarnings();
+        for (int first = 0; first < m_lines.size(); ++first) {
+            const Chart::Limit line = m_lines[first];
+            if (isTaken(line)) {
+                continue;
+            }
+            const auto isSamePlace = [&](const Chart::Limit& other) {
+                return other.value == line.value && other.isWarning == line.isWarning;
+            };
+            const auto count = std::count_if(m_lines.cbegin(), m_lines.cend(), isSamePlace);
+            Chart::Limit shown = line;
+            if (count > 1 || m_panel.curves.size() == 1) {
+                shown.curve = Chart::Limit::everyCurve;
+            } else {
+                shown.label = m_panel.curves[line.curve].label + QLatin1String(": ") + line.label;
+            }
+            m_panel.limits.append(shown);
+        }
+    }
+
+private:
+    // Where every curve has limits of its own, their warning levels would hide them.
+    void leaveOutWarnings()
+    {
+        constexpr int mostLines = 8;
+        QSet<double> places;
+        for (const Chart::Limit& line : qAsConst(m_lines)) {
+            places.insert(line.value);
+        }
+        if (places.size() > mostLines) {
+            m_lines.erase(std::remove_if(m_lines.begin(), m_lines.end(),
+                                         [](const Chart::Limit& line) { return line.isWarning; }),
+                          m_lines.end());
+        }
+    }
+
+    void addForCurve(const LimitingGroup& group, int curve)
+    {
+        const PointLocSetting& setting = group.setting;
+        const std::optional<double> reference = m_referenceOf(m_panel.curves[curve].pointId);
+        if (m_values == Values::Daily) {
+            const bool isPercent = setting.dayVarType == daily::inPercent;
+            if (!isPercent || reference) {
+                const double limit =
+                    isPercent ? setting.dayVarValue / wholeLimit * std::abs(*reference) : setting.dayVarValue;
+                addLines(curve, 0.0, amountsOf(limit, group.sides.daySide, group.sides.warningLevel));
+            }
+        } else if (reference) {
+            const double from = m_values == Values::Cumulative ? 0.0 : *reference;
+            addLines(curve, from,
+                     amountsOf(setting.totalVar, group.sides.totalSide, group.sides.warningLevel));
+        }
+    }
+
+    void addLines(int curve, double from, const QList<Amount>& amounts)
+    {
+        for (const Amount& amount : amounts) {
+            const bool isWarning = amount.level < wholeLimit;
+            const QString label = (isWarning ? QStringLiteral("warning %1") : QStringLiteral("limit %1"))
+                                      .arg(signedText(amount.distance()));
+            const Chart::Limit line{isWarning, label, from + amount.distance(), curve};
+            const bool isThere =
+                std::any_of(m_lines.cbegin(), m_lines.cend(), [&](const Chart::Limit& other) {
+                    return other.curve == curve && other.value == line.value &&
+                           other.isWarning == line.isWarning;
+                });
+            if (!isThere) {
+                m_lines.append(line);
+            }
+        }
+    }
+
+    bool isTaken(const Chart::Limit& line) const
+    {
+        return std::any_of(m_panel.limits.cbegin(), m_panel.limits.cend(), [&](const Chart::Limit& shown) {
+            return shown.curve == Chart::Limit::everyCurve && shown.value == line.value &&
+                   shown.isWarning == line.isWarning;
+        });
+    }
+
+    Chart::Panel& m_panel;
+    Values m_values;
+    const ReferenceOf& m_referenceOf;
+    QVector<Chart::Limit> m_lines;
+};
+
+bool limitsPointOf(const Chart& chart, const PointLocSetting& group)
+{
+    for (const Chart::Panel& panel : chart.panels) {
+        if (panel.subCategoryId != group.subCategoryId) {
+            continue;
+        }
+        for (const Chart::Curve& curve : panel.curves) {
+            if (group.groupPoint.contains(curve.pointName)) {
+                return true;
+            }
+        }
+    }
+    return false;
 }
 
 } // namespace
 
-void addLimits(Chart& chart, const Days& days, const QList<PointLocSetting>& groups,
-               const QMap<QString, ReferenceValue>& references)
+void addLimits(Chart& chart, Values values, const QList<LimitingGroup>& groups,
+               const ReferenceOf& referenceOf)
 {
-    QMap<QString, QString> names; // by label
-    for (const QList<RKPointLocationChartData>& day : days) {
-        for (const RKPointLocationChartData& entry : day) {
-            names.insert(pointLabel(entry.name, entry.depth), entry.name);
-        }
-    }
-    for (int curve = 0; curve < chart.curves.size(); ++curve) {
-        const QString& label = chart.curves[curve].label;
-        const auto reference = references.constFind(label);
-        for (const PointLocSetting& group : groups) {
-            const bool isLimited = group.totalVar > 0.0 && group.groupPoint.contains(names.value(label));
-            if (!isLimited || reference == references.constEnd()) {
-                continue;
-            }
-            for (const double limit : {group.totalVar, -group.totalVar}) {
-                chart.limits.append(
-                    {QStringLiteral("%1 %2%3")
-                         .arg(label, limit > 0.0 ? QStringLiteral("+") : QString(QChar(0x2212)))
-                         .arg(std::abs(limit)),
-                     reference->value + limit, curve});
+    for (Chart::Panel& panel : chart.panels) {
+        PanelLines lines(panel, values, referenceOf);
+        for (const LimitingGroup& group : groups) {
+            if (group.setting.subCategoryId == panel.subCategoryId) {
+                lines.add(group);
             }
         }
+        lines.finish();
     }
 }
 
-LimitOrigin addLimitsOf(ServiceSession& session, const RKMonitoring& monitoring, const Days& days,
-                        Chart& chart)
+QList<LimitingGroup> limitingGroups(ServiceSession& session, ServiceExtensions& extensions,
+                                    const RKMonitoring& monitoring, const Chart& chart)
 {
-    const QList<PointLocSetting> groups = groupsOfMonitoring(session, monitoring);
-    const QStringList limited = limitedNames(days, groups);
-    if (limited.isEmpty()) {
-        return LimitOrigin::None;
+    const bool tellsSides = extensions.has(Extension::GroupSides);
+    QList<LimitingGroup> limiting;
+    for (const PointLocSetting& group : groupsOfMonitoring(session, monitoring)) {
+        if (limitsPointOf(chart, group)) {
+            limiting.append({group, tellsSides ? extensions.groupSides(group.id) : GroupSides()});
+        }
     }
-    const QMap<QString, ReferenceValue> references = readReferenceValues(session, monitoring, limited);
-    if (references.isEmpty()) {
-        return LimitOrigin::None;
-    }
-    addLimits(chart, days, groups, references);
-    const bool isGuessed =
-        std::any_of(references.cbegin(), references.cend(),
-                    [](const ReferenceValue& reference) { return reference.isFirstReading; });
-    return isGuessed ? LimitOrigin::FirstReading : LimitOrigin::InitialValue;
+    return limiting;
 }
 
 } // namespace chart

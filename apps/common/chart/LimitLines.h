@@ -1,32 +1,35 @@
 #pragma once
 
-#include "ReferenceValues.h"
+#include "ServiceSession.h"
 #include "chart/Chart.h"
-#include "chart/DailyStatistic.h"
+#include "chart/StatisticsChart.h"
+#include "extensions/GroupSides.h"
+#include "extensions/ServiceExtensions.h"
 
 #include <QList>
-#include <QMap>
-#include <QString>
+#include <RKMonitoring.h>
 
 #include <PointLocSetting.h>
 
 namespace chart {
 
-/// What the lines that were added stand about.
-enum class LimitOrigin
+/// A threshold group with the sides of its limits.
+struct LimitingGroup
 {
-    None,         ///< no line was added
-    InitialValue, ///< of every point
-    FirstReading  ///< of at least one point, whose initial value is not known
+    PointLocSetting setting;
+    GroupSides sides;
 };
 
-/// Adds the lines of reference value plus and minus total limit, of every group that lists a curve's point.
-/// `references` are by the curves' labels.
-void addLimits(Chart& chart, const Days& days, const QList<PointLocSetting>& groups,
-               const QMap<QString, ReferenceValue>& references);
+/// Adds the lines of the limits, and of the levels from which on to warn, of every group to the panels of its
+/// sub-category: total limits about the references of the points that it lists, daily limits to a chart of
+/// daily variations. A line that would be the same for several curves is there once. Points without a
+/// reference have no lines that count from it.
+void addLimits(Chart& chart, Values values, const QList<LimitingGroup>& groups,
+               const ReferenceOf& referenceOf);
 
-/// The same with the groups and reference values of `monitoring`, which it reads as far as they are needed.
-LimitOrigin addLimitsOf(ServiceSession& session, const RKMonitoring& monitoring, const Days& days,
-                        Chart& chart);
+/// The groups of `monitoring` that limit a point of `chart`, with their sides as far as the service tells
+/// them: else limits are for both sides and there is no level to warn from.
+QList<LimitingGroup> limitingGroups(ServiceSession& session, ServiceExtensions& extensions,
+                                    const RKMonitoring& monitoring, const Chart& chart);
 
 } // namespace chart

@@ -1,21 +1,28 @@
 #include "chart/StatisticsChart.h"
 
 #include "PointNames.h"
+#include "chart/Variation.h"
 
 #include <QHash>
 #include <QSet>
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace chart {
 
 namespace {
 
-// The time as its own clock shows it, so that the axis shows the days of the site.
-double clockOf(const QDateTime& time)
+// The time as the clock of the site shows it, so that the axis shows the days of the site.
+QDateTime siteTime(const QDateTime& time, const std::optional<QTimeZone>& zone)
 {
-    return static_cast<double>(QDateTime(time.date(), time.time(), Qt::UTC).toMSecsSinceEpoch());
+    return zone ? time.toTimeZone(*zone) : time;
+}
+
+double clockOf(const QDateTime& siteTime)
+{
+    return static_cast<double>(QDateTime(siteTime.date(), siteTime.time(), Qt::UTC).toMSecsSinceEpoch());
 }
 
 QString offsetText(int seconds)
@@ -28,46 +35,127 @@ QString offsetText(int seconds)
         .arg(minutes % 60, 2, 10, QLatin1Char('0'));
 }
 
-// "Date", with the offset from UTC when all readings have the same.
-QString dateLabel(const Days& days)
+// "Date" with the offset from UTC that all readings have, or else with the name of the zone.
+QString dateLabel(const Days& days, const std::optional<QTimeZone>& zone)
 {
     QSet<int> offsets;
     for (const QList<RKPointLocationChartData>& day : days) {
         for (const RKPointLocationChartData& entry : day) {
-            offsets.insert(entry.time.offsetFromUtc());
+            offsets.insert(siteTime(entry.time, zone).offsetFromUtc());
         }
     }
-    return offsets.size() == 1 ? QStringLiteral("Date (%1)").arg(offsetText(*offsets.cbegin()))
-                               : QStringLiteral("Date");
+    if (offsets.size() == 1) {
+        return QStringLiteral("Date (%1)").arg(offsetText(*offsets.cbegin()));
+    }
+    return zone ? QStringLiteral("Date (%1)").arg(QString::fromLatin1(zone->id())) : QStringLiteral("Date");
 }
+
+bool isBefore(const MeasuredSubCategory& left, const MeasuredSubCategory& right)
+{
+    return left.name != right.name ? left.name < right.name : left.id < right.id;
+}
+
+// Puts entries into the curves of their points, in the panels that are there.
+class Curves
+{
+public:
+    Curves(Chart& chart, const std::optional<QTimeZone>& zone, const QuantityOf& quantityOf)
+        : m_zone(zone), m_quantityOf(quantityOf), m_chart(chart)
+    {
+    }
+
+    void add(const QDate& day, const RKPointLocationChartData& entry)
+    {
+        if (!m_places.contains(entry.id)) {
+            const int panel = panelOf(m_quantityOf(entry).id);
+            QVector<Chart::Curve>& curves = m_chart.panels[panel].curves;
+            m_places.insert(entry.id, {panel, curves.size()});
+            curves.append({pointLabel(entry.name, entry.depth), entry.id, entry.name, {}, {}});
+        }
+        const auto [panel, index] = m_places.value(entry.id);
+        Chart::Curve& curve = m_chart.panels[panel].curves[index];
+        curve.points.append({clockOf(siteTime(entry.time, m_zone)), entry.value});
+        curve.days.append(day);
+    }
+
+private:
+    int panelOf(const QString& subCategoryId) const
+    {
+        const auto panel =
+            std::find_if(m_chart.panels.cbegin(), m_chart.panels.cend(), [&](const Chart::Panel& candidate) {
+                return candidate.subCategoryId == subCategoryId;
+            });
+        return static_cast<int>(panel - m_chart.panels.cbegin());
+    }
+
+    const std::optional<QTimeZone>& m_zone;
+    const QuantityOf& m_quantityOf;
+    Chart& m_chart;
+    QHash<QString, QPair<int, int>> m_places; // panel and curve by point
+};
 
 } // namespace
 
-Chart overTime(const Days& days)
+QString withUnit(const QString& name, const QString& unit)
+{
+    return unit.isEmpty() ? name : QStringLiteral("%1 (%2)").arg(name, unit);
+}
+
+QString valueLabel(Values values, const QString& name, const QString& unit)
+{
+    switch (values) {
+    case Values::Cumulative:
+        return withUnit(name + QStringLiteral(", total variation"), unit);
+    case Values::Daily:
+        return withUnit(name + QStringLiteral(", daily variation"), unit);
+    case Values::Measured:
+        break;
+    }
+    return withUnit(name, unit);
+}
+
+QList<MeasuredSubCategory> quantitiesOf(const Days& days, const QuantityOf& quantityOf)
+{
+    QMap<QString, MeasuredSubCategory> found;
+    QSet<QString> seen;
+    for (const QList<RKPointLocationChartData>& day : days) {
+        for (const RKPointLocationChartData& entry : day) {
+            if (!seen.contains(entry.id)) {
+                seen.insert(entry.id);
+                const MeasuredSubCategory quantity = quantityOf(entry);
+                found.insert(quantity.id, quantity);
+            }
+        }
+    }
+    QList<MeasuredSubCategory> quantities = found.values();
+    std::sort(quantities.begin(), quantities.end(), isBefore);
+    return quantities;
+}
+
+Chart overTime(const Days& days, const std::optional<QTimeZone>& zone, const QuantityOf& quantityOf)
 {
     Chart chart;
     chart.kind = Chart::Kind::OverTime;
-    chart.otherLabel = dateLabel(days);
-    QHash<QString, int> indexes;
-    for (const QList<RKPointLocationChartData>& day : days) {
-        for (const RKPointLocationChartData& entry : day) {
-            const QString name = pointLabel(entry.name, entry.depth);
-            if (!indexes.contains(name)) {
-                indexes.insert(name, chart.curves.size());
-                chart.curves.append({name, {}});
-            }
-            chart.curves[indexes[name]].points.append({clockOf(entry.time), entry.value});
+    chart.otherLabel = dateLabel(days, zone);
+    for (const MeasuredSubCategory& quantity : quantitiesOf(days, quantityOf)) {
+        chart.panels.append({quantity.id, withUnit(quantity.name, quantity.unit), {}, {}});
+    }
+    Curves curves(chart, zone, quantityOf);
+    for (auto day = days.cbegin(); day != days.cend(); ++day) {
+        for (const RKPointLocationChartData& entry : *day) {
+            curves.add(day.key(), entry);
         }
     }
     return chart;
 }
 
-Chart overDepth(const Days& days)
+Chart overDepth(const Days& days, const MeasuredSubCategory& quantity)
 {
     Chart chart;
     chart.kind = Chart::Kind::OverDepth;
+    Chart::Panel panel{quantity.id, withUnit(quantity.name, quantity.unit), {}, {}};
     for (auto day = days.cbegin(); day != days.cend(); ++day) {
-        Chart::Curve curve{day.key().toString(Qt::ISODate), {}};
+        Chart::Curve curve{day.key().toString(Qt::ISODate), {}, {}, {}, {}};
         for (const RKPointLocationChartData& entry : *day) {
             bool isNumber = false;
             const double depth = entry.depth.toDouble(&isNumber);
@@ -78,10 +166,60 @@ Chart overDepth(const Days& days)
         std::stable_sort(curve.points.begin(), curve.points.end(),
                          [](const QPointF& left, const QPointF& right) { return left.y() < right.y(); });
         if (!curve.points.isEmpty()) {
-            chart.curves.append(curve);
+            panel.curves.append(curve);
         }
     }
+    if (!panel.curves.isEmpty()) {
+        chart.panels.append(panel);
+    }
     return chart;
+}
+
+void makeCumulative(Chart& chart, const ReferenceOf& referenceOf)
+{
+    for (Chart::Panel& panel : chart.panels) {
+        QVector<Chart::Curve> curves;
+        for (Chart::Curve curve : qAsConst(panel.curves)) {
+            const std::optional<double> reference = referenceOf(curve.pointId);
+            if (reference) {
+                for (QPointF& point : curve.points) {
+                    point.setY(variation::total(point.y(), *reference));
+                }
+                curves.append(curve);
+            }
+        }
+        panel.curves = curves;
+    }
+}
+
+void makeDaily(Chart& chart)
+{
+    for (Chart::Panel& panel : chart.panels) {
+        for (Chart::Curve& curve : panel.curves) {
+            QVector<QPointF> variations;
+            for (int index = 1; index < curve.points.size(); ++index) {
+                const int days = static_cast<int>(curve.days[index - 1].daysTo(curve.days[index]));
+                variations.append(
+                    {curve.points[index].x(),
+                     variation::daily(curve.points[index].y(), curve.points[index - 1].y(), days)});
+            }
+            curve.points = variations;
+            curve.days = curve.days.mid(1);
+        }
+    }
+}
+
+Days chosen(const Days& days, const std::function<bool(const RKPointLocationChartData&)>& isWanted)
+{
+    Days kept;
+    for (auto day = days.cbegin(); day != days.cend(); ++day) {
+        QList<RKPointLocationChartData> entries;
+        std::copy_if(day->cbegin(), day->cend(), std::back_inserter(entries), isWanted);
+        if (!entries.isEmpty()) {
+            kept.insert(day.key(), entries);
+        }
+    }
+    return kept;
 }
 
 QStringList namesWithProfile(const Days& days)

@@ -2,17 +2,58 @@
 
 #include "chart/Chart.h"
 #include "chart/DailyStatistic.h"
+#include "extensions/Projects.h"
 
 #include <QStringList>
+#include <QTimeZone>
+
+#include <functional>
+#include <optional>
 
 /// Charts of a monitoring's statistics.
 namespace chart {
 
-/// One curve per point and depth, at the times of the readings.
-Chart overTime(const Days& days);
+/// What the point of an entry measures.
+using QuantityOf = std::function<MeasuredSubCategory(const RKPointLocationChartData&)>;
 
-/// One curve per day, from the top to the bottom. Readings whose depth is no number are left out.
-Chart overDepth(const Days& days);
+/// What the variations of a point count from, by its identifier; nothing when it has none.
+using ReferenceOf = std::function<std::optional<double>(const QString& pointId)>;
+
+/// "name (unit)", or the name alone.
+QString withUnit(const QString& name, const QString& unit);
+
+/// What the values of a chart over time are.
+enum class Values
+{
+    Measured,
+    Cumulative, ///< total variations
+    Daily       ///< daily variations
+};
+
+/// "name", "name, total variation" or "name, daily variation", with the unit.
+QString valueLabel(Values values, const QString& name, const QString& unit);
+
+/// One panel per sub-category, in the order of their names, with one curve per point, at the times of the
+/// readings on the clock of `zone`; without a zone on the clock that each was written with.
+Chart overTime(const Days& days, const std::optional<QTimeZone>& zone, const QuantityOf& quantityOf);
+
+/// One curve per day, from the top to the bottom. Readings whose depth is no number are left out. The entries
+/// are all of `quantity`.
+Chart overDepth(const Days& days, const MeasuredSubCategory& quantity);
+
+/// The values of a chart over time as total variations: each minus the reference of its point. Curves of
+/// points without one are left out.
+void makeCumulative(Chart& chart, const ReferenceOf& referenceOf);
+
+/// The values of a chart over time as daily variations: each minus that of the previous measured day, by the
+/// days between. The first of a curve has none.
+void makeDaily(Chart& chart);
+
+/// The entries that `isWanted`; days without one are left out.
+Days chosen(const Days& days, const std::function<bool(const RKPointLocationChartData&)>& isWanted);
+
+/// The quantities of all entries, each once, in the order of their names.
+QList<MeasuredSubCategory> quantitiesOf(const Days& days, const QuantityOf& quantityOf);
 
 /// Names of the points that have several depths on one day: each has a profile of its own.
 QStringList namesWithProfile(const Days& days);

@@ -2,7 +2,7 @@
 
 #include "DataHeld.h"
 #include "PointNames.h"
-#include "import/PointOrigins.h"
+#include "points/PointOrigins.h"
 
 #include <algorithm>
 

@@ -3,6 +3,7 @@
 #include "DisplayText.h"
 #include "chart/Chart.h"
 
+#include <QDateTime>
 #include <QMap>
 
 #include <algorithm>
@@ -38,10 +39,39 @@ constexpr int leastCells = 10;
 int labelWidth(const Chart& chart)
 {
     int widest = 0;
-    for (const Chart::Curve& curve : chart.curves) {
-        widest = std::max(widest, display::width(display::escaped(curve.label)));
+    for (const Chart::Panel& panel : chart.panels) {
+        for (const Chart::Curve& curve : panel.curves) {
+            widest = std::max(widest, display::width(display::escaped(curve.label)));
+        }
     }
     return widest;
+}
+
+Range timesOf(const Chart& chart)
+{
+    Range times;
+    for (const Chart::Panel& panel : chart.panels) {
+        for (const Chart::Curve& curve : panel.curves) {
+            for (const QPointF& point : curve.points) {
+                times.include(point.x());
+            }
+        }
+    }
+    return times;
+}
+
+QString dateText(double time)
+{
+    return QDateTime::fromMSecsSinceEpoch(std::llround(time), Qt::UTC).date().toString(Qt::ISODate);
+}
+
+// The first and the last date under the bars.
+QString dateLine(const Range& times, int before, int cells)
+{
+    const QString first = dateText(times.least);
+    const QString last = dateText(times.most);
+    const QString blanks(before, QLatin1Char(' '));
+    return first == last ? blanks + first : blanks + first + last.rightJustified(cells - first.size());
 }
 
 // Bars for the last value in each step of time; a blank where there is none.
@@ -60,24 +90,28 @@ QString bars(const Chart::Curve& curve, const Range& times, const Range& values,
 QStringList overTime(const Chart& chart, int width)
 {
     constexpr int numberWidth = 12;
-    Range times;
-    for (const Chart::Curve& curve : chart.curves) {
-        for (const QPointF& point : curve.points) {
-            times.include(point.x());
-        }
-    }
+    const Range times = timesOf(chart);
     const int labels = labelWidth(chart);
     const int cells = std::max(leastCells, width - labels - 2 * numberWidth - 2);
     QStringList lines;
-    for (const Chart::Curve& curve : chart.curves) {
-        Range values;
-        for (const QPointF& point : curve.points) {
-            values.include(point.y());
+    for (const Chart::Panel& panel : chart.panels) {
+        if (chart.panels.size() > 1) {
+            lines.append(display::escaped(panel.valueLabel) + QLatin1Char(':'));
         }
-        lines.append(QStringLiteral("%1  %2 %3 %4")
-                         .arg(display::padded(display::escaped(curve.label), labels),
-                              QString::number(values.least).rightJustified(numberWidth - 2),
-                              bars(curve, times, values, cells), QString::number(values.most)));
+        for (const Chart::Curve& curve : panel.curves) {
+            Range values;
+            for (const QPointF& point : curve.points) {
+                values.include(point.y());
+            }
+            lines.append(QStringLiteral("%1  %2 %3 %4")
+                             .arg(display::padded(display::escaped(curve.label), labels),
+                                  QString::number(values.least).rightJustified(numberWidth - 2),
+                                  bars(curve, times, values, cells), QString::number(values.most)));
+        }
+    }
+    constexpr int datesWidth = 21; // two dates and a blank
+    if (cells >= datesWidth) {
+        lines.append(dateLine(times, labels + numberWidth + 1, cells));
     }
     return lines;
 }
@@ -99,8 +133,8 @@ QStringList overDepth(const Chart& chart, int width)
     constexpr int depthWidth = 8;
     const QChar first(0x25cb);
     const QChar last(0x25cf);
-    const Chart::Curve& earliest = chart.curves.constFirst();
-    const Chart::Curve& latest = chart.curves.constLast();
+    const Chart::Curve& earliest = chart.panels.constFirst().curves.constFirst();
+    const Chart::Curve& latest = chart.panels.constFirst().curves.constLast();
     Range values;
     for (const Chart::Curve* curve : {&earliest, &latest}) {
         for (const QPointF& point : curve->points) {
@@ -130,7 +164,7 @@ QStringList overDepth(const Chart& chart, int width)
 
 QStringList textChart(const Chart& chart, int width)
 {
-    if (chart.curves.isEmpty()) {
+    if (chart.panels.isEmpty()) {
         return {};
     }
     return chart.kind == Chart::Kind::OverTime ? overTime(chart, width) : overDepth(chart, width);

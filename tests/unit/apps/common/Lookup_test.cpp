@@ -51,10 +51,16 @@ TEST_F(Lookup, FindsASubCategoryByIdentifierNameOrAlias)
     rain.name = "Rain"_q;
     rain.alias = "SM"_q;
     for (const char* text : {"s1", "Soil moisture", "SM"}) {
-        EXPECT_EQ(lookup::subCategoryAmong({moisture}, QString::fromUtf8(text))->id, "s1"_q) << text;
+        EXPECT_EQ(
+            lookup::subCategoryAmong(QList<RKMonitoringSubCategory>{moisture}, QString::fromUtf8(text))->id,
+            "s1"_q)
+            << text;
     }
-    EXPECT_FALSE(lookup::subCategoryAmong({moisture}, "sm"_q));
-    EXPECT_EQ(failureOf([&] { lookup::subCategoryAmong({moisture, rain}, "SM"_q); }), FailureKind::BadInput);
+    EXPECT_FALSE(lookup::subCategoryAmong(QList<RKMonitoringSubCategory>{moisture}, "sm"_q));
+    EXPECT_EQ(failureOf([&] {
+                  lookup::subCategoryAmong(QList<RKMonitoringSubCategory>{moisture, rain}, "SM"_q);
+              }),
+              FailureKind::BadInput);
 }
 
 TEST_F(Lookup, ReadsNoNameForNoIdentifier)

@@ -8,6 +8,8 @@
 inline RKPointLocationChartData entry(const char* name, const char* depth, const QString& time, double value)
 {
     RKPointLocationChartData data;
+    // One point for each name and depth, unless a test says otherwise.
+    data.id = QString::fromUtf8(name) + QString::fromUtf8(depth);
     data.name = QString::fromUtf8(name);
     data.depth = QString::fromUtf8(depth);
     data.time = QDateTime::fromString(time, Qt::ISODate);

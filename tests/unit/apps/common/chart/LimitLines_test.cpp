@@ -1,60 +1,157 @@
 #include "chart/LimitLines.h"
 
-#include "DailyValues.h"
 #include "ScriptedSession.h"
-#include "chart/StatisticsChart.h"
 
 namespace {
 
+chart::LimitingGroup group(const QStringList& names, double total)
+{
+    chart::LimitingGroup made;
+    made.setting.subCategoryId = "s1"_q;
+    made.setting.groupPoint = names;
+    made.setting.totalVar = total;
+    return made;
+}
+
+Chart chartOf(const QStringList& names)
+{
+    Chart chart;
+    chart.panels = {{"s1"_q, "Settlement"_q, {}, {}}};
+    for (const QString& name : names) {
+        chart.panels[0].curves.append({name, "id of "_q + name, name, {{0.0, 1.0}, {1.0, 2.0}}, {}});
+    }
+    return chart;
+}
+
+chart::ReferenceOf always(double reference)
+{
+    return [reference](const QString&) {
+        return std::make_optional(reference);
+    };
+}
+
+QStringList textsOf(const Chart& chart)
+{
+    QStringList texts;
+    for (const Chart::Limit& limit : chart.panels[0].limits) {
+        texts.append("%1 at %2"_q.arg(limit.label).arg(limit.value));
+    }
+    return texts;
+}
+
 class LimitLines : public ScriptedSession
 {
+protected:
+    ServiceExtensions extensions{session};
 };
 
 } // namespace
 
 TEST_F(LimitLines, LieAboutTheReference)
 {
-    PointLocSetting group;
-    group.groupPoint = QStringList{"I1"_q};
-    group.totalVar = 10.0;
-    PointLocSetting withoutLimit = group;
-    withoutLimit.totalVar = 0.0;
-    Chart drawn = chart::overTime(threeDays());
-    chart::addLimits(drawn, threeDays(), {group, withoutLimit},
-                     {{"I1, 2.5"_q, {0.5, false}}, {"S1"_q, {1, false}}});
-    ASSERT_EQ(drawn.limits.size(), 2);
-    EXPECT_EQ(drawn.limits[0].value, 10.5);
-    EXPECT_EQ(drawn.limits[0].label, "I1, 2.5 +10"_q);
-    EXPECT_EQ(drawn.limits[1].value, -9.5);
-    EXPECT_EQ(drawn.limits[1].curve, 0);
+    Chart drawn = chartOf({"S1"_q});
+    chart::addLimits(drawn, chart::Values::Measured, {group({"S1"_q}, 10.0), group({"S1"_q}, 0.0)},
+                     always(0.5));
+    EXPECT_EQ(textsOf(drawn), (QStringList{"limit +10 at 10.5"_q, QString::fromUtf8("limit −10 at -9.5")}));
+    EXPECT_EQ(drawn.panels[0].limits[0].curve, Chart::Limit::everyCurve);
 }
 
-TEST_F(LimitLines, AreReadAsFarAsTheyAreNeeded)
+TEST_F(LimitLines, OfVariationsLieAboutZeroAndAreThereOnce)
 {
-    Chart drawn = chart::overTime(threeDays());
-    server.answerJson(200, R"([{"_id":"g1","groupPoint":["elsewhere"],"totalVar":1}])");
-    EXPECT_EQ(chart::addLimitsOf(session, monitoring(), threeDays(), drawn), chart::LimitOrigin::None);
-    EXPECT_TRUE(drawn.limits.isEmpty());
-    EXPECT_EQ(server.requestCount(), 1);
+    Chart drawn = chartOf({"S1"_q, "S2"_q, "S3"_q});
+    chart::addLimits(drawn, chart::Values::Cumulative,
+                     {group({"S1"_q, "S2"_q}, 10.0), group({"S3"_q, "S1"_q}, 10.0)}, always(7.0));
+    EXPECT_EQ(textsOf(drawn), (QStringList{"limit +10 at 10"_q, QString::fromUtf8("limit −10 at -10")}));
+    EXPECT_EQ(drawn.panels[0].limits[0].curve, Chart::Limit::everyCurve);
 }
 
-TEST_F(LimitLines, TellWhetherTheyStandAboutFirstReadings)
+TEST_F(LimitLines, AreThoseOfACurveWhereReferencesDiffer)
 {
-    const QByteArray groups = R"([{"_id":"g1","groupPoint":["S1"],"totalVar":2}])";
-    const QByteArray sample = R"("data":[{"time":"2026-03-01T00:00:00Z","value":4,"count":1}]})";
-    Chart drawn = chart::overTime(threeDays());
-    server.answerJson(200, groups);
-    server.answerJson(200, R"([{"_id":"a","name":"S1","initialValue":3,)" + sample + "]");
-    EXPECT_EQ(chart::addLimitsOf(session, monitoring(), threeDays(), drawn),
-              chart::LimitOrigin::InitialValue);
-    ASSERT_EQ(drawn.limits.size(), 2);
-    EXPECT_EQ(drawn.limits[0].value, 5.0);
-    EXPECT_EQ(drawn.limits[1].value, 1.0);
+    Chart drawn = chartOf({"S1"_q, "S2"_q});
+    chart::addLimits(drawn, chart::Values::Measured, {group({"S1"_q, "S2"_q}, 10.0)},
+                     [](const QString& id) { return std::make_optional(id == "id of S1"_q ? 0.0 : 1.0); });
+    EXPECT_EQ(textsOf(drawn),
+              (QStringList{"S1: limit +10 at 10"_q, QString::fromUtf8("S1: limit −10 at -10"),
+                           "S2: limit +10 at 11"_q, QString::fromUtf8("S2: limit −10 at -9")}));
+    EXPECT_EQ(drawn.panels[0].limits[3].curve, 1);
+}
 
-    drawn = chart::overTime(threeDays());
-    server.answerJson(200, groups);
-    server.answerJson(200, R"([{"_id":"a","name":"S1","initialValue":0,)" + sample + "]");
-    EXPECT_EQ(chart::addLimitsOf(session, monitoring(), threeDays(), drawn),
-              chart::LimitOrigin::FirstReading);
-    EXPECT_EQ(drawn.limits[0].value, 6.0);
+TEST_F(LimitLines, AreOfTheSidesThatTheGroupSays)
+{
+    chart::LimitingGroup rising = group({"S1"_q}, 10.0);
+    rising.sides.totalSide = LimitSide::Rising;
+    rising.sides.warningLevel = 80.0;
+    Chart drawn = chartOf({"S1"_q});
+    chart::addLimits(drawn, chart::Values::Measured, {rising}, always(1.0));
+    EXPECT_EQ(textsOf(drawn), (QStringList{"limit +10 at 11"_q, "warning +8 at 9"_q}));
+    EXPECT_FALSE(drawn.panels[0].limits[0].isWarning);
+    EXPECT_TRUE(drawn.panels[0].limits[1].isWarning);
+
+    rising.sides.totalSide = LimitSide::Falling;
+    rising.sides.warningLevel = 100.0;
+    drawn = chartOf({"S1"_q});
+    chart::addLimits(drawn, chart::Values::Measured, {rising}, always(1.0));
+    EXPECT_EQ(textsOf(drawn), QStringList{QString::fromUtf8("limit −10 at -9")});
+}
+
+TEST_F(LimitLines, OfDailyVariationsAreDailyLimits)
+{
+    chart::LimitingGroup daily = group({"S1"_q}, 10.0);
+    daily.setting.dayVarValue = 2.0;
+    Chart drawn = chartOf({"S1"_q});
+    chart::addLimits(drawn, chart::Values::Daily, {daily}, always(-50.0));
+    EXPECT_EQ(textsOf(drawn), (QStringList{"limit +2 at 2"_q, QString::fromUtf8("limit −2 at -2")}));
+
+    daily.setting.dayVarType = 1; // percent of the amount of the reference
+    drawn = chartOf({"S1"_q});
+    chart::addLimits(drawn, chart::Values::Daily, {daily}, always(-50.0));
+    EXPECT_EQ(textsOf(drawn), (QStringList{"limit +1 at 1"_q, QString::fromUtf8("limit −1 at -1")}));
+    drawn = chartOf({"S1"_q});
+    chart::addLimits(drawn, chart::Values::Daily, {daily},
+                     [](const QString&) { return std::optional<double>(); });
+    EXPECT_EQ(textsOf(drawn), QStringList());
+}
+
+TEST_F(LimitLines, AreOnlyThoseOfTheirSubCategory)
+{
+    chart::LimitingGroup other = group({"S1"_q}, 10.0);
+    other.setting.subCategoryId = "s2"_q;
+    Chart drawn = chartOf({"S1"_q});
+    chart::addLimits(drawn, chart::Values::Measured, {other}, always(1.0));
+    EXPECT_EQ(textsOf(drawn), QStringList());
+}
+
+TEST_F(LimitLines, WarningsGiveWayToManyLimits)
+{
+    chart::LimitingGroup warned = group({"S1"_q, "S2"_q, "S3"_q}, 10.0);
+    warned.sides.warningLevel = 80.0;
+    Chart drawn = chartOf({"S1"_q, "S2"_q, "S3"_q});
+    double reference = 0.0;
+    chart::addLimits(drawn, chart::Values::Measured, {warned},
+                     [&](const QString&) { return std::make_optional(reference += 1.0); });
+    EXPECT_EQ(drawn.panels[0].limits.size(), 6);
+}
+
+TEST_F(LimitLines, NeedGroupsThatListAPoint)
+{
+    server.answerJson(404, R"({"message":"nothing here","status":404})"); // what the service can
+    server.answerJson(200, R"([{"_id":"g1","subCategoryId":"s1","groupPoint":["elsewhere"],"totalVar":1},
+                               {"_id":"g2","subCategoryId":"s2","groupPoint":["S1"],"totalVar":1},
+                               {"_id":"g3","subCategoryId":"s1","groupPoint":["S1"],"totalVar":1}])");
+    const auto groups = chart::limitingGroups(session, extensions, monitoring(), chartOf({"S1"_q}));
+    ASSERT_EQ(groups.size(), 1);
+    EXPECT_EQ(groups[0].setting.id, "g3"_q);
+    EXPECT_EQ(groups[0].sides.totalSide, LimitSide::Both);
+}
+
+TEST_F(LimitLines, HaveTheSidesThatTheServiceTells)
+{
+    server.answerJson(200, R"({"name":"monitor-service","version":"1","extensions":["groupSides"],
+                               "owner":"a","rights":[]})");
+    server.answerJson(200, R"([{"_id":"g1","subCategoryId":"s1","groupPoint":["S1"],"totalVar":1}])");
+    server.answerJson(200, R"({"_id":"g1","dayVarSide":"both","totalVarSide":"falling","warningLevel":70})");
+    const auto groups = chart::limitingGroups(session, extensions, monitoring(), chartOf({"S1"_q}));
+    ASSERT_EQ(groups.size(), 1);
+    EXPECT_EQ(groups[0].sides.totalSide, LimitSide::Falling);
+    EXPECT_EQ(groups[0].sides.warningLevel, 70.0);
 }

@@ -17,6 +17,9 @@ public:
     PointOrigins(ServiceSession& session, const QString& cellId, const QList<QStringList>& namePortions,
                  const QList<RKDataManage>& held);
 
+    /// Identifiers of the points that were read.
+    QList<QString> points() const { return m_pointTimes.keys(); }
+
     /// Sub-categories that a delivery went to when the point was made: as a rule one. All of them when the
     /// point could not be read.
     QSet<QString> subCategoriesOf(const QString& pointId) const;

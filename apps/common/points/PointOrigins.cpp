@@ -1,4 +1,4 @@
-#include "import/PointOrigins.h"
+#include "points/PointOrigins.h"
 
 #include "PagedReading.h"
 

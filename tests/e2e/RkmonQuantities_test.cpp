@@ -1,0 +1,256 @@
+#include "DeploymentWithoutExtensions.h"
+#include "RkmonTest.h"
+#include "SvgDrawing.h"
+#include "Text.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+
+#include <gmock/gmock.h>
+
+// Points of one name in different sub-categories, their references, and the days of the project: what is
+// easily mixed up.
+
+namespace {
+
+using testing::HasSubstr;
+
+class RkmonQuantities : public RkmonTest
+{
+protected:
+    RkmonQuantities()
+    {
+        settlement = subCategory("Settlement"_q, "SE"_q, "mm"_q);
+        force = subCategory("Force"_q, "FO"_q, "kN"_q);
+        created("Pit"_q);
+        // P1 is measured for both; the service stores other values than anything in the program could
+        // confuse.
+        deliver("SE"_q, "P1,,2015-12-18T08:00:00-08:00,1,1.5\n"
+                        "P1,,2015-12-19T08:00:00-08:00,1,2.5\n"
+                        "P1,,2015-12-20T08:00:00-08:00,1,4.5\n"
+                        "P2,,2015-12-20T08:00:00-08:00,1,7.5\n");
+        deliver("FO"_q, "P1,,2015-12-18T20:00:00-08:00,1,500\n"
+                        "P1,,2015-12-19T20:00:00-08:00,1,510\n"
+                        "P1,,2015-12-20T20:00:00-08:00,1,520\n");
+    }
+
+    QString subCategory(const QString& name, const QString& alias, const QString& unit) const
+    {
+        return service().admin({"subcategory"_q, "create"_q, "--project"_q, project, "--category"_q,
+                                "Slope"_q, "--name"_q, name, "--alias"_q, alias, "--unit"_q, unit});
+    }
+
+    void deliver(const QString& subCategory, const QByteArray& rows)
+    {
+        QFile file(inFolder("%1.csv"_q.arg(subCategory)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write("name,depth,time,count,value\n" + rows);
+        file.close();
+        done({"point"_q, "import"_q, "--cell"_q, "Pit"_q, "--sub-category"_q, subCategory, file.fileName()});
+    }
+
+    QString inFolder(const QString& name) const { return QDir(rkmon.folder()).filePath(name); }
+
+    Result done(const QStringList& arguments) const
+    {
+        const Result result = rkmon.run(arguments);
+        EXPECT_EQ(result.code, 0) << arguments.join(QLatin1Char(' ')).toStdString() << ": "
+                                  << result.messages.toStdString();
+        return result;
+    }
+
+    // "sub-category name value" of each row.
+    QStringList rows(const QStringList& arguments, const char* subCategory, const char* value) const
+    {
+        QStringList texts;
+        for (const QJsonValue& row : done(arguments + QStringList{"--json"_q}).array()) {
+            texts.append(
+                "%1 %2 %3"_q.arg(row[QLatin1String(subCategory)].toString(), row["name"_q].toString())
+                    .arg(row[QLatin1String(value)].toDouble()));
+        }
+        texts.sort();
+        return texts;
+    }
+
+    void checkSubCategoriesAreKeptApart()
+    {
+        const QStringList points{"point"_q, "list"_q, "--cell"_q, "Pit"_q};
+        EXPECT_EQ(rows(points, "subCategoryName", "latestValue"),
+                  (QStringList{"Force P1 520"_q, "Settlement P1 4.5"_q, "Settlement P2 7.5"_q}));
+        EXPECT_EQ(rows(points + QStringList{"--sub-category"_q, "FO"_q}, "subCategoryName", "latestValue"),
+                  QStringList{"Force P1 520"_q});
+        EXPECT_EQ(rows(points + QStringList{"--sub-category"_q, settlement, "--name"_q, "P1"_q},
+                       "subCategoryName", "latestValue"),
+                  QStringList{"Settlement P1 4.5"_q});
+        EXPECT_EQ(
+            rows(points + QStringList{"--samples"_q, "--sub-category"_q, "Force"_q}, "subCategory", "value"),
+            (QStringList{"Force P1 500"_q, "Force P1 510"_q, "Force P1 520"_q}));
+
+        const QStringList days{"stats"_q, "normal"_q, "--cell"_q, "Pit"_q, "--name"_q, "P1"_q};
+        EXPECT_EQ(rows(days, "subCategoryName", "value").size(), 6);
+        EXPECT_EQ(rows(days + QStringList{"--sub-category"_q, "SE"_q}, "subCategoryName", "value"),
+                  (QStringList{"Settlement P1 1.5"_q, "Settlement P1 2.5"_q, "Settlement P1 4.5"_q}));
+
+        const QJsonObject latest = done({"point"_q, "latest"_q, "--cell"_q, "Pit"_q, "--sub-category"_q,
+                                         "SE"_q, "--name"_q, "P1"_q, "--json"_q})
+                                       .object();
+        EXPECT_EQ(latest["latestValue"_q].toDouble(), 4.5);
+        EXPECT_EQ(latest["subCategoryName"_q].toString(), "Settlement"_q);
+    }
+
+    // A chart of P1: each quantity has a panel of its own, and its curve goes through its values alone.
+    void checkQuantitiesHaveAxesOfTheirOwn(const QStringList& labels)
+    {
+        const QString svg = inFolder("a.svg"_q);
+        done({"stats"_q, "normal"_q, "--cell"_q, "Pit"_q, "--name"_q, "P1"_q, "--plot"_q, svg});
+        const SvgDrawing drawing = readSvg(svg);
+        for (const QString& label : labels) {
+            EXPECT_EQ(drawing.allTexts().count(label), 1) << label.toStdString();
+        }
+        QVector<SvgDrawing::Line> curves;
+        for (const SvgDrawing::Line& line : drawing.lines) {
+            if (line.points.size() == 3) {
+                curves.append(line);
+            }
+        }
+        ASSERT_EQ(curves.size(), 2);
+        const auto rises = [](const SvgDrawing::Line& curve) {
+            const double first = curve.points[0].y() - curve.points[1].y();
+            return (curve.points[1].y() - curve.points[2].y()) / first;
+        };
+        EXPECT_NEAR(rises(curves[0]), 1.0, 0.01);                    // 500, 510, 520
+        EXPECT_NEAR(rises(curves[1]), 2.0, 0.01);                    // 1.5, 2.5, 4.5
+        EXPECT_LT(curves[0].points[0].y(), curves[1].points[2].y()); // one above the other
+    }
+
+    QString settlement;
+    QString force;
+};
+
+} // namespace
+
+TEST_F(RkmonQuantities, AreKeptApartEverywhere)
+{
+    checkSubCategoriesAreKeptApart();
+    checkQuantitiesHaveAxesOfTheirOwn({"Force (kN)"_q, "Settlement (mm)"_q});
+    EXPECT_EQ(rkmon.run({"point"_q, "list"_q, "--cell"_q, "Pit"_q, "--sub-category"_q, "XX"_q}).code, 4);
+}
+
+TEST_F(RkmonQuantities, AreKeptApartWhereTheServiceTellsNothing)
+{
+    const DeploymentWithoutExtensions deployment{service().baseAddress()};
+    rkmon.configure(deployment.baseAddress(), project, editor.text);
+    checkSubCategoriesAreKeptApart();
+    checkQuantitiesHaveAxesOfTheirOwn({"Force"_q, "Settlement"_q}); // units are not told
+}
+
+TEST_F(RkmonQuantities, AreDrawnOneByOneInTheTerminal)
+{
+    const QString drawn =
+        done({"stats"_q, "normal"_q, "--cell"_q, "Pit"_q, "--name"_q, "P1"_q, "--draw"_q}).output;
+    const QStringList lines = drawn.split(QLatin1Char('\n'));
+    ASSERT_EQ(lines.size(), 7) << drawn.toStdString();
+    EXPECT_EQ(lines[1], "Force (kN):"_q);
+    EXPECT_THAT(lines[2].toStdString(), HasSubstr("500"));
+    EXPECT_EQ(lines[3], "Settlement (mm):"_q);
+    EXPECT_THAT(lines[4].toStdString(), HasSubstr("1.5"));
+    EXPECT_THAT(lines[5].toStdString(), HasSubstr("2015-12-18"));
+}
+
+TEST_F(RkmonQuantities, AreNeverMixedOverDepth)
+{
+    deliver("SE"_q, "I1,2.5,2015-12-20T08:00:00-08:00,1,1\nI1,5,2015-12-20T08:00:00-08:00,1,2\n");
+    deliver("FO"_q, "I1,2.5,2015-12-20T08:00:00-08:00,1,100\nI1,5,2015-12-20T08:00:00-08:00,1,200\n");
+    const QStringList depth{"stats"_q, "depth"_q, "--cell"_q, "Pit"_q, "--plot"_q, inFolder("a.svg"_q)};
+    const Result refused = rkmon.run(depth);
+    EXPECT_EQ(refused.code, 2);
+    EXPECT_THAT(refused.messages.toStdString(),
+                HasSubstr("shows one quantity; --sub-category chooses among Force, Settlement"));
+    done(depth + QStringList{"--sub-category"_q, "FO"_q});
+    EXPECT_TRUE(readSvg(inFolder("a.svg"_q)).allTexts().contains("Force (kN)"_q));
+}
+
+TEST_F(RkmonQuantities, VariationsCountFromTheReferenceOfTheService)
+{
+    // An initial value with a fraction, which the library reads as 0.
+    QJsonObject point;
+    for (const QJsonValue& row : done({"point"_q, "list"_q, "--cell"_q, "Pit"_q, "--json"_q}).array()) {
+        if (row["name"_q] == "P2"_q) {
+            point = row.toObject();
+        }
+    }
+    EXPECT_EQ(point["reference"_q].toDouble(), 7.5);
+    deliver("SE"_q, "P3,,2015-12-20T08:00:00-08:00,1,10.5\nP3,,2015-12-21T08:00:00-08:00,1,11.75\n");
+    const QJsonArray days =
+        done({"stats"_q, "normal"_q, "--cell"_q, "Pit"_q, "--name"_q, "P3"_q, "--json"_q}).array();
+    ASSERT_EQ(days.size(), 2);
+    EXPECT_EQ(days[1]["totalVar"_q].toDouble(), 1.25);
+
+    done({"group"_q, "create"_q, "--cell"_q, "Pit"_q, "--sub-category"_q, "SE"_q, "--name"_q, "North"_q,
+          "--point"_q, "P3"_q, "--total-limit"_q, "2"_q, "--daily-limit"_q, "0.5"_q});
+    const QString svg = inFolder("a.svg"_q);
+    const Result plotted =
+        done({"stats"_q, "normal"_q, "--cell"_q, "Pit"_q, "--name"_q, "P3"_q, "--plot"_q, svg});
+    EXPECT_EQ(plotted.messages, "rkmon: wrote %1\n"_q.arg(svg)); // nothing is guessed
+    EXPECT_TRUE(readSvg(svg).allTexts().contains("limit +2"_q));
+    done({"stats"_q, "normal"_q, "--cell"_q, "Pit"_q, "--name"_q, "P3"_q, "--values"_q, "daily"_q, "--plot"_q,
+          svg});
+    EXPECT_TRUE(readSvg(svg).allTexts().contains("limit +0.5"_q));
+    EXPECT_TRUE(readSvg(svg).allTexts().contains("Settlement, daily variation (mm)"_q));
+}
+
+TEST_F(RkmonQuantities, ReferencesThatAreNotToldAreSaidToBeGuessed)
+{
+    done({"group"_q, "create"_q, "--cell"_q, "Pit"_q, "--sub-category"_q, "SE"_q, "--name"_q, "North"_q,
+          "--point"_q, "P1"_q, "--total-limit"_q, "2"_q});
+    const DeploymentWithoutExtensions deployment{service().baseAddress()};
+    rkmon.configure(deployment.baseAddress(), project, editor.text);
+    const QString svg = inFolder("a.svg"_q);
+    const Result plotted = done({"stats"_q, "normal"_q, "--cell"_q, "Pit"_q, "--name"_q, "P1"_q,
+                                 "--sub-category"_q, "SE"_q, "--plot"_q, svg});
+    EXPECT_THAT(plotted.messages.toStdString(), HasSubstr("count from the first readings"));
+    EXPECT_TRUE(readSvg(svg).allTexts().contains("Pit: P1 (variations count from the first readings)"_q));
+}
+
+TEST_F(RkmonQuantities, DaysAreThoseOfTheProject)
+{
+    // The project's days begin in Los Angeles: 08:00 of the 18th there is the 19th in Auckland.
+    rkmon.setVariable("TZ"_q, "Pacific/Auckland"_q);
+    const QStringList day{"--since"_q, "2015-12-18"_q, "--until"_q, "2015-12-18"_q};
+    EXPECT_EQ(rows(QStringList{"point"_q, "list"_q, "--cell"_q, "Pit"_q, "--samples"_q} + day, "subCategory",
+                   "value"),
+              (QStringList{"Force P1 500"_q, "Settlement P1 1.5"_q}));
+    EXPECT_EQ(rows(QStringList{"stats"_q, "normal"_q, "--cell"_q, "Pit"_q} + day, "subCategoryName", "value")
+                  .size(),
+              2);
+    const QString table = done({"stats"_q, "normal"_q, "--cell"_q, "Pit"_q, "--name"_q, "P2"_q}).output;
+    EXPECT_THAT(table.toStdString(), HasSubstr("2015-12-20 08:00:00 -08:00"));
+    const QString svg = inFolder("a.svg"_q);
+    done({"stats"_q, "normal"_q, "--cell"_q, "Pit"_q, "--name"_q, "P1"_q, "--plot"_q, svg});
+    EXPECT_TRUE(readSvg(svg).allTexts().contains("Date (UTC-08:00)"_q));
+}
+
+TEST_F(RkmonQuantities, WhereTheZoneIsNotToldItIsSaidWhoseDaysTheyAre)
+{
+    const DeploymentWithoutExtensions deployment{service().baseAddress()};
+    rkmon.configure(deployment.baseAddress(), project, editor.text);
+    rkmon.setVariable("TZ"_q, "Pacific/Auckland"_q);
+    const Result listed = done({"point"_q, "list"_q, "--cell"_q, "Pit"_q, "--samples"_q, "--csv"_q,
+                                "--since"_q, "2015-12-19"_q, "--until"_q, "2015-12-19"_q});
+    EXPECT_EQ(listed.messages,
+              "rkmon: the service does not tell the project's time zone; days are those of this "
+              "machine, Pacific/Auckland\n"_q);
+    EXPECT_THAT(listed.output.toStdString(), HasSubstr("2015-12-18T08:00:00.000-08:00"));
+}
+
+TEST_F(RkmonQuantities, AnUnknownTimeZoneIsAnError)
+{
+    rkmon.setVariable("TZ"_q, "Mars/Phobos"_q);
+    const Result result = rkmon.run({"point"_q, "list"_q, "--cell"_q, "Pit"_q});
+    EXPECT_EQ(result.code, 2);
+    EXPECT_EQ(result.output, QString());
+    EXPECT_EQ(result.messages,
+              "rkmon: TZ: \"Mars/Phobos\" is no time zone known on this machine; one is called like "
+              "Europe/Vienna\n"_q);
+}
