@@ -43,6 +43,21 @@ struct Chart
         int curve = everyCurve;
     };
 
+    /// A reading that an alarm tells of.
+    struct Alarm
+    {
+        QPointF point;
+        /// Index of the curve.
+        int curve = 0;
+    };
+
+    /// A depth that is marked, such as that of the excavation.
+    struct Level
+    {
+        QString label;
+        double depth = 0.0;
+    };
+
     /// Curves of one quantity, which share an axis of values.
     struct Panel
     {
@@ -52,11 +67,15 @@ struct Chart
         QString valueLabel;
         QVector<Curve> curves;
         QVector<Limit> limits;
+        QVector<Alarm> alarms;
+        QVector<Level> levels;
     };
 
     Kind kind = Kind::OverTime;
     QString title;
     /// Of the axis of time or depth.
     QString otherLabel;
+    /// Of the markers of alarms.
+    QString alarmLabel;
     QVector<Panel> panels;
 };

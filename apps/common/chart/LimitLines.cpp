@@ -54,12 +54,19 @@ QList<Amount> amountsOf(double limit, LimitSide side, double warningLevel)
     return amounts;
 }
 
+Chart::Limit lineOf(const Words& words, const Amount& amount, double from, int curve)
+{
+    const bool isWarning = amount.level < wholeLimit;
+    const QString& text = isWarning ? words.warning : words.limit;
+    return {isWarning, text.arg(signedText(amount.distance())), from + amount.distance(), curve};
+}
+
 // Collects the lines of one panel.
 class PanelLines
 {
 public:
-    PanelLines(Chart::Panel& panel, Values values, const ReferenceOf& referenceOf)
-        : m_panel(panel), m_values(values), m_referenceOf(referenceOf)
+    PanelLines(Chart::Panel& panel, const Words& words, Values values, const ReferenceOf& referenceOf)
+        : m_panel(panel), m_words(words), m_values(values), m_referenceOf(referenceOf)
     {
     }
 
@@ -132,10 +139,7 @@ private:
     void addLines(int curve, double from, const QList<Amount>& amounts)
     {
         for (const Amount& amount : amounts) {
-            const bool isWarning = amount.level < wholeLimit;
-            const QString label = (isWarning ? QStringLiteral("warning %1") : QStringLiteral("limit %1"))
-                                      .arg(signedText(amount.distance()));
-            const Chart::Limit line{isWarning, label, from + amount.distance(), curve};
+            const Chart::Limit line = lineOf(m_words, amount, from, curve);
             const bool isThere =
                 std::any_of(m_lines.cbegin(), m_lines.cend(), [&](const Chart::Limit& other) {
                     return other.curve == curve && other.value == line.value &&
@@ -156,10 +160,44 @@ private:
     }
 
     Chart::Panel& m_panel;
+    const Words& m_words;
     Values m_values;
     const ReferenceOf& m_referenceOf;
     QVector<Chart::Limit> m_lines;
 };
+
+} // namespace
+
+void addLimits(Chart& chart, const Words& words, Values values, const QList<LimitingGroup>& groups,
+               const ReferenceOf& referenceOf)
+{
+    for (Chart::Panel& panel : chart.panels) {
+        PanelLines lines(panel, words, values, referenceOf);
+        for (const LimitingGroup& group : groups) {
+            if (group.setting.subCategoryId == panel.subCategoryId) {
+                lines.add(group);
+            }
+        }
+        lines.finish();
+    }
+}
+
+void addLimitsOverDepth(Chart& chart, const Words& words, const QList<LimitingGroup>& groups,
+                        const QString& pointName)
+{
+    for (Chart::Panel& panel : chart.panels) {
+        for (const LimitingGroup& group : groups) {
+            if (group.setting.subCategoryId != panel.subCategoryId ||
+                !group.setting.groupPoint.contains(pointName)) {
+                continue;
+            }
+            for (const Amount& amount :
+                 amountsOf(group.setting.totalVar, group.sides.totalSide, group.sides.warningLevel)) {
+                panel.limits.append(lineOf(words, amount, 0.0, Chart::Limit::everyCurve));
+            }
+        }
+    }
+}
 
 bool limitsPointOf(const Chart& chart, const PointLocSetting& group)
 {
@@ -176,29 +214,14 @@ bool limitsPointOf(const Chart& chart, const PointLocSetting& group)
     return false;
 }
 
-} // namespace
-
-void addLimits(Chart& chart, Values values, const QList<LimitingGroup>& groups,
-               const ReferenceOf& referenceOf)
-{
-    for (Chart::Panel& panel : chart.panels) {
-        PanelLines lines(panel, values, referenceOf);
-        for (const LimitingGroup& group : groups) {
-            if (group.setting.subCategoryId == panel.subCategoryId) {
-                lines.add(group);
-            }
-        }
-        lines.finish();
-    }
-}
-
 QList<LimitingGroup> limitingGroups(ServiceSession& session, ServiceExtensions& extensions,
-                                    const RKMonitoring& monitoring, const Chart& chart)
+                                    const RKMonitoring& monitoring,
+                                    const std::function<bool(const PointLocSetting&)>& isWanted)
 {
     const bool tellsSides = extensions.has(Extension::GroupSides);
     QList<LimitingGroup> limiting;
     for (const PointLocSetting& group : groupsOfMonitoring(session, monitoring)) {
-        if (limitsPointOf(chart, group)) {
+        if (isWanted(group)) {
             limiting.append({group, tellsSides ? extensions.groupSides(group.id) : GroupSides()});
         }
     }

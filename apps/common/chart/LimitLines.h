@@ -7,9 +7,12 @@
 #include "extensions/ServiceExtensions.h"
 
 #include <QList>
+#include <QString>
 #include <RKMonitoring.h>
 
 #include <PointLocSetting.h>
+
+#include <functional>
 
 namespace chart {
 
@@ -24,12 +27,20 @@ struct LimitingGroup
 /// sub-category: total limits about the references of the points that it lists, daily limits to a chart of
 /// daily variations. A line that would be the same for several curves is there once. Points without a
 /// reference have no lines that count from it.
-void addLimits(Chart& chart, Values values, const QList<LimitingGroup>& groups,
+void addLimits(Chart& chart, const Words& words, Values values, const QList<LimitingGroup>& groups,
                const ReferenceOf& referenceOf);
 
-/// The groups of `monitoring` that limit a point of `chart`, with their sides as far as the service tells
-/// them: else limits are for both sides and there is no level to warn from.
+/// Adds the lines of total limits to a chart over depth of total variations of the point `pointName`.
+void addLimitsOverDepth(Chart& chart, const Words& words, const QList<LimitingGroup>& groups,
+                        const QString& pointName);
+
+/// Whether a group lists a point that a curve of `chart` is of.
+bool limitsPointOf(const Chart& chart, const PointLocSetting& group);
+
+/// The groups of `monitoring` for which `isWanted`, with their sides as far as the service tells them: else
+/// limits are for both sides and there is no level to warn from.
 QList<LimitingGroup> limitingGroups(ServiceSession& session, ServiceExtensions& extensions,
-                                    const RKMonitoring& monitoring, const Chart& chart);
+                                    const RKMonitoring& monitoring,
+                                    const std::function<bool(const PointLocSetting&)>& isWanted);
 
 } // namespace chart

@@ -14,17 +14,6 @@ namespace chart {
 
 namespace {
 
-// The time as the clock of the site shows it, so that the axis shows the days of the site.
-QDateTime siteTime(const QDateTime& time, const std::optional<QTimeZone>& zone)
-{
-    return zone ? time.toTimeZone(*zone) : time;
-}
-
-double clockOf(const QDateTime& siteTime)
-{
-    return static_cast<double>(QDateTime(siteTime.date(), siteTime.time(), Qt::UTC).toMSecsSinceEpoch());
-}
-
 QString offsetText(int seconds)
 {
     const QChar sign = QLatin1Char(seconds < 0 ? '-' : '+');
@@ -35,8 +24,8 @@ QString offsetText(int seconds)
         .arg(minutes % 60, 2, 10, QLatin1Char('0'));
 }
 
-// "Date" with the offset from UTC that all readings have, or else with the name of the zone.
-QString dateLabel(const Days& days, const std::optional<QTimeZone>& zone)
+// The date with the offset from UTC that all readings have, or else with the name of the zone.
+QString dateLabel(const Words& words, const Days& days, const std::optional<QTimeZone>& zone)
 {
     QSet<int> offsets;
     for (const QList<RKPointLocationChartData>& day : days) {
@@ -45,9 +34,9 @@ QString dateLabel(const Days& days, const std::optional<QTimeZone>& zone)
         }
     }
     if (offsets.size() == 1) {
-        return QStringLiteral("Date (%1)").arg(offsetText(*offsets.cbegin()));
+        return withUnit(words.date, offsetText(*offsets.cbegin()));
     }
-    return zone ? QStringLiteral("Date (%1)").arg(QString::fromLatin1(zone->id())) : QStringLiteral("Date");
+    return withUnit(words.date, zone ? QString::fromLatin1(zone->id()) : QString());
 }
 
 bool isBefore(const MeasuredSubCategory& left, const MeasuredSubCategory& right)
@@ -94,20 +83,43 @@ private:
     QHash<QString, QPair<int, int>> m_places; // panel and curve by point
 };
 
+double greatestChange(const Chart::Curve& curve, const ReferenceOf& referenceOf)
+{
+    if (curve.points.isEmpty()) {
+        return 0.0;
+    }
+    const double reference = referenceOf(curve.pointId).value_or(curve.points.constFirst().y());
+    double greatest = 0.0;
+    for (const QPointF& point : curve.points) {
+        greatest = std::max(greatest, std::abs(variation::total(point.y(), reference)));
+    }
+    return greatest;
+}
+
 } // namespace
+
+QDateTime siteTime(const QDateTime& time, const std::optional<QTimeZone>& zone)
+{
+    return zone ? time.toTimeZone(*zone) : time;
+}
+
+double clockOf(const QDateTime& siteTime)
+{
+    return static_cast<double>(QDateTime(siteTime.date(), siteTime.time(), Qt::UTC).toMSecsSinceEpoch());
+}
 
 QString withUnit(const QString& name, const QString& unit)
 {
     return unit.isEmpty() ? name : QStringLiteral("%1 (%2)").arg(name, unit);
 }
 
-QString valueLabel(Values values, const QString& name, const QString& unit)
+QString valueLabel(const Words& words, Values values, const QString& name, const QString& unit)
 {
     switch (values) {
     case Values::Cumulative:
-        return withUnit(name + QStringLiteral(", total variation"), unit);
+        return withUnit(words.totalVariation.arg(name), unit);
     case Values::Daily:
-        return withUnit(name + QStringLiteral(", daily variation"), unit);
+        return withUnit(words.dailyVariation.arg(name), unit);
     case Values::Measured:
         break;
     }
@@ -132,13 +144,14 @@ QList<MeasuredSubCategory> quantitiesOf(const Days& days, const QuantityOf& quan
     return quantities;
 }
 
-Chart overTime(const Days& days, const std::optional<QTimeZone>& zone, const QuantityOf& quantityOf)
+Chart overTime(const Words& words, const Days& days, const std::optional<QTimeZone>& zone,
+               const QuantityOf& quantityOf)
 {
     Chart chart;
     chart.kind = Chart::Kind::OverTime;
-    chart.otherLabel = dateLabel(days, zone);
+    chart.otherLabel = dateLabel(words, days, zone);
     for (const MeasuredSubCategory& quantity : quantitiesOf(days, quantityOf)) {
-        chart.panels.append({quantity.id, withUnit(quantity.name, quantity.unit), {}, {}});
+        chart.panels.append({quantity.id, withUnit(quantity.name, quantity.unit), {}, {}, {}, {}});
     }
     Curves curves(chart, zone, quantityOf);
     for (auto day = days.cbegin(); day != days.cend(); ++day) {
@@ -153,7 +166,7 @@ Chart overDepth(const Days& days, const MeasuredSubCategory& quantity)
 {
     Chart chart;
     chart.kind = Chart::Kind::OverDepth;
-    Chart::Panel panel{quantity.id, withUnit(quantity.name, quantity.unit), {}, {}};
+    Chart::Panel panel{quantity.id, withUnit(quantity.name, quantity.unit), {}, {}, {}, {}};
     for (auto day = days.cbegin(); day != days.cend(); ++day) {
         Chart::Curve curve{day.key().toString(Qt::ISODate), {}, {}, {}, {}};
         for (const RKPointLocationChartData& entry : *day) {
@@ -190,6 +203,29 @@ void makeCumulative(Chart& chart, const ReferenceOf& referenceOf)
         }
         panel.curves = curves;
     }
+}
+
+int keepMostChanged(Chart& chart, int most, const ReferenceOf& referenceOf)
+{
+    int leftOut = 0;
+    for (Chart::Panel& panel : chart.panels) {
+        QVector<QPair<double, int>> changes; // with the curve
+        for (int curve = 0; curve < panel.curves.size(); ++curve) {
+            changes.append({-greatestChange(panel.curves[curve], referenceOf), curve});
+        }
+        std::stable_sort(changes.begin(), changes.end(),
+                         [](const auto& left, const auto& right) { return left.first < right.first; });
+        leftOut += std::max(0, changes.size() - most);
+        changes = changes.mid(0, most);
+        std::sort(changes.begin(), changes.end(),
+                  [](const auto& left, const auto& right) { return left.second < right.second; });
+        QVector<Chart::Curve> curves;
+        for (const auto& change : qAsConst(changes)) {
+            curves.append(panel.curves[change.second]);
+        }
+        panel.curves = curves;
+    }
+    return leftOut;
 }
 
 void makeDaily(Chart& chart)

@@ -2,6 +2,7 @@
 
 #include "chart/Chart.h"
 #include "chart/DailyStatistic.h"
+#include "chart/Words.h"
 #include "extensions/Projects.h"
 
 #include <QStringList>
@@ -19,6 +20,12 @@ using QuantityOf = std::function<MeasuredSubCategory(const RKPointLocationChartD
 /// What the variations of a point count from, by its identifier; nothing when it has none.
 using ReferenceOf = std::function<std::optional<double>(const QString& pointId)>;
 
+/// The time on the clock of `zone`; without a zone as it was written.
+QDateTime siteTime(const QDateTime& time, const std::optional<QTimeZone>& zone);
+
+/// Where the time stands in a chart: what the clock shows then, so that the axis has the days of the site.
+double clockOf(const QDateTime& siteTime);
+
 /// "name (unit)", or the name alone.
 QString withUnit(const QString& name, const QString& unit);
 
@@ -31,11 +38,12 @@ enum class Values
 };
 
 /// "name", "name, total variation" or "name, daily variation", with the unit.
-QString valueLabel(Values values, const QString& name, const QString& unit);
+QString valueLabel(const Words& words, Values values, const QString& name, const QString& unit);
 
 /// One panel per sub-category, in the order of their names, with one curve per point, at the times of the
 /// readings on the clock of `zone`; without a zone on the clock that each was written with.
-Chart overTime(const Days& days, const std::optional<QTimeZone>& zone, const QuantityOf& quantityOf);
+Chart overTime(const Words& words, const Days& days, const std::optional<QTimeZone>& zone,
+               const QuantityOf& quantityOf);
 
 /// One curve per day, from the top to the bottom. Readings whose depth is no number are left out. The entries
 /// are all of `quantity`.
@@ -44,6 +52,11 @@ Chart overDepth(const Days& days, const MeasuredSubCategory& quantity);
 /// The values of a chart over time as total variations: each minus the reference of its point. Curves of
 /// points without one are left out.
 void makeCumulative(Chart& chart, const ReferenceOf& referenceOf);
+
+/// Leaves only so many curves of each panel: those with the greatest total variation, whichever way, and in
+/// their order. Gives how many it left out. The values are as measured; a point without a reference counts
+/// from its first value.
+int keepMostChanged(Chart& chart, int most, const ReferenceOf& referenceOf);
 
 /// The values of a chart over time as daily variations: each minus that of the previous measured day, by the
 /// days between. The first of a curve has none.

@@ -22,6 +22,22 @@ double rowHeight()
     return style::heightOf(style::labelFont()) + style::gap / 2;
 }
 
+void paintSample(QPainter& painter, const ChartLegend::Entry& entry, const QPointF& left)
+{
+    const QPointF centre(left.x() + sampleLength / 2, left.y());
+    painter.setPen(QPen(entry.colour, style::curveWidth));
+    if (entry.isAlarm) {
+        painter.drawEllipse(centre, style::alarmRadius, style::alarmRadius);
+        return;
+    }
+    painter.drawLine(QLineF(left, {left.x() + sampleLength, left.y()}));
+    if (entry.hasMarker) {
+        painter.setBrush(entry.colour);
+        painter.drawEllipse(centre, style::markerRadius, style::markerRadius);
+        painter.setBrush(Qt::NoBrush);
+    }
+}
+
 } // namespace
 
 ChartLegend::ChartLegend(const QVector<Entry>& entries, double height)
@@ -52,14 +68,7 @@ void ChartLegend::paint(QPainter& painter, const QPointF& topLeft) const
         const Entry& entry = m_entries[index];
         const double x = topLeft.x() + index / m_rows * (m_entryWidth + 2 * style::gap);
         const double middle = topLeft.y() + (index % m_rows + 0.5) * rowHeight();
-        painter.setPen(QPen(entry.colour, style::curveWidth));
-        painter.drawLine(QLineF(x, middle, x + sampleLength, middle));
-        if (entry.hasMarker) {
-            painter.setBrush(entry.colour);
-            painter.drawEllipse(QPointF(x + sampleLength / 2, middle), style::markerRadius,
-                                style::markerRadius);
-            painter.setBrush(Qt::NoBrush);
-        }
+        paintSample(painter, entry, {x, middle});
         painter.setPen(Qt::black);
         painter.drawText(
             QPointF(x + sampleLength + style::gap, middle + (metrics.ascent() - metrics.descent()) / 2),

@@ -16,6 +16,8 @@ public:
         QString label;
         QColor colour;
         bool hasMarker = false;
+        /// A ring about readings, and no line.
+        bool isAlarm = false;
     };
 
     /// `height` is what there is for it.

@@ -61,7 +61,11 @@ ChartLegend legendOf(const Chart& chart, int panel, double height)
     const Chart::Panel& shown = chart.panels[panel];
     QVector<ChartLegend::Entry> entries;
     for (int curve = 0; curve < shown.curves.size(); ++curve) {
-        entries.append({shown.curves[curve].label, colourOfCurve(chart, panel, curve), hasMarkers(shown)});
+        entries.append(
+            {shown.curves[curve].label, colourOfCurve(chart, panel, curve), hasMarkers(shown), false});
+    }
+    if (!shown.alarms.isEmpty()) {
+        entries.append({chart.alarmLabel, style::limitColour(), false, true});
     }
     return {entries, height};
 }
@@ -102,11 +106,23 @@ Extent extentOfValues(const Chart& chart, const Chart::Panel& panel)
             extent.include(chart.kind == Chart::Kind::OverTime ? point.y() : point.x());
         }
     }
-    // Limits are shown also while the values are far from them.
-    for (const Chart::Limit& limit : panel.limits) {
-        extent.include(limit.value);
+    for (const Chart::Alarm& alarm : panel.alarms) {
+        extent.include(alarm.point.y());
     }
-    return extent;
+    // Limits are shown also while the values are far from them, and not on the frame.
+    Extent withLimits = extent;
+    for (const Chart::Limit& limit : panel.limits) {
+        withLimits.include(limit.value);
+    }
+    constexpr double beyond = 0.02; // of the whole
+    const double margin = (withLimits.most - withLimits.least) * beyond;
+    if (withLimits.least < extent.least) {
+        withLimits.least -= margin;
+    }
+    if (withLimits.most > extent.most) {
+        withLimits.most += margin;
+    }
+    return withLimits;
 }
 
 Extent extentOfOthers(const Chart& chart)
@@ -117,6 +133,12 @@ Extent extentOfOthers(const Chart& chart)
             for (const QPointF& point : curve.points) {
                 extent.include(chart.kind == Chart::Kind::OverTime ? point.x() : point.y());
             }
+        }
+        for (const Chart::Alarm& alarm : panel.alarms) {
+            extent.include(alarm.point.x());
+        }
+        for (const Chart::Level& level : panel.levels) {
+            extent.include(level.depth);
         }
     }
     return extent;
@@ -202,7 +224,7 @@ void ChartPicture::divideValues()
 
 void ChartPicture::divideOthers()
 {
-    constexpr double widthOfDate = 140.0;
+    constexpr double widthOfDate = 130.0;
     constexpr double heightOfTick = 50.0;
     const Extent extent = extentOfOthers(m_chart);
     if (extent.isEmpty()) {
@@ -269,6 +291,8 @@ void ChartPicture::paint(QPainter& painter) const
         paintGrid(painter, panel);
         paintCurves(painter, panel);
         paintLimits(painter, panel);
+        paintLevels(painter, panel);
+        paintAlarms(painter, panel);
         paintScales(painter, panel);
         const QRectF& area = m_panels[panel].area;
         legendOf(m_chart, panel, area.height()).paint(painter, {area.right() + legendGap, area.top()});
@@ -368,6 +392,29 @@ QVector<QRectF> ChartPicture::labelPlaces(int panel, const Chart::Limit& limit, 
     return places;
 }
 
+// Red rings about the readings.
+void ChartPicture::paintAlarms(QPainter& painter, int panel) const
+{
+    painter.setPen(QPen(style::limitColour(), style::curveWidth));
+    for (const Chart::Alarm& alarm : m_chart.panels[panel].alarms) {
+        painter.drawEllipse(placeOf(panel, alarm.point), style::alarmRadius, style::alarmRadius);
+    }
+}
+
+void ChartPicture::paintLevels(QPainter& painter, int panel) const
+{
+    const QRectF& area = m_panels[panel].area;
+    const QFontMetricsF metrics(style::limitFont());
+    painter.setFont(style::limitFont());
+    for (const Chart::Level& level : m_chart.panels[panel].levels) {
+        const double y = placeOf(panel, {0.0, level.depth}).y();
+        painter.setPen(QPen(style::levelColour(), style::limitWidth, Qt::DashDotLine));
+        painter.drawLine(QLineF(area.left(), y, area.right(), y));
+        painter.drawText(QPointF(area.left() + style::gap / 2, y - style::limitWidth - metrics.descent()),
+                         level.label);
+    }
+}
+
 void ChartPicture::paintScales(QPainter& painter, int panel) const
 {
     const QRectF& area = m_panels[panel].area;
@@ -411,7 +458,7 @@ void ChartPicture::paintScales(QPainter& painter, int panel) const
 
 QString ChartPicture::charactersWithoutFont(const Chart& chart)
 {
-    QString texts = chart.title + chart.otherLabel;
+    QString texts = chart.title + chart.otherLabel + chart.alarmLabel;
     for (const Chart::Panel& panel : chart.panels) {
         texts += panel.valueLabel;
         for (const Chart::Curve& curve : panel.curves) {
@@ -419,6 +466,9 @@ QString ChartPicture::charactersWithoutFont(const Chart& chart)
         }
         for (const Chart::Limit& limit : panel.limits) {
             texts += limit.label;
+        }
+        for (const Chart::Level& level : panel.levels) {
+            texts += level.label;
         }
     }
     const QFontMetricsF metrics(style::labelFont());

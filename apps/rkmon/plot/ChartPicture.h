@@ -51,6 +51,8 @@ private:
     void paintGrid(QPainter& painter, int panel) const;
     void paintCurves(QPainter& painter, int panel) const;
     void paintLimits(QPainter& painter, int panel) const;
+    void paintLevels(QPainter& painter, int panel) const;
+    void paintAlarms(QPainter& painter, int panel) const;
     void paintScales(QPainter& painter, int panel) const;
 
     const Chart& m_chart;

@@ -71,6 +71,11 @@ QColor limitColour()
     return {190, 20, 30};
 }
 
+QColor levelColour()
+{
+    return {110, 70, 20};
+}
+
 QColor sequentialColour(int index, int count)
 {
     const QColor first(253, 190, 110);

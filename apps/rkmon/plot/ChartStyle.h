@@ -15,6 +15,7 @@ constexpr double curveWidth = 3.0;
 constexpr double thinWidth = 1.5;
 constexpr double limitWidth = 2.25;
 constexpr double markerRadius = 5.0;
+constexpr double alarmRadius = 11.0;
 
 QFont titleFont();
 QFont axisFont();
@@ -29,6 +30,9 @@ QColor distinctColour(int index, int count);
 
 /// Of a limit that holds for every curve.
 QColor limitColour();
+
+/// Of a depth that is marked.
+QColor levelColour();
 
 /// Of one of `count` curves that follow each other: from light to dark, the latest darkest.
 QColor sequentialColour(int index, int count);

@@ -8,11 +8,12 @@
 namespace {
 
 const QTimeZone vienna("Europe/Vienna");
+const chart::Words& words = chart::englishWords();
 
 Chart settlement(const QVector<QPointF>& points, const QVector<QDate>& days)
 {
     Chart chart;
-    chart.panels = {{"s2"_q, "Settlement"_q, {{"S1"_q, "p1"_q, "S1"_q, points, days}}, {}}};
+    chart.panels = {{"s2"_q, "Settlement"_q, {{"S1"_q, "p1"_q, "S1"_q, points, days}}, {}, {}, {}}};
     return chart;
 }
 
@@ -20,7 +21,7 @@ Chart settlement(const QVector<QPointF>& points, const QVector<QDate>& days)
 
 TEST(StatisticsChart, OverTimeHasAPanelPerQuantityAndACurvePerPoint)
 {
-    const Chart drawn = chart::overTime(threeDays(), vienna, quantityByName);
+    const Chart drawn = chart::overTime(words, threeDays(), vienna, quantityByName);
     ASSERT_EQ(drawn.panels.size(), 2);
     EXPECT_EQ(drawn.panels[0].valueLabel, "Displacement (cm)"_q);
     EXPECT_EQ(drawn.panels[1].valueLabel, "Settlement (mm)"_q);
@@ -42,7 +43,7 @@ TEST(StatisticsChart, PointsOfOneNameInTwoQuantitiesAreTwoCurves)
     RKPointLocationChartData displaced = entry("P1", "", "2026-03-02T08:00:00+01:00"_q, 100.0);
     settled.id = "a"_q;
     displaced.id = "b"_q;
-    const Chart drawn = chart::overTime({{QDate(2026, 3, 2), {settled, displaced}}}, vienna,
+    const Chart drawn = chart::overTime(words, {{QDate(2026, 3, 2), {settled, displaced}}}, vienna,
                                         [](const RKPointLocationChartData& point) {
                                             return point.id == "a"_q ? quantity("s2", "Settlement", "mm")
                                                                      : quantity("s1", "Displacement", "mm");
@@ -57,10 +58,10 @@ TEST(StatisticsChart, OverTimeIsOnTheClockOfTheProject)
 {
     // Written with another offset than the project's: 08:00 there is 09:00 on the site.
     const chart::Days days{{QDate(2026, 3, 2), {entry("S1", "", "2026-03-02T08:00:00Z"_q, 1.0)}}};
-    const Chart onSite = chart::overTime(days, vienna, quantityByName);
+    const Chart onSite = chart::overTime(words, days, vienna, quantityByName);
     EXPECT_EQ(static_cast<qint64>(onSite.panels[0].curves[0].points[0].x()), 1772442000000);
     EXPECT_EQ(onSite.otherLabel, "Date (UTC+01:00)"_q);
-    const Chart asWritten = chart::overTime(days, std::nullopt, quantityByName);
+    const Chart asWritten = chart::overTime(words, days, std::nullopt, quantityByName);
     EXPECT_EQ(static_cast<qint64>(asWritten.panels[0].curves[0].points[0].x()), 1772438400000);
 }
 
@@ -68,8 +69,8 @@ TEST(StatisticsChart, OverTimeNamesTheZoneWhenItsOffsetChanges)
 {
     const chart::Days days{{QDate(2026, 3, 29), {entry("S1", "", "2026-03-29T23:00:00+02:00"_q, 1.0)}},
                            {QDate(2026, 3, 28), {entry("S1", "", "2026-03-28T23:00:00+01:00"_q, 1.0)}}};
-    EXPECT_EQ(chart::overTime(days, vienna, quantityByName).otherLabel, "Date (Europe/Vienna)"_q);
-    EXPECT_EQ(chart::overTime(days, std::nullopt, quantityByName).otherLabel, "Date"_q);
+    EXPECT_EQ(chart::overTime(words, days, vienna, quantityByName).otherLabel, "Date (Europe/Vienna)"_q);
+    EXPECT_EQ(chart::overTime(words, days, std::nullopt, quantityByName).otherLabel, "Date"_q);
 }
 
 TEST(StatisticsChart, OverDepthHasACurvePerDayFromTheTop)
@@ -98,6 +99,33 @@ TEST(StatisticsChart, TotalVariationsCountFromTheReference)
     EXPECT_EQ(drawn.panels[0].curves[0].points, (QVector<QPointF>{{0.0, 1.0}, {1.0, 3.0}}));
 }
 
+TEST(StatisticsChart, TheCurvesThatChangedMostAreKeptInTheirOrder)
+{
+    Chart drawn;
+    drawn.panels = {{"s2"_q, "Settlement"_q, {}, {}, {}, {}}};
+    const QVector<QVector<double>> values{{5, 5}, {100, 90}, {0, 3, 0}, {7, 11}};
+    for (const QVector<double>& some : values) {
+        Chart::Curve curve;
+        curve.label = curve.pointId = "S%1"_q.arg(drawn.panels[0].curves.size() + 1);
+        for (const double value : some) {
+            curve.points.append({0.0, value});
+        }
+        drawn.panels[0].curves.append(curve);
+    }
+    const auto referenceOf = [](const QString& id) {
+        return id == "S4"_q ? std::make_optional(6.5) : std::nullopt;
+    };
+    EXPECT_EQ(chart::keepMostChanged(drawn, 3, referenceOf), 1);
+    QStringList kept;
+    for (const Chart::Curve& curve : qAsConst(drawn.panels[0].curves)) {
+        kept.append(curve.label);
+    }
+    EXPECT_EQ(kept, (QStringList{"S2"_q, "S3"_q, "S4"_q}));
+    EXPECT_EQ(chart::keepMostChanged(drawn, 2, referenceOf), 1);
+    EXPECT_EQ(drawn.panels[0].curves[1].label, "S4"_q); // by 4.5 from its reference
+    EXPECT_EQ(chart::keepMostChanged(drawn, 5, referenceOf), 0);
+}
+
 // The example of docs/alarms.md.
 TEST(StatisticsChart, DailyVariationsAreByTheDaysBetween)
 {
@@ -110,10 +138,11 @@ TEST(StatisticsChart, DailyVariationsAreByTheDaysBetween)
 
 TEST(StatisticsChart, LabelsSayWhatTheValuesAre)
 {
-    EXPECT_EQ(chart::valueLabel(chart::Values::Measured, "Force"_q, "kN"_q), "Force (kN)"_q);
-    EXPECT_EQ(chart::valueLabel(chart::Values::Cumulative, "Force"_q, "kN"_q),
+    EXPECT_EQ(chart::valueLabel(words, chart::Values::Measured, "Force"_q, "kN"_q), "Force (kN)"_q);
+    EXPECT_EQ(chart::valueLabel(words, chart::Values::Cumulative, "Force"_q, "kN"_q),
               "Force, total variation (kN)"_q);
-    EXPECT_EQ(chart::valueLabel(chart::Values::Daily, "Force"_q, QString()), "Force, daily variation"_q);
+    EXPECT_EQ(chart::valueLabel(words, chart::Values::Daily, "Force"_q, QString()),
+              "Force, daily variation"_q);
 }
 
 TEST(StatisticsChart, ChoosesEntriesAndLeavesEmptyDaysOut)

@@ -1,26 +1,15 @@
 #include "plot/TextChart.h"
 
+#include "Charts.h"
 #include "Text.h"
-#include "chart/Chart.h"
 
 #include <gtest/gtest.h>
-
-namespace {
-
-Chart::Curve curve(const QString& label, const QVector<QPointF>& points)
-{
-    return {label, {}, {}, points, {}};
-}
-
-} // namespace
 
 TEST(TextChart, OverTimeDrawsBarsBetweenLeastAndMost)
 {
     Chart drawn;
-    drawn.panels = {{{},
-                     "Settlement"_q,
-                     {curve("W1"_q, {{0.0, 1.0}, {9.0, 8.0}}), curve("W22"_q, {{0.0, 5.0}, {9.0, 5.0}})},
-                     {}}};
+    drawn.panels = {panelOf("Settlement"_q, {curveOf("W1"_q, {{0.0, 1.0}, {9.0, 8.0}}),
+                                             curveOf("W22"_q, {{0.0, 5.0}, {9.0, 5.0}})})};
     const QStringList lines = textChart(drawn, 0); // as narrow as can be: ten steps
     ASSERT_EQ(lines.size(), 2);
     EXPECT_EQ(lines[0], QString::fromUtf8("W1            1 ▁        █ 8"));
@@ -31,8 +20,8 @@ TEST(TextChart, OverTimeSaysWhichQuantityAndFromWhenToWhen)
 {
     const double day = 86'400'000.0;
     Chart drawn;
-    drawn.panels = {{{}, "Force (kN)"_q, {curve("A1"_q, {{0.0, 1.0}, {9 * day, 8.0}})}, {}},
-                    {{}, "Settlement (mm)"_q, {curve("A1"_q, {{0.0, 5.0}, {day, 6.0}})}, {}}};
+    drawn.panels = {panelOf("Force (kN)"_q, {curveOf("A1"_q, {{0.0, 1.0}, {9 * day, 8.0}})}),
+                    panelOf("Settlement (mm)"_q, {curveOf("A1"_q, {{0.0, 5.0}, {day, 6.0}})})};
     const QStringList lines = textChart(drawn, 60);
     ASSERT_EQ(lines.size(), 5);
     EXPECT_EQ(lines[0], "Force (kN):"_q);
@@ -46,11 +35,8 @@ TEST(TextChart, OverDepthDrawsTheFirstAndTheLastDay)
 {
     Chart drawn;
     drawn.kind = Chart::Kind::OverDepth;
-    drawn.panels = {
-        {{},
-         "Displacement"_q,
-         {curve("2026-03-02"_q, {{1.0, 2.5}, {2.0, 10.0}}), curve("2026-03-03"_q, {{3.0, 2.5}, {4.0, 10.0}})},
-         {}}};
+    drawn.panels = {panelOf("Displacement"_q, {curveOf("2026-03-02"_q, {{1.0, 2.5}, {2.0, 10.0}}),
+                                               curveOf("2026-03-03"_q, {{3.0, 2.5}, {4.0, 10.0}})})};
     const QStringList lines = textChart(drawn, 0);
     ASSERT_EQ(lines.size(), 4);
     EXPECT_EQ(lines[0], QString::fromUtf8("          1        4"));
