@@ -182,7 +182,11 @@ private:
         if (groups.isEmpty()) {
             return;
         }
-        chart::addLimits(chart, m_words, values, groups, referenceOf());
+        if (!chart::addLimits(chart, m_words, values, groups, referenceOf())) {
+            m_session.note(QStringLiteral(
+                "limits are left out, since each point has others: they count from its reference; "
+                "--values cumulative shows them"));
+        }
         chart.alarmLabel = m_words.alarm;
         chart::addAlarms(chart, values, m_session.projectZone(),
                          chart::alarmedReadings(m_session, m_session.extensions(), m_monitoring),

@@ -79,10 +79,18 @@ public:
         }
     }
 
-    // Lines that are at the same place for several curves become one of the whole panel.
-    void finish()
+    // Lines that are at the same place for several curves become one of the whole panel. False when there are
+    // more lines than anybody could read, which are then left out.
+    bool finish()
     {
-        leaveOutWarnings();
+        constexpr int mostLines = 8;
+        constexpr int mostLimits = 6;
+        if (placeCount() > mostLines) {
+            leaveOutWarnings();
+        }
+        if (m_values == Values::Measured && m_panel.curves.size() > 1 && placeCount() > mostLimits) {
+            return false;
+        }
         for (int first = 0; first < m_lines.size(); ++first) {
             const Chart::Limit line = m_lines[first];
             if (isTaken(line)) {
@@ -100,22 +108,25 @@ public:
             }
             m_panel.limits.append(shown);
         }
+        return true;
     }
 
 private:
-    // Where every curve has limits of its own, their warning levels would hide them.
-    void leaveOutWarnings()
+    int placeCount() const
     {
-        constexpr int mostLines = 8;
         QSet<double> places;
-        for (const Chart::Limit& line : qAsConst(m_lines)) {
+        for (const Chart::Limit& line : m_lines) {
             places.insert(line.value);
         }
-        if (places.size() > mostLines) {
-            m_lines.erase(std::remove_if(m_lines.begin(), m_lines.end(),
-                                         [](const Chart::Limit& line) { return line.isWarning; }),
-                          m_lines.end());
-        }
+        return places.size();
+    }
+
+    // Where curves have limits of their own, their warning levels would hide them.
+    void leaveOutWarnings()
+    {
+        m_lines.erase(std::remove_if(m_lines.begin(), m_lines.end(),
+                                     [](const Chart::Limit& line) { return line.isWarning; }),
+                      m_lines.end());
     }
 
     void addForCurve(const LimitingGroup& group, int curve)
@@ -168,9 +179,10 @@ private:
 
 } // namespace
 
-void addLimits(Chart& chart, const Words& words, Values values, const QList<LimitingGroup>& groups,
+bool addLimits(Chart& chart, const Words& words, Values values, const QList<LimitingGroup>& groups,
                const ReferenceOf& referenceOf)
 {
+    bool isComplete = true;
     for (Chart::Panel& panel : chart.panels) {
         PanelLines lines(panel, words, values, referenceOf);
         for (const LimitingGroup& group : groups) {
@@ -178,8 +190,9 @@ void addLimits(Chart& chart, const Words& words, Values values, const QList<Limi
                 lines.add(group);
             }
         }
-        lines.finish();
+        isComplete = lines.finish() && isComplete;
     }
+    return isComplete;
 }
 
 void addLimitsOverDepth(Chart& chart, const Words& words, const QList<LimitingGroup>& groups,

@@ -139,6 +139,20 @@ TEST_F(LimitLines, WarningsGiveWayToManyLimits)
     EXPECT_EQ(drawn.panels[0].limits.size(), 6);
 }
 
+TEST_F(LimitLines, OfManyReferencesAreLeftOut)
+{
+    const QStringList names{"S1"_q, "S2"_q, "S3"_q, "S4"_q};
+    double reference = 0.0;
+    const auto everyOther = [&](const QString&) {
+        return std::make_optional(reference += 1.0);
+    };
+    Chart drawn = chartOf(names);
+    EXPECT_FALSE(chart::addLimits(drawn, words, chart::Values::Measured, {group(names, 10.0)}, everyOther));
+    EXPECT_TRUE(drawn.panels[0].limits.isEmpty());
+    EXPECT_TRUE(chart::addLimits(drawn, words, chart::Values::Cumulative, {group(names, 10.0)}, everyOther));
+    EXPECT_EQ(drawn.panels[0].limits.size(), 2);
+}
+
 TEST_F(LimitLines, NeedGroupsThatListAPoint)
 {
     server.answerJson(404, R"({"message":"nothing here","status":404})"); // what the service can
