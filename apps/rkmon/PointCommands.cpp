@@ -72,7 +72,7 @@ QList<RKPointLocation> readPoints(Session& session, const PointFilter& filter, c
 
 ExitCode listPoints(Session& session, const PointListOptions& options)
 {
-    const RKMonitoring monitoring = lookup::monitoring(session, options.filter.cell);
+    const RKMonitoring monitoring = monitoringOf(session, options.filter);
     PointMeanings meanings;
     const QList<RKPointLocation> points = readPoints(session, options.filter, monitoring, meanings);
     addPoints(session, points, meanings, options.hasSamples);
@@ -110,7 +110,7 @@ RKPointLocation newestOf(const QList<RKPointLocation>& points)
 // is looked for here.
 ExitCode showLatest(Session& session, const LatestOptions& options)
 {
-    const RKMonitoring monitoring = lookup::monitoring(session, options.filter.cell);
+    const RKMonitoring monitoring = monitoringOf(session, options.filter);
     RKPointLocation point;
     if (options.filter.subCategories.isEmpty()) {
         RKPointLocationCondition condition = conditionOf(session, options.filter, monitoring);

@@ -16,8 +16,8 @@ class App;
 /// Which points and which of their samples a command is about.
 struct PointFilter
 {
-    /// Identifier or exact name of the monitoring.
-    QString cell;
+    /// Identifiers or exact names of monitorings; as a rule one.
+    QStringList cells;
     QStringList names;
     /// Identifiers, names or aliases of sub-categories.
     QStringList subCategories;
@@ -27,6 +27,12 @@ struct PointFilter
 
 /// Adds --cell (required), --name, --sub-category, --since, --until and --flag-a.
 void addPointFilterOptions(CLI::App& app, PointFilter& filter);
+
+/// The same with a --cell that may be given several times.
+void addPointFilterOptionsOfSeveral(CLI::App& app, PointFilter& filter);
+
+/// The only monitoring that the filter names. Throws a Failure when there is none.
+RKMonitoring monitoringOf(Session& session, const PointFilter& filter);
 
 /// The library's condition for points of `monitoring`, which knows no sub-categories. Throws a Failure
 /// (BadInput) for what cannot be asked.

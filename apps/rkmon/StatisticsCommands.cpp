@@ -7,6 +7,8 @@
 #include "chart/StatisticsChart.h"
 #include "chart/Variation.h"
 
+#include <algorithm>
+
 namespace {
 
 struct StatisticsOptions
@@ -15,57 +17,85 @@ struct StatisticsOptions
     DrawingOptions drawing;
 };
 
-Sheet statisticsSheet(const chart::Days& days, const PointSelection& selection)
+Sheet statisticsSheet(const std::vector<MonitoringStatistic>& statistics)
 {
-    Sheet sheet{{column::fixed("DAY", "day"), column::text("SUB-CATEGORY", "subCategoryName"),
-                 column::unlisted("SUB-CATEGORY ID", "subCategoryId"), column::fixed("NAME", "name"),
-                 column::fixed("DEPTH", "depth"), column::fixed("VALUE", "value"),
-                 column::computed("TOTAL", "totalVar"), column::fixed("COUNT", "count"),
-                 column::fixed("MEASURED", "time"), column::unlisted("POINT", "id")},
-                {}};
-    for (auto day = days.cbegin(); day != days.cend(); ++day) {
-        for (const RKPointLocationChartData& entry : *day) {
-            const MeasuredSubCategory subCategory = selection.subCategoryOf(entry.id);
-            const std::optional<ReferenceValue> reference = selection.directory().toldReferenceOf(entry.id);
-            sheet.rows.append(
-                {day.key().toString(Qt::ISODate), noneIfEmpty(subCategory.name), noneIfEmpty(subCategory.id),
-                 entry.name, noneIfEmpty(entry.depth), entry.value,
-                 reference ? QVariant(variation::total(entry.value, reference->value)) : QVariant(QString()),
-                 entry.count, entry.time, entry.id});
+    const bool areSeveral = statistics.size() > 1;
+    Sheet sheet{
+        {column::fixed("DAY", "day"),
+         areSeveral ? column::text("MONITORING", "cellName") : column::unlisted("MONITORING", "cellName"),
+         column::unlisted("MONITORING ID", "cellId"), column::text("SUB-CATEGORY", "subCategoryName"),
+         column::unlisted("SUB-CATEGORY ID", "subCategoryId"), column::fixed("NAME", "name"),
+         column::fixed("DEPTH", "depth"), column::fixed("VALUE", "value"),
+         column::computed("TOTAL", "totalVar"), column::fixed("COUNT", "count"),
+         column::fixed("MEASURED", "time"), column::unlisted("POINT", "id")},
+        {}};
+    for (const MonitoringStatistic& statistic : statistics) {
+        for (auto day = statistic.days.cbegin(); day != statistic.days.cend(); ++day) {
+            for (const RKPointLocationChartData& entry : *day) {
+                const MeasuredSubCategory subCategory = statistic.selection.subCategoryOf(entry.id);
+                const std::optional<ReferenceValue> reference =
+                    statistic.selection.directory().toldReferenceOf(entry.id);
+                const QVariant total = reference ? QVariant(variation::total(entry.value, reference->value))
+                                                 : QVariant(QString());
+                sheet.rows.append({day.key().toString(Qt::ISODate), statistic.monitoring.name,
+                                   statistic.monitoring.id, noneIfEmpty(subCategory.name),
+                                   noneIfEmpty(subCategory.id), entry.name, noneIfEmpty(entry.depth),
+                                   entry.value, total, entry.count, entry.time, entry.id});
+            }
         }
     }
     return sheet;
 }
 
-// What the filter chose of a statistic, and what is then done with it.
-ExitCode showStatistic(Session& session, const StatisticsOptions& options, chart::Statistic statistic)
+// What the filter chose of the statistic of each monitoring that it names.
+std::vector<MonitoringStatistic> readStatistics(Session& session, const PointFilter& filter,
+                                                chart::Statistic statistic)
 {
-    requireDrawable(options.drawing);
-    const RKMonitoring monitoring = lookup::monitoring(session, options.filter.cell);
-    const chart::Days read =
-        chart::readDays(session, monitoring, conditionOf(session, options.filter, monitoring), statistic);
-    PointSelection selection = selectionOf(session, options.filter, monitoring);
-    const chart::Days days = chart::chosen(read, [&](const RKPointLocationChartData& entry) {
-        return selection.holds(entry.id, pointLabel(entry.name, entry.depth));
-    });
-    if (!options.drawing.isAsked()) {
-        session.output().addList(statisticsSheet(days, selection));
-    } else if (statistic == chart::Statistic::Depth) {
-        drawOverDepth(session, options.drawing, options.filter, monitoring, days, selection);
-    } else {
-        drawOverTime(session, options.drawing, options.filter, monitoring, days, selection);
+    std::vector<MonitoringStatistic> statistics;
+    for (const QString& cell : filter.cells) {
+        const RKMonitoring monitoring = lookup::monitoring(session, cell);
+        const bool isTwice =
+            std::any_of(statistics.cbegin(), statistics.cend(), [&](const MonitoringStatistic& other) {
+                return other.monitoring.id == monitoring.id;
+            });
+        if (isTwice) {
+            continue;
+        }
+        const chart::Days read =
+            chart::readDays(session, monitoring, conditionOf(session, filter, monitoring), statistic);
+        const PointSelection selection = selectionOf(session, filter, monitoring);
+        const chart::Days days = chart::chosen(read, [&](const RKPointLocationChartData& entry) {
+            return selection.holds(entry.id, pointLabel(entry.name, entry.depth));
+        });
+        statistics.push_back({monitoring, days, selection});
     }
-    return ExitCode::Success;
+    return statistics;
 }
 
 ExitCode showNormal(Session& session, const StatisticsOptions& options)
 {
-    return showStatistic(session, options, chart::Statistic::Normal);
+    requireDrawable(options.drawing);
+    std::vector<MonitoringStatistic> statistics =
+        readStatistics(session, options.filter, chart::Statistic::Normal);
+    if (options.drawing.isAsked()) {
+        drawOverTime(session, options.drawing, options.filter, statistics);
+    } else {
+        session.output().addList(statisticsSheet(statistics));
+    }
+    return ExitCode::Success;
 }
 
 ExitCode showDepth(Session& session, const StatisticsOptions& options)
 {
-    return showStatistic(session, options, chart::Statistic::Depth);
+    requireDrawable(options.drawing);
+    std::vector<MonitoringStatistic> statistics =
+        readStatistics(session, options.filter, chart::Statistic::Depth);
+    if (options.drawing.isAsked()) {
+        drawOverDepth(session, options.drawing, options.filter, statistics.front());
+    } else {
+        session.output().addList(statisticsSheet(statistics));
+    }
+    return ExitCode::Success;
 }
 
 void addChoice(CLI::App& app, const char* name, QString& target, const char* description, const char* shown,
@@ -101,7 +131,7 @@ void addNormalCommand(CLI::App& group, Command& chosen)
 {
     const auto [app, values] = options::addSubcommand(
         group, "normal", "Values over time: each point's last of each day", chosen, showNormal);
-    addPointFilterOptions(app, values->filter);
+    addPointFilterOptionsOfSeveral(app, values->filter);
     addChoice(app, "--values", values->drawing.values,
               "What a chart shows: values, total or daily variations", "measured|cumulative|daily",
               {"measured", "cumulative", "daily"});

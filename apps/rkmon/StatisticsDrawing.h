@@ -1,48 +1,30 @@
 #pragma once
 
+#include "DrawingOptions.h"
 #include "PointFilter.h"
 #include "Session.h"
 #include "chart/DailyStatistic.h"
+#include "points/PointSelection.h"
 
-#include <QString>
 #include <RKMonitoring.h>
 
-#include <optional>
+#include <vector>
 
-/// How a statistic is drawn, as the user says it.
-struct DrawingOptions
+/// The statistic of a monitoring, of the points that the filter chose.
+struct MonitoringStatistic
 {
-    /// In the terminal.
-    bool isDrawn = false;
-    /// File of a chart for a report; empty: none.
-    QString plot;
-    QString title;
-    QString unit;
-    QString depthUnit;
-    /// measured, cumulative, daily; over depth: measured, cumulative, incremental.
-    QString values = QStringLiteral("measured");
-    /// What changes over depth count from: reference, first, previous or a day.
-    QString baseline;
-    /// Curves of a panel over time that are shown; nothing: all.
-    std::optional<int> top;
-    /// Curves over depth at most.
-    int curves = 10;
-    /// Depth of the excavation.
-    std::optional<double> level;
-    /// Millimetres, as WIDTHxHEIGHT.
-    QString size;
-    int dotsPerInch = 150;
-    /// en or zh.
-    QString language = QStringLiteral("en");
-
-    bool isAsked() const { return isDrawn || !plot.isEmpty(); }
+    RKMonitoring monitoring;
+    chart::Days days;
+    PointSelection selection;
 };
 
-/// Throws a Failure (BadInput) for what can be seen to be wrong before anything is sent.
-void requireDrawable(const DrawingOptions& options);
-
-/// Draws the days of a monitoring that the filter chose, as the options say: over time, or over depth.
+/// Draws the statistics of monitorings over time, in one chart.
 void drawOverTime(Session& session, const DrawingOptions& options, const PointFilter& filter,
-                  const RKMonitoring& monitoring, const chart::Days& days, PointSelection& selection);
+                  std::vector<MonitoringStatistic>& statistics);
+
+/// Draws that of a monitoring over depth.
 void drawOverDepth(Session& session, const DrawingOptions& options, const PointFilter& filter,
-                   const RKMonitoring& monitoring, const chart::Days& days, PointSelection& selection);
+                   MonitoringStatistic& statistic);
+
+/// "monitoring: points", or the title that the user gives.
+QString titleOf(const DrawingOptions& options, const PointFilter& filter, const QString& monitorings);

@@ -158,6 +158,106 @@ TEST_F(RkmonQuantities, AreDrawnOneByOneInTheTerminal)
     EXPECT_THAT(lines[5].toStdString(), HasSubstr("2015-12-18"));
 }
 
+TEST_F(RkmonQuantities, OfSeveralMonitoringsShareAnAxis)
+{
+    created("Pit 2"_q);
+    QFile file(inFolder("second.csv"_q));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("name,depth,time,count,value\nP1,,2015-12-18T08:00:00-08:00,1,9.5\nP1,,2015-12-19T08:00:00-08:"
+               "00,1,9\n"
+               "P1,,2015-12-20T08:00:00-08:00,1,8\n");
+    file.close();
+    done({"point"_q, "import"_q, "--cell"_q, "Pit 2"_q, "--sub-category"_q, "SE"_q, file.fileName()});
+    const QStringList both{"stats"_q, "normal"_q,         "--cell"_q, "Pit"_q,    "--cell"_q,
+                           "Pit 2"_q, "--sub-category"_q, "SE"_q,     "--name"_q, "P1"_q};
+    const QJsonArray days = done(both + QStringList{"--json"_q}).array();
+    ASSERT_EQ(days.size(), 6);
+    EXPECT_EQ(days[0]["cellName"_q].toString(), "Pit"_q);
+    EXPECT_EQ(days[5]["cellName"_q].toString(), "Pit 2"_q);
+    EXPECT_EQ(days[5]["totalVar"_q].toDouble(), -1.5);
+    const QString svg = inFolder("a.svg"_q);
+    done(both + QStringList{"--plot"_q, svg});
+    const QStringList texts = readSvg(svg).allTexts();
+    EXPECT_TRUE(texts.contains("Pit: P1"_q));
+    EXPECT_TRUE(texts.contains("Pit 2: P1"_q));
+    EXPECT_EQ(texts.count("Settlement (mm)"_q), 1);
+    EXPECT_EQ(rkmon.run({"stats"_q, "depth"_q, "--cell"_q, "Pit"_q, "--cell"_q, "Pit 2"_q}).code, 2);
+}
+
+TEST_F(RkmonQuantities, TooManyCurvesAreRefusedUnlessTheTopIsWanted)
+{
+    QByteArray rows;
+    for (int i = 1; i <= 31; ++i) {
+        const QByteArray name = "Q" + QByteArray::number(i);
+        rows += name + ",,2015-12-18T08:00:00-08:00,1,0\n" + name + ",,2015-12-19T08:00:00-08:00,1," +
+                QByteArray::number(i) + "\n";
+    }
+    deliver("SE"_q, rows);
+    const QStringList plot{"stats"_q,          "normal"_q, "--cell"_q, "Pit"_q,
+                           "--sub-category"_q, "SE"_q,     "--plot"_q, inFolder("a.svg"_q)};
+    const Result refused = rkmon.run(plot);
+    EXPECT_EQ(refused.code, 2);
+    EXPECT_THAT(refused.messages.toStdString(),
+                HasSubstr("33 curves of \"Settlement\" are too many for one chart"));
+    const Result top = done(plot + QStringList{"--top"_q, "2"_q});
+    EXPECT_THAT(top.messages.toStdString(), HasSubstr("left out the 31 curves that changed less"));
+    const QStringList texts = readSvg(inFolder("a.svg"_q)).allTexts();
+    EXPECT_TRUE(texts.contains("Q30"_q) && texts.contains("Q31"_q) && !texts.contains("Q29"_q));
+}
+
+TEST_F(RkmonQuantities, ProfilesAreChangesSinceABaseline)
+{
+    deliver("SE"_q, "I1,1,2015-12-18T08:00:00-08:00,1,1\nI1,2,2015-12-18T08:00:00-08:00,1,1\n"
+                    "I1,1,2015-12-20T08:00:00-08:00,1,4\nI1,2,2015-12-20T08:00:00-08:00,1,3\n"
+                    "I1,1,2015-12-21T08:00:00-08:00,1,9\nI1,2,2015-12-21T08:00:00-08:00,1,7\n");
+    done({"group"_q, "create"_q, "--cell"_q, "Pit"_q, "--sub-category"_q, "SE"_q, "--name"_q, "Tube"_q,
+          "--point"_q, "I1"_q, "--total-limit"_q, "5"_q});
+    const QString svg = inFolder("a.svg"_q);
+    const QStringList depth{"stats"_q, "depth"_q, "--cell"_q, "Pit"_q, "--name"_q, "I1"_q, "--plot"_q, svg};
+    const auto textsOf = [&](const QStringList& more) {
+        done(depth + more);
+        return readSvg(svg).allTexts();
+    };
+    const QStringList total =
+        textsOf({"--values"_q, "cumulative"_q, "--level"_q, "1.5"_q, "--depth-unit"_q, "m"_q});
+    for (const QString& text : {"Settlement, total variation (mm)"_q, "limit +5"_q, "dig level 1.5 m"_q,
+                                "Depth (m)"_q, "2015-12-18"_q, "2015-12-21"_q}) {
+        EXPECT_TRUE(total.contains(text)) << text.toStdString();
+    }
+    // The day before the first is not shown, and none is left out of sight by the period.
+    const QStringList last{"--since"_q, "2015-12-21"_q};
+    const QStringList previous =
+        textsOf(last + QStringList{"--values"_q, "cumulative"_q, "--baseline"_q, "previous"_q});
+    EXPECT_TRUE(previous.contains("Settlement, change since the day before (mm)"_q));
+    EXPECT_FALSE(previous.contains("limit +5"_q));
+    EXPECT_TRUE(textsOf(last + QStringList{"--values"_q, "incremental"_q, "--baseline"_q, "2015-12-20"_q})
+                    .contains("Settlement, change since 2015-12-20 per interval (mm)"_q));
+
+    const Result unmeasured =
+        rkmon.run(depth + QStringList{"--values"_q, "cumulative"_q, "--baseline"_q, "2015-12-19"_q});
+    EXPECT_EQ(unmeasured.code, 4);
+    EXPECT_THAT(
+        unmeasured.messages.toStdString(),
+        HasSubstr(
+            "nothing was measured on 2015-12-19; the first day is 2015-12-18, the last one 2015-12-21"));
+    EXPECT_EQ(rkmon.run(depth + QStringList{"--baseline"_q, "first"_q}).code, 2);
+    EXPECT_EQ(
+        rkmon.run(depth + QStringList{"--values"_q, "cumulative"_q, "--baseline"_q, "yesterday"_q}).code, 2);
+    EXPECT_EQ(rkmon.run(depth + QStringList{"--size"_q, "10x10"_q}).code, 2);
+}
+
+TEST_F(RkmonQuantities, ChartsSpeakChinese)
+{
+    const QString svg = inFolder("a.svg"_q);
+    done({"stats"_q, "normal"_q, "--cell"_q, "Pit"_q, "--name"_q, "P2"_q, "--language"_q, "zh"_q,
+          "--values"_q, "cumulative"_q, "--title"_q, "基坑"_q, "--plot"_q, svg});
+    // Each script of a text is written by itself.
+    const QString texts = readSvg(svg).allTexts().join(QString());
+    for (const QString& text : {"基坑"_q, "Settlement"_q, "累计变化量"_q, "日期"_q}) {
+        EXPECT_TRUE(texts.contains(text)) << text.toStdString();
+    }
+}
+
 TEST_F(RkmonQuantities, AreNeverMixedOverDepth)
 {
     deliver("SE"_q, "I1,2.5,2015-12-20T08:00:00-08:00,1,1\nI1,5,2015-12-20T08:00:00-08:00,1,2\n");

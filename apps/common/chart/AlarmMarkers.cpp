@@ -2,7 +2,6 @@
 
 #include "AlarmsRaised.h"
 #include "DailyLimit.h"
-#include "PointNames.h"
 
 #include <QHash>
 
@@ -73,8 +72,8 @@ QList<AlarmedReading> alarmedReadings(ServiceSession& session, ServiceExtensions
         const QHash<QString, AlarmReason> reasons = reasonsOf(extensions, alarm.id);
         for (const RKAlarmDetail& detail : alarms::readAllDetails(session, details)) {
             if (const std::optional<double> total = numberIn(detail.totalVar)) {
-                readings.append({alarm.subCategoryId, detail.pointName, detail.depth, detail.monitorTime,
-                                 *total, dailyVariationOf(detail, reasons)});
+                readings.append({alarm.cellId, alarm.subCategoryId, detail.pointName, detail.depth,
+                                 detail.monitorTime, *total, dailyVariationOf(detail, reasons)});
             }
         }
     }
@@ -90,8 +89,8 @@ void addAlarms(Chart& chart, Values values, const std::optional<QTimeZone>& zone
                 const Chart::Curve& shown = panel.curves[curve];
                 const QDateTime time = siteTime(reading.time, zone);
                 const bool isShown = panel.subCategoryId == reading.subCategoryId &&
-                                     shown.label == pointLabel(reading.pointName, reading.depth) &&
-                                     shown.days.contains(time.date());
+                                     shown.cellId == reading.cellId && shown.pointName == reading.pointName &&
+                                     shown.depth == reading.depth && shown.days.contains(time.date());
                 const std::optional<double> value =
                     isShown ? placeOf(reading, values, referenceOf(shown.pointId)) : std::nullopt;
                 if (value) {

@@ -18,6 +18,7 @@ namespace chart {
 /// A reading that is beyond a limit, as an alarm tells of it.
 struct AlarmedReading
 {
+    QString cellId;
     QString subCategoryId;
     QString pointName;
     QString depth;

@@ -20,9 +20,12 @@ struct Chart
     struct Curve
     {
         QString label;
-        /// Identifier and name of the point that it is of; empty when it is of several.
+        /// Identifier, name and depth of the point that it is of, and identifier of its monitoring; empty
+        /// when it is of several.
         QString pointId;
         QString pointName;
+        QString depth;
+        QString cellId;
         /// Over time: milliseconds since 1970 on the clock of the site, and value, in the order of time. Over
         /// depth: value and depth, from the top.
         QVector<QPointF> points;

@@ -28,6 +28,11 @@ struct Amount
     }
 };
 
+bool isListed(const Chart::Curve& curve, const PointLocSetting& group)
+{
+    return curve.cellId == group.cellId && group.groupPoint.contains(curve.pointName);
+}
+
 QString signedText(double number)
 {
     constexpr int digits = 12;
@@ -73,7 +78,7 @@ public:
     void add(const LimitingGroup& group)
     {
         for (int curve = 0; curve < m_panel.curves.size(); ++curve) {
-            if (group.setting.groupPoint.contains(m_panel.curves[curve].pointName)) {
+            if (isListed(m_panel.curves[curve], group.setting)) {
                 addForCurve(group, curve);
             }
         }
@@ -219,7 +224,7 @@ bool limitsPointOf(const Chart& chart, const PointLocSetting& group)
             continue;
         }
         for (const Chart::Curve& curve : panel.curves) {
-            if (group.groupPoint.contains(curve.pointName)) {
+            if (isListed(curve, group)) {
                 return true;
             }
         }

@@ -26,8 +26,8 @@ struct LimitingGroup
 /// Adds the lines of the limits, and of the levels from which on to warn, of every group to the panels of its
 /// sub-category: total limits about the references of the points that it lists, daily limits to a chart of
 /// daily variations. A line that would be the same for several curves is there once. Points without a
-/// reference have no lines that count from it. False when lines were left out: those of measured values of many
-/// points, which each have others.
+/// reference have no lines that count from it. False when lines were left out: those of measured values of
+/// many points, which each have others.
 bool addLimits(Chart& chart, const Words& words, Values values, const QList<LimitingGroup>& groups,
                const ReferenceOf& referenceOf);
 

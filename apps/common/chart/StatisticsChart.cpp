@@ -1,6 +1,5 @@
 #include "chart/StatisticsChart.h"
 
-#include "PointNames.h"
 #include "chart/Variation.h"
 
 #include <QHash>
@@ -48,18 +47,19 @@ bool isBefore(const MeasuredSubCategory& left, const MeasuredSubCategory& right)
 class Curves
 {
 public:
-    Curves(Chart& chart, const std::optional<QTimeZone>& zone, const QuantityOf& quantityOf)
-        : m_zone(zone), m_quantityOf(quantityOf), m_chart(chart)
+    Curves(Chart& chart, const std::optional<QTimeZone>& zone, const ShownPointOf& pointOf)
+        : m_zone(zone), m_pointOf(pointOf), m_chart(chart)
     {
     }
 
     void add(const QDate& day, const RKPointLocationChartData& entry)
     {
         if (!m_places.contains(entry.id)) {
-            const int panel = panelOf(m_quantityOf(entry).id);
+            const ShownPoint point = m_pointOf(entry);
+            const int panel = panelOf(point.quantity.id);
             QVector<Chart::Curve>& curves = m_chart.panels[panel].curves;
             m_places.insert(entry.id, {panel, curves.size()});
-            curves.append({pointLabel(entry.name, entry.depth), entry.id, entry.name, {}, {}});
+            curves.append({point.label, entry.id, entry.name, entry.depth, point.cellId, {}, {}});
         }
         const auto [panel, index] = m_places.value(entry.id);
         Chart::Curve& curve = m_chart.panels[panel].curves[index];
@@ -78,7 +78,7 @@ private:
     }
 
     const std::optional<QTimeZone>& m_zone;
-    const QuantityOf& m_quantityOf;
+    const ShownPointOf& m_pointOf;
     Chart& m_chart;
     QHash<QString, QPair<int, int>> m_places; // panel and curve by point
 };
@@ -126,7 +126,7 @@ QString valueLabel(const Words& words, Values values, const QString& name, const
     return withUnit(name, unit);
 }
 
-QList<MeasuredSubCategory> quantitiesOf(const Days& days, const QuantityOf& quantityOf)
+QList<MeasuredSubCategory> quantitiesOf(const Days& days, const ShownPointOf& pointOf)
 {
     QMap<QString, MeasuredSubCategory> found;
     QSet<QString> seen;
@@ -134,7 +134,7 @@ QList<MeasuredSubCategory> quantitiesOf(const Days& days, const QuantityOf& quan
         for (const RKPointLocationChartData& entry : day) {
             if (!seen.contains(entry.id)) {
                 seen.insert(entry.id);
-                const MeasuredSubCategory quantity = quantityOf(entry);
+                const MeasuredSubCategory quantity = pointOf(entry).quantity;
                 found.insert(quantity.id, quantity);
             }
         }
@@ -145,15 +145,15 @@ QList<MeasuredSubCategory> quantitiesOf(const Days& days, const QuantityOf& quan
 }
 
 Chart overTime(const Words& words, const Days& days, const std::optional<QTimeZone>& zone,
-               const QuantityOf& quantityOf)
+               const ShownPointOf& pointOf)
 {
     Chart chart;
     chart.kind = Chart::Kind::OverTime;
     chart.otherLabel = dateLabel(words, days, zone);
-    for (const MeasuredSubCategory& quantity : quantitiesOf(days, quantityOf)) {
+    for (const MeasuredSubCategory& quantity : quantitiesOf(days, pointOf)) {
         chart.panels.append({quantity.id, withUnit(quantity.name, quantity.unit), {}, {}, {}, {}});
     }
-    Curves curves(chart, zone, quantityOf);
+    Curves curves(chart, zone, pointOf);
     for (auto day = days.cbegin(); day != days.cend(); ++day) {
         for (const RKPointLocationChartData& entry : *day) {
             curves.add(day.key(), entry);
@@ -168,7 +168,8 @@ Chart overDepth(const Days& days, const MeasuredSubCategory& quantity)
     chart.kind = Chart::Kind::OverDepth;
     Chart::Panel panel{quantity.id, withUnit(quantity.name, quantity.unit), {}, {}, {}, {}};
     for (auto day = days.cbegin(); day != days.cend(); ++day) {
-        Chart::Curve curve{day.key().toString(Qt::ISODate), {}, {}, {}, {}};
+        Chart::Curve curve;
+        curve.label = day.key().toString(Qt::ISODate);
         for (const RKPointLocationChartData& entry : *day) {
             bool isNumber = false;
             const double depth = entry.depth.toDouble(&isNumber);

@@ -14,8 +14,17 @@
 /// Charts of a monitoring's statistics.
 namespace chart {
 
-/// What the point of an entry measures.
-using QuantityOf = std::function<MeasuredSubCategory(const RKPointLocationChartData&)>;
+/// What a chart shows of the point of an entry besides its values.
+struct ShownPoint
+{
+    MeasuredSubCategory quantity;
+    /// Identifier of its monitoring.
+    QString cellId;
+    /// What the point is called in the chart.
+    QString label;
+};
+
+using ShownPointOf = std::function<ShownPoint(const RKPointLocationChartData&)>;
 
 /// What the variations of a point count from, by its identifier; nothing when it has none.
 using ReferenceOf = std::function<std::optional<double>(const QString& pointId)>;
@@ -43,7 +52,7 @@ QString valueLabel(const Words& words, Values values, const QString& name, const
 /// One panel per sub-category, in the order of their names, with one curve per point, at the times of the
 /// readings on the clock of `zone`; without a zone on the clock that each was written with.
 Chart overTime(const Words& words, const Days& days, const std::optional<QTimeZone>& zone,
-               const QuantityOf& quantityOf);
+               const ShownPointOf& pointOf);
 
 /// One curve per day, from the top to the bottom. Readings whose depth is no number are left out. The entries
 /// are all of `quantity`.
@@ -66,7 +75,7 @@ void makeDaily(Chart& chart);
 Days chosen(const Days& days, const std::function<bool(const RKPointLocationChartData&)>& isWanted);
 
 /// The quantities of all entries, each once, in the order of their names.
-QList<MeasuredSubCategory> quantitiesOf(const Days& days, const QuantityOf& quantityOf);
+QList<MeasuredSubCategory> quantitiesOf(const Days& days, const ShownPointOf& pointOf);
 
 /// Names of the points that have several depths on one day: each has a profile of its own.
 QStringList namesWithProfile(const Days& days);

@@ -8,15 +8,20 @@ const QTimeZone vienna("Europe/Vienna");
 
 Chart chartOfOneDay()
 {
+    Chart::Curve curve;
+    curve.pointId = "p1"_q;
+    curve.pointName = "S1"_q;
+    curve.cellId = "c1"_q;
+    curve.points = {{0.0, 1.0}};
+    curve.days = {{2026, 3, 6}};
     Chart chart;
-    chart.panels = {
-        {"s1"_q, "Settlement"_q, {{"S1"_q, "p1"_q, "S1"_q, {{0.0, 1.0}}, {{2026, 3, 6}}}}, {}, {}, {}}};
+    chart.panels = {{"s1"_q, "Settlement"_q, {curve}, {}, {}, {}}};
     return chart;
 }
 
 chart::AlarmedReading reading(const QString& subCategory, const QString& name, const QString& time)
 {
-    return {subCategory, name, {}, QDateTime::fromString(time, Qt::ISODate), 10.5, 2.5};
+    return {"c1"_q, subCategory, name, {}, QDateTime::fromString(time, Qt::ISODate), 10.5, 2.5};
 }
 
 QVector<QPointF> marked(chart::Values values, const QList<chart::AlarmedReading>& readings)
@@ -55,6 +60,11 @@ TEST_F(AlarmMarkers, AreNotThereForOtherPointsQuantitiesAndDays)
                                                  reading("s2"_q, "S1"_q, "2026-03-06T07:00:00Z"_q),
                                                  reading("s1"_q, "S1"_q, "2026-03-06T23:00:00Z"_q)})
                     .isEmpty());
+    auto elsewhere = reading("s1"_q, "S1"_q, "2026-03-06T07:00:00Z"_q);
+    elsewhere.cellId = "c2"_q;
+    auto deeper = reading("s1"_q, "S1"_q, "2026-03-06T07:00:00Z"_q);
+    deeper.depth = "2.5"_q;
+    EXPECT_TRUE(marked(chart::Values::Measured, {elsewhere, deeper}).isEmpty());
 }
 
 TEST_F(AlarmMarkers, AreReadFromAllAlarmsOfTheMonitoring)

@@ -9,6 +9,7 @@ const chart::Words& words = chart::englishWords();
 chart::LimitingGroup group(const QStringList& names, double total)
 {
     chart::LimitingGroup made;
+    made.setting.cellId = "c1"_q;
     made.setting.subCategoryId = "s1"_q;
     made.setting.groupPoint = names;
     made.setting.totalVar = total;
@@ -20,7 +21,12 @@ Chart chartOf(const QStringList& names)
     Chart chart;
     chart.panels = {{"s1"_q, "Settlement"_q, {}, {}, {}, {}}};
     for (const QString& name : names) {
-        chart.panels[0].curves.append({name, "id of "_q + name, name, {{0.0, 1.0}, {1.0, 2.0}}, {}});
+        Chart::Curve curve;
+        curve.label = curve.pointName = name;
+        curve.pointId = "id of "_q + name;
+        curve.cellId = "c1"_q;
+        curve.points = {{0.0, 1.0}, {1.0, 2.0}};
+        chart.panels[0].curves.append(curve);
     }
     return chart;
 }
@@ -128,6 +134,15 @@ TEST_F(LimitLines, AreOnlyThoseOfTheirSubCategory)
     EXPECT_EQ(textsOf(drawn), QStringList());
 }
 
+TEST_F(LimitLines, AreOnlyThoseOfTheirMonitoring)
+{
+    chart::LimitingGroup other = group({"S1"_q}, 10.0);
+    other.setting.cellId = "c2"_q;
+    Chart drawn = chartOf({"S1"_q});
+    chart::addLimits(drawn, words, chart::Values::Measured, {other}, always(1.0));
+    EXPECT_EQ(textsOf(drawn), QStringList());
+}
+
 TEST_F(LimitLines, WarningsGiveWayToManyLimits)
 {
     chart::LimitingGroup warned = group({"S1"_q, "S2"_q, "S3"_q}, 10.0);
@@ -156,9 +171,10 @@ TEST_F(LimitLines, OfManyReferencesAreLeftOut)
 TEST_F(LimitLines, NeedGroupsThatListAPoint)
 {
     server.answerJson(404, R"({"message":"nothing here","status":404})"); // what the service can
-    server.answerJson(200, R"([{"_id":"g1","subCategoryId":"s1","groupPoint":["elsewhere"],"totalVar":1},
-                               {"_id":"g2","subCategoryId":"s2","groupPoint":["S1"],"totalVar":1},
-                               {"_id":"g3","subCategoryId":"s1","groupPoint":["S1"],"totalVar":1}])");
+    server.answerJson(
+        200, R"([{"_id":"g1","cellId":"c1","subCategoryId":"s1","groupPoint":["elsewhere"],"totalVar":1},
+                               {"_id":"g2","cellId":"c1","subCategoryId":"s2","groupPoint":["S1"],"totalVar":1},
+                               {"_id":"g3","cellId":"c1","subCategoryId":"s1","groupPoint":["S1"],"totalVar":1}])");
     const auto groups = chart::limitingGroups(session, extensions, monitoring(), limitsS1);
     ASSERT_EQ(groups.size(), 1);
     EXPECT_EQ(groups[0].setting.id, "g3"_q);
@@ -169,7 +185,8 @@ TEST_F(LimitLines, HaveTheSidesThatTheServiceTells)
 {
     server.answerJson(200, R"({"name":"monitor-service","version":"1","extensions":["groupSides"],
                                "owner":"a","rights":[]})");
-    server.answerJson(200, R"([{"_id":"g1","subCategoryId":"s1","groupPoint":["S1"],"totalVar":1}])");
+    server.answerJson(
+        200, R"([{"_id":"g1","cellId":"c1","subCategoryId":"s1","groupPoint":["S1"],"totalVar":1}])");
     server.answerJson(200, R"({"_id":"g1","dayVarSide":"both","totalVarSide":"falling","warningLevel":70})");
     const auto groups = chart::limitingGroups(session, extensions, monitoring(), limitsS1);
     ASSERT_EQ(groups.size(), 1);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PointNames.h"
 #include "Text.h"
 #include "chart/StatisticsChart.h"
 
@@ -14,9 +15,10 @@ inline MeasuredSubCategory quantity(const char* id, const char* name, const char
     return made;
 }
 
-/// Points whose name begins with "S" settle, the others are displaced.
-inline MeasuredSubCategory quantityByName(const RKPointLocationChartData& entry)
+/// Points of the monitoring "c" whose name begins with "S" settle, the others are displaced.
+inline chart::ShownPoint pointByName(const RKPointLocationChartData& entry)
 {
-    return entry.name.startsWith(QLatin1Char('S')) ? quantity("s2", "Settlement", "mm")
-                                                   : quantity("s1", "Displacement", "cm");
+    return {entry.name.startsWith(QLatin1Char('S')) ? quantity("s2", "Settlement", "mm")
+                                                    : quantity("s1", "Displacement", "cm"),
+            "c"_q, pointLabel(entry.name, entry.depth)};
 }

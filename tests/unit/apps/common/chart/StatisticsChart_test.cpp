@@ -10,10 +10,19 @@ namespace {
 const QTimeZone vienna("Europe/Vienna");
 const chart::Words& words = chart::englishWords();
 
+Chart::Curve curve(const QString& pointId, const QVector<QPointF>& points, const QVector<QDate>& days)
+{
+    Chart::Curve made;
+    made.pointId = pointId;
+    made.points = points;
+    made.days = days;
+    return made;
+}
+
 Chart settlement(const QVector<QPointF>& points, const QVector<QDate>& days)
 {
     Chart chart;
-    chart.panels = {{"s2"_q, "Settlement"_q, {{"S1"_q, "p1"_q, "S1"_q, points, days}}, {}, {}, {}}};
+    chart.panels = {{"s2"_q, "Settlement"_q, {curve("p1"_q, points, days)}, {}, {}, {}}};
     return chart;
 }
 
@@ -21,7 +30,7 @@ Chart settlement(const QVector<QPointF>& points, const QVector<QDate>& days)
 
 TEST(StatisticsChart, OverTimeHasAPanelPerQuantityAndACurvePerPoint)
 {
-    const Chart drawn = chart::overTime(words, threeDays(), vienna, quantityByName);
+    const Chart drawn = chart::overTime(words, threeDays(), vienna, pointByName);
     ASSERT_EQ(drawn.panels.size(), 2);
     EXPECT_EQ(drawn.panels[0].valueLabel, "Displacement (cm)"_q);
     EXPECT_EQ(drawn.panels[1].valueLabel, "Settlement (mm)"_q);
@@ -43,11 +52,13 @@ TEST(StatisticsChart, PointsOfOneNameInTwoQuantitiesAreTwoCurves)
     RKPointLocationChartData displaced = entry("P1", "", "2026-03-02T08:00:00+01:00"_q, 100.0);
     settled.id = "a"_q;
     displaced.id = "b"_q;
-    const Chart drawn = chart::overTime(words, {{QDate(2026, 3, 2), {settled, displaced}}}, vienna,
-                                        [](const RKPointLocationChartData& point) {
-                                            return point.id == "a"_q ? quantity("s2", "Settlement", "mm")
-                                                                     : quantity("s1", "Displacement", "mm");
-                                        });
+    const Chart drawn =
+        chart::overTime(words, {{QDate(2026, 3, 2), {settled, displaced}}}, vienna,
+                        [](const RKPointLocationChartData& point) {
+                            return chart::ShownPoint{point.id == "a"_q ? quantity("s2", "Settlement", "mm")
+                                                                       : quantity("s1", "Displacement", "mm"),
+                                                     "c"_q, point.name};
+                        });
     ASSERT_EQ(drawn.panels.size(), 2);
     ASSERT_EQ(drawn.panels[0].curves.size(), 1);
     EXPECT_EQ(drawn.panels[0].curves[0].points[0].y(), 100.0);
@@ -58,10 +69,10 @@ TEST(StatisticsChart, OverTimeIsOnTheClockOfTheProject)
 {
     // Written with another offset than the project's: 08:00 there is 09:00 on the site.
     const chart::Days days{{QDate(2026, 3, 2), {entry("S1", "", "2026-03-02T08:00:00Z"_q, 1.0)}}};
-    const Chart onSite = chart::overTime(words, days, vienna, quantityByName);
+    const Chart onSite = chart::overTime(words, days, vienna, pointByName);
     EXPECT_EQ(static_cast<qint64>(onSite.panels[0].curves[0].points[0].x()), 1772442000000);
     EXPECT_EQ(onSite.otherLabel, "Date (UTC+01:00)"_q);
-    const Chart asWritten = chart::overTime(words, days, std::nullopt, quantityByName);
+    const Chart asWritten = chart::overTime(words, days, std::nullopt, pointByName);
     EXPECT_EQ(static_cast<qint64>(asWritten.panels[0].curves[0].points[0].x()), 1772438400000);
 }
 
@@ -69,8 +80,8 @@ TEST(StatisticsChart, OverTimeNamesTheZoneWhenItsOffsetChanges)
 {
     const chart::Days days{{QDate(2026, 3, 29), {entry("S1", "", "2026-03-29T23:00:00+02:00"_q, 1.0)}},
                            {QDate(2026, 3, 28), {entry("S1", "", "2026-03-28T23:00:00+01:00"_q, 1.0)}}};
-    EXPECT_EQ(chart::overTime(words, days, vienna, quantityByName).otherLabel, "Date (Europe/Vienna)"_q);
-    EXPECT_EQ(chart::overTime(words, days, std::nullopt, quantityByName).otherLabel, "Date"_q);
+    EXPECT_EQ(chart::overTime(words, days, vienna, pointByName).otherLabel, "Date (Europe/Vienna)"_q);
+    EXPECT_EQ(chart::overTime(words, days, std::nullopt, pointByName).otherLabel, "Date"_q);
 }
 
 TEST(StatisticsChart, OverDepthHasACurvePerDayFromTheTop)
@@ -92,7 +103,7 @@ TEST(StatisticsChart, OverDepthOfNothingHasNoPanel)
 TEST(StatisticsChart, TotalVariationsCountFromTheReference)
 {
     Chart drawn = settlement({{0.0, 101.0}, {1.0, 103.0}}, {});
-    drawn.panels[0].curves.append({"S2"_q, "p2"_q, "S2"_q, {{0.0, 5.0}}, {}});
+    drawn.panels[0].curves.append(curve("p2"_q, {{0.0, 5.0}}, {}));
     chart::makeCumulative(
         drawn, [](const QString& id) { return id == "p1"_q ? std::make_optional(100.0) : std::nullopt; });
     ASSERT_EQ(drawn.panels[0].curves.size(), 1); // the other point has no reference
@@ -156,7 +167,7 @@ TEST(StatisticsChart, ChoosesEntriesAndLeavesEmptyDaysOut)
 
 TEST(StatisticsChart, QuantitiesAreThereOnceAndByName)
 {
-    const QList<MeasuredSubCategory> quantities = chart::quantitiesOf(threeDays(), quantityByName);
+    const QList<MeasuredSubCategory> quantities = chart::quantitiesOf(threeDays(), pointByName);
     ASSERT_EQ(quantities.size(), 2);
     EXPECT_EQ(quantities[0].name, "Displacement"_q);
     EXPECT_EQ(quantities[1].name, "Settlement"_q);
