@@ -191,7 +191,7 @@ for alarm in $(rkmon alarm list --csv | sed '1d; s/,.*//'); do
 done
 
 heading "Charts for the report"
-show 0 rkmon stats normal --cell LS-a --name LS-a-W1 --plot moisture.svg --unit V
+show 0 rkmon stats normal --cell LS-a --sub-category SM --values cumulative --unit V --plot moisture.svg
 show 0 rkmon stats depth --cell LS-a --name LS-a-W1 --name LS-a-W3 --name LS-a-W5 --plot depth.png --unit V --depth-unit cm
 [ -z "${DEMO_CHARTS-}" ] || cp moisture.svg depth.png "$DEMO_CHARTS"
 
