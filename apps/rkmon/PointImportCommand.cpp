@@ -3,8 +3,8 @@
 #include "CommandOptions.h"
 #include "Messages.h"
 #include "Progress.h"
-#include "import/MeasuredValues.h"
 #include "import/PointImport.h"
+#include "reading/MeasuredValues.h"
 
 #include <optional>
 

@@ -3,7 +3,7 @@
 
 #include "Fuzzer.h"
 #include "import/Deliveries.h"
-#include "import/MeasuredFile.h"
+#include "reading/MeasuredFile.h"
 
 #include <QHash>
 #include <QSet>

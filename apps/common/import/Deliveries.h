@@ -1,6 +1,6 @@
 #pragma once
 
-#include "import/MeasuredFile.h"
+#include "reading/MeasuredFile.h"
 
 #include <QHash>
 #include <QList>

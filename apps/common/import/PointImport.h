@@ -2,7 +2,7 @@
 
 #include "ServiceSession.h"
 #include "import/ImportNote.h"
-#include "import/MeasuredFile.h"
+#include "reading/MeasuredFile.h"
 
 #include <QString>
 #include <QStringList>

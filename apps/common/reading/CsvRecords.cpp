@@ -1,4 +1,4 @@
-#include "import/CsvRecords.h"
+#include "reading/CsvRecords.h"
 
 #include <QTextCodec>
 

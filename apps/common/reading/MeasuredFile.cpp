@@ -1,11 +1,10 @@
-#include "import/MeasuredFile.h"
+#include "reading/MeasuredFile.h"
 
-#include "Failure.h"
+#include "FileContent.h"
 #include "PointNames.h"
-#include "import/CsvRecords.h"
-#include "import/MeasuredValues.h"
+#include "reading/CsvRecords.h"
+#include "reading/MeasuredValues.h"
 
-#include <QFile>
 #include <QHash>
 #include <QPair>
 #include <RKPub.h>
@@ -334,15 +333,5 @@ MeasuredFile readMeasuredFile(const QString& path, const QByteArray& content,
 
 MeasuredFile readMeasuredFile(const QString& path, const MeasuredFileFormat& format)
 {
-    QFile source(path);
-    if (!source.open(QIODevice::ReadOnly)) {
-        throw Failure(FailureKind::BadInput,
-                      QStringLiteral("cannot open \"%1\": %2").arg(path, source.errorString()));
-    }
-    const QByteArray content = source.readAll();
-    if (source.error() != QFileDevice::NoError) {
-        throw Failure(FailureKind::Other,
-                      QStringLiteral("cannot read \"%1\": %2").arg(path, source.errorString()));
-    }
-    return readMeasuredFile(path, content, format);
+    return readMeasuredFile(path, contentOfFile(path), format);
 }

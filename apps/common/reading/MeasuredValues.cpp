@@ -1,4 +1,4 @@
-#include "import/MeasuredValues.h"
+#include "reading/MeasuredValues.h"
 
 #include <QRegularExpression>
 #include <RKPub.h>

@@ -1,4 +1,4 @@
-#include "import/MeasuredFile.h"
+#include "reading/MeasuredFile.h"
 
 #include "Text.h"
 

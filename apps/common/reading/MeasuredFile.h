@@ -1,6 +1,6 @@
 #pragma once
 
-#include "import/Problems.h"
+#include "reading/Problems.h"
 
 #include <QByteArray>
 #include <QChar>
