@@ -1,10 +1,10 @@
 #include "PointImportCommand.h"
 
 #include "CommandOptions.h"
+#include "MappingOptions.h"
 #include "Messages.h"
 #include "Progress.h"
 #include "import/PointImport.h"
-#include "reading/MeasuredValues.h"
 
 #include <optional>
 
@@ -16,33 +16,9 @@ struct ImportOptions
     QString cell;
     QString subCategory;
     QString projectFile;
-    QString delimiter;
-    QString decimal;
-    QString utcOffset;
+    MappingOptions mapping;
     bool isDryRun = false;
 };
-
-MeasuredFileFormat formatOf(const ImportOptions& options)
-{
-    MeasuredFileFormat format;
-    if (options.delimiter == QLatin1String("comma")) {
-        format.delimiter = ',';
-    } else if (options.delimiter == QLatin1String("semicolon")) {
-        format.delimiter = ';';
-    } else if (options.delimiter == QLatin1String("tab")) {
-        format.delimiter = '\t';
-    }
-    if (!options.decimal.isEmpty()) {
-        format.decimalSign = QLatin1Char(options.decimal == QLatin1String("comma") ? ',' : '.');
-    }
-    if (!options.utcOffset.isEmpty() && !values::isUtcOffset(options.utcOffset)) {
-        throw Failure(
-            FailureKind::BadInput,
-            QStringLiteral("--utc-offset: \"%1\" is not an offset like +01:00").arg(options.utcOffset));
-    }
-    format.utcOffset = options.utcOffset;
-    return format;
-}
 
 Sheet resultSheet(const ImportResult& result)
 {
@@ -58,14 +34,8 @@ Sheet resultSheet(const ImportResult& result)
     for (const QString& row : result.badRows) {
         writePlainMessage(row);
     }
-    QString message = QStringLiteral("nothing was sent: see the bad rows above");
-    if (result.unclear.decimalSign) {
-        message += QStringLiteral("; --decimal point or --decimal comma says which sign it is");
-    }
-    if (result.unclear.utcOffset) {
-        message += QStringLiteral("; --utc-offset gives the offset of times that have none");
-    }
-    throw Failure(FailureKind::Other, message);
+    throw Failure(FailureKind::Other, QStringLiteral("nothing was sent: see the bad rows above") +
+                                          optionsThatClear(result.unclear));
 }
 
 ImportResult runImport(Session& session, const ImportOptions& options)
@@ -81,12 +51,12 @@ ImportResult runImport(Session& session, const ImportOptions& options)
     callbacks.onNote = [&](const ImportNote& note) {
         note.kind == ImportNote::Kind::Warning ? session.warn(note.text) : session.note(note.text);
     };
-    const MeasuredFileFormat format = formatOf(options);
+    const FileMapping mapping = mappingOf(options.mapping);
     return options.projectFile.isEmpty()
                ? importFiles(session,
-                             {options.files, options.cell, options.subCategory, format, options.isDryRun},
+                             {options.files, options.cell, options.subCategory, mapping, options.isDryRun},
                              callbacks)
-               : importProject(session, {options.projectFile, options.files, format, options.isDryRun},
+               : importProject(session, {options.projectFile, options.files, mapping, options.isDryRun},
                                callbacks);
 }
 
@@ -122,26 +92,16 @@ ExitCode importPoints(Session& session, const ImportOptions& options)
     return ExitCode::Success;
 }
 
-void addFormatOptions(CLI::App& app, ImportOptions& values)
-{
-    options::addText(app, "--delimiter", values.delimiter, "What separates the fields; detected unless given")
-        ->type_name("comma|semicolon|tab")
-        ->check(CLI::IsMember({"comma", "semicolon", "tab"}).description(""));
-    options::addText(app, "--decimal", values.decimal, "The decimal sign; detected unless given")
-        ->type_name("point|comma")
-        ->check(CLI::IsMember({"point", "comma"}).description(""));
-    options::addText(app, "--utc-offset", values.utcOffset, "Offset from UTC of times that have none")
-        ->type_name("+HH:MM");
-}
-
 } // namespace
 
 void addPointImportCommand(CLI::App& group, Command& chosen)
 {
     const auto [app, values] = options::addSubcommand(
         group, "import", "Deliver the readings of CSV files; can be repeated safely", chosen, importPoints);
-    options::addFiles(app, "FILE", values->files,
-                      "Files with the columns name, depth, time, count, value and perhaps timeFlag");
+    options::addFiles(
+        app, "FILE", values->files,
+        "Files with the columns name, depth, time, count, value and perhaps timeFlag, unless the "
+        "options below say otherwise");
     CLI::Option* cell = options::addCell(app, values->cell);
     CLI::Option* subCategory = options::addText(app, "--sub-category", values->subCategory,
                                                 "What they measure, by identifier, name or alias");
@@ -150,10 +110,13 @@ void addPointImportCommand(CLI::App& group, Command& chosen)
         ->type_name("FILE")
         ->excludes(cell)
         ->excludes(subCategory);
-    addFormatOptions(app, *values);
+    addMappingOptions(app, values->mapping);
     app.add_flag("--dry-run", values->isDryRun, "Check everything and send nothing");
-    options::setExamples(app,
-                         "  rkmon point import --cell VH --sub-category SM VH-moisture-week1.csv\n"
-                         "  rkmon point import --project-file samples/coastal-bluff/project.json\n"
-                         "  rkmon point import --dry-run --cell P1 --sub-category settlement export.csv");
+    options::setExamples(
+        app, "  rkmon point import --cell VH --sub-category SM VH-moisture-week1.csv\n"
+             "  rkmon point import --project-file samples/coastal-bluff/project.json\n"
+             "  rkmon point import --dry-run --cell P1 --sub-category settlement export.csv\n"
+             "  rkmon point import --map logger.json --cell P1 --sub-category tilt logger.dat\n"
+             "  rkmon point import --time-zone Europe/Vienna --without count --column name=Punkt \\\n"
+             "      --cell P1 --sub-category settlement export.csv");
 }

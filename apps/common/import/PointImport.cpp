@@ -67,23 +67,27 @@ void noteOddities(const MeasuredFile& file, const ImportNotes& notes)
         notes({ImportNote::Kind::Information,
                QStringLiteral("%1: duplicate rows left out: %2").arg(file.path).arg(file.repeatedCount)});
     }
+    if (file.withoutReadingCount > 0) {
+        notes({ImportNote::Kind::Information, QStringLiteral("%1: cells without a reading left out: %2")
+                                                  .arg(file.path)
+                                                  .arg(file.withoutReadingCount)});
+    }
     if (file.problems.isEmpty() && file.readingCount == 0) {
         notes({ImportNote::Kind::Information, QStringLiteral("%1: no readings").arg(file.path)});
     }
 }
 
 // Every file, checked; bad rows go to `result`.
-QList<PlacedFile> readFiles(const QList<Source>& sources, const MeasuredFileFormat& format,
+QList<PlacedFile> readFiles(const QList<Source>& sources, const FileMapping& mapping,
                             const ImportNotes& notes, ImportResult& result)
 {
     requireNoDuplicates(sources);
     QList<PlacedFile> files;
     for (const Source& source : sources) {
-        const MeasuredFile file = readMeasuredFile(source.path, format);
+        const MeasuredFile file = readMeasuredFile(source.path, mapping);
         noteOddities(file, notes);
         result.badRows.append(file.problems.lines(source.path));
-        result.unclear.decimalSign = result.unclear.decimalSign || file.unclear.decimalSign;
-        result.unclear.utcOffset = result.unclear.utcOffset || file.unclear.utcOffset;
+        result.unclear.add(file.unclear);
         files.append({file, {}});
     }
     return files;
@@ -205,7 +209,7 @@ ImportResult importFiles(ServiceSession& session, const FileImport& order, const
         sources.append({path, {}});
     }
     ImportResult result;
-    QList<PlacedFile> files = readFiles(sources, order.format, callbacks.onNote, result);
+    QList<PlacedFile> files = readFiles(sources, order.mapping, callbacks.onNote, result);
     if (!result.badRows.isEmpty()) {
         return result;
     }
@@ -227,7 +231,7 @@ ImportResult importProject(ServiceSession& session, const ProjectImport& order,
     const ProjectFile project = readProjectFile(order.projectFile);
     const QList<Source> sources = plannedSources(order, project);
     ImportResult result;
-    QList<PlacedFile> files = readFiles(sources, order.format, callbacks.onNote, result);
+    QList<PlacedFile> files = readFiles(sources, order.mapping, callbacks.onNote, result);
     if (!result.badRows.isEmpty()) {
         return result;
     }

@@ -18,7 +18,7 @@ struct FileImport
     QString monitoring;
     /// Identifier, name or alias.
     QString subCategory;
-    MeasuredFileFormat format;
+    FileMapping mapping;
     /// Check everything and send nothing.
     bool isDryRun = false;
 };
@@ -29,7 +29,7 @@ struct ProjectImport
     QString projectFile;
     /// Some of its files; none: all of them.
     QStringList files;
-    MeasuredFileFormat format;
+    FileMapping mapping;
     bool isDryRun = false;
 };
 

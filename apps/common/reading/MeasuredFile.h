@@ -1,34 +1,15 @@
 #pragma once
 
+#include "reading/FileMapping.h"
 #include "reading/Problems.h"
+#include "reading/UnclearFormat.h"
 
 #include <QByteArray>
-#include <QChar>
 #include <QList>
 #include <QString>
 #include <QStringList>
 #include <QVector>
 #include <RKPointLocation.h>
-
-#include <optional>
-
-/// How a file of readings is written; what is not given is detected.
-struct MeasuredFileFormat
-{
-    /// Comma, semicolon or tab.
-    std::optional<char> delimiter;
-    /// Point or comma.
-    std::optional<QChar> decimalSign;
-    /// Offset from UTC of times that name none, as in "+01:00"; empty: such times are refused.
-    QString utcOffset;
-};
-
-/// What a file does not say of its format, so that it must be given.
-struct UnclearFormat
-{
-    bool decimalSign = false;
-    bool utcOffset = false;
-};
 
 struct Reading
 {
@@ -46,7 +27,34 @@ struct MeasuredPoint
     QVector<Reading> readings;
 };
 
-/// What a file holds. With problems it is incomplete and must not be used.
+/// A row that cannot be read, as it stands in the file.
+struct BadRow
+{
+    int line = 0;
+    /// UTF-8, without its line end.
+    QByteArray text;
+    QString reason;
+};
+
+/// The bad rows of a file with what stands above its rows: the header and the lines about it.
+struct BadRows
+{
+    QByteArray head;
+    char delimiter = ',';
+    /// Line of the head that is the header, from 0; -1: there is none.
+    int headerLine = -1;
+    QVector<BadRow> rows;
+};
+
+/// Whether a reader keeps the bad rows, or only what is wrong with them.
+enum class BadRowKeeping
+{
+    Reasons,
+    Rows
+};
+
+/// What a file holds. With problems it is incomplete: it may be used without its bad rows where they are
+/// kept, unless it could not be read at all.
 struct MeasuredFile
 {
     QString path;
@@ -54,18 +62,29 @@ struct MeasuredFile
     int readingCount = 0;
     /// Rows that repeat another one; left out.
     int repeatedCount = 0;
+    /// Cells that say that there is no reading; left out.
+    int withoutReadingCount = 0;
     /// Columns that the header names and nothing reads.
     QStringList ignoredColumns;
     Problems problems;
+    /// Whether the problems are those of single rows.
+    bool isReadable = false;
+    FileEncoding encoding = FileEncoding::Utf8;
+    /// Whether a problem is that bytes mean nothing in the encoding.
+    bool holdsForeignBytes = false;
+    /// Only where they are kept.
+    BadRows badRows;
     /// What it would take to read the rows that are among the problems for it.
     UnclearFormat unclear;
 };
 
-/// Reads `content`, the readings of a file at `path`: a header that names the columns name, depth, time,
-/// count, value and perhaps timeFlag, in any order and case, then one row per reading (RFC 4180). Every row
-/// is checked.
-MeasuredFile readMeasuredFile(const QString& path, const QByteArray& content,
-                              const MeasuredFileFormat& format);
+/// Reads `content`, the readings of a file at `path` that is written as `mapping` says: by default a header
+/// that names the columns name, depth, time, count, value and perhaps timeFlag, in any order and case, then
+/// one row per reading (RFC 4180). Every row is checked. A table without counts has one reading of a point at
+/// a time: its count is 1.
+MeasuredFile readMeasuredFile(const QString& path, const QByteArray& content, const FileMapping& mapping,
+                              BadRowKeeping keeping = BadRowKeeping::Reasons);
 
 /// The same from the file itself. Throws a Failure when it cannot be opened or read.
-MeasuredFile readMeasuredFile(const QString& path, const MeasuredFileFormat& format);
+MeasuredFile readMeasuredFile(const QString& path, const FileMapping& mapping,
+                              BadRowKeeping keeping = BadRowKeeping::Reasons);
