@@ -1,10 +1,12 @@
 #include "PointImportCommand.h"
 
 #include "CommandOptions.h"
+#include "FileContent.h"
 #include "MappingOptions.h"
 #include "Messages.h"
 #include "Progress.h"
 #include "import/PointImport.h"
+#include "reading/MappingProposal.h"
 
 #include <optional>
 
@@ -17,6 +19,8 @@ struct ImportOptions
     QString subCategory;
     QString projectFile;
     MappingOptions mapping;
+    QString badRowsFile;
+    bool writesMap = false;
     bool isDryRun = false;
 };
 
@@ -27,6 +31,21 @@ Sheet resultSheet(const ImportResult& result)
              column::text("NEW POINTS", "newPoints"), column::text("SAMPLES", "samples"),
              column::text("DELIVERIES", "deliveries"), column::text("SENT", "sent")},
             {{result.files, result.points, newPoints, result.samples, result.deliveries, result.isSent}}};
+}
+
+void tellSkippedRows(const Session& session, const ImportOptions& options, const ImportResult& result)
+{
+    for (const QString& row : result.skippedRows) {
+        writePlainMessage(row);
+    }
+    if (result.skippedRows.isEmpty()) {
+        return;
+    }
+    const QString count = QString::number(result.skippedRowCount);
+    session.warn(
+        options.isDryRun
+            ? QStringLiteral("bad rows that would be left out: %1").arg(count)
+            : QStringLiteral("bad rows left out: %1; they are in %2").arg(count, options.badRowsFile));
 }
 
 [[noreturn]] void refuse(const ImportResult& result)
@@ -52,12 +71,14 @@ ImportResult runImport(Session& session, const ImportOptions& options)
         note.kind == ImportNote::Kind::Warning ? session.warn(note.text) : session.note(note.text);
     };
     const FileMapping mapping = mappingOf(options.mapping);
-    return options.projectFile.isEmpty()
-               ? importFiles(session,
-                             {options.files, options.cell, options.subCategory, mapping, options.isDryRun},
-                             callbacks)
-               : importProject(session, {options.projectFile, options.files, mapping, options.isDryRun},
-                               callbacks);
+    return options.projectFile.isEmpty() ? importFiles(session,
+                                                       {options.files, options.cell, options.subCategory,
+                                                        mapping, options.badRowsFile, options.isDryRun},
+                                                       callbacks)
+                                         : importProject(session,
+                                                         {options.projectFile, options.files, mapping,
+                                                          options.badRowsFile, options.isDryRun},
+                                                         callbacks);
 }
 
 void requirePlaces(const ImportOptions& options)
@@ -75,18 +96,41 @@ void requirePlaces(const ImportOptions& options)
     }
 }
 
+ExitCode writeMapping(Session& session, const ImportOptions& options)
+{
+    if (options.files.size() != 1) {
+        throw Failure(FailureKind::BadInput, QStringLiteral("--write-map looks at one file: which one?"));
+    }
+    const QString& file = options.files.first();
+    const MappingProposal proposal = proposeMapping(file, contentOfFile(file), mappingOf(options.mapping));
+    for (const QString& recognised : proposal.recognised) {
+        session.note(QStringLiteral("recognised: %1").arg(recognised));
+    }
+    for (const QString& open : proposal.open) {
+        session.warn(QStringLiteral("left open: %1").arg(open));
+    }
+    session.output().addDocument(proposal.json);
+    return ExitCode::Success;
+}
+
 ExitCode importPoints(Session& session, const ImportOptions& options)
 {
+    if (options.writesMap) {
+        return writeMapping(session, options);
+    }
     requirePlaces(options);
     const ImportResult result = runImport(session, options);
     if (!result.badRows.isEmpty()) {
         refuse(result);
     }
+    tellSkippedRows(session, options, result);
     for (const QString& name : result.missingMonitorings) {
         session.note(QStringLiteral("would create monitoring \"%1\"").arg(name));
     }
     if (options.isDryRun) {
-        session.note(QStringLiteral("all rows are good; nothing was sent"));
+        session.note(result.skippedRows.isEmpty()
+                         ? QStringLiteral("all rows are good; nothing was sent")
+                         : QStringLiteral("the other rows are good; nothing was sent"));
     }
     session.output().addRecord(resultSheet(result));
     return ExitCode::Success;
@@ -111,6 +155,11 @@ void addPointImportCommand(CLI::App& group, Command& chosen)
         ->excludes(cell)
         ->excludes(subCategory);
     addMappingOptions(app, values->mapping);
+    options::addText(app, "--skip-bad-rows", values->badRowsFile,
+                     "Write bad rows to this new file and deliver the others")
+        ->type_name("FILE");
+    app.add_flag("--write-map", values->writesMap,
+                 "Propose a mapping for a file on standard output, and send nothing");
     app.add_flag("--dry-run", values->isDryRun, "Check everything and send nothing");
     options::setExamples(
         app, "  rkmon point import --cell VH --sub-category SM VH-moisture-week1.csv\n"

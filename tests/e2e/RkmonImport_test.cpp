@@ -276,6 +276,85 @@ TEST_F(RkmonImport, OptionsSayHowAFileIsWritten)
               QDateTime::fromString("2015-12-02T07:00:00Z"_q, Qt::ISODate));
 }
 
+TEST_F(RkmonImport, AMappingIsProposedForAFile)
+{
+    const QString file =
+        write("wall.csv", "Zeit;P1 [mm];P2 [mm]\n13.03.2024 08:00;1,5;-\n14.03.2024 08:00;1,75;2\n");
+    const Result result = rkmon.run({"point"_q, "import"_q, "--write-map"_q, file});
+    EXPECT_EQ(result.code, 0);
+    EXPECT_TRUE(result.messages.contains("rkmon: recognised: layout column-per-point\n"_q));
+    EXPECT_TRUE(result.messages.endsWith(
+        "rkmon: warning: left open: timeZone or utcOffset: the times name no offset from UTC\n"_q));
+    EXPECT_EQ(result.object().value("timeFormat"_q).toString(), "day-month-year"_q);
+    created("VH"_q);
+    const QString map = write("wall.json", result.output.toUtf8());
+    const Result imported = import({file, "--map"_q, map, "--time-zone"_q, "Europe/Vienna"_q});
+    EXPECT_EQ(imported.code, 0) << imported.messages.toStdString();
+    EXPECT_EQ(samplesHeld("VH"_q), 3);
+    EXPECT_EQ(rkmon.run({"point"_q, "import"_q, "--write-map"_q}).code, 2);
+    EXPECT_EQ(rkmon.run({"point"_q, "import"_q, "--write-map"_q, write("note.txt", "no table\n")}).code, 2);
+}
+
+TEST_F(RkmonImport, BadRowsCanBeLeftOutAndMended)
+{
+    created("VH"_q);
+    const QString file = write("a.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n"
+                                                 "W1,20,2015-13-19T00:00:00-08:00,2,0.26\n"
+                                                 "W1,20,2015-12-20T00:00:00-08:00,3,\"high\"\n"
+                                                 "W1,20,2015-12-21T00:00:00-08:00,4,0.27\n");
+    const QString bad = QDir(rkmon.folder()).filePath("bad.csv"_q);
+    const QString reasons = "%1:3: time \"2015-13-19T00:00:00-08:00\" does not exist\n"
+                            "%1:4: value \"high\" is not a number\n"_q.arg(file);
+    const Result tried = import({file, "--skip-bad-rows"_q, bad, "--dry-run"_q});
+    EXPECT_EQ(tried.code, 0);
+    EXPECT_EQ(tried.messages, reasons + "rkmon: warning: bad rows that would be left out: 2\n"
+                                        "rkmon: the other rows are good; nothing was sent\n"_q);
+    EXPECT_FALSE(QFile::exists(bad));
+
+    const Result result = import({file, "--skip-bad-rows"_q, bad});
+    EXPECT_EQ(result.code, 0);
+    EXPECT_EQ(result.messages, reasons + "rkmon: warning: bad rows left out: 2; they are in %1\n"_q.arg(bad));
+    EXPECT_EQ(samplesHeld("VH"_q), 2);
+    QFile written(bad);
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    QByteArray content = written.readAll();
+    written.close();
+    const QByteArray name = file.toUtf8();
+    EXPECT_EQ(content, "name,depth,time,count,value,reason\n"
+                       "W1,20,2015-13-19T00:00:00-08:00,2,0.26,\"" +
+                           name +
+                           ":3: time \"\"2015-13-19T00:00:00-08:00\"\" does not exist\"\n"
+                           "W1,20,2015-12-20T00:00:00-08:00,3,\"high\",\"" +
+                           name + ":4: value \"\"high\"\" is not a number\"\n");
+
+    const QString mended =
+        write("mended.csv", content.replace("2015-13", "2015-12").replace("\"high\",", "0.5,"));
+    const Result again = import({mended, "--skip-bad-rows"_q, QDir(rkmon.folder()).filePath("none.csv"_q)});
+    EXPECT_EQ(again.messages, "rkmon: warning: %1: the column \"reason\" is not read\n"_q.arg(mended));
+    EXPECT_EQ(samplesHeld("VH"_q), 4);
+    EXPECT_FALSE(QFile::exists(QDir(rkmon.folder()).filePath("none.csv"_q)));
+    EXPECT_EQ(import({file, "--skip-bad-rows"_q, bad}).code, 2); // never written over
+}
+
+TEST_F(RkmonImport, AFileThatCannotBeReadAtAllIsNoMatterOfRows)
+{
+    created("VH"_q);
+    const QString bad = QDir(rkmon.folder()).filePath("bad.csv"_q);
+    const QString good = write("good.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n");
+    const QString headless = write("headless.csv", "name,time\nW1,2015-12-18T00:00:00-08:00\n");
+    const Result result = import({good, headless, "--skip-bad-rows"_q, bad});
+    EXPECT_EQ(result.code, 1);
+    EXPECT_TRUE(result.messages.startsWith(headless + ":1: the header names no column"_q));
+    EXPECT_EQ(listed({"data"_q, "list"_q}).size(), 0);
+    EXPECT_FALSE(QFile::exists(bad));
+    const QString one = write("one.csv", header + "W1,20,never,1,0.25\n");
+    const QString other =
+        write("other.csv", "value,name,depth,time,count\nhigh,W1,20,2015-12-18T00:00:00Z,1\n");
+    const Result unlike = import({one, other, "--skip-bad-rows"_q, bad});
+    EXPECT_EQ(unlike.code, 2);
+    EXPECT_EQ(listed({"data"_q, "list"_q}).size(), 0);
+}
+
 TEST_F(RkmonImport, RefusesWordsThatSayNothingOfAFile)
 {
     const QString file = write("a.csv", header);

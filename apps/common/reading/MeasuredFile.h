@@ -36,13 +36,14 @@ struct BadRow
     QString reason;
 };
 
-/// The bad rows of a file with what stands above its rows: the header and the lines about it.
+/// The bad rows of a file, and the lines above its rows as they stand there.
 struct BadRows
 {
-    QByteArray head;
+    QByteArray above;
+    /// Without its line end; empty: there is none.
+    QByteArray header;
+    QByteArray below;
     char delimiter = ',';
-    /// Line of the head that is the header, from 0; -1: there is none.
-    int headerLine = -1;
     QVector<BadRow> rows;
 };
 
@@ -72,6 +73,9 @@ struct MeasuredFile
     FileEncoding encoding = FileEncoding::Utf8;
     /// Whether a problem is that bytes mean nothing in the encoding.
     bool holdsForeignBytes = false;
+    /// The decimal sign that was given or detected, and the way of writing times that was detected.
+    QChar decimalSign = u'.';
+    TimeFormat timeFormat = TimeFormat::YearMonthDay;
     /// Only where they are kept.
     BadRows badRows;
     /// What it would take to read the rows that are among the problems for it.

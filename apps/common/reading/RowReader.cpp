@@ -139,6 +139,8 @@ void RowReader::detectFormats()
             m_file.unclear.timeFormats.append(nameOf(way));
         }
     }
+    m_file.decimalSign = m_decimalSign;
+    m_file.timeFormat = time.format;
     m_times =
         TimeReader(m_mapping.timeFormats.isEmpty() ? QList<TimeFormat>{time.format} : m_mapping.timeFormats,
                    clockOf(m_mapping), m_decimalSign);
@@ -390,12 +392,19 @@ void RowReader::sortReadings(MeasuredPoint& point)
 
 void RowReader::keepBadRows()
 {
-    csv::RecordReader records = rows();
-    BadRows& bad = m_file.badRows;
-    bad.head = m_text.left(records.position());
-    bad.delimiter = m_columns.delimiter;
-    bad.headerLine = m_mapping.hasHeader ? m_columns.line - 1 : -1;
+    csv::RecordReader records = tableOf(m_text, m_columns.delimiter, m_mapping);
     csv::Record record;
+    BadRows& bad = m_file.badRows;
+    bad.above = m_text.left(records.position());
+    bad.delimiter = m_columns.delimiter;
+    if (m_mapping.hasHeader) {
+        const int header = records.position();
+        records.next(record);
+        const int below = records.position();
+        records.skipLines(m_mapping.skippedBelowHeader);
+        bad.header = withoutLineEnds(m_text.mid(header, below - header));
+        bad.below = m_text.mid(below, records.position() - below);
+    }
     for (int begin = records.position(); records.next(record); begin = records.position()) {
         const auto reason = m_reasons.constFind(record.line);
         if (reason != m_reasons.constEnd()) {

@@ -2,12 +2,12 @@
 
 namespace {
 
-constexpr qint64 second = 1000; // milliseconds
-constexpr qint64 day = 86'400'000;
+constexpr qint64 oneSecond = 1000; // milliseconds
+constexpr qint64 oneDay = 86'400'000;
 
 QDateTime atOffset(qint64 clock, int offset)
 {
-    const qint64 instant = clock - offset * second;
+    const qint64 instant = clock - offset * oneSecond;
     return offset == 0 ? QDateTime::fromMSecsSinceEpoch(instant, Qt::UTC)
                        : QDateTime::fromMSecsSinceEpoch(instant, Qt::OffsetFromUTC, offset);
 }
@@ -22,7 +22,7 @@ int offsetAt(const QTimeZone& zone, qint64 instant)
 SiteClock::Outcome SiteClock::read(const WrittenTime& written, QDateTime& time)
 {
     constexpr qint64 julianDayOfEpoch = 2440588; // 1970-01-01
-    const qint64 clock = (written.date.toJulianDay() - julianDayOfEpoch) * day + written.millisecondOfDay;
+    const qint64 clock = (written.date.toJulianDay() - julianDayOfEpoch) * oneDay + written.millisecondOfDay;
     int offset = 0;
     if (written.utcOffset) {
         offset = *written.utcOffset;
@@ -45,14 +45,14 @@ SiteClock::Outcome SiteClock::read(const WrittenTime& written, QDateTime& time)
 SiteClock::Outcome SiteClock::offsetInZone(qint64 clock, int& offset)
 {
     // Two days are more than any offset and any change of the clock together.
-    const int before = offsetAt(m_zone, clock - 2 * day);
-    const int after = offsetAt(m_zone, clock + 2 * day);
+    const int before = offsetAt(m_zone, clock - 2 * oneDay);
+    const int after = offsetAt(m_zone, clock + 2 * oneDay);
     const auto holds = [&](int candidate) {
-        return offsetAt(m_zone, clock - candidate * second) == candidate;
+        return offsetAt(m_zone, clock - candidate * oneSecond) == candidate;
     };
     if (before == after) {
-        m_steadyFrom = clock - day;
-        m_steadyUntil = clock + day;
+        m_steadyFrom = clock - oneDay;
+        m_steadyUntil = clock + oneDay;
         m_steadyOffset = before;
         offset = before;
         return holds(before) ? Outcome::Done : Outcome::Skipped;

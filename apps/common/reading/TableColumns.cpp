@@ -18,13 +18,6 @@ QString alternativesOf(const QStringList& words, const QString& last)
     return words.mid(0, words.size() - 1).join(QStringLiteral(", ")) + last + words.last();
 }
 
-csv::RecordReader tableOf(const QByteArray& text, char delimiter, const FileMapping& mapping)
-{
-    csv::RecordReader records(text, delimiter);
-    records.skipLines(mapping.skippedLines);
-    return records;
-}
-
 csv::Record firstRecord(const QByteArray& text, char delimiter, const FileMapping& mapping)
 {
     csv::Record record;
@@ -279,6 +272,13 @@ TableColumns readTableColumns(const QByteArray& text, const FileMapping& mapping
     }
     HeaderReader(header, mapping, columns, problems, unclear).read();
     return columns;
+}
+
+csv::RecordReader tableOf(const QByteArray& text, char delimiter, const FileMapping& mapping)
+{
+    csv::RecordReader records(text, delimiter);
+    records.skipLines(mapping.skippedLines);
+    return records;
 }
 
 csv::RecordReader rowsOf(const QByteArray& text, char delimiter, const FileMapping& mapping)

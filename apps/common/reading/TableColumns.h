@@ -46,5 +46,8 @@ constexpr const char* badRowReasonTitle = "reason";
 TableColumns readTableColumns(const QByteArray& text, const FileMapping& mapping, Problems& problems,
                               UnclearFormat& unclear);
 
+/// A reader that stands at the header of the table, or at its first row where there is no header.
+csv::RecordReader tableOf(const QByteArray& text, char delimiter, const FileMapping& mapping);
+
 /// A reader that stands at the first row of the table.
 csv::RecordReader rowsOf(const QByteArray& text, char delimiter, const FileMapping& mapping);

@@ -246,8 +246,10 @@ TEST(MappedFile, BadRowsAreKeptWithWhatStandsAboveThem)
         readMeasuredFile("a.csv"_q, content, mappingOf(loggerMapping), BadRowKeeping::Rows);
     EXPECT_TRUE(file.isReadable);
     EXPECT_EQ(file.readingCount, 3);
-    EXPECT_EQ(file.badRows.head, content.left(content.indexOf("\"2024-03-01 08:00")));
-    EXPECT_EQ(file.badRows.headerLine, 1);
+    EXPECT_EQ(file.badRows.above, content.left(content.indexOf('\n') + 1));
+    EXPECT_EQ(file.badRows.header, R"("TIMESTAMP","RECORD","Batt_V","PZ1","PZ2")");
+    EXPECT_EQ(file.badRows.above.size() + file.badRows.header.size() + 2 + file.badRows.below.size(),
+              content.indexOf("\"2024-03-01 08:00"));
     ASSERT_EQ(file.badRows.rows.size(), 1);
     EXPECT_EQ(file.badRows.rows[0].line, 7);
     EXPECT_EQ(file.badRows.rows[0].text, "\"2024-03-01 08:30:00\",2,12.6,high,99.5");
