@@ -72,6 +72,7 @@ void applyText(const MappingOptions& options, FileMapping& mapping)
     if (!options.encoding.isEmpty()) {
         mapping.encoding = encodingNamed(options.encoding);
     }
+    mapping.sheet = options.sheet.isEmpty() ? mapping.sheet : options.sheet;
     if (!options.delimiter.isEmpty()) {
         mapping.delimiter = delimiterNamed(options.delimiter);
     }
@@ -148,6 +149,8 @@ void addTextOptions(CLI::App& app, MappingOptions& values)
     restrictTo(options::addText(app, "--encoding", values.encoding,
                                 "The encoding; UTF-8 unless given or marked by the file"),
                encodingNames());
+    options::addText(app, "--sheet", values.sheet, "The sheet of a spreadsheet with several")
+        ->type_name("NAME");
     app.add_option("--skip-lines", values.skipLines, "Lines above the header")
         ->check(CLI::NonNegativeNumber.description(""))
         ->type_name("N");

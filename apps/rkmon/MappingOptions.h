@@ -21,6 +21,7 @@ struct MappingOptions
     QStringList constants;
     QStringList without;
     QString encoding;
+    QString sheet;
     std::optional<int> skipLines;
     std::optional<int> skipLinesBelowHeader;
     bool hasNoHeader = false;

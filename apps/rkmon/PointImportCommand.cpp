@@ -1,11 +1,11 @@
 #include "PointImportCommand.h"
 
 #include "CommandOptions.h"
-#include "FileContent.h"
 #include "MappingOptions.h"
 #include "Messages.h"
 #include "Progress.h"
 #include "import/PointImport.h"
+#include "reading/FileSource.h"
 #include "reading/MappingProposal.h"
 
 #include <optional>
@@ -102,7 +102,8 @@ ExitCode writeMapping(Session& session, const ImportOptions& options)
         throw Failure(FailureKind::BadInput, QStringLiteral("--write-map looks at one file: which one?"));
     }
     const QString& file = options.files.first();
-    const MappingProposal proposal = proposeMapping(file, contentOfFile(file), mappingOf(options.mapping));
+    const FileSource source = sourceOf(file, mappingOf(options.mapping));
+    const MappingProposal proposal = proposeMapping(file, source.content, source.mapping);
     for (const QString& recognised : proposal.recognised) {
         session.note(QStringLiteral("recognised: %1").arg(recognised));
     }

@@ -132,6 +132,7 @@ void readText(const JsonNode& root, FileMapping& mapping)
     if (root.has("decimal")) {
         mapping.decimalSign = decimalSignNamed(root.oneOf("decimal", decimalSignNames()));
     }
+    mapping.sheet = root.textOr("sheet", QString());
     mapping.skippedLines = root.wholeOr("skipLines", 0);
     mapping.hasHeader = root.flagOr("header", true);
     mapping.skippedBelowHeader = root.wholeOr("skipLinesBelowHeader", 0);
@@ -346,7 +347,7 @@ FileMapping readFileMapping(const QString& path, const QByteArray& content)
     root.allowOnly({QStringLiteral("layout"), QStringLiteral("columns"), QStringLiteral("constants"),
                     QStringLiteral("points"), QStringLiteral("ignore"), QStringLiteral("noReading"),
                     QStringLiteral("encoding"), QStringLiteral("delimiter"), QStringLiteral("decimal"),
-                    QStringLiteral("skipLines"), QStringLiteral("header"),
+                    QStringLiteral("sheet"), QStringLiteral("skipLines"), QStringLiteral("header"),
                     QStringLiteral("skipLinesBelowHeader"), QStringLiteral("timeFormat"),
                     QStringLiteral("timeZone"), QStringLiteral("utcOffset"), QStringLiteral("doubledHour")});
     FileMapping mapping;

@@ -93,7 +93,12 @@ struct FileMapping
     /// Lines between the header and the rows.
     int skippedBelowHeader = 0;
 
+    /// Of a spreadsheet; empty: the only one that holds anything.
+    QString sheet;
+
     QList<TimeFormat> timeFormats;
+    /// The ways that come into question where none is given; empty: all.
+    QList<TimeFormat> possibleTimeFormats;
     /// Of times that name no offset, in seconds; without it and a zone such times are refused.
     std::optional<int> utcOffset;
     /// Invalid: none.

@@ -134,11 +134,14 @@ QString Proposer::shownField(int field) const
 
 void Proposer::proposeTable()
 {
+    const bool isSheet = !m_mapping.possibleTimeFormats.isEmpty(); // its form is its own
     m_mapping.delimiter = m_sketch.delimiter;
     const auto known = std::find(delimiters.cbegin(), delimiters.cend(), m_sketch.delimiter);
     const QString delimiter = delimiterNames().at(static_cast<int>(known - delimiters.cbegin()));
-    set("delimiter", delimiter);
-    recognise(QStringLiteral("fields separated by %1").arg(delimiter));
+    if (!isSheet) {
+        set("delimiter", delimiter);
+        recognise(QStringLiteral("fields separated by %1").arg(delimiter));
+    }
     m_mapping.skippedLines = m_sketch.skippedLines;
     if (m_sketch.skippedLines > 0) {
         set("skipLines", m_sketch.skippedLines);
@@ -154,7 +157,7 @@ void Proposer::proposeTable()
         set("skipLinesBelowHeader", m_sketch.skippedBelowHeader);
         recognise(QStringLiteral("lines between header and rows: %1").arg(m_sketch.skippedBelowHeader));
     }
-    if (m_mapping.encoding) {
+    if (m_mapping.encoding && !isSheet) {
         set("encoding", nameOf(*m_mapping.encoding));
     }
 }
@@ -337,6 +340,9 @@ void Proposer::proposeTimes(const QByteArray& content)
     }
     if (file.unclear.utcOffset) {
         leaveOpen(QStringLiteral("timeZone or utcOffset: the times name no offset from UTC"));
+    }
+    if (!m_mapping.sheet.isEmpty()) {
+        set("sheet", m_mapping.sheet);
     }
     if (m_mapping.zone.isValid()) {
         set("timeZone", QString::fromUtf8(m_mapping.zone.id()));

@@ -1,6 +1,5 @@
 #include "reading/MeasuredFile.h"
 
-#include "FileContent.h"
 #include "reading/RowReader.h"
 
 namespace {
@@ -35,9 +34,4 @@ MeasuredFile readMeasuredFile(const QString& path, const QByteArray& content, co
         file.unclear.encodings.removeAll(nameOf(text.encoding));
     }
     return file;
-}
-
-MeasuredFile readMeasuredFile(const QString& path, const FileMapping& mapping, BadRowKeeping keeping)
-{
-    return readMeasuredFile(path, contentOfFile(path), mapping, keeping);
 }

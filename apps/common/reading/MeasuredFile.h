@@ -89,6 +89,7 @@ struct MeasuredFile
 MeasuredFile readMeasuredFile(const QString& path, const QByteArray& content, const FileMapping& mapping,
                               BadRowKeeping keeping = BadRowKeeping::Reasons);
 
-/// The same from the file itself. Throws a Failure when it cannot be opened or read.
+/// The same from the file itself, which may be a spreadsheet. Throws a Failure when it cannot be opened or
+/// read.
 MeasuredFile readMeasuredFile(const QString& path, const FileMapping& mapping,
                               BadRowKeeping keeping = BadRowKeeping::Reasons);

@@ -115,7 +115,7 @@ bool RowReader::isWhole(const csv::Record& record) const
 void RowReader::detectFormats()
 {
     values::DecimalSignDetection signs;
-    TimeFormatDetection times;
+    TimeFormatDetection times(m_mapping.possibleTimeFormats);
     if (!m_mapping.decimalSign || m_mapping.timeFormats.isEmpty()) {
         lookAtTitles(signs, times);
         csv::RecordReader records = rows();

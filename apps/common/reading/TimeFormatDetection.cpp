@@ -69,12 +69,22 @@ QString ambiguity(const QString& text, const QList<TimeFormat>& ways)
 
 } // namespace
 
+TimeFormatDetection::TimeFormatDetection(const QList<TimeFormat>& ways)
+{
+    if (!ways.isEmpty()) {
+        m_possible = 0;
+    }
+    for (const TimeFormat way : ways) {
+        m_possible |= bitOf(way);
+    }
+}
+
 void TimeFormatDetection::look(const QString& text, int line)
 {
     if (m_hasYearFirst && beginsWithYear(text)) {
         return;
     }
-    const Ways ways = waysOf(text);
+    const Ways ways = waysOf(text) & m_possible;
     m_hasYearFirst = m_hasYearFirst || (ways == bitOf(TimeFormat::YearMonthDay) && beginsWithYear(text));
     const bool isKnown = std::any_of(m_examples.cbegin(), m_examples.cend(),
                                      [&](const Example& example) { return example.ways == ways; });

@@ -20,6 +20,9 @@ public:
         QList<TimeFormat> ways;
     };
 
+    /// Only `ways` come into question; empty: all.
+    explicit TimeFormatDetection(const QList<TimeFormat>& ways = {});
+
     void look(const QString& text, int line);
     Result result() const;
 
@@ -35,6 +38,7 @@ private:
 
     Result contradiction() const;
 
+    Ways m_possible = ~Ways(0);
     bool m_hasYearFirst = false;
     QVector<Example> m_examples; // the first text for each set of ways
 };

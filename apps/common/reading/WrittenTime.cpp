@@ -290,6 +290,20 @@ std::optional<PlainNumber> readPlainNumber(const QString& text, QChar decimalSig
     return scanner.atEnd() ? std::make_optional(number) : std::nullopt;
 }
 
+// Days with their fraction as one number, or as the two of a date and a clock.
+std::optional<PlainNumber> readDayNumber(const QString& text, QChar decimalSign)
+{
+    const int space = text.indexOf(u' ');
+    if (space < 0) {
+        return readPlainNumber(text, decimalSign);
+    }
+    const std::optional<PlainNumber> day = readPlainNumber(text.left(space), decimalSign);
+    const std::optional<PlainNumber> clock = readPlainNumber(text.mid(space + 1), decimalSign);
+    const bool areBoth = day && clock && clock->value < 1.0 && std::floor(day->value) == day->value;
+    return areBoth ? std::make_optional(PlainNumber{day->value + clock->value, clock->decimals})
+                   : std::nullopt;
+}
+
 // The milliseconds of a fraction of a day, as exactly as its digits say.
 qint64 millisecondsOf(double fraction, int decimals)
 {
@@ -302,7 +316,7 @@ qint64 millisecondsOf(double fraction, int decimals)
 
 TimeReading readDays(const QString& text, TimeFormat format, QChar decimalSign, WrittenTime& time)
 {
-    const std::optional<PlainNumber> number = readPlainNumber(text, decimalSign);
+    const std::optional<PlainNumber> number = readDayNumber(text, decimalSign);
     if (!number) {
         return TimeReading::OtherForm;
     }
