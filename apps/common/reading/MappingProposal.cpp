@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 
 namespace {
 
@@ -90,6 +91,7 @@ public:
                     .arg(m_path));
         }
         proposeTable();
+        repeatGiven();
         proposeColumns();
         proposePoints();
         requireName();
@@ -105,6 +107,7 @@ private:
     void recognise(const QString& what) { m_proposal.recognised.append(what); }
 
     void proposeTable();
+    void repeatGiven();
     void proposeColumns();
     void proposeColumn(MeasuredColumn column, const QList<int>& fields);
     QList<int> fieldsFor(MeasuredColumn column) const;
@@ -159,6 +162,39 @@ void Proposer::proposeTable()
     }
     if (m_mapping.encoding && !isSheet) {
         set("encoding", nameOf(*m_mapping.encoding));
+    }
+}
+
+// What was given holds for the next file, too.
+void Proposer::repeatGiven()
+{
+    for (auto at = m_mapping.columns.cbegin(); at != m_mapping.columns.cend(); ++at) {
+        m_columns.insert(nameOf(at.key()), at->number > 0 ? QJsonValue(at->number) : QJsonValue(at->title));
+        const int field = at->number > 0 ? at->number - 1 : m_sketch.titles.indexOf(at->title);
+        m_taken.append(field);
+    }
+    QJsonObject constants;
+    for (auto at = m_mapping.constants.cbegin(); at != m_mapping.constants.cend(); ++at) {
+        constants.insert(nameOf(at.key()), at.value());
+    }
+    if (!constants.isEmpty()) {
+        set("constants", constants);
+    }
+    if (m_mapping.zone.isValid()) {
+        set("timeZone", QString::fromUtf8(m_mapping.zone.id()));
+    }
+    if (m_mapping.utcOffset) {
+        const int minutes = std::abs(*m_mapping.utcOffset) / 60;
+        set("utcOffset", QStringLiteral("%1%2:%3")
+                             .arg(QChar(*m_mapping.utcOffset < 0 ? u'-' : u'+'))
+                             .arg(minutes / 60, 2, 10, QChar(u'0'))
+                             .arg(minutes % 60, 2, 10, QChar(u'0')));
+    }
+    if (m_mapping.doubledHour) {
+        set("doubledHour", doubledHourNames().at(m_mapping.doubledHour == DoubledHour::First ? 0 : 1));
+    }
+    if (!m_mapping.sheet.isEmpty()) {
+        set("sheet", m_mapping.sheet);
     }
 }
 
@@ -298,7 +334,7 @@ void Proposer::requireName()
 
 void Proposer::proposeNoReading()
 {
-    QStringList words;
+    QStringList words(m_mapping.noReading.cbegin(), m_mapping.noReading.cend());
     csv::Record record;
     for (csv::RecordReader rows = rowsOf(m_text, m_sketch.delimiter, m_mapping); rows.next(record);) {
         for (int field = 0; field < record.fields.size(); ++field) {
@@ -328,24 +364,24 @@ void Proposer::proposeTimes(const QByteArray& content)
     if (!file.unclear.timeFormats.isEmpty()) {
         leaveOpen(QStringLiteral("timeFormat: the times may be %1")
                       .arg(file.unclear.timeFormats.join(QStringLiteral(" or "))));
-    } else if (file.isReadable) {
+    } else if (!m_mapping.timeFormats.isEmpty()) {
+        QJsonArray formats;
+        for (const TimeFormat format : qAsConst(m_mapping.timeFormats)) {
+            formats.append(nameOf(format));
+        }
+        set("timeFormat", formats);
+    } else if (file.isFormatKnown) {
         set("timeFormat", nameOf(file.timeFormat));
         recognise(QStringLiteral("times are %1").arg(nameOf(file.timeFormat)));
     }
     if (file.unclear.decimalSign) {
         leaveOpen(QStringLiteral("decimal: the comma may be the decimal sign or separate thousands"));
-    } else if (file.isReadable && file.decimalSign == u',') {
+    } else if (file.isFormatKnown && file.decimalSign == u',') {
         set("decimal", QStringLiteral("comma"));
         recognise(QStringLiteral("decimal commas"));
     }
     if (file.unclear.utcOffset) {
         leaveOpen(QStringLiteral("timeZone or utcOffset: the times name no offset from UTC"));
-    }
-    if (!m_mapping.sheet.isEmpty()) {
-        set("sheet", m_mapping.sheet);
-    }
-    if (m_mapping.zone.isValid()) {
-        set("timeZone", QString::fromUtf8(m_mapping.zone.id()));
     }
 }
 

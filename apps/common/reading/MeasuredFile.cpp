@@ -33,5 +33,6 @@ MeasuredFile readMeasuredFile(const QString& path, const QByteArray& content, co
         file.unclear.encodings = encodingsThatRead(content);
         file.unclear.encodings.removeAll(nameOf(text.encoding));
     }
+    file.isReadable = file.isFormatKnown && !isForeign && !file.unclear.utcOffset;
     return file;
 }

@@ -68,7 +68,9 @@ struct MeasuredFile
     /// Columns that the header names and nothing reads.
     QStringList ignoredColumns;
     Problems problems;
-    /// Whether the problems are those of single rows.
+    /// Whether its columns and the form of its numbers and times are known, so that its rows were read.
+    bool isFormatKnown = false;
+    /// Whether the problems are those of single rows, and not what must be said of the whole file.
     bool isReadable = false;
     FileEncoding encoding = FileEncoding::Utf8;
     /// Whether a problem is that bytes mean nothing in the encoding.

@@ -68,7 +68,7 @@ void RowReader::read(BadRowKeeping keeping)
     if (!m_file.problems.isEmpty()) {
         return;
     }
-    m_file.isReadable = true;
+    m_file.isFormatKnown = true;
     csv::RecordReader records = rows();
     csv::Record record;
     while (records.next(record)) {

@@ -218,6 +218,17 @@ TEST(MappedFile, HoursThatAClockChangeSkipsOrDoublesAreBadRows)
                     "forward past it"));
 }
 
+TEST(MappedFile, WhatMustBeSaidOfAllRowsIsNoMatterOfSingleOnes)
+{
+    const auto isReadable = [](const QByteArray& content) {
+        return readMeasuredFile("a.csv"_q, content, mappingOf("{}")).isReadable;
+    };
+    EXPECT_TRUE(isReadable("name,time,value\nW1,2024-03-01T08:00Z,high\n"));
+    EXPECT_FALSE(isReadable("name,time,value\nW1,2024-03-01T08:00,0.5\n"));
+    EXPECT_FALSE(isReadable("name,time,value\n\xb2\xe2,2024-03-01T08:00Z,0.5\n"));
+    EXPECT_FALSE(isReadable("name,value\nW1,0.5\n"));
+}
+
 TEST(MappedFile, OtherEncodingsAreReadOnDemand)
 {
     // Title, header and row of a readout unit in China.

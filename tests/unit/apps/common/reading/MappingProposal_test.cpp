@@ -125,6 +125,29 @@ TEST(MappingProposal, ATableWithoutHeaderGoesByNumbers)
     EXPECT_THAT(proposed.open, ElementsAre("constants.name: no column holds the name of a point"));
 }
 
+TEST(MappingProposal, WhatIsGivenIsRepeated)
+{
+    FileMapping given;
+    given.utcOffset = -12600;
+    given.timeFormats = {TimeFormat::MonthDayYear};
+    given.constants.insert(MeasuredColumn::Depth, "2.5"_q);
+    given.columns.insert(MeasuredColumn::Value, {"b"_q, 0});
+    given.noReading = {"leer"_q};
+    const Proposed proposed =
+        proposedFor("name,time,a,b\nW1,01/03/2024 08:00,0.5,1\nW1,02/03/2024 08:00,0.6,2\n", given);
+    EXPECT_THAT(proposed.open, IsEmpty());
+    EXPECT_EQ(proposed.mapping,
+              (QJsonObject{
+                  {"delimiter"_q, "comma"_q},
+                  {"layout"_q, "rows"_q},
+                  {"columns"_q, QJsonObject{{"name"_q, "name"_q}, {"time"_q, "time"_q}, {"value"_q, "b"_q}}},
+                  {"constants"_q, QJsonObject{{"depth"_q, "2.5"_q}}},
+                  {"noReading"_q, QJsonArray{"leer"_q}},
+                  {"utcOffset"_q, "-03:30"_q},
+                  {"timeFormat"_q, QJsonArray{"month-day-year"_q}}}))
+        << proposed.json.toStdString();
+}
+
 TEST(MappingProposal, OurOwnFileNeedsNothing)
 {
     const QByteArray content = "name,depth,time,count,value\nW1,20,2015-12-18T00:15:00-08:00,11653,0.26\n"
