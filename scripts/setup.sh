@@ -11,6 +11,7 @@ packages=(
   libboost1.81-dev libsimdjson-dev libpcre2-dev libsqlitecpp-dev    # service
   libsqlite3-dev libssl-dev libhowardhinnant-date-dev nlohmann-json3-dev tzdata
   libcli11-dev libutf8proc-dev                                      # command lines
+  liborcus-dev                                                      # spreadsheets
   libqwt-qt5-dev libqt5svg5-dev fonts-dejavu-core fonts-wqy-microhei # charts
   libgtest-dev libgmock-dev python3 python3-aiosmtpd                # tests
 )

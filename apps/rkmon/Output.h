@@ -103,6 +103,9 @@ public:
     /// A list of plain texts under one heading: one per line, a JSON array of strings, or CSV.
     void addPlainTexts(const QString& key, const QStringList& texts);
 
+    /// A document that is the same for people and programs, in any form.
+    void addDocument(const QByteArray& document) { m_content += document; }
+
     /// Writes what was collected. A reader that has gone away (`| head`) is no error; any other failure to
     /// write is a Failure.
     void flush();

@@ -1,10 +1,12 @@
 #include "PointImportCommand.h"
 
 #include "CommandOptions.h"
+#include "MappingOptions.h"
 #include "Messages.h"
 #include "Progress.h"
-#include "import/MeasuredValues.h"
 #include "import/PointImport.h"
+#include "reading/FileSource.h"
+#include "reading/MappingProposal.h"
 
 #include <optional>
 
@@ -16,33 +18,11 @@ struct ImportOptions
     QString cell;
     QString subCategory;
     QString projectFile;
-    QString delimiter;
-    QString decimal;
-    QString utcOffset;
+    MappingOptions mapping;
+    QString badRowsFile;
+    bool writesMap = false;
     bool isDryRun = false;
 };
-
-MeasuredFileFormat formatOf(const ImportOptions& options)
-{
-    MeasuredFileFormat format;
-    if (options.delimiter == QLatin1String("comma")) {
-        format.delimiter = ',';
-    } else if (options.delimiter == QLatin1String("semicolon")) {
-        format.delimiter = ';';
-    } else if (options.delimiter == QLatin1String("tab")) {
-        format.delimiter = '\t';
-    }
-    if (!options.decimal.isEmpty()) {
-        format.decimalSign = QLatin1Char(options.decimal == QLatin1String("comma") ? ',' : '.');
-    }
-    if (!options.utcOffset.isEmpty() && !values::isUtcOffset(options.utcOffset)) {
-        throw Failure(
-            FailureKind::BadInput,
-            QStringLiteral("--utc-offset: \"%1\" is not an offset like +01:00").arg(options.utcOffset));
-    }
-    format.utcOffset = options.utcOffset;
-    return format;
-}
 
 Sheet resultSheet(const ImportResult& result)
 {
@@ -53,19 +33,28 @@ Sheet resultSheet(const ImportResult& result)
             {{result.files, result.points, newPoints, result.samples, result.deliveries, result.isSent}}};
 }
 
+void tellSkippedRows(const Session& session, const ImportOptions& options, const ImportResult& result)
+{
+    for (const QString& row : result.skippedRows) {
+        writePlainMessage(row);
+    }
+    if (result.skippedRows.isEmpty()) {
+        return;
+    }
+    const QString count = QString::number(result.skippedRowCount);
+    session.warn(
+        options.isDryRun
+            ? QStringLiteral("bad rows that would be left out: %1").arg(count)
+            : QStringLiteral("bad rows left out: %1; they are in %2").arg(count, options.badRowsFile));
+}
+
 [[noreturn]] void refuse(const ImportResult& result)
 {
     for (const QString& row : result.badRows) {
         writePlainMessage(row);
     }
-    QString message = QStringLiteral("nothing was sent: see the bad rows above");
-    if (result.unclear.decimalSign) {
-        message += QStringLiteral("; --decimal point or --decimal comma says which sign it is");
-    }
-    if (result.unclear.utcOffset) {
-        message += QStringLiteral("; --utc-offset gives the offset of times that have none");
-    }
-    throw Failure(FailureKind::Other, message);
+    throw Failure(FailureKind::Other, QStringLiteral("nothing was sent: see the bad rows above") +
+                                          optionsThatClear(result.unclear));
 }
 
 ImportResult runImport(Session& session, const ImportOptions& options)
@@ -81,13 +70,15 @@ ImportResult runImport(Session& session, const ImportOptions& options)
     callbacks.onNote = [&](const ImportNote& note) {
         note.kind == ImportNote::Kind::Warning ? session.warn(note.text) : session.note(note.text);
     };
-    const MeasuredFileFormat format = formatOf(options);
-    return options.projectFile.isEmpty()
-               ? importFiles(session,
-                             {options.files, options.cell, options.subCategory, format, options.isDryRun},
-                             callbacks)
-               : importProject(session, {options.projectFile, options.files, format, options.isDryRun},
-                               callbacks);
+    const FileMapping mapping = mappingOf(options.mapping);
+    return options.projectFile.isEmpty() ? importFiles(session,
+                                                       {options.files, options.cell, options.subCategory,
+                                                        mapping, options.badRowsFile, options.isDryRun},
+                                                       callbacks)
+                                         : importProject(session,
+                                                         {options.projectFile, options.files, mapping,
+                                                          options.badRowsFile, options.isDryRun},
+                                                         callbacks);
 }
 
 void requirePlaces(const ImportOptions& options)
@@ -105,33 +96,45 @@ void requirePlaces(const ImportOptions& options)
     }
 }
 
+ExitCode writeMapping(Session& session, const ImportOptions& options)
+{
+    if (options.files.size() != 1) {
+        throw Failure(FailureKind::BadInput, QStringLiteral("--write-map looks at one file: which one?"));
+    }
+    const QString& file = options.files.first();
+    const FileSource source = sourceOf(file, mappingOf(options.mapping));
+    const MappingProposal proposal = proposeMapping(file, source.content, source.mapping);
+    for (const QString& recognised : proposal.recognised) {
+        session.note(QStringLiteral("recognised: %1").arg(recognised));
+    }
+    for (const QString& open : proposal.open) {
+        session.warn(QStringLiteral("left open: %1").arg(open));
+    }
+    session.output().addDocument(proposal.json);
+    return ExitCode::Success;
+}
+
 ExitCode importPoints(Session& session, const ImportOptions& options)
 {
+    if (options.writesMap) {
+        return writeMapping(session, options);
+    }
     requirePlaces(options);
     const ImportResult result = runImport(session, options);
     if (!result.badRows.isEmpty()) {
         refuse(result);
     }
+    tellSkippedRows(session, options, result);
     for (const QString& name : result.missingMonitorings) {
         session.note(QStringLiteral("would create monitoring \"%1\"").arg(name));
     }
     if (options.isDryRun) {
-        session.note(QStringLiteral("all rows are good; nothing was sent"));
+        session.note(result.skippedRows.isEmpty()
+                         ? QStringLiteral("all rows are good; nothing was sent")
+                         : QStringLiteral("the other rows are good; nothing was sent"));
     }
     session.output().addRecord(resultSheet(result));
     return ExitCode::Success;
-}
-
-void addFormatOptions(CLI::App& app, ImportOptions& values)
-{
-    options::addText(app, "--delimiter", values.delimiter, "What separates the fields; detected unless given")
-        ->type_name("comma|semicolon|tab")
-        ->check(CLI::IsMember({"comma", "semicolon", "tab"}).description(""));
-    options::addText(app, "--decimal", values.decimal, "The decimal sign; detected unless given")
-        ->type_name("point|comma")
-        ->check(CLI::IsMember({"point", "comma"}).description(""));
-    options::addText(app, "--utc-offset", values.utcOffset, "Offset from UTC of times that have none")
-        ->type_name("+HH:MM");
 }
 
 } // namespace
@@ -140,8 +143,10 @@ void addPointImportCommand(CLI::App& group, Command& chosen)
 {
     const auto [app, values] = options::addSubcommand(
         group, "import", "Deliver the readings of CSV files; can be repeated safely", chosen, importPoints);
-    options::addFiles(app, "FILE", values->files,
-                      "Files with the columns name, depth, time, count, value and perhaps timeFlag");
+    options::addFiles(
+        app, "FILE", values->files,
+        "Files with the columns name, depth, time, count, value and perhaps timeFlag, unless the "
+        "options below say otherwise");
     CLI::Option* cell = options::addCell(app, values->cell);
     CLI::Option* subCategory = options::addText(app, "--sub-category", values->subCategory,
                                                 "What they measure, by identifier, name or alias");
@@ -150,10 +155,18 @@ void addPointImportCommand(CLI::App& group, Command& chosen)
         ->type_name("FILE")
         ->excludes(cell)
         ->excludes(subCategory);
-    addFormatOptions(app, *values);
+    addMappingOptions(app, values->mapping);
+    options::addText(app, "--skip-bad-rows", values->badRowsFile,
+                     "Write bad rows to this new file and deliver the others")
+        ->type_name("FILE");
+    app.add_flag("--write-map", values->writesMap,
+                 "Propose a mapping for a file on standard output, and send nothing");
     app.add_flag("--dry-run", values->isDryRun, "Check everything and send nothing");
-    options::setExamples(app,
-                         "  rkmon point import --cell VH --sub-category SM VH-moisture-week1.csv\n"
-                         "  rkmon point import --project-file samples/coastal-bluff/project.json\n"
-                         "  rkmon point import --dry-run --cell P1 --sub-category settlement export.csv");
+    options::setExamples(
+        app, "  rkmon point import --cell VH --sub-category SM VH-moisture-week1.csv\n"
+             "  rkmon point import --project-file samples/coastal-bluff/project.json\n"
+             "  rkmon point import --dry-run --cell P1 --sub-category settlement export.csv\n"
+             "  rkmon point import --map logger.json --cell P1 --sub-category tilt logger.dat\n"
+             "  rkmon point import --time-zone Europe/Vienna --without count --column name=Punkt \\\n"
+             "      --cell P1 --sub-category settlement export.csv");
 }

@@ -223,6 +223,168 @@ TEST_F(RkmonImport, TellsUsageAndWhatIsMissing)
     EXPECT_TRUE(several.messages.contains("several monitorings are called \"VH\""_q));
 }
 
+TEST_F(RkmonImport, ALoggersFileIsReadAsItsMappingSays)
+{
+    created("VH"_q);
+    const QString map = write("logger.json", R"({"layout": "column-per-point", "skipLines": 1,
+        "skipLinesBelowHeader": 1, "columns": {"time": "TIMESTAMP"}, "ignore": ["RECORD"],
+        "timeZone": "America/Los_Angeles", "noReading": ["NAN"]})");
+    const QString file =
+        write("wall.dat", "\"TOA5\",\"Wall\",\"CR6\"\r\n\"TIMESTAMP\",\"RECORD\",\"W1\",\"W2\"\r\n"
+                          "\"TS\",\"RN\",\"kPa\",\"kPa\"\r\n\"2015-12-18 00:00:00\",0,0.25,\"NAN\"\r\n"
+                          "\"2015-12-18 00:15:00\",1,0.26,0.5\r\n");
+    for (int repetition = 0; repetition < 2; ++repetition) {
+        const Result result = import({file, "--map"_q, map});
+        ASSERT_EQ(result.code, 0) << result.messages.toStdString();
+        EXPECT_EQ(result.messages, "rkmon: %1: cells without a reading left out: 1\n"_q.arg(file));
+    }
+    const Result out = done({"point"_q, "list"_q, "--cell"_q, "VH"_q, "--samples"_q, "--csv"_q});
+    EXPECT_EQ(out.output, "name,depth,time,count,value,timeFlag\r\n"
+                          "W1,,2015-12-18T00:00:00.000-08:00,1,0.25,\r\n"
+                          "W1,,2015-12-18T00:15:00.000-08:00,1,0.26,\r\n"
+                          "W2,,2015-12-18T00:15:00.000-08:00,1,0.5,\r\n"_q);
+}
+
+TEST_F(RkmonImport, OptionsSayHowAFileIsWritten)
+{
+    created("VH"_q);
+    const QString file = write("export.csv", "Export\nPunkt;Datum;Uhrzeit;Setzung\n"
+                                             "W1;01.12.2015;08:00;trocken\nW1;02.12.2015;08:00;0,5\n");
+    const QStringList base{
+        file,           "--skip-lines"_q, "1"_q,        "--column"_q, "name=Punkt"_q,    "--column"_q,
+        "date=Datum"_q, "--column"_q,     "clock=#3"_q, "--column"_q, "value=Setzung"_q, "--constant"_q,
+        "depth=2.50"_q, "--no-reading"_q, "trocken"_q};
+    EXPECT_EQ(
+        import(base).messages,
+        "%1:2: the header names no column \"count\"; it must name Punkt, Datum, clock, count and Setzung\n"
+        "rkmon: nothing was sent: see the bad rows above; --without depth and --without count read tables "
+        "that have none\n"_q.arg(file));
+    const QStringList counted =
+        base + QStringList{"--without"_q, "count"_q, "--time-zone"_q, "Europe/Vienna"_q};
+    EXPECT_EQ(
+        import(counted).messages,
+        "%1:3: every time of the file can be read in several ways, \"01.12.2015 08:00\" as day-month-year "
+        "(2015-12-01) or month-day-year (2015-01-12): which is it?\n"
+        "rkmon: nothing was sent: see the bad rows above; --time-format says which way it is: "
+        "day-month-year, month-day-year\n"_q.arg(file));
+    const Result result = import(counted + QStringList{"--time-format"_q, "day-month-year"_q});
+    EXPECT_EQ(result.code, 0) << result.messages.toStdString();
+    const QJsonArray held = listed({"point"_q, "list"_q, "--cell"_q, "VH"_q, "--samples"_q});
+    ASSERT_EQ(held.size(), 1);
+    EXPECT_EQ(text(held[0], "depth"), "2.5"_q);
+    EXPECT_EQ(QDateTime::fromString(text(held[0], "time"), Qt::ISODateWithMs),
+              QDateTime::fromString("2015-12-02T07:00:00Z"_q, Qt::ISODate));
+}
+
+TEST_F(RkmonImport, AMappingIsProposedForAFile)
+{
+    const QString file =
+        write("wall.csv", "Zeit;P1 [mm];P2 [mm]\n13.03.2024 08:00;1,5;-\n14.03.2024 08:00;1,75;2\n");
+    const Result result = rkmon.run({"point"_q, "import"_q, "--write-map"_q, file});
+    EXPECT_EQ(result.code, 0);
+    EXPECT_TRUE(result.messages.contains("rkmon: recognised: layout column-per-point\n"_q));
+    EXPECT_TRUE(result.messages.endsWith(
+        "rkmon: warning: left open: timeZone or utcOffset: the times name no offset from UTC\n"_q));
+    EXPECT_EQ(result.object().value("timeFormat"_q).toString(), "day-month-year"_q);
+    created("VH"_q);
+    const QString map = write("wall.json", result.output.toUtf8());
+    const Result imported = import({file, "--map"_q, map, "--time-zone"_q, "Europe/Vienna"_q});
+    EXPECT_EQ(imported.code, 0) << imported.messages.toStdString();
+    EXPECT_EQ(samplesHeld("VH"_q), 3);
+    EXPECT_EQ(rkmon.run({"point"_q, "import"_q, "--write-map"_q}).code, 2);
+    EXPECT_EQ(rkmon.run({"point"_q, "import"_q, "--write-map"_q, write("note.txt", "no table\n")}).code, 2);
+}
+
+TEST_F(RkmonImport, BadRowsCanBeLeftOutAndMended)
+{
+    created("VH"_q);
+    const QString file = write("a.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n"
+                                                 "W1,20,2015-13-19T00:00:00-08:00,2,0.26\n"
+                                                 "W1,20,2015-12-20T00:00:00-08:00,3,\"high\"\n"
+                                                 "W1,20,2015-12-21T00:00:00-08:00,4,0.27\n");
+    const QString bad = QDir(rkmon.folder()).filePath("bad.csv"_q);
+    const QString reasons = "%1:3: time \"2015-13-19T00:00:00-08:00\" does not exist\n"
+                            "%1:4: value \"high\" is not a number\n"_q.arg(file);
+    const Result tried = import({file, "--skip-bad-rows"_q, bad, "--dry-run"_q});
+    EXPECT_EQ(tried.code, 0);
+    EXPECT_EQ(tried.messages, reasons + "rkmon: warning: bad rows that would be left out: 2\n"
+                                        "rkmon: the other rows are good; nothing was sent\n"_q);
+    EXPECT_FALSE(QFile::exists(bad));
+
+    const Result result = import({file, "--skip-bad-rows"_q, bad});
+    EXPECT_EQ(result.code, 0);
+    EXPECT_EQ(result.messages, reasons + "rkmon: warning: bad rows left out: 2; they are in %1\n"_q.arg(bad));
+    EXPECT_EQ(samplesHeld("VH"_q), 2);
+    QFile written(bad);
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    QByteArray content = written.readAll();
+    written.close();
+    const QByteArray name = file.toUtf8();
+    EXPECT_EQ(content, "name,depth,time,count,value,reason\n"
+                       "W1,20,2015-13-19T00:00:00-08:00,2,0.26,\"" +
+                           name +
+                           ":3: time \"\"2015-13-19T00:00:00-08:00\"\" does not exist\"\n"
+                           "W1,20,2015-12-20T00:00:00-08:00,3,\"high\",\"" +
+                           name + ":4: value \"\"high\"\" is not a number\"\n");
+
+    const QString mended =
+        write("mended.csv", content.replace("2015-13", "2015-12").replace("\"high\",", "0.5,"));
+    const Result again = import({mended, "--skip-bad-rows"_q, QDir(rkmon.folder()).filePath("none.csv"_q)});
+    EXPECT_EQ(again.messages, "rkmon: warning: %1: the column \"reason\" is not read\n"_q.arg(mended));
+    EXPECT_EQ(samplesHeld("VH"_q), 4);
+    EXPECT_FALSE(QFile::exists(QDir(rkmon.folder()).filePath("none.csv"_q)));
+    EXPECT_EQ(import({file, "--skip-bad-rows"_q, bad}).code, 2); // never written over
+}
+
+TEST_F(RkmonImport, AFileThatCannotBeReadAtAllIsNoMatterOfRows)
+{
+    created("VH"_q);
+    const QString bad = QDir(rkmon.folder()).filePath("bad.csv"_q);
+    const QString good = write("good.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n");
+    const QString headless = write("headless.csv", "name,time\nW1,2015-12-18T00:00:00-08:00\n");
+    const Result result = import({good, headless, "--skip-bad-rows"_q, bad});
+    EXPECT_EQ(result.code, 1);
+    EXPECT_TRUE(result.messages.startsWith(headless + ":1: the header names no column"_q));
+    EXPECT_EQ(listed({"data"_q, "list"_q}).size(), 0);
+    EXPECT_FALSE(QFile::exists(bad));
+    const QString one = write("one.csv", header + "W1,20,never,1,0.25\n");
+    const QString other =
+        write("other.csv", "value,name,depth,time,count\nhigh,W1,20,2015-12-18T00:00:00Z,1\n");
+    const Result unlike = import({one, other, "--skip-bad-rows"_q, bad});
+    EXPECT_EQ(unlike.code, 2);
+    EXPECT_EQ(listed({"data"_q, "list"_q}).size(), 0);
+}
+
+TEST_F(RkmonImport, RefusesWordsThatSayNothingOfAFile)
+{
+    const QString file = write("a.csv", header);
+    const auto refusal = [&](const QStringList& more) {
+        const Result result = import(QStringList{file} + more);
+        EXPECT_EQ(result.code, 2) << more.join(u' ').toStdString();
+        return result.messages;
+    };
+    EXPECT_EQ(refusal({"--time-zone"_q, "Vienna"_q}),
+              "rkmon: --time-zone: \"Vienna\" is not a zone like Europe/Berlin\n"_q);
+    EXPECT_EQ(
+        refusal({"--column"_q, "Punkt"_q}),
+        "rkmon: --column: \"Punkt\" is not like time=Date; before the \"=\" goes one of name, depth, time, "
+        "date, clock, count, value, timeFlag\n"_q);
+    EXPECT_EQ(refusal({"--constant"_q, "count=many"_q}),
+              "rkmon: --constant: count \"many\" is not a whole number from 0 to 2147483647\n"_q);
+    EXPECT_EQ(refusal({"--no-header"_q, "--column"_q, "name=Punkt"_q}),
+              "rkmon: without a header a column is given by its number, not as \"Punkt\"\n"_q);
+    refusal({"--time-zone"_q, "Europe/Vienna"_q, "--utc-offset"_q, "+01:00"_q});
+    refusal({"--encoding"_q, "ansi"_q});
+    refusal({"--time-format"_q, "guess"_q});
+    refusal({"--map"_q, "no-such-file.json"_q});
+    const QString chinese =
+        write("b.csv", "name,depth,time,count,value\n\xb2\xe2,,2015-12-18T00:00:00Z,1,0.5\n");
+    EXPECT_EQ(
+        import({chinese}).messages,
+        "%1:2: the text is not UTF-8\nrkmon: nothing was sent: see the bad rows above; --encoding says which "
+        "it is: it can be read as gb18030, windows-1252\n"_q.arg(chinese));
+}
+
 TEST_F(RkmonImport, ReaderMayNotDeliver)
 {
     created("VH"_q);

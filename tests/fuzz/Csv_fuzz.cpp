@@ -3,7 +3,7 @@
 
 #include "Fuzzer.h"
 #include "import/Deliveries.h"
-#include "import/MeasuredFile.h"
+#include "reading/MeasuredFile.h"
 
 #include <QHash>
 #include <QSet>
@@ -16,10 +16,10 @@ namespace {
 
 using fuzz::require;
 
-MeasuredFileFormat formatOf(unsigned choice)
+FileMapping formatOf(unsigned choice)
 {
     constexpr std::array<char, 3> delimiters{',', ';', '\t'};
-    MeasuredFileFormat format;
+    FileMapping format;
     if ((choice & 3U) != 0) {
         format.delimiter = delimiters.at((choice & 3U) - 1);
     }
@@ -27,7 +27,7 @@ MeasuredFileFormat formatOf(unsigned choice)
         format.decimalSign = QLatin1Char((choice & 8U) != 0 ? ',' : '.');
     }
     if ((choice & 64U) != 0) {
-        format.utcOffset = QStringLiteral("+01:00");
+        format.utcOffset = 3600;
     }
     return format;
 }
@@ -103,7 +103,7 @@ QHash<int, QStringList> plainRows(const QByteArray& content, char delimiter)
     return rows;
 }
 
-char delimiterOf(const MeasuredFileFormat& format, const QByteArray& content)
+char delimiterOf(const FileMapping& format, const QByteArray& content)
 {
     if (format.delimiter) {
         return *format.delimiter;
@@ -123,7 +123,7 @@ char delimiterOf(const MeasuredFileFormat& format, const QByteArray& content)
 }
 
 // Compares each reading with its row, read by other means.
-void checkAgainstRows(const MeasuredFile& file, QByteArray content, const MeasuredFileFormat& format)
+void checkAgainstRows(const MeasuredFile& file, QByteArray content, const FileMapping& format)
 {
     if (content.startsWith("\xef\xbb\xbf")) {
         content.remove(0, 3);
@@ -151,7 +151,13 @@ void checkAgainstRows(const MeasuredFile& file, QByteArray content, const Measur
                     [&] { return detail; });
             require(std::strtod(value.c_str(), nullptr) == reading.sample.value,
                     "a reading has its row's value", [&] { return detail; });
-            require(field("time").left(10) == reading.sample.time.toString(QStringLiteral("yyyy-MM-dd")),
+            // In this form only, the day stands there as it is.
+            const bool isPlainDay = field("time").indexOf(QLatin1Char('-')) == 4 &&
+                                    field("time").lastIndexOf(QLatin1Char('-'), 9) == 7;
+            require(!isPlainDay ||
+                        QDate::fromString(field("time").left(10), Qt::ISODate) ==
+                            reading.sample.time.date() ||
+                        !QDate::fromString(field("time").left(10), Qt::ISODate).isValid(),
                     "a reading has its row's day", [&] { return detail; });
             require(field("depth").isEmpty() == point.depth.isEmpty(), "a reading has its row's depth",
                     [&] { return detail; });
@@ -186,12 +192,15 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     if (size == 0) {
         return 0;
     }
-    const MeasuredFileFormat format = formatOf(data[0]);
+    const FileMapping format = formatOf(data[0]);
     const QByteArray content(reinterpret_cast<const char*>(data + 1), static_cast<int>(size - 1));
     const MeasuredFile file = readMeasuredFile(QStringLiteral("f"), content, format);
     checkReadings(file);
     require(!file.problems.isEmpty() || file.repeatedCount >= 0, "repeated rows are counted");
 
+    if (file.encoding != FileEncoding::Utf8) {
+        return 0; // the bytes are not the text
+    }
     const bool hasQuotes = content.contains('"');
     const bool isGood = file.problems.isEmpty();
     const QByteArray text = content.startsWith("\xef\xbb\xbf") ? content.mid(3) : content;

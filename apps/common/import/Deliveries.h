@@ -1,6 +1,6 @@
 #pragma once
 
-#include "import/MeasuredFile.h"
+#include "reading/MeasuredFile.h"
 
 #include <QHash>
 #include <QList>
@@ -21,7 +21,7 @@ struct DeliveryTarget
     }
 };
 
-/// A file that was read without problems, and its target.
+/// A file that may be used, and its target.
 struct PlacedFile
 {
     MeasuredFile file;

@@ -1,6 +1,7 @@
 #include "import/PointImport.h"
 
 #include "Lookup.h"
+#include "import/BadRowsFile.h"
 #include "import/Deliveries.h"
 #include "import/KnownPoints.h"
 #include "import/ProjectFile.h"
@@ -67,26 +68,54 @@ void noteOddities(const MeasuredFile& file, const ImportNotes& notes)
         notes({ImportNote::Kind::Information,
                QStringLiteral("%1: duplicate rows left out: %2").arg(file.path).arg(file.repeatedCount)});
     }
+    if (file.withoutReadingCount > 0) {
+        notes({ImportNote::Kind::Information, QStringLiteral("%1: cells without a reading left out: %2")
+                                                  .arg(file.path)
+                                                  .arg(file.withoutReadingCount)});
+    }
     if (file.problems.isEmpty() && file.readingCount == 0) {
         notes({ImportNote::Kind::Information, QStringLiteral("%1: no readings").arg(file.path)});
     }
 }
 
-// Every file, checked; bad rows go to `result`.
-QList<PlacedFile> readFiles(const QList<Source>& sources, const MeasuredFileFormat& format,
-                            const ImportNotes& notes, ImportResult& result)
+// Files to read, and what becomes of their rows.
+struct ReadingOrder
 {
-    requireNoDuplicates(sources);
+    QList<Source> sources;
+    FileMapping mapping;
+    QString badRowsFile;
+};
+
+// Every file, checked; bad rows go to `result`.
+QList<PlacedFile> readFiles(const ReadingOrder& order, const ImportNotes& notes, ImportResult& result)
+{
+    requireNoDuplicates(order.sources);
+    const bool skipsBadRows = !order.badRowsFile.isEmpty();
+    if (skipsBadRows) {
+        requireNewFile(order.badRowsFile);
+    }
     QList<PlacedFile> files;
-    for (const Source& source : sources) {
-        const MeasuredFile file = readMeasuredFile(source.path, format);
+    for (const Source& source : order.sources) {
+        const MeasuredFile file = readMeasuredFile(
+            source.path, order.mapping, skipsBadRows ? BadRowKeeping::Rows : BadRowKeeping::Reasons);
         noteOddities(file, notes);
-        result.badRows.append(file.problems.lines(source.path));
-        result.unclear.decimalSign = result.unclear.decimalSign || file.unclear.decimalSign;
-        result.unclear.utcOffset = result.unclear.utcOffset || file.unclear.utcOffset;
+        const bool isUsable = skipsBadRows && file.isReadable;
+        (isUsable ? result.skippedRows : result.badRows).append(file.problems.lines(source.path));
+        result.skippedRowCount += file.badRows.rows.size();
+        result.unclear.add(file.unclear);
         files.append({file, {}});
     }
     return files;
+}
+
+// What is to be written of the bad rows; empty when there are none.
+QByteArray skippedRowsOf(const QList<PlacedFile>& files)
+{
+    QList<const MeasuredFile*> measured;
+    for (const PlacedFile& placed : files) {
+        measured.append(&placed.file);
+    }
+    return badRowsText(measured);
 }
 
 // The service's words about element [i][j] of a request, with the file that element i comes from.
@@ -177,11 +206,14 @@ void changeRepeatably(Work work)
 }
 
 // The rest of an import once every file has its target.
-void deliver(ServiceSession& session, const QList<PlacedFile>& files, bool isDryRun,
+template <typename Order>
+void deliver(ServiceSession& session, const QList<PlacedFile>& files, const Order& order,
              const ImportCallbacks& callbacks, ImportResult& result)
 {
+    const QByteArray skippedRows = skippedRowsOf(files);
     const QSet<PointKey> points = pointsOf(files);
-    const QSet<PointKey> known = isDryRun ? QSet<PointKey>() : knownPoints(session, points, callbacks.onNote);
+    const QSet<PointKey> known =
+        order.isDryRun ? QSet<PointKey>() : knownPoints(session, points, callbacks.onNote);
     const QList<Delivery> deliveries = deliveriesOf(files, known);
     result.files = files.size();
     result.points = points.size();
@@ -189,10 +221,13 @@ void deliver(ServiceSession& session, const QList<PlacedFile>& files, bool isDry
     for (const Delivery& delivery : deliveries) {
         result.samples += delivery.sampleCount;
     }
-    if (!isDryRun) {
+    if (!order.isDryRun) {
         result.newPoints = points.size() - known.size();
         changeRepeatably([&] { sendAll(session, deliveries, callbacks, result.samples); });
         result.isSent = true;
+        if (!skippedRows.isEmpty()) {
+            writeNewFile(order.badRowsFile, skippedRows);
+        }
     }
 }
 
@@ -205,7 +240,8 @@ ImportResult importFiles(ServiceSession& session, const FileImport& order, const
         sources.append({path, {}});
     }
     ImportResult result;
-    QList<PlacedFile> files = readFiles(sources, order.format, callbacks.onNote, result);
+    QList<PlacedFile> files =
+        readFiles({sources, order.mapping, order.badRowsFile}, callbacks.onNote, result);
     if (!result.badRows.isEmpty()) {
         return result;
     }
@@ -216,7 +252,7 @@ ImportResult importFiles(ServiceSession& session, const FileImport& order, const
     }
     result.badRows = contradictions(files);
     if (result.badRows.isEmpty()) {
-        deliver(session, files, order.isDryRun, callbacks, result);
+        deliver(session, files, order, callbacks, result);
     }
     return result;
 }
@@ -227,7 +263,8 @@ ImportResult importProject(ServiceSession& session, const ProjectImport& order,
     const ProjectFile project = readProjectFile(order.projectFile);
     const QList<Source> sources = plannedSources(order, project);
     ImportResult result;
-    QList<PlacedFile> files = readFiles(sources, order.format, callbacks.onNote, result);
+    QList<PlacedFile> files =
+        readFiles({sources, order.mapping, order.badRowsFile}, callbacks.onNote, result);
     if (!result.badRows.isEmpty()) {
         return result;
     }
@@ -249,6 +286,6 @@ ImportResult importProject(ServiceSession& session, const ProjectImport& order,
         changeRepeatably([&] { setUp.createMissing(); });
         place();
     }
-    deliver(session, files, order.isDryRun, callbacks, result);
+    deliver(session, files, order, callbacks, result);
     return result;
 }

@@ -2,7 +2,7 @@
 
 #include "ServiceSession.h"
 #include "import/ImportNote.h"
-#include "import/MeasuredFile.h"
+#include "reading/MeasuredFile.h"
 
 #include <QString>
 #include <QStringList>
@@ -18,7 +18,10 @@ struct FileImport
     QString monitoring;
     /// Identifier, name or alias.
     QString subCategory;
-    MeasuredFileFormat format;
+    FileMapping mapping;
+    /// A file that does not exist yet: bad rows go there, and the others are delivered. Empty: a bad row
+    /// keeps everything from being sent.
+    QString badRowsFile;
     /// Check everything and send nothing.
     bool isDryRun = false;
 };
@@ -29,7 +32,9 @@ struct ProjectImport
     QString projectFile;
     /// Some of its files; none: all of them.
     QStringList files;
-    MeasuredFileFormat format;
+    FileMapping mapping;
+    /// As in FileImport.
+    QString badRowsFile;
     bool isDryRun = false;
 };
 
@@ -50,6 +55,9 @@ struct ImportResult
     /// Rows that are bad, as "FILE:LINE: reason". When there are any, nothing was sent and the numbers below
     /// are 0.
     QStringList badRows;
+    /// Rows that are bad and were left out, in the same words.
+    QStringList skippedRows;
+    int skippedRowCount = 0;
     /// What must be given so that the bad rows can be read.
     UnclearFormat unclear;
     int files = 0;

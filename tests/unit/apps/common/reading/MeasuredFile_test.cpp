@@ -1,8 +1,7 @@
-#include "import/MeasuredFile.h"
+#include "reading/MeasuredFile.h"
 
 #include "Text.h"
-
-#include <RKPub.h>
+#include "reading/MeasuredText.h"
 
 #include <gmock/gmock.h>
 
@@ -12,41 +11,11 @@ namespace {
 
 using testing::ElementsAre;
 
-std::vector<std::string> problemsOf(const QByteArray& content, const MeasuredFileFormat& format = {})
-{
-    std::vector<std::string> lines;
-    const QStringList problems = readMeasuredFile("a.csv"_q, content, format).problems.lines("a.csv"_q);
-    for (const QString& problem : problems) {
-        lines.push_back(problem.toStdString());
-    }
-    return lines;
-}
-
 // What is wrong with a row below a good header, on line 2.
 std::string problemOfRow(const QByteArray& row, const QByteArray& header = "name,depth,time,count,value")
 {
     const std::vector<std::string> problems = problemsOf(header + "\n" + row + "\n");
     return problems.size() == 1 ? problems.front() : std::to_string(problems.size()) + " problems";
-}
-
-// "name|depth|time|count|value|flag" of each reading.
-std::vector<std::string> readingsOf(const QByteArray& content, const MeasuredFileFormat& format = {})
-{
-    const MeasuredFile file = readMeasuredFile("a.csv"_q, content, format);
-    const QStringList problems = file.problems.lines("a.csv"_q);
-    EXPECT_TRUE(problems.isEmpty()) << problems.join("\n"_q).toStdString();
-    std::vector<std::string> readings;
-    for (const MeasuredPoint& point : file.points) {
-        for (const Reading& reading : point.readings) {
-            readings.push_back(QStringList{point.name, point.depth,
-                                           RKPub::getQStringByDateTime(reading.sample.time),
-                                           QString::number(reading.sample.count),
-                                           QString::number(reading.sample.value), reading.sample.timeFlag}
-                                   .join("|"_q)
-                                   .toStdString());
-        }
-    }
-    return readings;
 }
 
 const char* const aReading = "W1|20|2015-12-18T00:15:00.000-08:00|11653|0.26|";
@@ -90,7 +59,7 @@ TEST(MeasuredFile, AsksWhenACommaMayPartThousands)
     EXPECT_THAT(problemsOf(content),
                 ElementsAre("a.csv:2: the comma may be the decimal sign or separate thousands in every "
                             "number of the file: which is it?"));
-    MeasuredFileFormat format;
+    FileMapping format;
     format.decimalSign = QLatin1Char(',');
     EXPECT_THAT(readingsOf(content, format), ElementsAre("W1|20|2015-12-18T00:15:00.000Z|1|1.25|"));
     format.decimalSign = QLatin1Char('.');
@@ -188,8 +157,8 @@ TEST(MeasuredFile, RefusesADuplicateColumn)
 
 TEST(MeasuredFile, RefusesOtherEncodings)
 {
-    EXPECT_THAT(problemsOf(QByteArray("\xff\xfen\0a\0", 6)),
-                ElementsAre("a.csv:1: the file is not UTF-8 text (UTF-16?); save it as UTF-8"));
+    EXPECT_THAT(problemsOf(QByteArray("n\0a\0", 4)),
+                ElementsAre("a.csv:1: the file is not UTF-8 text (UTF-16?)"));
     EXPECT_EQ(problemOfRow("H\xf6he,,2015-12-18T00:15:00Z,1,0.5"), "a.csv:2: the text is not UTF-8");
     EXPECT_THAT(
         readingsOf("name,depth,time,count,value\nH\xc3\xb6he \xef\xbf\xbd,,2015-12-18T00:15:00Z,1,0.5\n"),
@@ -203,7 +172,7 @@ TEST(MeasuredFile, NamesWhatIsWrongWithARow)
         {"W\x01,,2015-12-18T00:15:00Z,1,0.5", "the name holds a control character"},
         {"W1,deep,2015-12-18T00:15:00Z,1,0.5", "depth \"deep\" is not a number"},
         {"W1,,,1,0.5", "the time is empty"},
-        {"W1,,18.12.2015 00:15,1,0.5", "time \"18.12.2015 00:15\" is not one like 2015-12-18T00:15:00-08:00"},
+        {"W1,,18 Dec 2015,1,0.5", "time \"18 Dec 2015\" is not one like 2015-12-18T00:15:00-08:00"},
         {"W1,,2015-02-30T00:15:00Z,1,0.5", "time \"2015-02-30T00:15:00Z\" does not exist"},
         {"W1,,2015-12-18T24:15:00Z,1,0.5", "time \"2015-12-18T24:15:00Z\" does not exist"},
         {"W1,,2015-12-18T00:15:00,1,0.5",
@@ -255,8 +224,8 @@ TEST(MeasuredFile, ReportsSoManyRowsAndCountsTheRest)
 
 TEST(MeasuredFile, TakesTimesAsTheyAreWritten)
 {
-    MeasuredFileFormat format;
-    format.utcOffset = "+01:00"_q;
+    FileMapping format;
+    format.utcOffset = 3600;
     const std::vector<std::pair<const char*, const char*>> times{
         {"2015-12-18", "2015-12-18T00:00:00.000+01:00"},
         {"2015-12-18 06:15", "2015-12-18T06:15:00.000+01:00"},
@@ -322,14 +291,14 @@ TEST(MeasuredFile, PutsReadingsIntoTheOrderOfTime)
 
 TEST(MeasuredFile, SaysWhatMustBeGivenToReadIt)
 {
-    const auto unclear = [](const QByteArray& rows, const MeasuredFileFormat& format = {}) {
+    const auto unclear = [](const QByteArray& rows, const FileMapping& format = {}) {
         return readMeasuredFile("a.csv"_q, "name;depth;time;count;value\n" + rows, format).unclear;
     };
     const QByteArray withoutOffset = "W1;;2015-12-18T00:15:00;1;0.5\n";
     EXPECT_TRUE(unclear(withoutOffset).utcOffset);
     EXPECT_FALSE(unclear(withoutOffset).decimalSign);
-    MeasuredFileFormat format;
-    format.utcOffset = "+01:00"_q;
+    FileMapping format;
+    format.utcOffset = 3600;
     EXPECT_FALSE(unclear(withoutOffset, format).utcOffset);
     EXPECT_FALSE(unclear("W1;;2015-02-30T00:15:00Z;1;0.5\n").utcOffset);
 

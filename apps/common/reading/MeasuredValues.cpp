@@ -1,7 +1,7 @@
-#include "import/MeasuredValues.h"
+#include "reading/MeasuredValues.h"
 
+#include <QLocale>
 #include <QRegularExpression>
-#include <RKPub.h>
 
 #include <algorithm>
 #include <cmath>
@@ -55,17 +55,6 @@ bool isNumber(const QString& text, QChar decimalSign)
     return index == text.size();
 }
 
-constexpr int offsetPart = 4;
-
-// Date, clock, seconds and offset.
-QRegularExpressionMatch partsOfTime(const QString& text)
-{
-    static const QRegularExpression form(
-        QStringLiteral("\\A(\\d{4}-\\d{2}-\\d{2})(?:[T ](\\d{2}:\\d{2})(:\\d{2}(?:\\.\\d+)?)?)? "
-                       "?(Z|[+-]\\d{2}:?\\d{2})?\\z"));
-    return form.match(text);
-}
-
 QString readNumber(const char* what, QString text, QChar decimalSign, double& number)
 {
     if (text.isEmpty()) {
@@ -112,26 +101,6 @@ QString readDepth(const QString& text, QChar decimalSign, QString& depth)
     return problem;
 }
 
-QString readTime(const QString& text, const QString& utcOffset, QDateTime& time)
-{
-    const QString example = QStringLiteral("2015-12-18T00:15:00-08:00");
-    if (text.isEmpty()) {
-        return QStringLiteral("the time is empty");
-    }
-    const QRegularExpressionMatch match = partsOfTime(text);
-    if (!match.hasMatch()) {
-        return QStringLiteral("time \"%1\" is not one like %2").arg(text, example);
-    }
-    const QString offset = match.capturedLength(offsetPart) > 0 ? match.captured(offsetPart) : utcOffset;
-    if (offset.isEmpty()) {
-        return QStringLiteral("time \"%1\" has no offset from UTC, as %2 has").arg(text, example);
-    }
-    const QString clock = match.capturedLength(2) > 0 ? match.captured(2) : QStringLiteral("00:00");
-    const QString seconds = match.capturedLength(3) > 0 ? match.captured(3) : QStringLiteral(":00");
-    time = RKPub::getDateTimeByQString(match.captured(1) + QLatin1Char('T') + clock + seconds + offset);
-    return time.isValid() ? QString() : QStringLiteral("time \"%1\" does not exist").arg(text);
-}
-
 QString readCount(const QString& text, qint32& count)
 {
     bool isWhole = false;
@@ -156,18 +125,6 @@ QString readTimeFlag(const QString& text, QString& timeFlag)
     }
     timeFlag = text;
     return QString();
-}
-
-bool lacksOffset(const QString& text)
-{
-    const QRegularExpressionMatch match = partsOfTime(text);
-    return match.hasMatch() && match.capturedLength(offsetPart) == 0;
-}
-
-bool isUtcOffset(const QString& text)
-{
-    QDateTime time;
-    return readTime(QStringLiteral("2000-01-01") + text, QString(), time).isEmpty();
 }
 
 void DecimalSignDetection::look(const QString& number, int line)

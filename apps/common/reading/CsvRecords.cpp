@@ -1,4 +1,4 @@
-#include "import/CsvRecords.h"
+#include "reading/CsvRecords.h"
 
 #include <QTextCodec>
 
@@ -25,7 +25,7 @@ bool decode(const QByteArray& bytes, QString& text)
 } // namespace
 
 RecordReader::RecordReader(const QByteArray& content, char delimiter)
-    : m_next(content.constData()), m_end(content.constData() + content.size()), m_delimiter(delimiter)
+    : m_begin(content.constData()), m_next(m_begin), m_end(m_begin + content.size()), m_delimiter(delimiter)
 {
 }
 
@@ -40,8 +40,16 @@ bool RecordReader::next(Record& record)
     record.line = m_line;
     record.fields.clear();
     record.problem.clear();
+    record.isForeign = false;
     readRecord(record);
     return true;
+}
+
+void RecordReader::skipLines(int count)
+{
+    for (; count > 0 && m_next != m_end; --count) {
+        skipLine();
+    }
 }
 
 void RecordReader::readRecord(Record& record)
@@ -112,6 +120,7 @@ void RecordReader::appendField(const QByteArray& field, Record& record) const
     QString text;
     if (!decode(field, text) && record.problem.isEmpty()) {
         record.problem = QStringLiteral("the text is not UTF-8");
+        record.isForeign = true;
     }
     record.fields.append(text.trimmed());
 }

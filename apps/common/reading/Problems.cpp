@@ -1,4 +1,4 @@
-#include "import/Problems.h"
+#include "reading/Problems.h"
 
 #include <algorithm>
 

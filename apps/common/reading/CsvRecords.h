@@ -14,6 +14,8 @@ struct Record
     QStringList fields;
     /// What is wrong with the record's form, in words; `fields` is then incomplete. Empty: nothing.
     QString problem;
+    /// Whether the problem is that the bytes are not UTF-8.
+    bool isForeign = false;
 };
 
 /// Takes UTF-8 text apart, record by record. Empty lines are passed over. After a record with a problem it
@@ -27,6 +29,12 @@ public:
     /// The next record; false at the end.
     bool next(Record& record);
 
+    /// Passes over lines, whatever they hold.
+    void skipLines(int count);
+
+    /// Where the next record begins, in bytes from the beginning of the content; empty lines may come before.
+    int position() const { return static_cast<int>(m_next - m_begin); }
+
 private:
     void readRecord(Record& record);
     bool readQuotedField(QByteArray& field, Record& record);
@@ -36,6 +44,7 @@ private:
     void skipLine();
     void skipLineEnd();
 
+    const char* m_begin;
     const char* m_next;
     const char* m_end;
     char m_delimiter;

@@ -1,0 +1,14 @@
+#include "reading/UnclearFormat.h"
+
+void UnclearFormat::add(const UnclearFormat& other)
+{
+    decimalSign = decimalSign || other.decimalSign;
+    delimiter = delimiter || other.delimiter;
+    utcOffset = utcOffset || other.utcOffset;
+    doubledHour = doubledHour || other.doubledHour;
+    absentColumns = absentColumns || other.absentColumns;
+    timeFormats += other.timeFormats;
+    timeFormats.removeDuplicates();
+    encodings += other.encodings;
+    encodings.removeDuplicates();
+}
