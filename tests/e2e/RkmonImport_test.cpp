@@ -646,6 +646,26 @@ TEST_F(RkmonImport, ARefusedDeliveryTellsTheServicesWordsAndTheFile)
     EXPECT_EQ(body[0].toArray()[0].toObject().value("initialValue"_q).toDouble(), 0.25);
 }
 
+TEST_F(RkmonImport, ADeliveryThatIsNotPermittedEndsWith3)
+{
+    created("VH"_q);
+    const QString file = write("a.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n");
+    actAs(reader);
+    const Result refused = import({file});
+    EXPECT_EQ(refused.code, 3);
+    EXPECT_TRUE(refused.messages.startsWith("rkmon: cannot deliver %1: not permitted ("_q.arg(file)))
+        << refused.messages.toStdString();
+
+    const MonitorService::Token writer = service().createTokenWithoutRights("Ben"_q);
+    service().admin(
+        {"grant"_q, "--token"_q, writer.id, "--project"_q, project, "--rights"_q, "read,create"_q});
+    actAs(writer);
+    EXPECT_EQ(import({file}).code, 0);
+    EXPECT_EQ(import({file}).code, 0);
+    const QString other = write("b.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.5\n");
+    EXPECT_EQ(import({other}).code, 3);
+}
+
 TEST_F(RkmonImport, ABreakTellsWhatWasDeliveredBefore)
 {
     const QByteArray cell = R"([{"_id":"0123456789abcdef01234567","name":"VH","category":"Slope"}])";
