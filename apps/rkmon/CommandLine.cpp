@@ -150,9 +150,12 @@ void CommandLine::addCommonOptions()
     options::addText(m_app, "--config", m_overrides.configFile,
                      "Configuration file instead of the usual rkmon/config.ini")
         ->type_name("FILE");
+    options::addText(m_app, "--profile", m_overrides.profile,
+                     "Profile of the configuration file (RKMON_PROFILE)")
+        ->type_name("PROFILE");
     options::addText(m_app, "--deadline", m_overrides.deadline, "Longest time for one request")
         ->type_name("SECONDS");
-    options::addText(m_app, "--ca-file", m_overrides.caFile, "Certificates to trust instead of the system's")
+    options::addText(m_app, "--ca-file", m_overrides.caFile, "Certificates to trust instead of the system's (RKMON_CA_FILE)")
         ->type_name("FILE");
     CLI::Option* json = m_app.add_flag("--json", m_isJson, "Write JSON");
     m_app.add_flag("--csv", m_isCsv, "Write comma-separated values (RFC 4180)")->excludes(json);
