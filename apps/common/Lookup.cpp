@@ -15,18 +15,18 @@ QString readingOf(const QString& id)
     return QStringLiteral("read monitoring %1").arg(id);
 }
 
-QString severalText(const QString& kind, const QString& text, const QStringList& ids)
-{
-    return QStringLiteral("several %1 are called \"%2\"; say which by its identifier: %3")
-        .arg(kind, text, ids.join(QStringLiteral(", ")));
-}
-
 } // namespace
 
 bool isIdentifier(const QString& text)
 {
     static const QRegularExpression form(QStringLiteral("\\A[0-9a-fA-F]{24}\\z"));
     return form.match(text).hasMatch();
+}
+
+QString severalText(const QString& kind, const QString& text, const QStringList& candidates)
+{
+    return QStringLiteral("several %1 are called \"%2\"; say which by its identifier: %3")
+        .arg(kind, text, candidates.join(QStringLiteral(", ")));
 }
 
 void restrictToName(const QString& name, RKMonitoringCondition& condition)

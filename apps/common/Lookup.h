@@ -18,6 +18,9 @@ namespace lookup {
 /// Whether `text` is an identifier as the service gives it: 24 hexadecimal digits.
 bool isIdentifier(const QString& text);
 
+/// The message of a name that several have: `candidates` are their identifiers with what tells them apart.
+QString severalText(const QString& kind, const QString& text, const QStringList& candidates);
+
 /// Restricts `condition` to monitorings of exactly this name.
 void restrictToName(const QString& name, RKMonitoringCondition& condition);
 

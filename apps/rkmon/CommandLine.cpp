@@ -129,6 +129,8 @@ CommandLine::CommandLine()
     addDataCommands(m_app, m_command);
     addAlarmCommands(m_app, m_command);
     addPermissionCommands(m_app, m_command);
+    addProjectCommands(m_app, m_command);
+    addServiceCommands(m_app, m_command);
     options::setExamples(m_app, "  rkmon monitoring list\n"
                                 "  rkmon monitoring create --name VH --category Slope\n"
                                 "  rkmon monitoring list --name '^LS-' --json\n"

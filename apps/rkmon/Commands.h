@@ -12,6 +12,9 @@ void addMonitoringCommands(CLI::App& root, Command& chosen);
 void addCategoryCommands(CLI::App& root, Command& chosen);
 void addSubCategoryCommands(CLI::App& root, Command& chosen);
 void addPermissionCommands(CLI::App& root, Command& chosen);
+void addProjectCommands(CLI::App& root, Command& chosen);
+/// whoami, ping
+void addServiceCommands(CLI::App& root, Command& chosen);
 void addPointCommands(CLI::App& root, Command& chosen);
 void addStatisticsCommands(CLI::App& root, Command& chosen);
 void addGroupCommands(CLI::App& root, Command& chosen);

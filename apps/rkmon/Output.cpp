@@ -46,6 +46,9 @@ QString roundedText(const QVariant& cell)
 
 QString tableText(const QVariant& cell, const Column& column)
 {
+    if (cell.canConvert<ShownCell>()) {
+        return cell.value<ShownCell>().text;
+    }
     if (column.isComputed) {
         return roundedText(cell);
     }
@@ -63,6 +66,9 @@ QString tableText(const QVariant& cell, const Column& column)
 
 QString csvText(const QVariant& cell)
 {
+    if (cell.canConvert<ShownCell>()) {
+        return csvText(cell.value<ShownCell>().value);
+    }
     switch (static_cast<QMetaType::Type>(cell.type())) {
     case QMetaType::QDateTime:
         return RKPub::getQStringByDateTime(cell.toDateTime());
@@ -75,6 +81,9 @@ QString csvText(const QVariant& cell)
 
 QJsonValue jsonValue(const QVariant& cell)
 {
+    if (cell.canConvert<ShownCell>()) {
+        return jsonValue(cell.value<ShownCell>().value);
+    }
     switch (static_cast<QMetaType::Type>(cell.type())) {
     case QMetaType::QDateTime: {
         const QString text = RKPub::getQStringByDateTime(cell.toDateTime());
@@ -159,6 +168,25 @@ QByteArray recordLines(const Sheet& sheet)
 }
 
 } // namespace
+
+namespace cell {
+
+QVariant shownAs(const QVariant& value, const QString& text)
+{
+    return QVariant::fromValue(ShownCell{value, text});
+}
+
+QVariant number(double value, std::optional<qint32> decimals)
+{
+    if (!decimals) {
+        return value;
+    }
+    const QString text = QString::number(value, 'f', *decimals);
+    const bool isNegativeZero = text.startsWith(QLatin1Char('-')) && text.toDouble() == 0.0;
+    return shownAs(value, isNegativeZero ? text.mid(1) : text);
+}
+
+} // namespace cell
 
 void Output::addList(const Sheet& sheet)
 {

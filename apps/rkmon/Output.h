@@ -1,9 +1,12 @@
 #pragma once
 
 #include <QByteArray>
+#include <QMetaType>
 #include <QString>
 #include <QVariant>
 #include <QVector>
+
+#include <optional>
 
 /// How results are written: tables for people, the others for programs.
 enum class OutputForm
@@ -69,8 +72,27 @@ inline QString noneIfEmpty(const QString& text)
     return text.isEmpty() ? QString() : text;
 }
 
-/// Records of one kind, one row each. Cells are texts, lists of texts, times, numbers or booleans; a null
-/// text and an invalid time are "none": JSON null, otherwise empty.
+/// A cell that people see in another form than programs.
+struct ShownCell
+{
+    QVariant value; ///< for programs
+    QString text;   ///< for people
+};
+Q_DECLARE_METATYPE(ShownCell)
+
+namespace cell {
+
+/// `value`, which people see as `text`.
+QVariant shownAs(const QVariant& value, const QString& text);
+
+/// A number of which people see `decimals` digits behind the point, or all when that is nothing; programs get
+/// it as it is.
+QVariant number(double value, std::optional<qint32> decimals);
+
+} // namespace cell
+
+/// Records of one kind, one row each. Cells are texts, lists of texts, times, numbers, booleans, or what
+/// `cell` makes; a null text and an invalid time are "none": JSON null, otherwise empty.
 struct Sheet
 {
     QVector<Column> columns;
