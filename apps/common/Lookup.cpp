@@ -2,6 +2,7 @@
 
 #include "PagedReading.h"
 #include "PlaceMarkers.h"
+#include "RecordChecks.h"
 
 #include <QRegularExpression>
 #include <QStringList>
@@ -46,12 +47,12 @@ std::optional<RKMonitoring> monitoringNamed(ServiceSession& session, const QStri
     session.ask(QStringLiteral("find the monitoring \"%1\"").arg(name), [&] {
         return session.projectData().getMonitoringRangeData(condition, 0, paging::pageRows, found);
     });
-    QStringList ids;
-    for (const RKMonitoring& monitoring : qAsConst(found)) {
-        ids.append(monitoring.id);
-    }
     if (found.size() > 1) {
-        throw Failure(FailureKind::BadInput, severalText(QStringLiteral("monitorings"), name, ids));
+        QStringList candidates;
+        for (const RKMonitoring& monitoring : qAsConst(found)) {
+            candidates.append(QStringLiteral("%1 (%2)").arg(monitoring.id, monitoring.category));
+        }
+        throw Failure(FailureKind::BadInput, severalText(QStringLiteral("monitorings"), name, candidates));
     }
     return found.isEmpty() ? std::nullopt : std::make_optional(found.constFirst());
 }
@@ -70,7 +71,6 @@ RKMonitoring monitoringById(ServiceSession& session, const QString& id)
 
 RKMonitoring monitoring(ServiceSession& session, const QString& text)
 {
-    session.projectData(); // refused first when there is no project
     if (isIdentifier(text)) {
         return monitoringById(session, text);
     }
@@ -138,20 +138,47 @@ std::optional<RKMonitoringSubCategory> subCategoryAmong(const QList<RKMonitoring
                                                         const QString& text)
 {
     QList<RKMonitoringSubCategory> found;
-    QStringList ids;
+    QStringList candidates;
     for (const RKMonitoringSubCategory& subCategory : known) {
         if (subCategory.id == text) {
             return subCategory;
         }
         if (subCategory.name == text || subCategory.alias == text) {
             found.append(subCategory);
-            ids.append(subCategory.id);
+            candidates.append(
+                QStringLiteral("%1 (%2, %3)").arg(subCategory.id, subCategory.name, subCategory.category));
         }
     }
     if (found.size() > 1) {
-        throw Failure(FailureKind::BadInput, severalText(QStringLiteral("sub-categories"), text, ids));
+        throw Failure(FailureKind::BadInput, severalText(QStringLiteral("sub-categories"), text, candidates));
     }
     return found.isEmpty() ? std::nullopt : std::make_optional(found.constFirst());
+}
+
+QList<RKMonitoringSubCategory> subCategories(ServiceSession& session)
+{
+    QList<RKMonitoringSubCategory> found;
+    for (const QString& category : categories(session)) {
+        found.append(subCategories(session, category));
+    }
+    return found;
+}
+
+RKMonitoringSubCategory subCategory(ServiceSession& session, const QString& text)
+{
+    if (isIdentifier(text)) {
+        const QString purpose = QStringLiteral("read sub-category %1").arg(text);
+        RKMonitoringSubCategory subCategory;
+        session.ask(purpose, [&] { return session.data().getSubCategoryById(text, subCategory); });
+        requireIdentifier(subCategory, purpose, QStringLiteral("a sub-category"));
+        return subCategory;
+    }
+    const auto found = subCategoryAmong(subCategories(session), text);
+    if (!found) {
+        throw Failure(FailureKind::NotFound, QStringLiteral("there is no sub-category \"%1\"").arg(text),
+                      Remedy::ListSubCategories);
+    }
+    return *found;
 }
 
 RKMonitoringSubCategory subCategory(ServiceSession& session, const QString& category, const QString& text)

@@ -30,8 +30,8 @@ std::optional<RKMonitoring> monitoringNamed(ServiceSession& session, const QStri
 /// The monitoring with this identifier. Throws a Failure when there is none.
 RKMonitoring monitoringById(ServiceSession& session, const QString& id);
 
-/// The monitoring of the project with this identifier or exactly this name. Throws a Failure when there is
-/// none or several.
+/// The monitoring with this identifier, or that of the project with exactly this name. Throws a Failure when
+/// there is none or several.
 RKMonitoring monitoring(ServiceSession& session, const QString& text);
 
 /// The categories of the service.
@@ -67,6 +67,13 @@ QString subCategoryName(ServiceSession& session, const QString& id);
 /// several.
 std::optional<RKMonitoringSubCategory> subCategoryAmong(const QList<RKMonitoringSubCategory>& known,
                                                         const QString& text);
+
+/// The sub-categories of the project, of every category.
+QList<RKMonitoringSubCategory> subCategories(ServiceSession& session);
+
+/// The sub-category with this identifier, or that of the project with this name or alias. Throws a Failure
+/// when there is none or several.
+RKMonitoringSubCategory subCategory(ServiceSession& session, const QString& text);
 
 /// The sub-category of `category` with this identifier, name or alias. Throws a Failure when there is none.
 RKMonitoringSubCategory subCategory(ServiceSession& session, const QString& category, const QString& text);

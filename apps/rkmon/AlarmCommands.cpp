@@ -168,7 +168,8 @@ void addAlarmListCommand(CLI::App& group, Command& chosen)
     options::addTexts(app, "--category", values->categories, "Of monitorings of this category")
         ->type_name("CATEGORY");
     options::addTexts(app, "--sub-category", values->subCategories,
-                      "Of this sub-category, by identifier, name or alias");
+                      "Of this sub-category, by identifier, name or alias")
+        ->type_name("SUB-CATEGORY");
     addPeriodOptions(app, values->period, "Raised at this time or later", "Raised on this day or earlier");
     addPageOptions(app, values->page);
     options::setExamples(app, "  rkmon alarm list\n"
@@ -186,14 +187,16 @@ void addDetailCommands(CLI::App& group, Command& chosen)
     addPeriodOptions(detail, detailed->period, "Measured at this time or later",
                      "Measured on this day or earlier");
     addPageOptions(detail, detailed->page);
-    options::setExamples(detail, "  rkmon alarm detail 6745d2f0a1b2c3d4e5f60718");
+    options::setExamples(detail, "  rkmon alarm detail 6745d2f0a1b2c3d4e5f60718\n"
+                                 "  rkmon alarm detail 6745d2f0a1b2c3d4e5f60718 --point '^VH-' --json");
 
     const auto [depths, listed] = options::addSubcommand(
         group, "depths", "List the values per depth of one point of an alarm", chosen, listDepths);
     options::addIdentifier(depths, "DETAIL", listed->id, "Identifier, as rkmon alarm detail shows it")
         ->required();
     options::addText(depths, "--depth", listed->depth, "Only this depth")->type_name("DEPTH");
-    options::setExamples(depths, "  rkmon alarm depths 6745d2f0a1b2c3d4e5f60718 --depth 2.5");
+    options::setExamples(depths, "  rkmon alarm depths 6745d2f0a1b2c3d4e5f60718\n"
+                                 "  rkmon alarm depths 6745d2f0a1b2c3d4e5f60718 --depth 2.5");
 }
 
 } // namespace
@@ -203,5 +206,6 @@ void addAlarmCommands(CLI::App& root, Command& chosen)
     CLI::App& group = options::addCommandGroup(root, "alarm", "List the alarms that deliveries raised");
     addAlarmListCommand(group, chosen);
     addDetailCommands(group, chosen);
-    options::setExamples(group, "  rkmon alarm list --since 2026-03-01");
+    options::setExamples(group, "  rkmon alarm list --since 2026-03-01\n"
+                                "  rkmon alarm detail 6745d2f0a1b2c3d4e5f60718");
 }

@@ -33,10 +33,8 @@ CLI::Option* addTextInto(CLI::App& app, const char* names, Target& target, const
         ->type_name("TEXT");
 }
 
-using Check = std::string(const std::string&);
-
 CLI::Option* addTextsInto(CLI::App& app, const char* names, QStringList& target, const char* description,
-                          const char* typeName, Check check = refuseEmpty)
+                          const char* typeName)
 {
     const auto assign = [&target](const std::vector<std::string>& texts) {
         target.clear();
@@ -45,7 +43,7 @@ CLI::Option* addTextsInto(CLI::App& app, const char* names, QStringList& target,
         }
     };
     return app.add_option_function<std::vector<std::string>>(names, assign, description)
-        ->check(CLI::Validator(check, ""))
+        ->check(CLI::Validator(refuseEmpty, ""))
         ->type_name(typeName);
 }
 
@@ -68,16 +66,23 @@ CLI::Option* addCell(CLI::App& app, QString& cell)
         ->type_name("MONITORING");
 }
 
+CLI::Option* addMonitoring(CLI::App& app, QString& monitoring)
+{
+    return addText(app, "MONITORING", monitoring, "Identifier or exact name")
+        ->required()
+        ->type_name("MONITORING");
+}
+
+CLI::Option* addSubCategory(CLI::App& app, QString& subCategory, const char* description)
+{
+    return addText(app, "--sub-category", subCategory, description)->type_name("SUB-CATEGORY");
+}
+
 CLI::Option* addIdentifier(CLI::App& app, const char* names, QString& target, const char* description)
 {
     return addText(app, names, target, description)
         ->check(CLI::Validator(refuseOtherThanIdentifier, ""))
         ->type_name("ID");
-}
-
-CLI::Option* addIdentifiers(CLI::App& app, const char* names, QStringList& target, const char* description)
-{
-    return addTextsInto(app, names, target, description, "ID", refuseOtherThanIdentifier);
 }
 
 CLI::Option* addTexts(CLI::App& app, const char* names, QStringList& target, const char* description)

@@ -57,10 +57,16 @@ Position follow(const CLI::App& root, const QStringList& words)
 
 QStringList kindOf(const CLI::Option& option)
 {
+    static const QString subCategoryType = QStringLiteral("SUB-CATEGORY");
     static const QMap<QString, QString> kinds{{QStringLiteral("FILE"), QStringLiteral("@file")},
                                               {QStringLiteral("CATEGORY"), QStringLiteral("@category")},
-                                              {QStringLiteral("MONITORING"), QStringLiteral("@monitoring")}};
-    const QString type = QString::fromStdString(option.get_type_name());
+                                              {QStringLiteral("GROUP"), QStringLiteral("@group")},
+                                              {QStringLiteral("MONITORING"), QStringLiteral("@monitoring")},
+                                              {QStringLiteral("PROFILE"), QStringLiteral("@profile")},
+                                              {QStringLiteral("PROJECT"), QStringLiteral("@project")},
+                                              {subCategoryType, QStringLiteral("@sub-category")}};
+    const bool isSubCategory = option.check_lname("sub-category");
+    const QString type = isSubCategory ? subCategoryType : QString::fromStdString(option.get_type_name());
     if (kinds.contains(type)) {
         return {kinds[type]};
     }
@@ -91,12 +97,9 @@ QStringList argumentsOf(const CLI::App& app)
         return names;
     }
     for (const CLI::Option* option : app.get_options()) {
-        if (!option->get_positional()) {
-            continue;
+        if (option->get_positional()) {
+            return kindOf(*option);
         }
-        const bool isMonitoring =
-            option->get_type_name() == "ID" && app.get_parent()->get_name() == "monitoring";
-        return isMonitoring ? QStringList{QStringLiteral("@monitoring")} : kindOf(*option);
     }
     return {};
 }

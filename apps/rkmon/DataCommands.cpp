@@ -1,7 +1,7 @@
 #include "CommandOptions.h"
 #include "Commands.h"
+#include "Confirmation.h"
 #include "DataHeld.h"
-#include "Deletion.h"
 #include "Lookup.h"
 #include "Pages.h"
 #include "Period.h"
@@ -27,6 +27,12 @@ struct HistoryOptions
     Period period;
     bool isByChange = false;
     PageOptions page;
+};
+
+struct DataDeleteOptions
+{
+    QString id;
+    Confirmation confirmation;
 };
 
 Sheet dataSheet(Session& session, const QList<RKDataManage>& dataManages)
@@ -127,28 +133,15 @@ ExitCode listHistory(Session& session, const HistoryOptions& options)
     return ExitCode::Success;
 }
 
-// The service has no way to ask for one.
-RKDataManage findData(Session& session, const QString& id)
-{
-    const QList<RKDataManage> everything = dataheld::readAll(session, RKDataManageCondition());
-    for (const RKDataManage& data : everything) {
-        if (data.id.compare(id, Qt::CaseInsensitive) == 0) {
-            return data;
-        }
-    }
-    throw Failure(FailureKind::NotFound,
-                  QStringLiteral("there is no data %1; rkmon data list shows it").arg(id));
-}
-
-ExitCode deleteData(Session& session, const DeleteOptions& options)
+ExitCode deleteData(Session& session, const DataDeleteOptions& options)
 {
     const auto question = [&] {
-        const RKDataManage data = findData(session, options.id);
+        const RKDataManage data = dataheld::find(session, options.id);
         const QString monitoring = lookup::currentMonitoringName(session, data.cellId);
         return QStringLiteral("Delete all points, samples, deliveries and alarms of %1 of \"%2\"?")
             .arg(data.alias.isEmpty() ? data.subCategoryId : data.alias, monitoring);
     };
-    if (!confirmed(session, options, question)) {
+    if (!isConfirmed(session, options.confirmation, question)) {
         return ExitCode::Failed;
     }
     session.ask(QStringLiteral("delete data %1").arg(options.id),
@@ -182,7 +175,18 @@ void addHistoryCommand(CLI::App& group, Command& chosen)
                      "With data of this day or earlier");
     app.add_flag("--by-change", values->isByChange, "The period is that of the last change instead");
     addPageOptions(app, values->page);
-    options::setExamples(app, "  rkmon data history 6745d2f0a1b2c3d4e5f60718");
+    options::setExamples(app, "  rkmon data history 6745d2f0a1b2c3d4e5f60718\n"
+                              "  rkmon data history 6745d2f0a1b2c3d4e5f60718 --since 2026-03-01 --by-change");
+}
+
+void addDataDeleteCommand(CLI::App& group, Command& chosen)
+{
+    const auto [app, values] = options::addSubcommand(
+        group, "delete", "Delete data with its points, samples, deliveries and alarms", chosen, deleteData);
+    options::addIdentifier(app, "ID", values->id, "Identifier, as rkmon data list shows it")->required();
+    addConfirmation(app, values->confirmation);
+    options::setExamples(app, "  rkmon data delete 6745d2f0a1b2c3d4e5f60718\n"
+                              "  rkmon data delete --yes 6745d2f0a1b2c3d4e5f60718");
 }
 
 } // namespace
@@ -192,9 +196,6 @@ void addDataCommands(CLI::App& root, Command& chosen)
     CLI::App& group = options::addCommandGroup(root, "data", "List the data held and how it was delivered");
     addDataListCommand(group, chosen);
     addHistoryCommand(group, chosen);
-    CLI::App& remove =
-        addDeleteCommand(group, chosen, "Delete data with its points, samples, deliveries and alarms",
-                         "Identifier, as rkmon data list shows it", deleteData);
-    options::setExamples(remove, "  rkmon data delete 6745d2f0a1b2c3d4e5f60718");
+    addDataDeleteCommand(group, chosen);
     options::setExamples(group, "  rkmon data list --cell VH");
 }

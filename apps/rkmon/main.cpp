@@ -1,6 +1,7 @@
 #include "Advice.h"
 #include "CommandLine.h"
 #include "Completion.h"
+#include "CompletionValues.h"
 #include "Configuration.h"
 #include "ExitCode.h"
 #include "Messages.h"
@@ -29,8 +30,15 @@ void endInterrupted(int)
 
 void writeCompletions(const CommandLine& commandLine, const QStringList& words)
 {
-    const QStringList found = completions(commandLine.app(), words);
-    for (const QString& word : found) {
+    QStringList found = completions(commandLine.app(), words);
+    const QString kind = found.isEmpty() ? QString() : found.constFirst();
+    // Only the shell knows its files.
+    if (kind.startsWith(QLatin1Char('@')) && kind != QLatin1String("@file")) {
+        const QString typed =
+            words.isEmpty() || words.constLast() == QLatin1String("=") ? QString() : words.constLast();
+        found = completionValues(overridesIn(words), kind, typed);
+    }
+    for (const QString& word : qAsConst(found)) {
         std::puts(qUtf8Printable(word));
     }
 }

@@ -161,7 +161,7 @@ TEST_F(RkmonOutput, DeleteAsksOnATerminal)
         EXPECT_EQ(result.code, 1);
         EXPECT_TRUE(result.output.startsWith("Delete monitoring \"VH\" (Slope, %1)? [y/N] "_q.arg(id)))
             << result.output.toStdString();
-        EXPECT_TRUE(result.output.contains("not deleted"_q));
+        EXPECT_TRUE(result.output.contains("nothing was changed"_q));
     }
     EXPECT_EQ(rkmon.run({"monitoring"_q, "count"_q}).output, "1\n"_q);
 
@@ -193,6 +193,7 @@ TEST_F(RkmonOutput, FullDiskIsAFailure)
 TEST_F(RkmonOutput, BashCompletes)
 {
     const QString id = created("VH"_q);
+    created("VH upper"_q);
     const auto completed = [&](const QString& words, int current) {
         const Result result = rkmon.runShell(
             "source '%1'; COMP_WORDS=(%2); COMP_CWORD=%3; _rkmon rkmon; printf '%s\\n' \"${COMPREPLY[@]}\""_q
@@ -203,8 +204,11 @@ TEST_F(RkmonOutput, BashCompletes)
     EXPECT_EQ(completed("rkmon mon"_q, 1), QStringList{"monitoring"_q});
     EXPECT_EQ(completed("rkmon monitoring sh"_q, 2), QStringList{"show"_q});
     EXPECT_EQ(completed("rkmon monitoring list --sk"_q, 3), QStringList{"--skip"_q});
-    EXPECT_EQ(completed("rkmon monitoring show ''"_q, 3), QStringList{id});
-    EXPECT_EQ(completed("rkmon point list --cell ''"_q, 4), QStringList{id});
+    EXPECT_EQ(completed("rkmon monitoring show ''"_q, 3), (QStringList{"VH"_q, "VH\\ upper"_q}));
+    EXPECT_EQ(completed("rkmon monitoring show 'VH\\ u'"_q, 3), QStringList{"VH\\ upper"_q});
+    EXPECT_EQ(completed("rkmon monitoring show \\'VH"_q, 3), (QStringList{"VH"_q, "VH upper"_q}));
+    EXPECT_EQ(completed("rkmon monitoring show %1"_q.arg(id), 3), QStringList{id});
+    EXPECT_EQ(completed("rkmon project use ''"_q, 3).size(), 1);
     EXPECT_EQ(completed("rkmon point import --cell %1"_q.arg(id.left(20)), 4), QStringList{id});
     EXPECT_EQ(completed("rkmon can edit S"_q, 3), QStringList{"Slope"_q});
     EXPECT_EQ(completed("rkmon can edit B"_q, 3).size(), 1); // quoted for the shell
