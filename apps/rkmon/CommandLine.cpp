@@ -124,10 +124,12 @@ CommandLine::CommandLine()
     addCategoryCommands(m_app, m_command);
     addSubCategoryCommands(m_app, m_command);
     addPointCommands(m_app, m_command);
+    addSampleCommands(m_app, m_command);
     addStatisticsCommands(m_app, m_command);
     addGroupCommands(m_app, m_command);
     addDataCommands(m_app, m_command);
     addAlarmCommands(m_app, m_command);
+    addChangeCommands(m_app, m_command);
     addPermissionCommands(m_app, m_command);
     addProjectCommands(m_app, m_command);
     addServiceCommands(m_app, m_command);
@@ -157,7 +159,8 @@ void CommandLine::addCommonOptions()
         ->type_name("PROFILE");
     options::addText(m_app, "--deadline", m_overrides.deadline, "Longest time for one request")
         ->type_name("SECONDS");
-    options::addText(m_app, "--ca-file", m_overrides.caFile, "Certificates to trust instead of the system's (RKMON_CA_FILE)")
+    options::addText(m_app, "--ca-file", m_overrides.caFile,
+                     "Certificates to trust instead of the system's (RKMON_CA_FILE)")
         ->type_name("FILE");
     CLI::Option* json = m_app.add_flag("--json", m_isJson, "Write JSON");
     m_app.add_flag("--csv", m_isCsv, "Write comma-separated values (RFC 4180)")->excludes(json);

@@ -20,3 +20,5 @@ void addStatisticsCommands(CLI::App& root, Command& chosen);
 void addGroupCommands(CLI::App& root, Command& chosen);
 void addDataCommands(CLI::App& root, Command& chosen);
 void addAlarmCommands(CLI::App& root, Command& chosen);
+void addSampleCommands(CLI::App& root, Command& chosen);
+void addChangeCommands(CLI::App& root, Command& chosen);

@@ -2,6 +2,7 @@
 #include "Commands.h"
 #include "Confirmation.h"
 #include "DataHeld.h"
+#include "DataUndoCommand.h"
 #include "Lookup.h"
 #include "Pages.h"
 #include "Period.h"
@@ -196,6 +197,8 @@ void addDataCommands(CLI::App& root, Command& chosen)
     CLI::App& group = options::addCommandGroup(root, "data", "List the data held and how it was delivered");
     addDataListCommand(group, chosen);
     addHistoryCommand(group, chosen);
+    addDataUndoCommand(group, chosen);
     addDataDeleteCommand(group, chosen);
-    options::setExamples(group, "  rkmon data list --cell VH");
+    options::setExamples(group, "  rkmon data list --cell VH\n"
+                                "  rkmon data undo --cell VH --sub-category SM");
 }

@@ -6,7 +6,6 @@
 #include "Table.h"
 #include "Terminal.h"
 
-#include <QDateTime>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -17,10 +16,7 @@
 #include <cstdio>
 #include <cstring>
 
-namespace {
-
-// Date, time of day and offset of the local zone, without the fraction.
-QString localTimeText(const QDateTime& time)
+QString shownTime(const QDateTime& time)
 {
     // YYYY-MM-DDThh:mm:ss.zzz and the offset
     constexpr int dateLength = 10;
@@ -34,6 +30,8 @@ QString localTimeText(const QDateTime& time)
     return QStringLiteral("%1 %2 %3")
         .arg(text.left(dateLength), text.mid(timeBegin, timeLength), text.mid(offsetBegin));
 }
+
+namespace {
 
 // The number in twelve digits; a text that is none as it is.
 QString roundedText(const QVariant& cell)
@@ -54,7 +52,7 @@ QString tableText(const QVariant& cell, const Column& column)
     }
     switch (static_cast<QMetaType::Type>(cell.type())) {
     case QMetaType::QDateTime:
-        return localTimeText(cell.toDateTime());
+        return shownTime(cell.toDateTime());
     case QMetaType::QStringList:
         return cell.toStringList().join(QLatin1String(", "));
     case QMetaType::Bool:
@@ -74,6 +72,9 @@ QString csvText(const QVariant& cell)
         return RKPub::getQStringByDateTime(cell.toDateTime());
     case QMetaType::QStringList:
         return cell.toStringList().join(QLatin1Char(';'));
+    case QMetaType::QVariantMap:
+    case QMetaType::QVariantList:
+        return QString::fromUtf8(QJsonDocument::fromVariant(cell).toJson(QJsonDocument::Compact));
     default:
         return cell.toString();
     }

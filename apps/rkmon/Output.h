@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QMetaType>
 #include <QString>
 #include <QVariant>
@@ -98,6 +99,9 @@ struct Sheet
     QVector<Column> columns;
     QVector<QVariantList> rows;
 };
+
+/// `time` as people see it: in local time with its offset, without the fraction.
+QString shownTime(const QDateTime& time);
 
 /// Collects a command's result and writes it to standard output in one piece, so that a command that fails or
 /// is interrupted leaves nothing half-written.

@@ -7,18 +7,6 @@
 
 namespace {
 
-QDateTime timeOf(const QString& text, const char* option)
-{
-    const QDateTime time = RKPub::getDateTimeByQString(text);
-    if (!time.isValid()) {
-        throw Failure(FailureKind::BadInput,
-                      QStringLiteral("%1: \"%2\" is not a time; give one like 2026-03-01, "
-                                     "2026-03-01T08:00:00 or 2026-03-01T08:00:00+01:00")
-                          .arg(QLatin1String(option), text));
-    }
-    return time;
-}
-
 // A day of the local zone, or its midnight in another one.
 QDateTime dayOf(const QString& text)
 {
@@ -36,6 +24,18 @@ QDateTime dayOf(const QString& text)
 }
 
 } // namespace
+
+QDateTime timeOf(const QString& text, const char* option)
+{
+    const QDateTime time = RKPub::getDateTimeByQString(text);
+    if (!time.isValid()) {
+        throw Failure(FailureKind::BadInput,
+                      QStringLiteral("%1: \"%2\" is not a time; give one like 2026-03-01, "
+                                     "2026-03-01T08:00:00 or 2026-03-01T08:00:00+01:00")
+                          .arg(QLatin1String(option), text));
+    }
+    return time;
+}
 
 void addPeriodOptions(CLI::App& app, Period& period, const char* since, const char* until)
 {

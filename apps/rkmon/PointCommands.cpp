@@ -1,6 +1,7 @@
 #include "CommandOptions.h"
 #include "Commands.h"
 #include "Lookup.h"
+#include "PointChangeCommands.h"
 #include "PointFilter.h"
 #include "PointImportCommand.h"
 #include "RecordChecks.h"
@@ -275,6 +276,7 @@ void addPointCommands(CLI::App& root, Command& chosen)
     addPointReadingCommands(group, chosen);
     addLinkCommand(group, chosen);
     addPointImportCommand(group, chosen);
+    addPointChangeCommands(group, chosen);
     options::setExamples(group, "  rkmon point list --cell VH\n"
                                 "  rkmon point import --cell VH --sub-category SM VH-moisture-week1.csv");
 }
