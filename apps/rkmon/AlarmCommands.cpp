@@ -1,5 +1,6 @@
 #include "CommandOptions.h"
 #include "Commands.h"
+#include "DailyLimit.h"
 #include "Lookup.h"
 #include "Pages.h"
 #include "Period.h"
@@ -36,7 +37,7 @@ Sheet alarmSheet(Session& session, const QList<RKAlarm>& alarms)
 {
     Sheet sheet{{column::fixed("ID", "id"), column::fixed("RAISED", "alarmTime"),
                  column::text("MONITORING", "cellName"), column::unlisted("MONITORING ID", "cellId"),
-                 column::text("SUB-CATEGORY", "subCategoryName"),
+                 column::dispensable(1, column::text("SUB-CATEGORY", "subCategoryName")),
                  column::unlisted("SUB-CATEGORY ID", "subCategoryId"),
                  column::fixed("POINTS", "pointCounts")},
                 {}};
@@ -48,10 +49,33 @@ Sheet alarmSheet(Session& session, const QList<RKAlarm>& alarms)
     return sheet;
 }
 
-Sheet detailSheet(const QList<RKAlarmDetail>& details)
+// Why the details of an alarm are there, by their identifiers, as far as the service tells.
+QMap<QString, AlarmReason> reasonsOf(Session& session, const QString& alarmId)
+{
+    QMap<QString, AlarmReason> reasons;
+    if (session.extensions().has(Extension::AlarmReasons)) {
+        const QList<AlarmReason> known = session.extensions().alarmReasons(alarmId);
+        for (const AlarmReason& reason : known) {
+            reasons.insert(reason.id, reason);
+        }
+    }
+    return reasons;
+}
+
+// By how much a daily limit is passed: in percent for a limit that is.
+QVariant dailyExcess(double excess, const AlarmReason& reason)
+{
+    constexpr int percentDecimals = 2;
+    return reason.dayVarType == daily::inPercent
+               ? cell::shownAs(excess, QString::number(excess, 'f', percentDecimals) + QStringLiteral(" %"))
+               : QVariant(excess);
+}
+
+Sheet detailSheet(const QList<RKAlarmDetail>& details, const QMap<QString, AlarmReason>& reasons)
 {
     Sheet sheet{{column::fixed("ID", "id"), column::text("POINT", "pointName"),
-                 column::fixed("DEPTH", "depth"), column::fixed("MEASURED", "monitorTime"),
+                 column::fixed("DEPTH", "depth"),
+                 column::dispensable(1, column::fixed("MEASURED", "monitorTime")),
                  column::unlisted("COUNT", "monitorCount"), column::computed("TOTAL", "totalVar"),
                  column::computed("OVER BY", "totalBeyound"), column::computed("DAILY", "dayVar"),
                  column::computed("OVER BY", "dayBeyound"), column::unlisted("PER DEPTH", "isThreeVar"),
@@ -60,7 +84,8 @@ Sheet detailSheet(const QList<RKAlarmDetail>& details)
     for (const RKAlarmDetail& detail : details) {
         sheet.rows.append({detail.id, detail.pointName, noneIfEmpty(detail.depth), detail.monitorTime,
                            detail.monitorCount, detail.totalVar, detail.totalBeyound, detail.dayVar,
-                           detail.dayBeyound, detail.isThreeVar, detail.isInclinometer, detail.alarmTime});
+                           dailyExcess(detail.dayBeyound, reasons.value(detail.id)), detail.isThreeVar,
+                           detail.isInclinometer, detail.alarmTime});
     }
     return sheet;
 }
@@ -140,8 +165,10 @@ ExitCode listDetails(Session& session, const DetailOptions& options)
                     [&] { return session.data().getAlarmDetailRangeCount(condition, count); });
         return count;
     };
-    session.output().addList(
-        detailSheet(pages::read(session, options.page, QStringLiteral("details"), readPage, readCount)));
+    const QList<RKAlarmDetail> details =
+        pages::read(session, options.page, QStringLiteral("details"), readPage, readCount);
+    const auto reasons = details.isEmpty() ? QMap<QString, AlarmReason>() : reasonsOf(session, options.id);
+    session.output().addList(detailSheet(details, reasons));
     return ExitCode::Success;
 }
 

@@ -49,8 +49,8 @@ QStringList differences(const AuditEntry& entry)
 Sheet changeSheet(const QList<AuditEntry>& entries)
 {
     Sheet sheet{
-        {column::fixed("TIME", "time"), column::text("BY", "author"), column::text("ACTION", "action"),
-         column::text("NAME", "name"), column::text("CHANGED", "changed"),
+        {column::fixed("TIME", "time"), column::dispensable(1, column::text("BY", "author")),
+         column::text("ACTION", "action"), column::text("NAME", "name"), column::text("CHANGED", "changed"),
          column::unlisted("CATEGORY", "category"), column::unlisted("ID", "id"),
          column::unlisted("SUBJECT", "subject"), column::unlisted("MONITORING ID", "cellId"),
          column::unlisted("SUB-CATEGORY ID", "subCategoryId"), column::unlisted("DELIVERY", "deliveryId"),

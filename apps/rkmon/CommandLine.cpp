@@ -164,6 +164,9 @@ void CommandLine::addCommonOptions()
         ->type_name("FILE");
     CLI::Option* json = m_app.add_flag("--json", m_isJson, "Write JSON");
     m_app.add_flag("--csv", m_isCsv, "Write comma-separated values (RFC 4180)")->excludes(json);
+    options::addTexts(m_app, "--columns", m_columns, "Columns of a list, by the keys of its JSON")
+        ->delimiter(',')
+        ->type_name("KEY,...");
 }
 
 OutputForm CommandLine::form() const

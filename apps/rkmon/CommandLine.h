@@ -25,6 +25,8 @@ public:
 
     const ConfigurationOverrides& overrides() const { return m_overrides; }
     OutputForm form() const;
+    /// Keys of the columns that lists are to show; empty: the usual ones.
+    QStringList columns() const { return m_columns; }
     const Command& command() const { return m_command; }
     const CLI::App& app() const { return m_app; }
 
@@ -35,5 +37,6 @@ private:
     ConfigurationOverrides m_overrides;
     bool m_isJson = false;
     bool m_isCsv = false;
+    QStringList m_columns;
     Command m_command;
 };

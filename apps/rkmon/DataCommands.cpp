@@ -39,11 +39,13 @@ struct DataDeleteOptions
 Sheet dataSheet(Session& session, const QList<RKDataManage>& dataManages)
 {
     Sheet sheet{{column::fixed("ID", "id"), column::text("MONITORING", "cellName"),
-                 column::unlisted("MONITORING ID", "cellId"), column::text("CATEGORY", "category"),
+                 column::unlisted("MONITORING ID", "cellId"),
+                 column::dispensable(2, column::text("CATEGORY", "category")),
                  column::text("SUB-CATEGORY", "subCategoryName"), column::unlisted("ALIAS", "alias"),
                  column::unlisted("SUB-CATEGORY ID", "subCategoryId"), column::fixed("LATEST", "lastDate"),
-                 column::fixed("ROWS", "lastCount"), column::unlisted("FILE", "fileId"),
-                 column::unlisted("UPDATED", "updatedAt"), column::unlisted("UPDATED BY", "updatedBy")},
+                 column::dispensable(1, column::fixed("ROWS", "lastCount")),
+                 column::unlisted("FILE", "fileId"), column::unlisted("UPDATED", "updatedAt"),
+                 column::unlisted("UPDATED BY", "updatedBy")},
                 {}};
     lookup::readMonitoringNamesOf(session, dataManages);
     for (const RKDataManage& data : dataManages) {
@@ -64,10 +66,12 @@ struct IdentifiedHistory
 
 Sheet historySheet(const QList<IdentifiedHistory>& history)
 {
-    Sheet sheet{{column::fixed("DELIVERED", "createdAt"), column::text("BY", "createdBy"),
-                 column::fixed("LATEST", "lastDate"), column::fixed("INSERTED", "insertCount"),
-                 column::fixed("HELD", "lastCount"), column::unlisted("FILE", "fileId"),
-                 column::unlisted("UPDATED", "updatedAt"), column::unlisted("UPDATED BY", "updatedBy")},
+    Sheet sheet{{column::fixed("DELIVERED", "createdAt"),
+                 column::dispensable(2, column::text("BY", "createdBy")),
+                 column::dispensable(1, column::fixed("LATEST", "lastDate")),
+                 column::fixed("INSERTED", "insertCount"), column::fixed("HELD", "lastCount"),
+                 column::unlisted("FILE", "fileId"), column::unlisted("UPDATED", "updatedAt"),
+                 column::unlisted("UPDATED BY", "updatedBy")},
                 {}};
     for (const IdentifiedHistory& identified : history) {
         const HistoryData& entry = identified.entry;

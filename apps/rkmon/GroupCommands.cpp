@@ -59,13 +59,14 @@ struct GroupDeleteOptions
 Sheet groupSheet(Session& session, const QList<PointLocSetting>& groups)
 {
     Sheet sheet{{column::fixed("ID", "id"), column::text("MONITORING", "cellName"),
-                 column::unlisted("MONITORING ID", "cellId"), column::text("SUB-CATEGORY", "subCategoryName"),
+                 column::unlisted("MONITORING ID", "cellId"),
+                 column::dispensable(1, column::text("SUB-CATEGORY", "subCategoryName")),
                  column::unlisted("SUB-CATEGORY ID", "subCategoryId"), column::text("NAME", "name"),
-                 column::text("POINTS", "points"), column::fixed("TOTAL LIMIT", "totalLimit"),
-                 column::fixed("DAILY LIMIT", "dailyLimit"), column::fixed("DAILY IN", "dailyIn"),
-                 column::unlisted("VIEW PORT", "viewPortId"), column::unlisted("CREATED", "createdAt"),
-                 column::unlisted("CREATED BY", "createdBy"), column::unlisted("UPDATED", "updatedAt"),
-                 column::unlisted("UPDATED BY", "updatedBy")},
+                 column::dispensable(2, column::text("POINTS", "points")),
+                 column::fixed("TOTAL LIMIT", "totalLimit"), column::fixed("DAILY LIMIT", "dailyLimit"),
+                 column::fixed("DAILY IN", "dailyIn"), column::unlisted("VIEW PORT", "viewPortId"),
+                 column::unlisted("CREATED", "createdAt"), column::unlisted("CREATED BY", "createdBy"),
+                 column::unlisted("UPDATED", "updatedAt"), column::unlisted("UPDATED BY", "updatedBy")},
                 {}};
     lookup::readMonitoringNamesOf(session, groups);
     for (const PointLocSetting& group : groups) {
@@ -297,8 +298,8 @@ void addGroupChangeCommands(CLI::App& group, Command& chosen)
 
 void addGroupCommands(CLI::App& root, Command& chosen)
 {
-    CLI::App& group = options::addCommandGroup(
-        root, "group", "List and change threshold groups: the limits of points' variations");
+    CLI::App& group =
+        options::addCommandGroup(root, "group", "List and change threshold groups, which limit points");
     addGroupListCommand(group, chosen);
     addGroupCreateCommand(group, chosen);
     addGroupChangeCommands(group, chosen);

@@ -15,6 +15,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 QString shownTime(const QDateTime& time)
 {
@@ -125,6 +126,26 @@ QByteArray csvLines(const Sheet& sheet)
     return lines.toUtf8();
 }
 
+// Where the columns with these keys stand.
+QVector<int> columnIndexes(const QVector<Column>& columns, const QStringList& keys)
+{
+    QStringList known;
+    for (const Column& column : columns) {
+        known.append(column.key);
+    }
+    QVector<int> indexes;
+    for (const QString& key : keys) {
+        const int index = known.indexOf(key);
+        if (index < 0) {
+            throw Failure(FailureKind::BadInput,
+                          QStringLiteral("--columns: there is no column \"%1\"; known are %2")
+                              .arg(key, known.join(QStringLiteral(", "))));
+        }
+        indexes.append(index);
+    }
+    return indexes;
+}
+
 table::Layout tableLayout()
 {
     return {terminal::isTerminal(stdout) ? terminal::width() : 0, terminal::hasColour()};
@@ -132,16 +153,11 @@ table::Layout tableLayout()
 
 QByteArray tableLines(const Sheet& sheet)
 {
-    QStringList titles;
-    QVector<int> fixedColumns;
+    QVector<table::Heading> headings;
     for (const Column& column : sheet.columns) {
-        if (!column.isListed) {
-            continue;
+        if (column.isListed) {
+            headings.append({column.title, column.isFixed, column.dispensability});
         }
-        if (column.isFixed) {
-            fixedColumns.append(titles.size());
-        }
-        titles.append(column.title);
     }
     QVector<QStringList> rows;
     rows.reserve(sheet.rows.size());
@@ -154,7 +170,7 @@ QByteArray tableLines(const Sheet& sheet)
         }
         rows.append(texts);
     }
-    return table::listLines(titles, rows, fixedColumns, tableLayout()).toUtf8();
+    return table::listLines(headings, rows, tableLayout()).toUtf8();
 }
 
 QByteArray recordLines(const Sheet& sheet)
@@ -189,8 +205,35 @@ QVariant number(double value, std::optional<qint32> decimals)
 
 } // namespace cell
 
-void Output::addList(const Sheet& sheet)
+Output::Output(OutputForm form, QStringList columns) : m_form(form), m_columns(std::move(columns)) {}
+
+Sheet Output::chosen(const Sheet& sheet) const
 {
+    if (m_columns.isEmpty()) {
+        return sheet;
+    }
+    const QVector<int> indexes = columnIndexes(sheet.columns, m_columns);
+    Sheet result;
+    for (const int index : indexes) {
+        Column column = sheet.columns[index];
+        column.isListed = true;
+        column.dispensability = 0;
+        result.columns.append(column);
+    }
+    for (const QVariantList& row : sheet.rows) {
+        QVariantList cells;
+        for (const int index : indexes) {
+            cells.append(row[index]);
+        }
+        result.rows.append(cells);
+    }
+    return result;
+}
+
+void Output::addList(const Sheet& everything)
+{
+    const Sheet sheet = chosen(everything);
+    m_hasList = true;
     switch (m_form) {
     case OutputForm::Table:
         m_content += tableLines(sheet);

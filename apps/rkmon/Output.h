@@ -4,6 +4,7 @@
 #include <QDateTime>
 #include <QMetaType>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 #include <QVector>
 
@@ -31,6 +32,9 @@ struct Column
     /// Holds computed numbers, or their texts. People see twelve significant digits, which leave out what
     /// binary fractions add (-0.011, not -0.010999999999999982); programs get the number as it is.
     bool isComputed = false;
+    /// Where the terminal is too narrow for a list, columns go before texts are cut: that with the greatest
+    /// first, of equals the last one; 0: it stays.
+    int dispensability = 0;
 };
 
 /// The kinds of columns; titles and keys are ASCII.
@@ -38,7 +42,7 @@ namespace column {
 
 inline Column made(const char* title, const char* key, bool isListed, bool isFixed, bool isComputed = false)
 {
-    return {QLatin1String(title), QLatin1String(key), isListed, isFixed, isComputed};
+    return {QLatin1String(title), QLatin1String(key), isListed, isFixed, isComputed, 0};
 }
 
 /// A text, which the table of a list may cut.
@@ -63,6 +67,13 @@ inline Column computed(const char* title, const char* key)
 inline Column unlisted(const char* title, const char* key)
 {
     return made(title, key, false, false);
+}
+
+/// The same column, which may be left out of a table: that with the greatest `rank` first.
+inline Column dispensable(int rank, Column column)
+{
+    column.dispensability = rank;
+    return column;
 }
 
 } // namespace column
@@ -108,9 +119,11 @@ QString shownTime(const QDateTime& time);
 class Output
 {
 public:
-    explicit Output(OutputForm form) : m_form(form) {}
+    /// `columns` are the keys of those that lists are to show, in this order; empty: the usual ones.
+    explicit Output(OutputForm form, QStringList columns = {});
 
-    /// A list: a table, a JSON array of objects, or CSV with a heading.
+    /// A list: a table, a JSON array of objects, or CSV with a heading. Throws a Failure (BadInput) when a
+    /// column is to be shown that it has not.
     void addList(const Sheet& sheet);
 
     /// The sheet's only row: one line per member, a JSON object, or CSV with a heading.
@@ -125,13 +138,19 @@ public:
     /// A list of plain texts under one heading: one per line, a JSON array of strings, or CSV.
     void addPlainTexts(const QString& key, const QStringList& texts);
 
+    /// Whether columns were chosen though nothing collected has any to choose from.
+    bool hasUnusedColumns() const { return !m_columns.isEmpty() && !m_hasList; }
+
     /// Writes what was collected. A reader that has gone away (`| head`) is no error; any other failure to
     /// write is a Failure.
     void flush();
 
 private:
     void addLines(const QStringList& texts);
+    Sheet chosen(const Sheet& sheet) const;
 
     OutputForm m_form;
+    QStringList m_columns;
+    bool m_hasList = false;
     QByteArray m_content;
 };

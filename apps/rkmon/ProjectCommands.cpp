@@ -20,7 +20,8 @@ struct ProjectUseOptions
 Sheet projectSheet(const Session& session, const QList<ServiceProject>& projects)
 {
     Sheet sheet{{column::fixed("ID", "id"), column::text("NAME", "name"),
-                 column::text("TIME ZONE", "timeZone"), column::text("IN USE", "isInUse")},
+                 column::dispensable(1, column::text("TIME ZONE", "timeZone")),
+                 column::text("IN USE", "isInUse")},
                 {}};
     for (const ServiceProject& project : projects) {
         sheet.rows.append({project.id, project.name, project.timeZone, project.id == session.project()});

@@ -40,8 +40,8 @@ ExitCode showWho(Session& session, const NoOptions&)
     const ServiceAbout about = session.extensions().about();
     const QMap<QString, QString> names = projectNames(session);
     Sheet sheet{{column::text("OWNER", "owner"), column::text("PROJECT", "projectName"),
-                 column::fixed("PROJECT ID", "projectId"), column::text("CATEGORY", "category"),
-                 column::text("RIGHTS", "rights")},
+                 column::dispensable(1, column::fixed("PROJECT ID", "projectId")),
+                 column::text("CATEGORY", "category"), column::text("RIGHTS", "rights")},
                 {}};
     for (const HeldRights& held : about.rights) {
         const QString name = names.value(held.project.value_or(QString()));
@@ -105,8 +105,8 @@ void addServiceCommands(CLI::App& root, Command& chosen)
     options::setExamples(who, "  rkmon whoami\n"
                               "  rkmon whoami --json --token-file editor.token");
 
-    const auto [app, values] = options::addSubcommand(
-        root, "ping", "Ask whether the service answers, how soon, and what it can", chosen, ping);
+    const auto [app, values] =
+        options::addSubcommand(root, "ping", "Ask whether the service answers, and how soon", chosen, ping);
     constexpr int mostRequests = 1000;
     app.add_option("--count", values->count, "How many requests are measured, 5 when absent")
         ->type_name("N")

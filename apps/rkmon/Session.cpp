@@ -2,8 +2,10 @@
 
 #include "Messages.h"
 
-Session::Session(const Configuration& configuration, OutputForm form)
-    : ServiceSession(configuration), m_output(form)
+#include <utility>
+
+Session::Session(const Configuration& configuration, Output output)
+    : ServiceSession(configuration), m_output(std::move(output))
 {
     for (const QString& warning : configuration.warnings) {
         warn(warning);
@@ -23,6 +25,9 @@ void Session::warn(const QString& message) const
 void Session::finish()
 {
     m_output.flush();
+    if (m_output.hasUnusedColumns()) {
+        warn(QStringLiteral("--columns chooses columns of lists, and this is none"));
+    }
     for (const QString& message : qAsConst(m_closingNotes)) {
         note(message);
     }

@@ -15,7 +15,7 @@ class Session : public ServiceSession
 {
 public:
     /// Writes the warnings of `configuration`.
-    Session(const Configuration& configuration, OutputForm form);
+    Session(const Configuration& configuration, Output output);
 
     Output& output() { return m_output; }
 

@@ -45,7 +45,8 @@ void writeCompletions(const CommandLine& commandLine, const QStringList& words)
 
 ExitCode runCommand(const CommandLine& commandLine)
 {
-    Session session(readConfiguration(commandLine.overrides()), commandLine.form());
+    Session session(readConfiguration(commandLine.overrides()),
+                    Output(commandLine.form(), commandLine.columns()));
     const ExitCode code = commandLine.command()(session);
     session.finish();
     return code;

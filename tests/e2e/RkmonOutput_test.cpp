@@ -73,6 +73,27 @@ TEST_F(RkmonOutput, CsvIsQuotedByTheBook)
     EXPECT_EQ(records[2], QString());
 }
 
+TEST_F(RkmonOutput, ColumnsAreChosenByTheirKeys)
+{
+    const QString id = created("VH"_q, "Slope"_q, {"--alarm-to"_q, "ana"_q});
+    const auto listed = [&](const QStringList& more) {
+        return rkmon.run(QStringList{"monitoring"_q, "list"_q, "--columns"_q, "createdBy,name"_q} + more)
+            .output;
+    };
+    EXPECT_EQ(listed({}), "CREATED BY  NAME\nAna         VH\n"_q);
+    EXPECT_EQ(listed({"--csv"_q}), "createdBy,name\r\nAna,VH\r\n"_q);
+    EXPECT_EQ(rkmon.run({"monitoring"_q, "list"_q, "--columns"_q, "id"_q, "--json"_q}).array(),
+              (QJsonArray{QJsonObject{{"id"_q, id}}}));
+    const Result unknown = rkmon.run({"monitoring"_q, "list"_q, "--columns"_q, "name,nam"_q});
+    EXPECT_EQ(unknown.code, 2);
+    EXPECT_EQ(unknown.output, QString());
+    EXPECT_THAT(unknown.messages.toStdString(),
+                testing::StartsWith("rkmon: --columns: there is no column \"nam\"; known are id, name, "));
+    const Result record = rkmon.run({"monitoring"_q, "show"_q, id, "--columns"_q, "id"_q});
+    EXPECT_EQ(record.code, 0);
+    EXPECT_TRUE(record.messages.contains("warning: --columns chooses columns of lists"_q));
+}
+
 TEST_F(RkmonOutput, EmptyListsAreEmptyInEveryForm)
 {
     EXPECT_EQ(rkmon.run({"monitoring"_q, "list"_q, "--json"_q}).output, "[\n]\n"_q);
@@ -140,8 +161,22 @@ TEST_F(RkmonOutput, TerminalTablesAreCutToItsWidthAndBold)
     const QStringList lines = linesOf(result.output);
     ASSERT_EQ(lines.size(), 2) << result.output.toStdString();
     EXPECT_TRUE(lines[0].startsWith("\033[1mID"_q)) << lines[0].toStdString();
-    EXPECT_EQ(lines[1].size(), 100);
+    EXPECT_EQ(QString(lines[0]).remove("\033[1m"_q).remove("\033[0m"_q).size(), 100);
+    EXPECT_LE(lines[1].size(), 100);
     EXPECT_TRUE(lines[1].contains(QChar(0x2026)));
+}
+
+TEST_F(RkmonOutput, TerminalTablesLeaveColumnsOutBeforeTheyCut)
+{
+    created("VH"_q, "Slope"_q, {"--model"_q, "m1"_q, "--alarm-to"_q, "ana"_q});
+    const auto titles = [&](int columns) {
+        const Result result = rkmon.runOnTerminal({"monitoring"_q, "list"_q}, columns);
+        return linesOf(result.output).value(0).remove("\033[1m"_q).remove("\033[0m"_q).simplified();
+    };
+    EXPECT_EQ(titles(90), "ID NAME CATEGORY MODEL ALARM TO UPDATED"_q);
+    EXPECT_EQ(titles(80), "ID NAME CATEGORY ALARM TO UPDATED"_q);
+    EXPECT_EQ(titles(70), "ID NAME CATEGORY UPDATED"_q);
+    EXPECT_EQ(titles(60), "ID NAME CATEGORY"_q);
 }
 
 TEST_F(RkmonOutput, NoColorIsRespected)
