@@ -2,6 +2,8 @@
 
 #include "CommandOptions.h"
 #include "Commands.h"
+#include "HelpCommand.h"
+#include "HelpFormatter.h"
 #include "Messages.h"
 #include "Suggestion.h"
 
@@ -10,9 +12,6 @@
 #include <memory>
 
 namespace {
-
-// Cells that help gives the names of options and commands.
-constexpr std::size_t titleColumn = 28;
 
 // The innermost command that was named.
 const CLI::App& namedCommand(const CLI::App& root)
@@ -79,23 +78,6 @@ QString describe(const CLI::ParseError& error, const CLI::App& app)
                                 : message + QStringLiteral("; did you mean \"%1\"?").arg(suggestion);
 }
 
-// Says of an option what its value is and whether it must be given, and nothing else.
-class HelpFormatter : public CLI::Formatter
-{
-public:
-    std::string make_option_opts(const CLI::Option* option) const override
-    {
-        std::string text;
-        if (option->get_type_size() != 0 && !option->get_positional()) {
-            text += " " + option->get_type_name();
-        }
-        if (option->get_required()) {
-            text += " (required)";
-        }
-        return text;
-    }
-};
-
 ExitCode writeUsageError(const QString& message, const CLI::App& app)
 {
     writeMessage(QStringLiteral("%1 (see %2 --help)").arg(message, fullName(app)));
@@ -118,7 +100,6 @@ CommandLine::CommandLine()
     m_app.allow_windows_style_options(false);
     m_app.require_subcommand(1);
     m_app.formatter(std::make_shared<HelpFormatter>());
-    m_app.get_formatter()->column_width(titleColumn);
     addCommonOptions();
     addMonitoringCommands(m_app, m_command);
     addCategoryCommands(m_app, m_command);
@@ -133,13 +114,11 @@ CommandLine::CommandLine()
     addPermissionCommands(m_app, m_command);
     addProjectCommands(m_app, m_command);
     addServiceCommands(m_app, m_command);
-    options::setExamples(m_app, "  rkmon monitoring list\n"
-                                "  rkmon monitoring create --name VH --category Slope\n"
-                                "  rkmon monitoring list --name '^LS-' --json\n"
-                                "  rkmon can create Slope\n\n"
-                                "Exit status: 0 done, 1 refused or failed, 2 usage, 3 not permitted, 4 not "
-                                "found,\n5 no connection or no answer within the deadline, 130 interrupted.\n"
-                                "The options above go with every command.");
+    m_help = &addHelpCommand(m_app, m_helpWords);
+    options::setExamples(m_app, "  rkmon monitoring list --name '^LS-' --json\n"
+                                "  rkmon help exit-codes\n\n"
+                                "The options above go with every command. Topics of rkmon help:\n"
+                                "configuration, exit-codes, import, output, times.");
 }
 
 void CommandLine::addCommonOptions()
@@ -152,15 +131,14 @@ void CommandLine::addCommonOptions()
                      "File that holds the token (RKMON_TOKEN_FILE)")
         ->type_name("FILE");
     options::addText(m_app, "--config", m_overrides.configFile,
-                     "Configuration file instead of the usual rkmon/config.ini")
+                     "Configuration file; usually rkmon/config.ini")
         ->type_name("FILE");
     options::addText(m_app, "--profile", m_overrides.profile,
                      "Profile of the configuration file (RKMON_PROFILE)")
         ->type_name("PROFILE");
     options::addText(m_app, "--deadline", m_overrides.deadline, "Longest time for one request")
         ->type_name("SECONDS");
-    options::addText(m_app, "--ca-file", m_overrides.caFile,
-                     "Certificates to trust instead of the system's (RKMON_CA_FILE)")
+    options::addText(m_app, "--ca-file", m_overrides.caFile, "Certificates to trust (RKMON_CA_FILE)")
         ->type_name("FILE");
     CLI::Option* json = m_app.add_flag("--json", m_isJson, "Write JSON");
     m_app.add_flag("--csv", m_isCsv, "Write comma-separated values (RFC 4180)")->excludes(json);
@@ -195,6 +173,9 @@ std::optional<ExitCode> CommandLine::parse(const QStringList& words)
     } catch (const CLI::ParseError& error) {
         const CLI::App& app = namedCommand(m_app);
         return writeUsageError(describe(error, app), app);
+    }
+    if (m_help->parsed()) {
+        return writeHelp(helpOn(m_app, m_helpWords).toStdString());
     }
     return std::nullopt;
 }

@@ -20,7 +20,8 @@ public:
     CommandLine& operator=(const CommandLine&) = delete;
 
     /// Reads the words after the program's name. Returns the exit status when there is nothing more to do:
-    /// help and version have then been written to standard output, what is wrong to standard error.
+    /// help and version have then been written to standard output, what is wrong to standard error. Throws a
+    /// Failure for help on what there is not.
     std::optional<ExitCode> parse(const QStringList& words);
 
     const ConfigurationOverrides& overrides() const { return m_overrides; }
@@ -38,5 +39,7 @@ private:
     bool m_isJson = false;
     bool m_isCsv = false;
     QStringList m_columns;
+    const CLI::App* m_help = nullptr; ///< the command of that name
+    QStringList m_helpWords;
     Command m_command;
 };

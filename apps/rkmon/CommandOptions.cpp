@@ -1,5 +1,7 @@
 #include "CommandOptions.h"
 
+#include "HelpFormatter.h"
+
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -112,9 +114,32 @@ CLI::App& addCommandGroup(CLI::App& root, const char* name, const char* descript
     return group;
 }
 
+namespace {
+
+// An example that is too wide, continued on another line as a shell understands it.
+QString folded(const QString& example)
+{
+    const QString continuation = QStringLiteral(" \\");
+    const QString indent(6, QLatin1Char(' '));
+    const int widest = help::lineWidth - continuation.size();
+    const int option = example.lastIndexOf(QStringLiteral(" --"), widest);
+    const int place = option > indent.size() ? option : example.lastIndexOf(QLatin1Char(' '), widest);
+    if (example.size() <= help::lineWidth || place <= indent.size()) {
+        return example;
+    }
+    return example.left(place) + continuation + QLatin1Char('\n') + folded(indent + example.mid(place + 1));
+}
+
+} // namespace
+
 void setExamples(CLI::App& app, const char* examples)
 {
-    app.footer(std::string("Examples:\n") + examples);
+    QString text = QStringLiteral("Examples:");
+    const QStringList lines = QString::fromUtf8(examples).split(QLatin1Char('\n'));
+    for (const QString& line : lines) {
+        text += QLatin1Char('\n') + folded(line);
+    }
+    app.footer(text.toStdString());
 }
 
 } // namespace options

@@ -1,5 +1,7 @@
 #include "Completion.h"
 
+#include "HelpTopics.h"
+
 #include <QMap>
 
 #include <CLI/CLI.hpp>
@@ -87,6 +89,19 @@ QStringList optionNames(const CLI::App& app)
     return names;
 }
 
+// What "rkmon help" knows, on which `app` is the command of that name.
+QStringList subjectsOfHelp(const CLI::App& app)
+{
+    QStringList subjects;
+    for (const CLI::App* command : app.get_parent()->get_subcommands({})) {
+        subjects.append(QString::fromStdString(command->get_name()));
+    }
+    for (const HelpTopic& topic : helpTopics()) {
+        subjects.append(topic.name);
+    }
+    return subjects;
+}
+
 QStringList argumentsOf(const CLI::App& app)
 {
     QStringList names;
@@ -98,7 +113,7 @@ QStringList argumentsOf(const CLI::App& app)
     }
     for (const CLI::Option* option : app.get_options()) {
         if (option->get_positional()) {
-            return kindOf(*option);
+            return option->get_type_name() == "TOPIC" ? subjectsOfHelp(app) : kindOf(*option);
         }
     }
     return {};

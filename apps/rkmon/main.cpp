@@ -4,12 +4,15 @@
 #include "CompletionValues.h"
 #include "Configuration.h"
 #include "ExitCode.h"
+#include "ManualPages.h"
 #include "Messages.h"
 #include "Session.h"
 #include "Terminal.h"
 
 #include <QApplication>
 #include <QCoreApplication>
+#include <QDir>
+#include <QFile>
 #include <QLoggingCategory>
 #include <QTextCodec>
 
@@ -52,9 +55,29 @@ ExitCode runCommand(const CommandLine& commandLine)
     return code;
 }
 
+// For the build, which installs them.
+ExitCode writeManual(const CommandLine& commandLine, const QStringList& words)
+{
+    const QDir folder(words.value(0));
+    const QMap<QString, QByteArray> pages = manualPages(commandLine.app(), QStringLiteral(RKMON_VERSION));
+    for (auto page = pages.cbegin(); page != pages.cend(); ++page) {
+        QFile file(folder.filePath(page.key()));
+        const bool isWritten = folder.mkpath(QStringLiteral(".")) && file.open(QIODevice::WriteOnly) &&
+                               file.write(*page) == page->size() && file.flush();
+        if (!isWritten) {
+            throw Failure(FailureKind::Other,
+                          QStringLiteral("cannot write %1: %2").arg(file.fileName(), file.errorString()));
+        }
+    }
+    return ExitCode::Success;
+}
+
 ExitCode run(QStringList words)
 {
     CommandLine commandLine;
+    if (!words.isEmpty() && words.constFirst() == QLatin1String("__man")) {
+        return writeManual(commandLine, words.mid(1));
+    }
     if (!words.isEmpty() && words.constFirst() == QLatin1String("__complete")) {
         words.removeFirst();
         writeCompletions(commandLine, words);
