@@ -137,6 +137,22 @@ TEST_F(RkmonChanges, LatestDeliveryIsTakenBack)
     EXPECT_EQ(rkmon.run({"data"_q, "undo"_q, "--yes"_q}).code, 2);
 }
 
+TEST_F(RkmonChanges, PercentOfADailyLimitHasTwoDigits)
+{
+    const Result made =
+        rkmon.run({"group"_q, "create"_q, "--cell"_q, "VH"_q, "--sub-category"_q, "SM"_q, "--name"_q,
+                   "Probes"_q, "--point"_q, "W1"_q, "--daily-in"_q, "percent"_q, "--daily-limit"_q, "10"_q});
+    ASSERT_EQ(made.code, 0) << made.messages.toStdString();
+    deliver("W1,20,2015-12-21T00:00:00-08:00,4,9.75\n"); // 0.25 more, which is all of the reference
+    const QJsonArray alarms = rkmon.run({"alarm"_q, "list"_q, "--json"_q}).array();
+    ASSERT_EQ(alarms.size(), 1);
+    const QStringList command{"alarm"_q, "detail"_q, alarms.first().toObject().value("id"_q).toString()};
+    const QString shown = rkmon.run(command).output;
+    EXPECT_TRUE(shown.contains(" 90.00 %"_q)) << shown.toStdString();
+    const QJsonObject detail = rkmon.run(command + QStringList{"--json"_q}).array().first().toObject();
+    EXPECT_EQ(detail.value("dayBeyound"_q), 90);
+}
+
 TEST_F(RkmonChanges, TrailTellsWhoChangedWhat)
 {
     rkmon.run(QStringList{"point"_q, "reference"_q, "--set"_q, "0.5"_q} + upper);

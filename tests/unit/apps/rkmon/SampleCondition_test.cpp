@@ -60,6 +60,5 @@ TEST(SampleCondition, TellsSingleSamples)
     EXPECT_FALSE(condition.isMetBy(sample("2026-03-01T08:00:00Z", 7, 0.0)));
     EXPECT_FALSE(condition.isMetBy(sample("2026-03-01T07:00:00Z", 8, 0.0)));
     EXPECT_FALSE(condition.isMetBy(sample("2026-03-01T07:00:00Z", 7, 0.1)));
-    EXPECT_EQ(whereOf(options),
-              R"({"count":7,"time":"2026-03-01T08:00:00.000+01:00","value":0})");
+    EXPECT_EQ(whereOf(options), R"({"count":7,"time":"2026-03-01T08:00:00.000+01:00","value":0})");
 }
