@@ -66,8 +66,9 @@ QString describe(const CLI::ParseError& error, const CLI::App& app)
     if (unknown.isEmpty()) {
         return QString::fromUtf8(error.what());
     }
-    const QString& word = unknown.constFirst();
-    const bool isOption = word.startsWith(QLatin1Char('-'));
+    const bool isOption = unknown.constFirst().startsWith(QLatin1Char('-'));
+    const QString word =
+        isOption ? unknown.constFirst().section(QLatin1Char('='), 0, 0) : unknown.constFirst();
     const bool isCommand = !isOption && !app.get_subcommands({}).empty();
     const QString kind = isOption    ? QStringLiteral("unknown option")
                          : isCommand ? QStringLiteral("unknown command")

@@ -413,6 +413,9 @@ TEST_F(RkmonFailures, UnknownCommandSuggests)
 {
     EXPECT_EQ(rkmon.run({"moniotring"_q}).messages,
               "rkmon: unknown command \"moniotring\"; did you mean \"monitoring\"? (see rkmon --help)\n"_q);
+    EXPECT_EQ(
+        rkmon.run({"monitoring"_q, "list"_q, "--nmae=x"_q}).messages,
+        "rkmon: unknown option \"--nmae\"; did you mean \"--name\"? (see rkmon monitoring list --help)\n"_q);
     EXPECT_EQ(rkmon.run({"monitoring"_q, "crate"_q}).messages,
               "rkmon: unknown command \"crate\"; did you mean \"create\"? (see rkmon monitoring --help)\n"_q);
 }
