@@ -1,11 +1,12 @@
 #include "Configuration.h"
 
+#include "ConfigurationFile.h"
+
 #include <NetworkManager.h>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QSettings>
 #include <QStandardPaths>
 #include <QUrl>
 #include <RKBaseApi.h>
@@ -29,59 +30,11 @@ QString usualConfigFile()
     return QDir(folder).filePath(QStringLiteral("rkmon/config.ini"));
 }
 
-// The settings of the configuration file; a file that was named must exist.
-class ConfigFile
+ConfigurationFile configurationFile(const ConfigurationOverrides& overrides)
 {
-public:
-    explicit ConfigFile(const QString& named)
-        : m_path(named.isEmpty() ? usualConfigFile() : named), m_settings(m_path, QSettings::IniFormat)
-    {
-        m_settings.setIniCodec("UTF-8");
-        const QFileInfo file(m_path);
-        if (!file.exists() && named.isEmpty()) {
-            return;
-        }
-        if (!file.isFile() || !file.isReadable()) {
-            throw badInput(QStringLiteral("cannot read the configuration file %1").arg(m_path));
-        }
-        if (m_settings.status() != QSettings::NoError) {
-            throw badInput(
-                QStringLiteral("the configuration file %1 is not a list of key=value lines").arg(m_path));
-        }
-        refuseUnknownKeys();
-    }
-
-    QString value(const QString& key) const
-    {
-        // An unquoted comma makes the setting a list; no setting of ours is one.
-        return m_settings.value(key).toStringList().join(QLatin1Char(','));
-    }
-
-    // A path, relative to the folder of the configuration file.
-    QString path(const QString& key) const
-    {
-        const QString text = value(key);
-        return text.isEmpty() ? text : QFileInfo(m_path).dir().absoluteFilePath(text);
-    }
-
-private:
-    void refuseUnknownKeys() const
-    {
-        static const QStringList known{QStringLiteral("base-api"), QStringLiteral("project"),
-                                       QStringLiteral("token-file"), QStringLiteral("deadline"),
-                                       QStringLiteral("ca-file")};
-        const QStringList keys = m_settings.allKeys();
-        for (const QString& key : keys) {
-            if (!known.contains(key)) {
-                throw badInput(QStringLiteral("unknown setting \"%1\" in %2; known are %3")
-                                   .arg(key, m_path, known.join(QLatin1String(", "))));
-            }
-        }
-    }
-
-    QString m_path;
-    QSettings m_settings;
-};
+    const bool isNamed = !overrides.configFile.isEmpty();
+    return ConfigurationFile::read(isNamed ? overrides.configFile : usualConfigFile(), isNamed);
+}
 
 struct SettingNames
 {
@@ -104,22 +57,79 @@ SettingNames namesOf(Setting setting)
     return {"token file", "RKMON_TOKEN_FILE", "token-file", Remedy::GiveTokenFile};
 }
 
-QString variableOf(Setting setting)
+QString firstGiven(const QStringList& texts)
 {
-    return QString::fromUtf8(qgetenv(namesOf(setting).variable));
-}
-
-QString keyOf(Setting setting)
-{
-    return QLatin1String(namesOf(setting).key);
-}
-
-QString firstGiven(const QString& given, const QString& variable, const QString& setting)
-{
-    if (!given.isEmpty()) {
-        return given;
+    for (const QString& text : texts) {
+        if (!text.isEmpty()) {
+            return text;
+        }
     }
-    return variable.isEmpty() ? setting : variable;
+    return QString();
+}
+
+QString chosenProfile(const ConfigurationOverrides& overrides, const ConfigurationFile& file)
+{
+    const QString profile = firstGiven({overrides.profile, QString::fromUtf8(qgetenv("RKMON_PROFILE")),
+                                        file.value(QString(), QStringLiteral("default-profile"))});
+    const QStringList known = file.profiles();
+    if (profile.isEmpty() || known.contains(profile)) {
+        return profile;
+    }
+    throw badInput(QStringLiteral("there is no profile \"%1\" in %2; %3")
+                       .arg(profile, file.path(),
+                            known.isEmpty()
+                                ? QStringLiteral("it has none")
+                                : QStringLiteral("known are ") + known.join(QStringLiteral(", "))));
+}
+
+// What the user said of the settings, in the order in which it is taken.
+class Sources
+{
+public:
+    Sources(const ConfigurationOverrides& overrides, const ConfigurationFile& file)
+        : m_file(file), m_profile(chosenProfile(overrides, file)),
+          m_isProfileNamed(!overrides.profile.isEmpty())
+    {
+    }
+
+    const QString& profile() const { return m_profile; }
+
+    QString text(const QString& given, const char* variable, const char* key) const
+    {
+        return first(given, variable, m_file.value(m_profile, QLatin1String(key)),
+                     m_file.value(QString(), QLatin1String(key)));
+    }
+
+    // Those in the file are relative to its own folder.
+    QString path(const QString& given, const char* variable, const char* key) const
+    {
+        const auto resolved = [&](const QString& profile) {
+            const QString text = m_file.value(profile, QLatin1String(key));
+            return text.isEmpty() ? text : QFileInfo(m_file.path()).dir().absoluteFilePath(text);
+        };
+        return first(given, variable, resolved(m_profile), resolved(QString()));
+    }
+
+private:
+    QString first(const QString& given, const char* variable, const QString& ofProfile,
+                  const QString& ofAll) const
+    {
+        const QString fromVariable = variable == nullptr ? QString() : QString::fromUtf8(qgetenv(variable));
+        return m_isProfileNamed ? firstGiven({given, ofProfile, fromVariable, ofAll})
+                                : firstGiven({given, fromVariable, ofProfile, ofAll});
+    }
+
+    const ConfigurationFile& m_file;
+    QString m_profile;
+    bool m_isProfileNamed;
+};
+
+QString textOf(Setting setting, const QString& given, const Sources& sources)
+{
+    const SettingNames names = namesOf(setting);
+    const bool isPath = setting == Setting::TokenFile;
+    return isPath ? sources.path(given, names.variable, names.key)
+                  : sources.text(given, names.variable, names.key);
 }
 
 QString checkedAddress(const QString& text)
@@ -217,21 +227,20 @@ Failure missingSetting(Setting setting)
 
 Configuration readConfiguration(const ConfigurationOverrides& overrides)
 {
-    const ConfigFile file(overrides.configFile);
+    const ConfigurationFile file = configurationFile(overrides);
+    const Sources sources(overrides, file);
     Configuration configuration;
+    configuration.configFile = file.path();
+    configuration.profile = sources.profile();
 
-    const QString baseApi =
-        firstGiven(overrides.baseApi, variableOf(Setting::Address), file.value(keyOf(Setting::Address)));
+    const QString baseApi = textOf(Setting::Address, overrides.baseApi, sources);
     if (baseApi.isEmpty()) {
         throw missingSetting(Setting::Address);
     }
     configuration.baseApi = checkedAddress(baseApi);
+    configuration.project = checkedProject(textOf(Setting::Project, overrides.project, sources));
 
-    configuration.project = checkedProject(
-        firstGiven(overrides.project, variableOf(Setting::Project), file.value(keyOf(Setting::Project))));
-
-    configuration.tokenFile =
-        firstGiven(overrides.tokenFile, variableOf(Setting::TokenFile), file.path(keyOf(Setting::TokenFile)));
+    configuration.tokenFile = textOf(Setting::TokenFile, overrides.tokenFile, sources);
     if (configuration.tokenFile.isEmpty()) {
         throw missingSetting(Setting::TokenFile);
     }
@@ -242,14 +251,17 @@ Configuration readConfiguration(const ConfigurationOverrides& overrides)
                 .arg(configuration.tokenFile));
     }
 
-    configuration.deadline =
-        checkedDeadline(firstGiven(overrides.deadline, QString(), file.value(QStringLiteral("deadline"))));
-
-    configuration.caFile = firstGiven(overrides.caFile, QString(), file.path(QStringLiteral("ca-file")));
+    configuration.deadline = checkedDeadline(sources.text(overrides.deadline, nullptr, "deadline"));
+    configuration.caFile = sources.path(overrides.caFile, "RKMON_CA_FILE", "ca-file");
     if (!configuration.caFile.isEmpty() && !QFileInfo(configuration.caFile).isReadable()) {
         throw badInput(QStringLiteral("cannot read the certificates in %1").arg(configuration.caFile));
     }
     return configuration;
+}
+
+QStringList configuredProfiles(const ConfigurationOverrides& overrides)
+{
+    return configurationFile(overrides).profiles();
 }
 
 void applyConfiguration(const Configuration& configuration)

@@ -22,6 +22,9 @@ struct Configuration
     std::optional<std::chrono::milliseconds> deadline;
     /// Certificates to trust instead of the system's; empty: the system's.
     QString caFile;
+    /// The configuration file, which need not be there, and its profile in use; empty: none is.
+    QString configFile;
+    QString profile;
     /// What the user should know though it stops nothing.
     QStringList warnings;
 };
@@ -30,6 +33,7 @@ struct Configuration
 struct ConfigurationOverrides
 {
     QString configFile;
+    QString profile;
     QString baseApi;
     QString project;
     QString tokenFile;
@@ -38,10 +42,16 @@ struct ConfigurationOverrides
     QString caFile;
 };
 
-/// Each setting from `overrides`, else from RKMON_BASE_API, RKMON_PROJECT and RKMON_TOKEN_FILE, else from the
-/// configuration file: `overrides.configFile`, or rkmon/config.ini in the user's configuration folder (XDG
-/// Base Directory Specification). Throws a Failure (BadInput) when one is missing or wrong.
+/// Each setting from `overrides`, else from RKMON_BASE_API, RKMON_PROJECT, RKMON_TOKEN_FILE and
+/// RKMON_CA_FILE, else from the configuration file: `overrides.configFile`, or rkmon/config.ini in the user's
+/// configuration folder (XDG Base Directory Specification). There the profile in use goes before what holds
+/// for all: `overrides.profile`, else RKMON_PROFILE, else "default-profile". What a profile of `overrides`
+/// sets goes before the environment, too: who names it means its service and project. Throws a Failure
+/// (BadInput) when a setting is missing or wrong.
 Configuration readConfiguration(const ConfigurationOverrides& overrides);
+
+/// The profiles of the configuration file that would be read.
+QStringList configuredProfiles(const ConfigurationOverrides& overrides);
 
 /// A setting that nothing works without.
 enum class Setting

@@ -32,4 +32,17 @@ QList<RKDataManage> readAll(ServiceSession& session, const RKDataManageCondition
         [&] { return readCount(session, condition); });
 }
 
+// The service has no way to ask for one.
+RKDataManage find(ServiceSession& session, const QString& id)
+{
+    const QList<RKDataManage> everything = readAll(session, RKDataManageCondition());
+    for (const RKDataManage& data : everything) {
+        if (data.id.compare(id, Qt::CaseInsensitive) == 0) {
+            return data;
+        }
+    }
+    throw Failure(FailureKind::NotFound,
+                  QStringLiteral("there is no data %1; rkmon data list shows it").arg(id));
+}
+
 } // namespace dataheld

@@ -18,4 +18,7 @@ int readCount(ServiceSession& session, const RKDataManageCondition& condition);
 /// All of them. Throws a Failure when they kept changing.
 QList<RKDataManage> readAll(ServiceSession& session, const RKDataManageCondition& condition);
 
+/// The one with this identifier. Throws a Failure when there is none.
+RKDataManage find(ServiceSession& session, const QString& id);
+
 } // namespace dataheld

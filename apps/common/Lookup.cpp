@@ -2,6 +2,7 @@
 
 #include "PagedReading.h"
 #include "PlaceMarkers.h"
+#include "RecordChecks.h"
 
 #include <QRegularExpression>
 #include <QStringList>
@@ -15,18 +16,18 @@ QString readingOf(const QString& id)
     return QStringLiteral("read monitoring %1").arg(id);
 }
 
-QString severalText(const QString& kind, const QString& text, const QStringList& ids)
-{
-    return QStringLiteral("several %1 are called \"%2\"; say which by its identifier: %3")
-        .arg(kind, text, ids.join(QStringLiteral(", ")));
-}
-
 } // namespace
 
 bool isIdentifier(const QString& text)
 {
     static const QRegularExpression form(QStringLiteral("\\A[0-9a-fA-F]{24}\\z"));
     return form.match(text).hasMatch();
+}
+
+QString severalText(const QString& kind, const QString& text, const QStringList& candidates)
+{
+    return QStringLiteral("several %1 are called \"%2\"; say which by its identifier: %3")
+        .arg(kind, text, candidates.join(QStringLiteral(", ")));
 }
 
 void restrictToName(const QString& name, RKMonitoringCondition& condition)
@@ -46,12 +47,12 @@ std::optional<RKMonitoring> monitoringNamed(ServiceSession& session, const QStri
     session.ask(QStringLiteral("find the monitoring \"%1\"").arg(name), [&] {
         return session.projectData().getMonitoringRangeData(condition, 0, paging::pageRows, found);
     });
-    QStringList ids;
-    for (const RKMonitoring& monitoring : qAsConst(found)) {
-        ids.append(monitoring.id);
-    }
     if (found.size() > 1) {
-        throw Failure(FailureKind::BadInput, severalText(QStringLiteral("monitorings"), name, ids));
+        QStringList candidates;
+        for (const RKMonitoring& monitoring : qAsConst(found)) {
+            candidates.append(QStringLiteral("%1 (%2)").arg(monitoring.id, monitoring.category));
+        }
+        throw Failure(FailureKind::BadInput, severalText(QStringLiteral("monitorings"), name, candidates));
     }
     return found.isEmpty() ? std::nullopt : std::make_optional(found.constFirst());
 }
@@ -70,7 +71,6 @@ RKMonitoring monitoringById(ServiceSession& session, const QString& id)
 
 RKMonitoring monitoring(ServiceSession& session, const QString& text)
 {
-    session.projectData(); // refused first when there is no project
     if (isIdentifier(text)) {
         return monitoringById(session, text);
     }
@@ -153,9 +153,14 @@ QString subCategoryName(ServiceSession& session, const QString& id)
     return subCategory.name;
 }
 
-void refuseSeveralSubCategories(const QString& text, const QStringList& ids)
+void refuseSeveralSubCategories(const QString& text, const QList<RKMonitoringSubCategory>& subCategories)
 {
-    throw Failure(FailureKind::BadInput, severalText(QStringLiteral("sub-categories"), text, ids));
+    QStringList candidates;
+    for (const RKMonitoringSubCategory& subCategory : subCategories) {
+        candidates.append(
+            QStringLiteral("%1 (%2, %3)").arg(subCategory.id, subCategory.name, subCategory.category));
+    }
+    throw Failure(FailureKind::BadInput, severalText(QStringLiteral("sub-categories"), text, candidates));
 }
 
 void refuseUnknownSubCategory(const QString& category, const QString& text)
@@ -163,6 +168,32 @@ void refuseUnknownSubCategory(const QString& category, const QString& text)
     throw Failure(FailureKind::NotFound,
                   QStringLiteral("\"%1\" has no sub-category \"%2\"").arg(category, text),
                   Remedy::ListSubCategories);
+}
+
+QList<RKMonitoringSubCategory> subCategories(ServiceSession& session)
+{
+    QList<RKMonitoringSubCategory> found;
+    for (const QString& category : categories(session)) {
+        found.append(subCategories(session, category));
+    }
+    return found;
+}
+
+RKMonitoringSubCategory subCategory(ServiceSession& session, const QString& text)
+{
+    if (isIdentifier(text)) {
+        const QString purpose = QStringLiteral("read sub-category %1").arg(text);
+        RKMonitoringSubCategory subCategory;
+        session.ask(purpose, [&] { return session.data().getSubCategoryById(text, subCategory); });
+        requireIdentifier(subCategory, purpose, QStringLiteral("a sub-category"));
+        return subCategory;
+    }
+    const auto found = subCategoryAmong(subCategories(session), text);
+    if (!found) {
+        throw Failure(FailureKind::NotFound, QStringLiteral("there is no sub-category \"%1\"").arg(text),
+                      Remedy::ListSubCategories);
+    }
+    return *found;
 }
 
 RKMonitoringSubCategory subCategory(ServiceSession& session, const QString& category, const QString& text)

@@ -19,6 +19,9 @@ namespace lookup {
 /// Whether `text` is an identifier as the service gives it: 24 hexadecimal digits.
 bool isIdentifier(const QString& text);
 
+/// The message of a name that several have: `candidates` are their identifiers with what tells them apart.
+QString severalText(const QString& kind, const QString& text, const QStringList& candidates);
+
 /// Restricts `condition` to monitorings of exactly this name.
 void restrictToName(const QString& name, RKMonitoringCondition& condition);
 
@@ -28,8 +31,8 @@ std::optional<RKMonitoring> monitoringNamed(ServiceSession& session, const QStri
 /// The monitoring with this identifier. Throws a Failure when there is none.
 RKMonitoring monitoringById(ServiceSession& session, const QString& id);
 
-/// The monitoring of the project with this identifier or exactly this name. Throws a Failure when there is
-/// none or several.
+/// The monitoring with this identifier, or that of the project with exactly this name. Throws a Failure when
+/// there is none or several.
 RKMonitoring monitoring(ServiceSession& session, const QString& text);
 
 /// The categories of the service.
@@ -65,8 +68,9 @@ void readMonitoringNamesOf(ServiceSession& session, const Records& records)
 /// Name of a sub-category, in the same way as that of a monitoring.
 QString subCategoryName(ServiceSession& session, const QString& id);
 
-/// Throws the failure of a text that is the name or alias of several sub-categories, `ids`.
-[[noreturn]] void refuseSeveralSubCategories(const QString& text, const QStringList& ids);
+/// Throws the failure of a text that is the name or alias of several sub-categories.
+[[noreturn]] void refuseSeveralSubCategories(const QString& text,
+                                             const QList<RKMonitoringSubCategory>& subCategories);
 
 /// The one of `known` with this identifier, name or alias; nothing when there is none, a Failure when
 /// several.
@@ -74,18 +78,18 @@ template <typename SubCategory>
 std::optional<SubCategory> subCategoryAmong(const QList<SubCategory>& known, const QString& text)
 {
     QList<SubCategory> found;
-    QStringList ids;
+    QList<RKMonitoringSubCategory> candidates;
     for (const SubCategory& subCategory : known) {
         if (subCategory.id == text) {
             return subCategory;
         }
         if (subCategory.name == text || subCategory.alias == text) {
             found.append(subCategory);
-            ids.append(subCategory.id);
+            candidates.append(subCategory);
         }
     }
     if (found.size() > 1) {
-        refuseSeveralSubCategories(text, ids);
+        refuseSeveralSubCategories(text, candidates);
     }
     return found.isEmpty() ? std::nullopt : std::make_optional(found.constFirst());
 }
@@ -104,6 +108,13 @@ SubCategory subCategoryOf(const QString& category, const QList<SubCategory>& kno
     }
     return *found;
 }
+
+/// The sub-categories of the project, of every category.
+QList<RKMonitoringSubCategory> subCategories(ServiceSession& session);
+
+/// The sub-category with this identifier, or that of the project with this name or alias. Throws a Failure
+/// when there is none or several.
+RKMonitoringSubCategory subCategory(ServiceSession& session, const QString& text);
 
 /// The sub-category of `category` with this identifier, name or alias. Throws a Failure when there is none.
 RKMonitoringSubCategory subCategory(ServiceSession& session, const QString& category, const QString& text);

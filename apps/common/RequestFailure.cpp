@@ -1,6 +1,7 @@
 #include "RequestFailure.h"
 
 #include <NetworkManager.h>
+#include <QRegularExpression>
 
 namespace {
 
@@ -9,6 +10,7 @@ constexpr int forbidden = 403;
 constexpr int notFound = 404;
 constexpr int firstFailingStatus = 300;
 constexpr int firstServerStatus = 500;
+constexpr int internalError = 500;
 
 // Errors below this code are those of the connection and of a proxy; those above are about content.
 constexpr int endOfConnectionErrors = QNetworkReply::ContentAccessDenied;
@@ -84,10 +86,20 @@ Failure connectionFailure(const NetworkExchange& exchange, const RequestContext&
     }
 }
 
+// A refused delivery is answered as an internal error, whatever it was refused for; its words tell.
+bool isForbiddenDelivery(const NetworkExchange& exchange)
+{
+    static const QRegularExpression words(
+        QStringLiteral("\\A\"[^\"]*\\[\\d+\\][^\"]*\": the token may not "));
+    return exchange.httpStatus == internalError && exchange.method == "POST" &&
+           words.match(exchange.errorText).hasMatch();
+}
+
 Failure refusal(const NetworkExchange& exchange, const RequestContext& context)
 {
     const QString words = reason(exchange, QStringLiteral("HTTP status %1").arg(exchange.httpStatus));
-    switch (exchange.httpStatus) {
+    const int status = isForbiddenDelivery(exchange) ? forbidden : exchange.httpStatus;
+    switch (status) {
     case unauthorised:
         return {FailureKind::NotPermitted,
                 QStringLiteral("cannot %1: the service does not accept the token in %2 (%3)")

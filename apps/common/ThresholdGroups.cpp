@@ -1,5 +1,6 @@
 #include "ThresholdGroups.h"
 
+#include "Lookup.h"
 #include "RecordChecks.h"
 
 namespace {
@@ -26,6 +27,15 @@ QList<PointLocSetting> groupsOfCategory(ServiceSession& session, const QString& 
     QList<PointLocSetting> groups;
     session.ask(purpose, [&] { return session.projectData().getGroupsByCategory(category, groups); });
     requireIdentifiers(groups, purpose, QStringLiteral("groups"));
+    return groups;
+}
+
+QList<PointLocSetting> groupsOfProject(ServiceSession& session)
+{
+    QList<PointLocSetting> groups;
+    for (const QString& category : lookup::categories(session)) {
+        groups.append(groupsOfCategory(session, category));
+    }
     return groups;
 }
 

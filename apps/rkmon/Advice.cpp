@@ -9,7 +9,7 @@ QLatin1String textOf(Remedy remedy)
     case Remedy::GiveAddress:
         return QLatin1String("or use --base-api URL");
     case Remedy::GiveProject:
-        return QLatin1String("or use --project ID");
+        return QLatin1String("or use --project ID; rkmon project list shows them");
     case Remedy::GiveTokenFile:
         return QLatin1String("or use --token-file FILE");
     case Remedy::ExtendDeadline:

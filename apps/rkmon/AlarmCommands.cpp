@@ -1,5 +1,6 @@
 #include "CommandOptions.h"
 #include "Commands.h"
+#include "DailyLimit.h"
 #include "Lookup.h"
 #include "Pages.h"
 #include "Period.h"
@@ -36,7 +37,7 @@ Sheet alarmSheet(Session& session, const QList<RKAlarm>& alarms)
 {
     Sheet sheet{{column::fixed("ID", "id"), column::fixed("RAISED", "alarmTime"),
                  column::text("MONITORING", "cellName"), column::unlisted("MONITORING ID", "cellId"),
-                 column::text("SUB-CATEGORY", "subCategoryName"),
+                 column::dispensable(1, column::text("SUB-CATEGORY", "subCategoryName")),
                  column::unlisted("SUB-CATEGORY ID", "subCategoryId"),
                  column::fixed("POINTS", "pointCounts")},
                 {}};
@@ -48,10 +49,33 @@ Sheet alarmSheet(Session& session, const QList<RKAlarm>& alarms)
     return sheet;
 }
 
-Sheet detailSheet(const QList<RKAlarmDetail>& details)
+// Why the details of an alarm are there, by their identifiers, as far as the service tells.
+QMap<QString, AlarmReason> reasonsOf(Session& session, const QString& alarmId)
+{
+    QMap<QString, AlarmReason> reasons;
+    if (session.extensions().has(Extension::AlarmReasons)) {
+        const QList<AlarmReason> known = session.extensions().alarmReasons(alarmId);
+        for (const AlarmReason& reason : known) {
+            reasons.insert(reason.id, reason);
+        }
+    }
+    return reasons;
+}
+
+// By how much a daily limit is passed: in percent for a limit that is.
+QVariant dailyExcess(double excess, const AlarmReason& reason)
+{
+    constexpr int percentDecimals = 2;
+    return reason.dayVarType == daily::inPercent
+               ? cell::shownAs(excess, QString::number(excess, 'f', percentDecimals) + QStringLiteral(" %"))
+               : QVariant(excess);
+}
+
+Sheet detailSheet(const QList<RKAlarmDetail>& details, const QMap<QString, AlarmReason>& reasons)
 {
     Sheet sheet{{column::fixed("ID", "id"), column::text("POINT", "pointName"),
-                 column::fixed("DEPTH", "depth"), column::fixed("MEASURED", "monitorTime"),
+                 column::fixed("DEPTH", "depth"),
+                 column::dispensable(1, column::fixed("MEASURED", "monitorTime")),
                  column::unlisted("COUNT", "monitorCount"), column::computed("TOTAL", "totalVar"),
                  column::computed("OVER BY", "totalBeyound"), column::computed("DAILY", "dayVar"),
                  column::computed("OVER BY", "dayBeyound"), column::unlisted("PER DEPTH", "isThreeVar"),
@@ -60,7 +84,8 @@ Sheet detailSheet(const QList<RKAlarmDetail>& details)
     for (const RKAlarmDetail& detail : details) {
         sheet.rows.append({detail.id, detail.pointName, noneIfEmpty(detail.depth), detail.monitorTime,
                            detail.monitorCount, detail.totalVar, detail.totalBeyound, detail.dayVar,
-                           detail.dayBeyound, detail.isThreeVar, detail.isInclinometer, detail.alarmTime});
+                           dailyExcess(detail.dayBeyound, reasons.value(detail.id)), detail.isThreeVar,
+                           detail.isInclinometer, detail.alarmTime});
     }
     return sheet;
 }
@@ -140,8 +165,10 @@ ExitCode listDetails(Session& session, const DetailOptions& options)
                     [&] { return session.data().getAlarmDetailRangeCount(condition, count); });
         return count;
     };
-    session.output().addList(
-        detailSheet(pages::read(session, options.page, QStringLiteral("details"), readPage, readCount)));
+    const QList<RKAlarmDetail> details =
+        pages::read(session, options.page, QStringLiteral("details"), readPage, readCount);
+    const auto reasons = details.isEmpty() ? QMap<QString, AlarmReason>() : reasonsOf(session, options.id);
+    session.output().addList(detailSheet(details, reasons));
     return ExitCode::Success;
 }
 
@@ -168,7 +195,8 @@ void addAlarmListCommand(CLI::App& group, Command& chosen)
     options::addTexts(app, "--category", values->categories, "Of monitorings of this category")
         ->type_name("CATEGORY");
     options::addTexts(app, "--sub-category", values->subCategories,
-                      "Of this sub-category, by identifier, name or alias");
+                      "Of this sub-category, by identifier, name or alias")
+        ->type_name("SUB-CATEGORY");
     addPeriodOptions(app, values->period, "Raised at this time or later", "Raised on this day or earlier");
     addPageOptions(app, values->page);
     options::setExamples(app, "  rkmon alarm list\n"
@@ -186,14 +214,16 @@ void addDetailCommands(CLI::App& group, Command& chosen)
     addPeriodOptions(detail, detailed->period, "Measured at this time or later",
                      "Measured on this day or earlier");
     addPageOptions(detail, detailed->page);
-    options::setExamples(detail, "  rkmon alarm detail 6745d2f0a1b2c3d4e5f60718");
+    options::setExamples(detail, "  rkmon alarm detail 6745d2f0a1b2c3d4e5f60718\n"
+                                 "  rkmon alarm detail 6745d2f0a1b2c3d4e5f60718 --point '^VH-' --json");
 
     const auto [depths, listed] = options::addSubcommand(
         group, "depths", "List the values per depth of one point of an alarm", chosen, listDepths);
     options::addIdentifier(depths, "DETAIL", listed->id, "Identifier, as rkmon alarm detail shows it")
         ->required();
     options::addText(depths, "--depth", listed->depth, "Only this depth")->type_name("DEPTH");
-    options::setExamples(depths, "  rkmon alarm depths 6745d2f0a1b2c3d4e5f60718 --depth 2.5");
+    options::setExamples(depths, "  rkmon alarm depths 6745d2f0a1b2c3d4e5f60718\n"
+                                 "  rkmon alarm depths 6745d2f0a1b2c3d4e5f60718 --depth 2.5");
 }
 
 } // namespace
@@ -203,5 +233,6 @@ void addAlarmCommands(CLI::App& root, Command& chosen)
     CLI::App& group = options::addCommandGroup(root, "alarm", "List the alarms that deliveries raised");
     addAlarmListCommand(group, chosen);
     addDetailCommands(group, chosen);
-    options::setExamples(group, "  rkmon alarm list --since 2026-03-01");
+    options::setExamples(group, "  rkmon alarm list --since 2026-03-01\n"
+                                "  rkmon alarm detail 6745d2f0a1b2c3d4e5f60718");
 }

@@ -24,5 +24,6 @@ void addCategoryCommands(CLI::App& root, Command& chosen)
     group.require_subcommand(0, 1);
     options::setExamples(group, "  rkmon category\n"
                                 "  rkmon category list --json");
-    options::setExamples(list, "  rkmon category list");
+    options::setExamples(list, "  rkmon category list\n"
+                               "  rkmon category list --json");
 }

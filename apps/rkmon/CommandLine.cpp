@@ -2,6 +2,8 @@
 
 #include "CommandOptions.h"
 #include "Commands.h"
+#include "HelpCommand.h"
+#include "HelpFormatter.h"
 #include "Messages.h"
 #include "Suggestion.h"
 
@@ -10,9 +12,6 @@
 #include <memory>
 
 namespace {
-
-// Cells that help gives the names of options and commands.
-constexpr std::size_t titleColumn = 28;
 
 // The innermost command that was named.
 const CLI::App& namedCommand(const CLI::App& root)
@@ -67,8 +66,9 @@ QString describe(const CLI::ParseError& error, const CLI::App& app)
     if (unknown.isEmpty()) {
         return QString::fromUtf8(error.what());
     }
-    const QString& word = unknown.constFirst();
-    const bool isOption = word.startsWith(QLatin1Char('-'));
+    const bool isOption = unknown.constFirst().startsWith(QLatin1Char('-'));
+    const QString word =
+        isOption ? unknown.constFirst().section(QLatin1Char('='), 0, 0) : unknown.constFirst();
     const bool isCommand = !isOption && !app.get_subcommands({}).empty();
     const QString kind = isOption    ? QStringLiteral("unknown option")
                          : isCommand ? QStringLiteral("unknown command")
@@ -78,23 +78,6 @@ QString describe(const CLI::ParseError& error, const CLI::App& app)
     return suggestion.isEmpty() ? message
                                 : message + QStringLiteral("; did you mean \"%1\"?").arg(suggestion);
 }
-
-// Says of an option what its value is and whether it must be given, and nothing else.
-class HelpFormatter : public CLI::Formatter
-{
-public:
-    std::string make_option_opts(const CLI::Option* option) const override
-    {
-        std::string text;
-        if (option->get_type_size() != 0 && !option->get_positional()) {
-            text += " " + option->get_type_name();
-        }
-        if (option->get_required()) {
-            text += " (required)";
-        }
-        return text;
-    }
-};
 
 ExitCode writeUsageError(const QString& message, const CLI::App& app)
 {
@@ -118,24 +101,25 @@ CommandLine::CommandLine()
     m_app.allow_windows_style_options(false);
     m_app.require_subcommand(1);
     m_app.formatter(std::make_shared<HelpFormatter>());
-    m_app.get_formatter()->column_width(titleColumn);
     addCommonOptions();
     addMonitoringCommands(m_app, m_command);
     addCategoryCommands(m_app, m_command);
     addSubCategoryCommands(m_app, m_command);
     addPointCommands(m_app, m_command);
+    addSampleCommands(m_app, m_command);
     addStatisticsCommands(m_app, m_command);
     addGroupCommands(m_app, m_command);
     addDataCommands(m_app, m_command);
     addAlarmCommands(m_app, m_command);
+    addChangeCommands(m_app, m_command);
     addPermissionCommands(m_app, m_command);
-    options::setExamples(m_app, "  rkmon monitoring list\n"
-                                "  rkmon monitoring create --name VH --category Slope\n"
-                                "  rkmon monitoring list --name '^LS-' --json\n"
-                                "  rkmon can create Slope\n\n"
-                                "Exit status: 0 done, 1 refused or failed, 2 usage, 3 not permitted, 4 not "
-                                "found,\n5 no connection or no answer within the deadline, 130 interrupted.\n"
-                                "The options above go with every command.");
+    addProjectCommands(m_app, m_command);
+    addServiceCommands(m_app, m_command);
+    m_help = &addHelpCommand(m_app, m_helpWords);
+    options::setExamples(m_app, "  rkmon monitoring list --name '^LS-' --json\n"
+                                "  rkmon help exit-codes\n\n"
+                                "The options above go with every command. Topics of rkmon help:\n"
+                                "configuration, exit-codes, import, output, times.");
 }
 
 void CommandLine::addCommonOptions()
@@ -148,14 +132,20 @@ void CommandLine::addCommonOptions()
                      "File that holds the token (RKMON_TOKEN_FILE)")
         ->type_name("FILE");
     options::addText(m_app, "--config", m_overrides.configFile,
-                     "Configuration file instead of the usual rkmon/config.ini")
+                     "Configuration file; usually rkmon/config.ini")
         ->type_name("FILE");
+    options::addText(m_app, "--profile", m_overrides.profile,
+                     "Profile of the configuration file (RKMON_PROFILE)")
+        ->type_name("PROFILE");
     options::addText(m_app, "--deadline", m_overrides.deadline, "Longest time for one request")
         ->type_name("SECONDS");
-    options::addText(m_app, "--ca-file", m_overrides.caFile, "Certificates to trust instead of the system's")
+    options::addText(m_app, "--ca-file", m_overrides.caFile, "Certificates to trust (RKMON_CA_FILE)")
         ->type_name("FILE");
     CLI::Option* json = m_app.add_flag("--json", m_isJson, "Write JSON");
     m_app.add_flag("--csv", m_isCsv, "Write comma-separated values (RFC 4180)")->excludes(json);
+    options::addTexts(m_app, "--columns", m_columns, "Columns of a list, by the keys of its JSON")
+        ->delimiter(',')
+        ->type_name("KEY,...");
 }
 
 OutputForm CommandLine::form() const
@@ -184,6 +174,9 @@ std::optional<ExitCode> CommandLine::parse(const QStringList& words)
     } catch (const CLI::ParseError& error) {
         const CLI::App& app = namedCommand(m_app);
         return writeUsageError(describe(error, app), app);
+    }
+    if (m_help->parsed()) {
+        return writeHelp(helpOn(m_app, m_helpWords).toStdString());
     }
     return std::nullopt;
 }

@@ -20,11 +20,14 @@ public:
     CommandLine& operator=(const CommandLine&) = delete;
 
     /// Reads the words after the program's name. Returns the exit status when there is nothing more to do:
-    /// help and version have then been written to standard output, what is wrong to standard error.
+    /// help and version have then been written to standard output, what is wrong to standard error. Throws a
+    /// Failure for help on what there is not.
     std::optional<ExitCode> parse(const QStringList& words);
 
     const ConfigurationOverrides& overrides() const { return m_overrides; }
     OutputForm form() const;
+    /// Keys of the columns that lists are to show; empty: the usual ones.
+    QStringList columns() const { return m_columns; }
     const Command& command() const { return m_command; }
     const CLI::App& app() const { return m_app; }
 
@@ -35,5 +38,8 @@ private:
     ConfigurationOverrides m_overrides;
     bool m_isJson = false;
     bool m_isCsv = false;
+    QStringList m_columns;
+    const CLI::App* m_help = nullptr; ///< the command of that name
+    QStringList m_helpWords;
     Command m_command;
 };

@@ -1,5 +1,7 @@
 #include "CommandOptions.h"
 
+#include "HelpFormatter.h"
+
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -33,10 +35,8 @@ CLI::Option* addTextInto(CLI::App& app, const char* names, Target& target, const
         ->type_name("TEXT");
 }
 
-using Check = std::string(const std::string&);
-
 CLI::Option* addTextsInto(CLI::App& app, const char* names, QStringList& target, const char* description,
-                          const char* typeName, Check check = refuseEmpty)
+                          const char* typeName)
 {
     const auto assign = [&target](const std::vector<std::string>& texts) {
         target.clear();
@@ -45,7 +45,7 @@ CLI::Option* addTextsInto(CLI::App& app, const char* names, QStringList& target,
         }
     };
     return app.add_option_function<std::vector<std::string>>(names, assign, description)
-        ->check(CLI::Validator(check, ""))
+        ->check(CLI::Validator(refuseEmpty, ""))
         ->type_name(typeName);
 }
 
@@ -68,16 +68,23 @@ CLI::Option* addCell(CLI::App& app, QString& cell)
         ->type_name("MONITORING");
 }
 
+CLI::Option* addMonitoring(CLI::App& app, QString& monitoring)
+{
+    return addText(app, "MONITORING", monitoring, "Identifier or exact name")
+        ->required()
+        ->type_name("MONITORING");
+}
+
+CLI::Option* addSubCategory(CLI::App& app, QString& subCategory, const char* description)
+{
+    return addText(app, "--sub-category", subCategory, description)->type_name("SUB-CATEGORY");
+}
+
 CLI::Option* addIdentifier(CLI::App& app, const char* names, QString& target, const char* description)
 {
     return addText(app, names, target, description)
         ->check(CLI::Validator(refuseOtherThanIdentifier, ""))
         ->type_name("ID");
-}
-
-CLI::Option* addIdentifiers(CLI::App& app, const char* names, QStringList& target, const char* description)
-{
-    return addTextsInto(app, names, target, description, "ID", refuseOtherThanIdentifier);
 }
 
 CLI::Option* addTexts(CLI::App& app, const char* names, QStringList& target, const char* description)
@@ -107,9 +114,32 @@ CLI::App& addCommandGroup(CLI::App& root, const char* name, const char* descript
     return group;
 }
 
+namespace {
+
+// An example that is too wide, continued on another line as a shell understands it.
+QString folded(const QString& example)
+{
+    const QString continuation = QStringLiteral(" \\");
+    const QString indent(6, QLatin1Char(' '));
+    const int widest = help::lineWidth - continuation.size();
+    const int option = example.lastIndexOf(QStringLiteral(" --"), widest);
+    const int place = option > indent.size() ? option : example.lastIndexOf(QLatin1Char(' '), widest);
+    if (example.size() <= help::lineWidth || place <= indent.size()) {
+        return example;
+    }
+    return example.left(place) + continuation + QLatin1Char('\n') + folded(indent + example.mid(place + 1));
+}
+
+} // namespace
+
 void setExamples(CLI::App& app, const char* examples)
 {
-    app.footer(std::string("Examples:\n") + examples);
+    QString text = QStringLiteral("Examples:");
+    const QStringList lines = QString::fromUtf8(examples).split(QLatin1Char('\n'));
+    for (const QString& line : lines) {
+        text += QLatin1Char('\n') + folded(line);
+    }
+    app.footer(text.toStdString());
 }
 
 } // namespace options

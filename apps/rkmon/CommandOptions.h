@@ -26,10 +26,15 @@ CLI::Option* addText(CLI::App& app, const char* names, std::optional<QString>& t
 /// An identifier as the service gives it: letters, digits, "-" and "_". It becomes part of a request's path,
 /// where other characters could name another resource.
 CLI::Option* addIdentifier(CLI::App& app, const char* names, QString& target, const char* description);
-CLI::Option* addIdentifiers(CLI::App& app, const char* names, QStringList& target, const char* description);
 
 /// --cell: a monitoring, by identifier or exact name.
 CLI::Option* addCell(CLI::App& app, QString& cell);
+
+/// MONITORING, required: the same where it is what the command is about.
+CLI::Option* addMonitoring(CLI::App& app, QString& monitoring);
+
+/// --sub-category, by identifier, name or alias.
+CLI::Option* addSubCategory(CLI::App& app, QString& subCategory, const char* description);
 
 /// Texts, one for each time that the option is given.
 CLI::Option* addTexts(CLI::App& app, const char* names, QStringList& target, const char* description);

@@ -12,8 +12,13 @@ void addMonitoringCommands(CLI::App& root, Command& chosen);
 void addCategoryCommands(CLI::App& root, Command& chosen);
 void addSubCategoryCommands(CLI::App& root, Command& chosen);
 void addPermissionCommands(CLI::App& root, Command& chosen);
+void addProjectCommands(CLI::App& root, Command& chosen);
+/// whoami, ping
+void addServiceCommands(CLI::App& root, Command& chosen);
 void addPointCommands(CLI::App& root, Command& chosen);
 void addStatisticsCommands(CLI::App& root, Command& chosen);
 void addGroupCommands(CLI::App& root, Command& chosen);
 void addDataCommands(CLI::App& root, Command& chosen);
 void addAlarmCommands(CLI::App& root, Command& chosen);
+void addSampleCommands(CLI::App& root, Command& chosen);
+void addChangeCommands(CLI::App& root, Command& chosen);

@@ -1,5 +1,7 @@
 #include "Completion.h"
 
+#include "HelpTopics.h"
+
 #include <QMap>
 
 #include <CLI/CLI.hpp>
@@ -57,10 +59,16 @@ Position follow(const CLI::App& root, const QStringList& words)
 
 QStringList kindOf(const CLI::Option& option)
 {
+    static const QString subCategoryType = QStringLiteral("SUB-CATEGORY");
     static const QMap<QString, QString> kinds{{QStringLiteral("FILE"), QStringLiteral("@file")},
                                               {QStringLiteral("CATEGORY"), QStringLiteral("@category")},
-                                              {QStringLiteral("MONITORING"), QStringLiteral("@monitoring")}};
-    const QString type = QString::fromStdString(option.get_type_name());
+                                              {QStringLiteral("GROUP"), QStringLiteral("@group")},
+                                              {QStringLiteral("MONITORING"), QStringLiteral("@monitoring")},
+                                              {QStringLiteral("PROFILE"), QStringLiteral("@profile")},
+                                              {QStringLiteral("PROJECT"), QStringLiteral("@project")},
+                                              {subCategoryType, QStringLiteral("@sub-category")}};
+    const bool isSubCategory = option.check_lname("sub-category");
+    const QString type = isSubCategory ? subCategoryType : QString::fromStdString(option.get_type_name());
     if (kinds.contains(type)) {
         return {kinds[type]};
     }
@@ -81,6 +89,19 @@ QStringList optionNames(const CLI::App& app)
     return names;
 }
 
+// What "rkmon help" knows, on which `app` is the command of that name.
+QStringList subjectsOfHelp(const CLI::App& app)
+{
+    QStringList subjects;
+    for (const CLI::App* command : app.get_parent()->get_subcommands({})) {
+        subjects.append(QString::fromStdString(command->get_name()));
+    }
+    for (const HelpTopic& topic : helpTopics()) {
+        subjects.append(topic.name);
+    }
+    return subjects;
+}
+
 QStringList argumentsOf(const CLI::App& app)
 {
     QStringList names;
@@ -91,12 +112,9 @@ QStringList argumentsOf(const CLI::App& app)
         return names;
     }
     for (const CLI::Option* option : app.get_options()) {
-        if (!option->get_positional()) {
-            continue;
+        if (option->get_positional()) {
+            return option->get_type_name() == "TOPIC" ? subjectsOfHelp(app) : kindOf(*option);
         }
-        const bool isMonitoring =
-            option->get_type_name() == "ID" && app.get_parent()->get_name() == "monitoring";
-        return isMonitoring ? QStringList{QStringLiteral("@monitoring")} : kindOf(*option);
     }
     return {};
 }

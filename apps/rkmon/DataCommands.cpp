@@ -1,7 +1,8 @@
 #include "CommandOptions.h"
 #include "Commands.h"
+#include "Confirmation.h"
 #include "DataHeld.h"
-#include "Deletion.h"
+#include "DataUndoCommand.h"
 #include "Lookup.h"
 #include "Pages.h"
 #include "Period.h"
@@ -29,14 +30,22 @@ struct HistoryOptions
     PageOptions page;
 };
 
+struct DataDeleteOptions
+{
+    QString id;
+    Confirmation confirmation;
+};
+
 Sheet dataSheet(Session& session, const QList<RKDataManage>& dataManages)
 {
     Sheet sheet{{column::fixed("ID", "id"), column::text("MONITORING", "cellName"),
-                 column::unlisted("MONITORING ID", "cellId"), column::text("CATEGORY", "category"),
+                 column::unlisted("MONITORING ID", "cellId"),
+                 column::dispensable(2, column::text("CATEGORY", "category")),
                  column::text("SUB-CATEGORY", "subCategoryName"), column::unlisted("ALIAS", "alias"),
                  column::unlisted("SUB-CATEGORY ID", "subCategoryId"), column::fixed("LATEST", "lastDate"),
-                 column::fixed("ROWS", "lastCount"), column::unlisted("FILE", "fileId"),
-                 column::unlisted("UPDATED", "updatedAt"), column::unlisted("UPDATED BY", "updatedBy")},
+                 column::dispensable(1, column::fixed("ROWS", "lastCount")),
+                 column::unlisted("FILE", "fileId"), column::unlisted("UPDATED", "updatedAt"),
+                 column::unlisted("UPDATED BY", "updatedBy")},
                 {}};
     lookup::readMonitoringNamesOf(session, dataManages);
     for (const RKDataManage& data : dataManages) {
@@ -57,10 +66,12 @@ struct IdentifiedHistory
 
 Sheet historySheet(const QList<IdentifiedHistory>& history)
 {
-    Sheet sheet{{column::fixed("DELIVERED", "createdAt"), column::text("BY", "createdBy"),
-                 column::fixed("LATEST", "lastDate"), column::fixed("INSERTED", "insertCount"),
-                 column::fixed("HELD", "lastCount"), column::unlisted("FILE", "fileId"),
-                 column::unlisted("UPDATED", "updatedAt"), column::unlisted("UPDATED BY", "updatedBy")},
+    Sheet sheet{{column::fixed("DELIVERED", "createdAt"),
+                 column::dispensable(2, column::text("BY", "createdBy")),
+                 column::dispensable(1, column::fixed("LATEST", "lastDate")),
+                 column::fixed("INSERTED", "insertCount"), column::fixed("HELD", "lastCount"),
+                 column::unlisted("FILE", "fileId"), column::unlisted("UPDATED", "updatedAt"),
+                 column::unlisted("UPDATED BY", "updatedBy")},
                 {}};
     for (const IdentifiedHistory& identified : history) {
         const HistoryData& entry = identified.entry;
@@ -127,28 +138,15 @@ ExitCode listHistory(Session& session, const HistoryOptions& options)
     return ExitCode::Success;
 }
 
-// The service has no way to ask for one.
-RKDataManage findData(Session& session, const QString& id)
-{
-    const QList<RKDataManage> everything = dataheld::readAll(session, RKDataManageCondition());
-    for (const RKDataManage& data : everything) {
-        if (data.id.compare(id, Qt::CaseInsensitive) == 0) {
-            return data;
-        }
-    }
-    throw Failure(FailureKind::NotFound,
-                  QStringLiteral("there is no data %1; rkmon data list shows it").arg(id));
-}
-
-ExitCode deleteData(Session& session, const DeleteOptions& options)
+ExitCode deleteData(Session& session, const DataDeleteOptions& options)
 {
     const auto question = [&] {
-        const RKDataManage data = findData(session, options.id);
+        const RKDataManage data = dataheld::find(session, options.id);
         const QString monitoring = lookup::currentMonitoringName(session, data.cellId);
         return QStringLiteral("Delete all points, samples, deliveries and alarms of %1 of \"%2\"?")
             .arg(data.alias.isEmpty() ? data.subCategoryId : data.alias, monitoring);
     };
-    if (!confirmed(session, options, question)) {
+    if (!isConfirmed(session, options.confirmation, question)) {
         return ExitCode::Failed;
     }
     session.ask(QStringLiteral("delete data %1").arg(options.id),
@@ -182,7 +180,18 @@ void addHistoryCommand(CLI::App& group, Command& chosen)
                      "With data of this day or earlier");
     app.add_flag("--by-change", values->isByChange, "The period is that of the last change instead");
     addPageOptions(app, values->page);
-    options::setExamples(app, "  rkmon data history 6745d2f0a1b2c3d4e5f60718");
+    options::setExamples(app, "  rkmon data history 6745d2f0a1b2c3d4e5f60718\n"
+                              "  rkmon data history 6745d2f0a1b2c3d4e5f60718 --since 2026-03-01 --by-change");
+}
+
+void addDataDeleteCommand(CLI::App& group, Command& chosen)
+{
+    const auto [app, values] = options::addSubcommand(
+        group, "delete", "Delete data with its points, samples, deliveries and alarms", chosen, deleteData);
+    options::addIdentifier(app, "ID", values->id, "Identifier, as rkmon data list shows it")->required();
+    addConfirmation(app, values->confirmation);
+    options::setExamples(app, "  rkmon data delete 6745d2f0a1b2c3d4e5f60718\n"
+                              "  rkmon data delete --yes 6745d2f0a1b2c3d4e5f60718");
 }
 
 } // namespace
@@ -192,9 +201,8 @@ void addDataCommands(CLI::App& root, Command& chosen)
     CLI::App& group = options::addCommandGroup(root, "data", "List the data held and how it was delivered");
     addDataListCommand(group, chosen);
     addHistoryCommand(group, chosen);
-    CLI::App& remove =
-        addDeleteCommand(group, chosen, "Delete data with its points, samples, deliveries and alarms",
-                         "Identifier, as rkmon data list shows it", deleteData);
-    options::setExamples(remove, "  rkmon data delete 6745d2f0a1b2c3d4e5f60718");
-    options::setExamples(group, "  rkmon data list --cell VH");
+    addDataUndoCommand(group, chosen);
+    addDataDeleteCommand(group, chosen);
+    options::setExamples(group, "  rkmon data list --cell VH\n"
+                                "  rkmon data undo --cell VH --sub-category SM");
 }

@@ -1,7 +1,7 @@
 #include "CommandOptions.h"
 #include "Commands.h"
+#include "Confirmation.h"
 #include "DailyLimit.h"
-#include "Deletion.h"
 #include "Lookup.h"
 #include "RecordChecks.h"
 #include "ThresholdGroups.h"
@@ -37,22 +37,36 @@ struct CreateOptions
     GroupMemberOptions members;
 };
 
+// One group, as the user says it.
+struct GroupTarget
+{
+    QString group;
+    QString cell;
+};
+
 struct GroupUpdateOptions
 {
-    QString id;
+    GroupTarget target;
     GroupMemberOptions members;
+};
+
+struct GroupDeleteOptions
+{
+    GroupTarget target;
+    Confirmation confirmation;
 };
 
 Sheet groupSheet(Session& session, const QList<PointLocSetting>& groups)
 {
     Sheet sheet{{column::fixed("ID", "id"), column::text("MONITORING", "cellName"),
-                 column::unlisted("MONITORING ID", "cellId"), column::text("SUB-CATEGORY", "subCategoryName"),
+                 column::unlisted("MONITORING ID", "cellId"),
+                 column::dispensable(1, column::text("SUB-CATEGORY", "subCategoryName")),
                  column::unlisted("SUB-CATEGORY ID", "subCategoryId"), column::text("NAME", "name"),
-                 column::text("POINTS", "points"), column::fixed("TOTAL LIMIT", "totalLimit"),
-                 column::fixed("DAILY LIMIT", "dailyLimit"), column::fixed("DAILY IN", "dailyIn"),
-                 column::unlisted("VIEW PORT", "viewPortId"), column::unlisted("CREATED", "createdAt"),
-                 column::unlisted("CREATED BY", "createdBy"), column::unlisted("UPDATED", "updatedAt"),
-                 column::unlisted("UPDATED BY", "updatedBy")},
+                 column::dispensable(2, column::text("POINTS", "points")),
+                 column::fixed("TOTAL LIMIT", "totalLimit"), column::fixed("DAILY LIMIT", "dailyLimit"),
+                 column::fixed("DAILY IN", "dailyIn"), column::unlisted("VIEW PORT", "viewPortId"),
+                 column::unlisted("CREATED", "createdAt"), column::unlisted("CREATED BY", "createdBy"),
+                 column::unlisted("UPDATED", "updatedAt"), column::unlisted("UPDATED BY", "updatedBy")},
                 {}};
     lookup::readMonitoringNamesOf(session, groups);
     for (const PointLocSetting& group : groups) {
@@ -75,26 +89,48 @@ ExitCode listGroups(Session& session, const GroupListOptions& options)
     if (!options.cell.isEmpty()) {
         groups = groupsOfMonitoring(session, lookup::monitoring(session, options.cell));
     } else {
-        for (const QString& category :
-             options.category.isEmpty() ? lookup::categories(session) : QStringList{options.category}) {
-            groups.append(groupsOfCategory(session, category));
-        }
+        groups = options.category.isEmpty() ? groupsOfProject(session)
+                                            : groupsOfCategory(session, options.category);
     }
     session.output().addList(groupSheet(session, groups));
     return ExitCode::Success;
 }
 
-// The service has no way to ask for one group.
-PointLocSetting findGroup(Session& session, const QString& id)
+// Of several groups of one name, each with what tells it apart.
+QStringList candidatesOf(Session& session, const QList<PointLocSetting>& groups)
 {
-    for (const QString& category : lookup::categories(session)) {
-        for (const PointLocSetting& group : groupsOfCategory(session, category)) {
-            if (group.id.compare(id, Qt::CaseInsensitive) == 0) {
-                return group;
-            }
+    QStringList candidates;
+    for (const PointLocSetting& group : groups) {
+        candidates.append(QStringLiteral("%1 (%2, %3)")
+                              .arg(group.id, lookup::monitoringName(session, group.cellId),
+                                   lookup::subCategoryName(session, group.subCategoryId)));
+    }
+    return candidates;
+}
+
+// The service has no way to ask for one group.
+PointLocSetting findGroup(Session& session, const GroupTarget& target)
+{
+    const QList<PointLocSetting> groups =
+        target.cell.isEmpty() ? groupsOfProject(session)
+                              : groupsOfMonitoring(session, lookup::monitoring(session, target.cell));
+    QList<PointLocSetting> found;
+    for (const PointLocSetting& group : groups) {
+        if (group.id.compare(target.group, Qt::CaseInsensitive) == 0) {
+            return group;
+        }
+        if (group.groupName == target.group) {
+            found.append(group);
         }
     }
-    throw Failure(FailureKind::NotFound, QStringLiteral("there is no group %1").arg(id));
+    if (found.isEmpty()) {
+        throw Failure(FailureKind::NotFound, QStringLiteral("there is no group \"%1\"").arg(target.group));
+    }
+    if (found.size() > 1) {
+        throw Failure(FailureKind::BadInput, lookup::severalText(QStringLiteral("groups"), target.group,
+                                                                 candidatesOf(session, found)));
+    }
+    return found.constFirst();
 }
 
 double limitOf(double limit, const char* option)
@@ -154,7 +190,7 @@ ExitCode updateGroup(Session& session, const GroupUpdateOptions& options)
     }
     PointLocSetting checked;
     assignMembers(members, checked); // refused before anything is sent
-    const PointLocSetting before = findGroup(session, options.id);
+    const PointLocSetting before = findGroup(session, options.target);
     // Its names, before anything is changed: if reading them failed afterwards, the result could not be
     // shown.
     lookup::monitoringName(session, before.cellId);
@@ -164,7 +200,7 @@ ExitCode updateGroup(Session& session, const GroupUpdateOptions& options)
     if (isSame(before, group)) {
         session.note(QStringLiteral("nothing to change"));
     } else {
-        const QString purpose = QStringLiteral("update group %1").arg(options.id);
+        const QString purpose = QStringLiteral("update group %1").arg(before.id);
         session.ask(purpose, [&] { return session.data().updateGroup(before, group); });
         requireIdentifier(group, purpose, QStringLiteral("a group"));
     }
@@ -172,20 +208,24 @@ ExitCode updateGroup(Session& session, const GroupUpdateOptions& options)
     return ExitCode::Success;
 }
 
-ExitCode deleteGroup(Session& session, const DeleteOptions& options)
+ExitCode deleteGroup(Session& session, const GroupDeleteOptions& options)
 {
+    QString id = lookup::isIdentifier(options.target.group) ? options.target.group : QString();
     const auto question = [&] {
-        const PointLocSetting group = findGroup(session, options.id);
+        const PointLocSetting group = findGroup(session, options.target);
+        id = group.id;
         return QStringLiteral("Delete group \"%1\" (%2)? Its %3 points lose their limits.")
             .arg(group.groupName, group.id)
             .arg(group.groupPoint.size());
     };
-    if (!confirmed(session, options, question)) {
+    if (!isConfirmed(session, options.confirmation, question)) {
         return ExitCode::Failed;
     }
-    session.ask(QStringLiteral("delete group %1").arg(options.id),
-                [&] { return session.data().deleteGroup(options.id); });
-    session.note(QStringLiteral("deleted group %1").arg(options.id));
+    if (id.isEmpty()) {
+        id = findGroup(session, options.target).id;
+    }
+    session.ask(QStringLiteral("delete group %1").arg(id), [&] { return session.data().deleteGroup(id); });
+    session.note(QStringLiteral("deleted group %1").arg(id));
     return ExitCode::Success;
 }
 
@@ -219,38 +259,50 @@ void addGroupCreateCommand(CLI::App& group, Command& chosen)
     const auto [app, values] = options::addSubcommand(
         group, "create", "Create a threshold group and print its identifier", chosen, createGroup);
     options::addCell(app, values->cell)->required();
-    options::addText(app, "--sub-category", values->subCategory,
-                     "What its points measure, by identifier, name or alias")
+    options::addSubCategory(app, values->subCategory, "What its points measure, by identifier, name or alias")
         ->required();
     addMemberOptions(app, values->members);
     app.get_option("--name")->required();
     app.get_option("--point")->required();
     options::setExamples(app, "  rkmon group create --cell VH --sub-category SM --name 'Probes' \\\n"
-                              "      --point VH-W1 --point VH-W2 --total-limit 0.02 --daily-limit 0.01");
+                              "      --point VH-W1 --point VH-W2 --total-limit 0.02 --daily-limit 0.01\n"
+                              "  rkmon group create --cell M1 --sub-category SM --name A --point W1");
 }
 
-void addChangeCommands(CLI::App& group, Command& chosen)
+void addTargetOptions(CLI::App& app, GroupTarget& target)
+{
+    options::addText(app, "GROUP", target.group, "Identifier, or name where only one has it")
+        ->required()
+        ->type_name("GROUP");
+    options::addCell(app, target.cell)->description("Monitoring of the group, by identifier or exact name");
+}
+
+void addGroupChangeCommands(CLI::App& group, Command& chosen)
 {
     const auto [update, updated] = options::addSubcommand(
         group, "update", "Change a threshold group; only what differs is sent", chosen, updateGroup);
-    options::addIdentifier(update, "ID", updated->id, "Identifier of the group")->required();
+    addTargetOptions(update, updated->target);
     addMemberOptions(update, updated->members);
-    options::setExamples(update, "  rkmon group update 6745d2f0a1b2c3d4e5f60718 --total-limit 0.03");
+    options::setExamples(update, "  rkmon group update Probes --cell VH --total-limit 0.03\n"
+                                 "  rkmon group update 6745d2f0a1b2c3d4e5f60718 --name 'Upper probes'");
 
-    CLI::App& remove =
-        addDeleteCommand(group, chosen, "Delete a threshold group", "Identifier of the group", deleteGroup);
-    options::setExamples(remove, "  rkmon group delete --yes 6745d2f0a1b2c3d4e5f60718");
+    const auto [remove, removed] =
+        options::addSubcommand(group, "delete", "Delete a threshold group", chosen, deleteGroup);
+    addTargetOptions(remove, removed->target);
+    addConfirmation(remove, removed->confirmation);
+    options::setExamples(remove, "  rkmon group delete Probes --cell VH\n"
+                                 "  rkmon group delete --yes 6745d2f0a1b2c3d4e5f60718");
 }
 
 } // namespace
 
 void addGroupCommands(CLI::App& root, Command& chosen)
 {
-    CLI::App& group = options::addCommandGroup(
-        root, "group", "List and change threshold groups: the limits of points' variations");
+    CLI::App& group =
+        options::addCommandGroup(root, "group", "List and change threshold groups, which limit points");
     addGroupListCommand(group, chosen);
     addGroupCreateCommand(group, chosen);
-    addChangeCommands(group, chosen);
+    addGroupChangeCommands(group, chosen);
     options::setExamples(group, "  rkmon group list --cell VH\n"
                                 "  rkmon group create --help");
 }

@@ -2,6 +2,7 @@
 
 #include "CommandOptions.h"
 #include "Failure.h"
+#include "HelpFormatter.h"
 
 namespace {
 
@@ -170,7 +171,8 @@ void addTimeOptions(CLI::App& app, MappingOptions& values)
 {
     restrictTo(options::addTexts(app, "--time-format", values.timeFormats,
                                  "How times are written; detected unless given"),
-               timeFormatNames());
+               timeFormatNames())
+        ->type_name("FORMAT");
     CLI::Option* zone = options::addText(app, "--time-zone", values.timeZone,
                                          "Zone of times that have no offset from UTC, with its summer time");
     zone->type_name("ZONE");
@@ -190,6 +192,12 @@ void addMappingOptions(CLI::App& app, MappingOptions& values)
     addTableOptions(app, values);
     addTextOptions(app, values);
     addTimeOptions(app, values);
+    // More than a screen holds: the help of the command names the topic that has them.
+    for (const char* rare : {"--layout", "--column", "--constant", "--without", "--no-reading", "--encoding",
+                             "--sheet", "--skip-lines", "--skip-lines-below-header", "--no-header",
+                             "--delimiter", "--decimal", "--utc-offset", "--doubled-hour"}) {
+        app.get_option(rare)->group(help::groupOfTopic);
+    }
 }
 
 FileMapping mappingOf(const MappingOptions& options)

@@ -1,6 +1,6 @@
 #include "CommandOptions.h"
 #include "Commands.h"
-#include "Deletion.h"
+#include "Confirmation.h"
 #include "Lookup.h"
 #include "MonitoringFilter.h"
 #include "MonitoringSheet.h"
@@ -20,14 +20,14 @@ struct CountOptions
     MonitoringFilter filter;
 };
 
-struct IdOptions
+struct MonitoringShowOptions
 {
-    QString id;
+    QString monitoring;
 };
 
 struct NameOptions
 {
-    QStringList ids;
+    QStringList monitorings;
 };
 
 // The members of a monitoring that the user may set.
@@ -42,8 +42,14 @@ struct MonitoringMemberOptions
 
 struct MonitoringUpdateOptions
 {
-    QString id;
+    QString monitoring;
     MonitoringMemberOptions members;
+};
+
+struct MonitoringDeleteOptions
+{
+    QString monitoring;
+    Confirmation confirmation;
 };
 
 QList<RKMonitoring> readPage(Session& session, const RKMonitoringCondition& condition, int skip, int limit)
@@ -81,9 +87,9 @@ ExitCode countMonitorings(Session& session, const CountOptions& options)
     return ExitCode::Success;
 }
 
-ExitCode showMonitoring(Session& session, const IdOptions& options)
+ExitCode showMonitoring(Session& session, const MonitoringShowOptions& options)
 {
-    session.output().addRecord(monitoringSheet({lookup::monitoringById(session, options.id)}));
+    session.output().addRecord(monitoringSheet({lookup::monitoring(session, options.monitoring)}));
     return ExitCode::Success;
 }
 
@@ -100,13 +106,14 @@ ExitCode nameMonitorings(Session& session, const NameOptions& options)
 {
     QList<QPair<QString, QString>> cells;
     QStringList names;
-    QMap<QString, QString> known; // one that is named twice is asked for once
-    for (const QString& id : options.ids) {
-        if (!known.contains(id)) {
-            known[id] = lookup::currentMonitoringName(session, id);
+    QMap<QString, QPair<QString, QString>> known; // one that is given twice is asked for once
+    for (const QString& text : options.monitorings) {
+        if (!known.contains(text)) {
+            const RKMonitoring monitoring = lookup::monitoring(session, text);
+            known[text] = {monitoring.id, monitoring.name};
         }
-        names.append(known[id]);
-        cells.append({id, known[id]});
+        names.append(known[text].second);
+        cells.append(known[text]);
     }
     session.output().addTexts(nameSheet(cells), names);
     return ExitCode::Success;
@@ -181,13 +188,13 @@ ExitCode updateMonitoring(Session& session, const MonitoringUpdateOptions& optio
     if (options.members.alarmTo) {
         recipientsOf(*options.members.alarmTo); // refused before anything is sent
     }
-    const RKMonitoring before = lookup::monitoringById(session, options.id);
+    const RKMonitoring before = lookup::monitoring(session, options.monitoring);
     RKMonitoring monitoring = before;
     assignMembers(options.members, monitoring);
     if (isSame(before, monitoring)) {
         session.note(QStringLiteral("nothing to change"));
     } else {
-        const QString purpose = QStringLiteral("update monitoring %1").arg(options.id);
+        const QString purpose = QStringLiteral("update monitoring %1").arg(before.id);
         session.ask(purpose, [&] { return session.data().updateMonitoring(monitoring); });
         requireIdentifier(monitoring, purpose, QStringLiteral("a monitoring"));
     }
@@ -195,19 +202,24 @@ ExitCode updateMonitoring(Session& session, const MonitoringUpdateOptions& optio
     return ExitCode::Success;
 }
 
-ExitCode deleteMonitoring(Session& session, const DeleteOptions& options)
+ExitCode deleteMonitoring(Session& session, const MonitoringDeleteOptions& options)
 {
+    QString id = lookup::isIdentifier(options.monitoring) ? options.monitoring : QString();
     const auto question = [&] {
-        const RKMonitoring monitoring = lookup::monitoringById(session, options.id);
+        const RKMonitoring monitoring = lookup::monitoring(session, options.monitoring);
+        id = monitoring.id;
         return QStringLiteral("Delete monitoring \"%1\" (%2, %3)?")
             .arg(monitoring.name, monitoring.category, monitoring.id);
     };
-    if (!confirmed(session, options, question)) {
+    if (!isConfirmed(session, options.confirmation, question)) {
         return ExitCode::Failed;
     }
-    session.ask(QStringLiteral("delete monitoring %1").arg(options.id),
-                [&] { return session.data().deleteMonitoring(options.id); });
-    session.note(QStringLiteral("deleted monitoring %1").arg(options.id));
+    if (id.isEmpty()) {
+        id = lookup::monitoring(session, options.monitoring).id;
+    }
+    session.ask(QStringLiteral("delete monitoring %1").arg(id),
+                [&] { return session.data().deleteMonitoring(id); });
+    session.note(QStringLiteral("deleted monitoring %1").arg(id));
     return ExitCode::Success;
 }
 
@@ -241,19 +253,24 @@ void addMonitoringReadingCommands(CLI::App& group, Command& chosen)
 {
     const auto [show, shown] =
         options::addSubcommand(group, "show", "Show one monitoring", chosen, showMonitoring);
-    options::addIdentifier(show, "ID", shown->id, "Identifier of the monitoring")->required();
-    options::setExamples(show, "  rkmon monitoring show 6745d2f0a1b2c3d4e5f60718\n"
+    options::addMonitoring(show, shown->monitoring);
+    options::setExamples(show, "  rkmon monitoring show VH\n"
                                "  rkmon monitoring show 6745d2f0a1b2c3d4e5f60718 --json");
 
     const auto [name, named] =
         options::addSubcommand(group, "name", "Print the names of monitorings", chosen, nameMonitorings);
-    options::addIdentifiers(name, "ID", named->ids, "Identifiers of monitorings")->required();
-    options::setExamples(name, "  rkmon monitoring name 6745d2f0a1b2c3d4e5f60718");
+    options::addTexts(name, "MONITORING", named->monitorings, "Identifiers or exact names")
+        ->required()
+        ->allow_extra_args()
+        ->type_name("MONITORING");
+    options::setExamples(name, "  rkmon monitoring name 6745d2f0a1b2c3d4e5f60718\n"
+                               "  rkmon monitoring name VH --json");
 
     const auto [ids, unused] = options::addSubcommand(
         group, "ids", "List identifier and name of every monitoring", chosen, listIdentifiers);
     Q_UNUSED(unused)
-    options::setExamples(ids, "  rkmon monitoring ids --csv");
+    options::setExamples(ids, "  rkmon monitoring ids\n"
+                              "  rkmon monitoring ids --csv");
 }
 
 void addMonitoringCreateCommand(CLI::App& group, Command& chosen)
@@ -274,7 +291,7 @@ void addUpdateCommand(CLI::App& group, Command& chosen)
 {
     const auto [app, values] = options::addSubcommand(
         group, "update", "Change a monitoring; only what differs is sent", chosen, updateMonitoring);
-    options::addIdentifier(app, "ID", values->id, "Identifier of the monitoring")->required();
+    options::addMonitoring(app, values->monitoring);
     MonitoringMemberOptions& members = values->members;
     options::addText(app, "--name", members.name, "New name");
     options::addText(app, "--category", members.category, "New category")->type_name("CATEGORY");
@@ -283,8 +300,18 @@ void addUpdateCommand(CLI::App& group, Command& chosen)
     addRecipientOptions(app, members);
     app.add_flag("--no-alarm-to", members.isNobodyAlarmed, "Nobody receives its alarms")
         ->excludes("--alarm-to");
-    options::setExamples(app, "  rkmon monitoring update 6745d2f0a1b2c3d4e5f60718 --name 'VH upper'\n"
+    options::setExamples(app, "  rkmon monitoring update VH --name 'VH upper'\n"
                               "  rkmon monitoring update 6745d2f0a1b2c3d4e5f60718 --alarm-to ana,ben");
+}
+
+void addMonitoringDeleteCommand(CLI::App& group, Command& chosen)
+{
+    const auto [app, values] =
+        options::addSubcommand(group, "delete", "Delete a monitoring", chosen, deleteMonitoring);
+    options::addMonitoring(app, values->monitoring);
+    addConfirmation(app, values->confirmation);
+    options::setExamples(app, "  rkmon monitoring delete VH\n"
+                              "  rkmon monitoring delete --yes 6745d2f0a1b2c3d4e5f60718");
 }
 
 } // namespace
@@ -296,10 +323,7 @@ void addMonitoringCommands(CLI::App& root, Command& chosen)
     addMonitoringReadingCommands(group, chosen);
     addMonitoringCreateCommand(group, chosen);
     addUpdateCommand(group, chosen);
-    CLI::App& remove = addDeleteCommand(group, chosen, "Delete a monitoring", "Identifier of the monitoring",
-                                        deleteMonitoring);
-    options::setExamples(remove, "  rkmon monitoring delete 6745d2f0a1b2c3d4e5f60718\n"
-                                 "  rkmon monitoring delete --yes 6745d2f0a1b2c3d4e5f60718");
+    addMonitoringDeleteCommand(group, chosen);
     addCountCommand(group, chosen);
     options::setExamples(group, "  rkmon monitoring list --name '^LS-'\n"
                                 "  rkmon monitoring create --name VH --category Slope\n"

@@ -7,11 +7,11 @@ QVector<Column> monitoringColumns()
     return {column::fixed("ID", "id"),
             column::text("NAME", "name"),
             column::text("CATEGORY", "category"),
-            column::text("MODEL", "modelId"),
-            column::text("ALARM TO", "alarmTo"),
+            column::dispensable(3, column::text("MODEL", "modelId")),
+            column::dispensable(2, column::text("ALARM TO", "alarmTo")),
             column::unlisted("CREATED", "createdAt"),
             column::unlisted("CREATED BY", "createdBy"),
-            column::fixed("UPDATED", "updatedAt"),
+            column::dispensable(1, column::fixed("UPDATED", "updatedAt")),
             column::unlisted("UPDATED BY", "updatedBy")};
 }
 

@@ -6,7 +6,6 @@
 #include "Table.h"
 #include "Terminal.h"
 
-#include <QDateTime>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -16,13 +15,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
-namespace {
-
-using Zone = std::function<QTimeZone()>;
-
-// Date, time of day and offset in a zone, without the fraction.
-QString zonedTimeText(const QDateTime& time, const Zone& zone)
+QString shownTime(const QDateTime& time, const QTimeZone& zone)
 {
     // YYYY-MM-DDThh:mm:ss.zzz and the offset
     constexpr int dateLength = 10;
@@ -32,10 +27,14 @@ QString zonedTimeText(const QDateTime& time, const Zone& zone)
     if (!time.isValid()) {
         return QString();
     }
-    const QString text = RKPub::getQStringByDateTime(time.toTimeZone(zone()));
+    const QString text = RKPub::getQStringByDateTime(time.toTimeZone(zone));
     return QStringLiteral("%1 %2 %3")
         .arg(text.left(dateLength), text.mid(timeBegin, timeLength), text.mid(offsetBegin));
 }
+
+namespace {
+
+using Zone = std::function<QTimeZone()>;
 
 // The number in twelve digits; a text that is none as it is.
 QString roundedText(const QVariant& cell)
@@ -48,12 +47,15 @@ QString roundedText(const QVariant& cell)
 
 QString tableText(const QVariant& cell, const Column& column, const Zone& zone)
 {
+    if (cell.canConvert<ShownCell>()) {
+        return cell.value<ShownCell>().text;
+    }
     if (column.isComputed) {
         return roundedText(cell);
     }
     switch (static_cast<QMetaType::Type>(cell.type())) {
-    case QMetaType::QDateTime:
-        return zonedTimeText(cell.toDateTime(), zone);
+    case QMetaType::QDateTime: // the zone is asked for only where there is a time
+        return cell.toDateTime().isValid() ? shownTime(cell.toDateTime(), zone()) : QString();
     case QMetaType::QStringList:
         return cell.toStringList().join(QLatin1String(", "));
     case QMetaType::Bool:
@@ -65,11 +67,17 @@ QString tableText(const QVariant& cell, const Column& column, const Zone& zone)
 
 QString csvText(const QVariant& cell)
 {
+    if (cell.canConvert<ShownCell>()) {
+        return csvText(cell.value<ShownCell>().value);
+    }
     switch (static_cast<QMetaType::Type>(cell.type())) {
     case QMetaType::QDateTime:
         return RKPub::getQStringByDateTime(cell.toDateTime());
     case QMetaType::QStringList:
         return cell.toStringList().join(QLatin1Char(';'));
+    case QMetaType::QVariantMap:
+    case QMetaType::QVariantList:
+        return QString::fromUtf8(QJsonDocument::fromVariant(cell).toJson(QJsonDocument::Compact));
     default:
         return cell.toString();
     }
@@ -77,6 +85,9 @@ QString csvText(const QVariant& cell)
 
 QJsonValue jsonValue(const QVariant& cell)
 {
+    if (cell.canConvert<ShownCell>()) {
+        return jsonValue(cell.value<ShownCell>().value);
+    }
     switch (static_cast<QMetaType::Type>(cell.type())) {
     case QMetaType::QDateTime: {
         const QString text = RKPub::getQStringByDateTime(cell.toDateTime());
@@ -117,6 +128,26 @@ QByteArray csvLines(const Sheet& sheet)
     return lines.toUtf8();
 }
 
+// Where the columns with these keys stand.
+QVector<int> columnIndexes(const QVector<Column>& columns, const QStringList& keys)
+{
+    QStringList known;
+    for (const Column& column : columns) {
+        known.append(column.key);
+    }
+    QVector<int> indexes;
+    for (const QString& key : keys) {
+        const int index = known.indexOf(key);
+        if (index < 0) {
+            throw Failure(FailureKind::BadInput,
+                          QStringLiteral("--columns: there is no column \"%1\"; known are %2")
+                              .arg(key, known.join(QStringLiteral(", "))));
+        }
+        indexes.append(index);
+    }
+    return indexes;
+}
+
 table::Layout tableLayout()
 {
     return {terminal::isTerminal(stdout) ? terminal::width() : 0, terminal::hasColour()};
@@ -124,16 +155,11 @@ table::Layout tableLayout()
 
 QByteArray tableLines(const Sheet& sheet, const Zone& zone)
 {
-    QStringList titles;
-    QVector<int> fixedColumns;
+    QVector<table::Heading> headings;
     for (const Column& column : sheet.columns) {
-        if (!column.isListed) {
-            continue;
+        if (column.isListed) {
+            headings.append({column.title, column.isFixed, column.dispensability});
         }
-        if (column.isFixed) {
-            fixedColumns.append(titles.size());
-        }
-        titles.append(column.title);
     }
     QVector<QStringList> rows;
     rows.reserve(sheet.rows.size());
@@ -146,7 +172,7 @@ QByteArray tableLines(const Sheet& sheet, const Zone& zone)
         }
         rows.append(texts);
     }
-    return table::listLines(titles, rows, fixedColumns, tableLayout()).toUtf8();
+    return table::listLines(headings, rows, tableLayout()).toUtf8();
 }
 
 QByteArray recordLines(const Sheet& sheet, const Zone& zone)
@@ -162,8 +188,54 @@ QByteArray recordLines(const Sheet& sheet, const Zone& zone)
 
 } // namespace
 
-void Output::addList(const Sheet& sheet)
+namespace cell {
+
+QVariant shownAs(const QVariant& value, const QString& text)
 {
+    return QVariant::fromValue(ShownCell{value, text});
+}
+
+QVariant number(double value, std::optional<qint32> decimals)
+{
+    if (!decimals) {
+        return value;
+    }
+    const QString text = QString::number(value, 'f', *decimals);
+    const bool isNegativeZero = text.startsWith(QLatin1Char('-')) && text.toDouble() == 0.0;
+    return shownAs(value, isNegativeZero ? text.mid(1) : text);
+}
+
+} // namespace cell
+
+Output::Output(OutputForm form, QStringList columns) : m_form(form), m_columns(std::move(columns)) {}
+
+Sheet Output::chosen(const Sheet& sheet) const
+{
+    if (m_columns.isEmpty()) {
+        return sheet;
+    }
+    const QVector<int> indexes = columnIndexes(sheet.columns, m_columns);
+    Sheet result;
+    for (const int index : indexes) {
+        Column column = sheet.columns[index];
+        column.isListed = true;
+        column.dispensability = 0;
+        result.columns.append(column);
+    }
+    for (const QVariantList& row : sheet.rows) {
+        QVariantList cells;
+        for (const int index : indexes) {
+            cells.append(row[index]);
+        }
+        result.rows.append(cells);
+    }
+    return result;
+}
+
+void Output::addList(const Sheet& everything)
+{
+    const Sheet sheet = chosen(everything);
+    m_hasList = true;
     switch (m_form) {
     case OutputForm::Table:
         m_content += tableLines(sheet, m_zone);

@@ -44,15 +44,16 @@ void addQuestion(CLI::App& group, Command& chosen, const char* action, const cha
 {
     const auto [app, values] = options::addSubcommand(group, action, description, chosen, run);
     options::addText(app, "CATEGORY", values->category, "The category")->required()->type_name("CATEGORY");
-    options::setExamples(app, (std::string("  rkmon can ") + action + " Slope && echo yes").c_str());
+    const std::string command = std::string("  rkmon can ") + action;
+    options::setExamples(app, (command + " Slope && echo yes\n" + command + " Slope --json").c_str());
 }
 
 } // namespace
 
 void addPermissionCommands(CLI::App& root, Command& chosen)
 {
-    CLI::App& group = options::addCommandGroup(
-        root, "can", "Ask whether the token permits something: status 0 when it does, 3 when not");
+    CLI::App& group =
+        options::addCommandGroup(root, "can", "Ask what the token permits: status 0 if it does, else 3");
     addQuestion(group, chosen, "create", "May monitorings of a category be created?", canCreate);
     addQuestion(group, chosen, "edit", "May monitorings of a category be changed?", canEdit);
     addQuestion(group, chosen, "delete", "May monitorings of a category be deleted?", canDelete);

@@ -1,6 +1,7 @@
 #include "CommandOptions.h"
 #include "Commands.h"
 #include "Lookup.h"
+#include "PointChangeCommands.h"
 #include "PointFilter.h"
 #include "PointImportCommand.h"
 #include "PointNames.h"
@@ -192,7 +193,8 @@ void addListCommands(CLI::App& group, Command& chosen)
     const auto [latest, newest] =
         options::addSubcommand(group, "latest", "Show the point that was measured last", chosen, showLatest);
     addPointFilterOptions(latest, newest->filter);
-    options::setExamples(latest, "  rkmon point latest --cell VH");
+    options::setExamples(latest, "  rkmon point latest --cell VH\n"
+                                 "  rkmon point latest --cell VH --sub-category SM --json");
 }
 
 void addPointReadingCommands(CLI::App& group, Command& chosen)
@@ -200,7 +202,8 @@ void addPointReadingCommands(CLI::App& group, Command& chosen)
     const auto [show, shown] = options::addSubcommand(group, "show", "Show one point", chosen, showPoint);
     options::addIdentifier(show, "ID", shown->id, "Identifier of the point")->required();
     addSamplesOption(show, shown->hasSamples);
-    options::setExamples(show, "  rkmon point show 6745d2f0a1b2c3d4e5f60718 --samples");
+    options::setExamples(show, "  rkmon point show 6745d2f0a1b2c3d4e5f60718\n"
+                               "  rkmon point show 6745d2f0a1b2c3d4e5f60718 --samples --csv");
 
     const auto [find, found] =
         options::addSubcommand(group, "find", "List the points related to something", chosen, findPoints);
@@ -209,7 +212,8 @@ void addPointReadingCommands(CLI::App& group, Command& chosen)
         ->required()
         ->type_name("UUID");
     addSamplesOption(find, found->hasSamples);
-    options::setExamples(find, "  rkmon point find 7f1c2a9e-5b1d-4c0e-9f63-2d1f0c9b8a77");
+    options::setExamples(find, "  rkmon point find 7f1c2a9e-5b1d-4c0e-9f63-2d1f0c9b8a77\n"
+                               "  rkmon point find 7f1c2a9e-5b1d-4c0e-9f63-2d1f0c9b8a77 --json");
 }
 
 void addLinkCommand(CLI::App& group, Command& chosen)
@@ -224,7 +228,8 @@ void addLinkCommand(CLI::App& group, Command& chosen)
     CLI::Option* links = options::addTexts(app, "--link", values->links, "A relation; once for each")
                              ->type_name("RELATION=ID");
     app.add_flag("--no-links", values->isUnlinked, "No relations from now on")->excludes(links);
-    options::setExamples(app, "  rkmon point link --cell VH --name VH-W1 --link model=7f1c2a9e");
+    options::setExamples(app, "  rkmon point link --cell VH --name VH-W1 --link model=7f1c2a9e\n"
+                              "  rkmon point link --cell VH --every-point --no-links");
 }
 
 } // namespace
@@ -237,6 +242,7 @@ void addPointCommands(CLI::App& root, Command& chosen)
     addPointReadingCommands(group, chosen);
     addLinkCommand(group, chosen);
     addPointImportCommand(group, chosen);
+    addPointChangeCommands(group, chosen);
     options::setExamples(group, "  rkmon point list --cell VH\n"
                                 "  rkmon point import --cell VH --sub-category SM VH-moisture-week1.csv");
 }

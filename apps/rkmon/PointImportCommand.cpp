@@ -162,11 +162,9 @@ void addPointImportCommand(CLI::App& group, Command& chosen)
     app.add_flag("--write-map", values->writesMap,
                  "Propose a mapping for a file on standard output, and send nothing");
     app.add_flag("--dry-run", values->isDryRun, "Check everything and send nothing");
-    options::setExamples(
-        app, "  rkmon point import --cell VH --sub-category SM VH-moisture-week1.csv\n"
-             "  rkmon point import --project-file samples/coastal-bluff/project.json\n"
-             "  rkmon point import --dry-run --cell P1 --sub-category settlement export.csv\n"
-             "  rkmon point import --map logger.json --cell P1 --sub-category tilt logger.dat\n"
-             "  rkmon point import --time-zone Europe/Vienna --without count --column name=Punkt \\\n"
-             "      --cell P1 --sub-category settlement export.csv");
+    options::setExamples(app,
+                         "  rkmon point import --cell VH --sub-category SM VH-moisture-week1.csv\n"
+                         "  rkmon point import --project-file samples/coastal-bluff/project.json\n"
+                         "  rkmon point import --map logger.json --cell P1 --sub-category tilt logger.dat\n\n"
+                         "rkmon help files has the options for files that are written otherwise.");
 }

@@ -60,11 +60,11 @@ Sheet pointSheet(Session& session, const QList<RKPointLocation>& points, const P
                  column::text("SUB-CATEGORY", "subCategoryName"),
                  column::text("NAME", "name"),
                  column::fixed("DEPTH", "depth"),
-                 column::fixed("SAMPLES", "samples"),
+                 column::dispensable(1, column::fixed("SAMPLES", "samples")),
                  column::fixed("LATEST", "latestTime"),
-                 column::fixed("COUNT", "latestCount"),
+                 column::dispensable(2, column::fixed("COUNT", "latestCount")),
                  column::fixed("VALUE", "latestValue"),
-                 column::text("RELATIONS", "links"),
+                 column::dispensable(3, column::text("RELATIONS", "links")),
                  column::unlisted("SUB-CATEGORY ID", "subCategoryId"),
                  column::unlisted("REFERENCE", "reference"),
                  column::unlisted("MONITORING", "cellName"),
@@ -86,29 +86,31 @@ Sheet pointSheet(Session& session, const QList<RKPointLocation>& points, const P
         const bool hasSamples = !point.data.isEmpty();
         const RKPointLocationData latest = hasSamples ? point.data.constLast() : RKPointLocationData();
         const PointMeaning meaning = meanings.value(point.id);
-        sheet.rows.append({point.id,
-                           noneIfEmpty(meaning.subCategory.name),
-                           point.name,
-                           noneIfEmpty(point.depth),
-                           point.data.size(),
-                           latest.time,
-                           hasSamples ? QVariant(latest.count) : QVariant(QString()),
-                           hasSamples ? QVariant(latest.value) : QVariant(QString()),
-                           relationTexts(point.links),
-                           noneIfEmpty(meaning.subCategory.id),
-                           meaning.reference ? QVariant(*meaning.reference) : QVariant(QString()),
-                           lookup::monitoringName(session, point.cellId),
-                           point.cellId,
-                           point.category,
-                           point.dataType,
-                           point.offsetDirection,
-                           point.insertCount,
-                           point.lastCount,
-                           point.lastDate,
-                           point.createdAt,
-                           point.createdBy,
-                           point.updatedAt,
-                           point.updatedBy});
+        const std::optional<qint32> decimals = meaning.subCategory.decimals;
+        sheet.rows.append(
+            {point.id,
+             noneIfEmpty(meaning.subCategory.name),
+             point.name,
+             noneIfEmpty(point.depth),
+             point.data.size(),
+             latest.time,
+             hasSamples ? QVariant(latest.count) : QVariant(QString()),
+             hasSamples ? cell::number(latest.value, decimals) : QVariant(QString()),
+             relationTexts(point.links),
+             noneIfEmpty(meaning.subCategory.id),
+             meaning.reference ? cell::number(*meaning.reference, decimals) : QVariant(QString()),
+             lookup::monitoringName(session, point.cellId),
+             point.cellId,
+             point.category,
+             point.dataType,
+             point.offsetDirection,
+             point.insertCount,
+             point.lastCount,
+             point.lastDate,
+             point.createdAt,
+             point.createdBy,
+             point.updatedAt,
+             point.updatedBy});
     }
     return sheet;
 }
@@ -127,8 +129,9 @@ Sheet sampleSheet(const QList<RKPointLocation>& points, const PointMeanings& mea
         const QVariant initialValue =
             meaning.initialValue ? QVariant(*meaning.initialValue) : QVariant(QString());
         for (const RKPointLocationData& sample : point.data) {
-            sheet.rows.append({subCategory, point.name, depth, sample.time, sample.count, sample.value,
-                               sample.timeFlag, initialValue});
+            sheet.rows.append({subCategory, point.name, depth, sample.time, sample.count,
+                               cell::number(sample.value, meaning.subCategory.decimals), sample.timeFlag,
+                               initialValue});
         }
     }
     return sheet;

@@ -3,10 +3,12 @@
 #include "Messages.h"
 #include "TimeZones.h"
 
-Session::Session(const Configuration& configuration, OutputForm form)
-    : ServiceSession(configuration), m_output(form, [this] { return shownZone(); }),
-      m_machineZone(zones::ofMachine())
+#include <utility>
+
+Session::Session(const Configuration& configuration, Output output)
+    : ServiceSession(configuration), m_output(std::move(output)), m_machineZone(zones::ofMachine())
 {
+    m_output.setZone([this] { return shownZone(); });
     for (const QString& warning : configuration.warnings) {
         warn(warning);
     }
@@ -58,6 +60,9 @@ void Session::warn(const QString& message) const
 void Session::finish()
 {
     m_output.flush();
+    if (m_output.hasUnusedColumns()) {
+        warn(QStringLiteral("--columns chooses columns of lists, and this is none"));
+    }
     for (const QString& message : qAsConst(m_closingNotes)) {
         note(message);
     }

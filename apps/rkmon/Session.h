@@ -17,7 +17,7 @@ class Session : public ServiceSession
 {
 public:
     /// Writes the warnings of `configuration`. Throws a Failure when it or this machine's time zone is wrong.
-    Session(const Configuration& configuration, OutputForm form);
+    Session(const Configuration& configuration, Output output);
 
     Output& output() { return m_output; }
 
@@ -39,6 +39,9 @@ public:
     /// The zone of the project; nothing where the service does not tell it.
     std::optional<QTimeZone> projectZone();
 
+    /// The zone that times are shown in: the same, but nothing is said of it, as times name their offset.
+    QTimeZone shownZone();
+
     /// Tells the user something on standard error, at once.
     void note(const QString& message) const;
 
@@ -52,9 +55,6 @@ public:
     void finish();
 
 private:
-    // The zone that times are shown in; they name their offset, so that nothing needs to be said of it.
-    QTimeZone shownZone();
-
     Output m_output;
     ServiceExtensions m_extensions{*this};
     QStringList m_closingNotes;

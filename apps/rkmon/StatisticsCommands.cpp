@@ -26,8 +26,8 @@ Sheet statisticsSheet(const std::vector<MonitoringStatistic>& statistics)
          column::unlisted("MONITORING ID", "cellId"), column::text("SUB-CATEGORY", "subCategoryName"),
          column::unlisted("SUB-CATEGORY ID", "subCategoryId"), column::fixed("NAME", "name"),
          column::fixed("DEPTH", "depth"), column::fixed("VALUE", "value"),
-         column::computed("TOTAL", "totalVar"), column::fixed("COUNT", "count"),
-         column::fixed("MEASURED", "time"), column::unlisted("POINT", "id")},
+         column::computed("TOTAL", "totalVar"), column::dispensable(2, column::fixed("COUNT", "count")),
+         column::dispensable(1, column::fixed("MEASURED", "time")), column::unlisted("POINT", "id")},
         {}};
     for (const MonitoringStatistic& statistic : statistics) {
         for (auto day = statistic.days.cbegin(); day != statistic.days.cend(); ++day) {
@@ -35,12 +35,15 @@ Sheet statisticsSheet(const std::vector<MonitoringStatistic>& statistics)
                 const MeasuredSubCategory subCategory = statistic.selection.subCategoryOf(entry.id);
                 const std::optional<ReferenceValue> reference =
                     statistic.selection.directory().toldReferenceOf(entry.id);
-                const QVariant total = reference ? QVariant(variation::total(entry.value, reference->value))
-                                                 : QVariant(QString());
+                const QVariant total =
+                    reference
+                        ? cell::number(variation::total(entry.value, reference->value), subCategory.decimals)
+                        : QVariant(QString());
                 sheet.rows.append({day.key().toString(Qt::ISODate), statistic.monitoring.name,
                                    statistic.monitoring.id, noneIfEmpty(subCategory.name),
                                    noneIfEmpty(subCategory.id), entry.name, noneIfEmpty(entry.depth),
-                                   entry.value, total, entry.count, entry.time, entry.id});
+                                   cell::number(entry.value, subCategory.decimals), total, entry.count,
+                                   entry.time, entry.id});
             }
         }
     }

@@ -1,7 +1,6 @@
 #include "CommandOptions.h"
 #include "Commands.h"
 #include "Lookup.h"
-#include "RecordChecks.h"
 
 namespace {
 
@@ -12,7 +11,7 @@ struct SubCategoryListOptions
 
 struct SubCategoryShowOptions
 {
-    QString id;
+    QString subCategory;
 };
 
 Sheet subCategorySheet(const QList<RKMonitoringSubCategory>& subCategories)
@@ -28,23 +27,15 @@ Sheet subCategorySheet(const QList<RKMonitoringSubCategory>& subCategories)
 
 ExitCode listSubCategories(Session& session, const SubCategoryListOptions& options)
 {
-    const QStringList categories =
-        options.category ? QStringList{*options.category} : lookup::categories(session);
-    QList<RKMonitoringSubCategory> subCategories;
-    for (const QString& category : categories) {
-        subCategories.append(lookup::subCategories(session, category));
-    }
-    session.output().addList(subCategorySheet(subCategories));
+    session.output().addList(subCategorySheet(options.category
+                                                  ? lookup::subCategories(session, *options.category)
+                                                  : lookup::subCategories(session)));
     return ExitCode::Success;
 }
 
 ExitCode showSubCategory(Session& session, const SubCategoryShowOptions& options)
 {
-    const QString purpose = QStringLiteral("read sub-category %1").arg(options.id);
-    RKMonitoringSubCategory subCategory;
-    session.ask(purpose, [&] { return session.data().getSubCategoryById(options.id, subCategory); });
-    requireIdentifier(subCategory, purpose, QStringLiteral("a sub-category"));
-    session.output().addRecord(subCategorySheet({subCategory}));
+    session.output().addRecord(subCategorySheet({lookup::subCategory(session, options.subCategory)}));
     return ExitCode::Success;
 }
 
@@ -62,7 +53,11 @@ void addSubCategoryCommands(CLI::App& root, Command& chosen)
 
     const auto [show, shown] =
         options::addSubcommand(group, "show", "Show one sub-category", chosen, showSubCategory);
-    options::addIdentifier(show, "ID", shown->id, "Identifier of the sub-category")->required();
-    options::setExamples(show, "  rkmon subcategory show 6745d2f0a1b2c3d4e5f60718");
-    options::setExamples(group, "  rkmon subcategory list Slope");
+    options::addText(show, "SUB-CATEGORY", shown->subCategory, "Identifier, name or alias")
+        ->required()
+        ->type_name("SUB-CATEGORY");
+    options::setExamples(show, "  rkmon subcategory show SM\n"
+                               "  rkmon subcategory show 6745d2f0a1b2c3d4e5f60718 --json");
+    options::setExamples(group, "  rkmon subcategory list Slope\n"
+                                "  rkmon subcategory show 'Soil moisture'");
 }

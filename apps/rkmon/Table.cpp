@@ -33,15 +33,41 @@ QVector<int> naturalWidths(const QVector<QStringList>& rows, int columns)
     return widths;
 }
 
-// Takes cells from the widest column that may be cut until the line fits, or no column can give more.
-void fitWidths(QVector<int>& widths, const QVector<int>& fixedColumns, int maximumWidth)
+int lineWidth(const QVector<int>& widths)
 {
-    const int gaps = gap * (widths.size() - 1);
-    int excess = std::accumulate(widths.cbegin(), widths.cend(), gaps) - maximumWidth;
+    return std::accumulate(widths.cbegin(), widths.cend(), gap * (widths.size() - 1));
+}
+
+// Leaves columns out until the line fits, or none of those that are left may go.
+void dropColumns(QVector<Heading>& headings, QVector<QStringList>& lines, QVector<int>& widths,
+                 int maximumWidth)
+{
+    while (lineWidth(widths) > maximumWidth) {
+        int first = 0;
+        for (int column = 0; column < headings.size(); ++column) {
+            if (headings[column].dispensability >= headings[first].dispensability) {
+                first = column;
+            }
+        }
+        if (headings[first].dispensability == 0) {
+            return;
+        }
+        headings.remove(first);
+        widths.remove(first);
+        for (QStringList& line : lines) {
+            line.removeAt(first);
+        }
+    }
+}
+
+// Takes cells from the widest column that may be cut until the line fits, or no column can give more.
+void fitWidths(QVector<int>& widths, const QVector<Heading>& headings, int maximumWidth)
+{
+    int excess = lineWidth(widths) - maximumWidth;
     while (excess > 0) {
         int widest = -1;
         for (int column = 0; column < widths.size(); ++column) {
-            const bool mayShrink = widths[column] > narrowestCut && !fixedColumns.contains(column);
+            const bool mayShrink = widths[column] > narrowestCut && !headings[column].isFixed;
             if (mayShrink && (widest < 0 || widths[column] > widths[widest])) {
                 widest = column;
             }
@@ -75,9 +101,12 @@ QString emphasised(const QString& text, const Layout& layout)
 
 } // namespace
 
-QString listLines(const QStringList& titles, const QVector<QStringList>& rows,
-                  const QVector<int>& fixedColumns, const Layout& layout)
+QString listLines(const QVector<Heading>& headings, const QVector<QStringList>& rows, const Layout& layout)
 {
+    QStringList titles;
+    for (const Heading& heading : headings) {
+        titles.append(heading.title);
+    }
     QVector<QStringList> lines{titles};
     lines.reserve(rows.size() + 1);
     for (const QStringList& row : rows) {
@@ -86,7 +115,9 @@ QString listLines(const QStringList& titles, const QVector<QStringList>& rows,
 
     QVector<int> widths = naturalWidths(lines, titles.size());
     if (layout.maximumWidth > 0) {
-        fitWidths(widths, fixedColumns, layout.maximumWidth);
+        QVector<Heading> shown = headings;
+        dropColumns(shown, lines, widths, layout.maximumWidth);
+        fitWidths(widths, shown, layout.maximumWidth);
     }
 
     QString result = emphasised(line(lines.constFirst(), widths), layout) + QLatin1Char('\n');

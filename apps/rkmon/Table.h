@@ -15,10 +15,18 @@ struct Layout
     bool isColoured = false;
 };
 
-/// Lines of `rows` below `titles`, columns aligned. Cells of `fixedColumns` (identifiers, times) are never
-/// cut. Every text is made safe to show.
-QString listLines(const QStringList& titles, const QVector<QStringList>& rows,
-                  const QVector<int>& fixedColumns, const Layout& layout);
+struct Heading
+{
+    QString title;
+    /// Its cells are never cut: identifiers, times.
+    bool isFixed = false;
+    /// Where the lines are too wide, the column with the greatest goes, of equals the last one; 0: it stays.
+    int dispensability = 0;
+};
+
+/// Lines of `rows` below `headings`, columns aligned. To keep to the width columns are left out first, and
+/// texts cut when that does not suffice. Every text is made safe to show.
+QString listLines(const QVector<Heading>& headings, const QVector<QStringList>& rows, const Layout& layout);
 
 /// One line per member of a record: its title and its text, which is never cut.
 QString recordLines(const QStringList& titles, const QStringList& texts, const Layout& layout);

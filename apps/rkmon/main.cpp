@@ -1,13 +1,17 @@
 #include "Advice.h"
 #include "CommandLine.h"
 #include "Completion.h"
+#include "CompletionValues.h"
 #include "Configuration.h"
 #include "ExitCode.h"
+#include "ManualPages.h"
 #include "Messages.h"
 #include "Session.h"
 #include "Terminal.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFile>
 #include <QGuiApplication>
 #include <QLoggingCategory>
 #include <QTextCodec>
@@ -29,23 +33,51 @@ void endInterrupted(int)
 
 void writeCompletions(const CommandLine& commandLine, const QStringList& words)
 {
-    const QStringList found = completions(commandLine.app(), words);
-    for (const QString& word : found) {
+    QStringList found = completions(commandLine.app(), words);
+    const QString kind = found.isEmpty() ? QString() : found.constFirst();
+    // Only the shell knows its files.
+    if (kind.startsWith(QLatin1Char('@')) && kind != QLatin1String("@file")) {
+        const QString typed =
+            words.isEmpty() || words.constLast() == QLatin1String("=") ? QString() : words.constLast();
+        found = completionValues(overridesIn(words), kind, typed);
+    }
+    for (const QString& word : qAsConst(found)) {
         std::puts(qUtf8Printable(word));
     }
 }
 
 ExitCode runCommand(const CommandLine& commandLine)
 {
-    Session session(readConfiguration(commandLine.overrides()), commandLine.form());
+    Session session(readConfiguration(commandLine.overrides()),
+                    Output(commandLine.form(), commandLine.columns()));
     const ExitCode code = commandLine.command()(session);
     session.finish();
     return code;
 }
 
+// For the build, which installs them.
+ExitCode writeManual(const CommandLine& commandLine, const QStringList& words)
+{
+    const QDir folder(words.value(0));
+    const QMap<QString, QByteArray> pages = manualPages(commandLine.app(), QStringLiteral(RKMON_VERSION));
+    for (auto page = pages.cbegin(); page != pages.cend(); ++page) {
+        QFile file(folder.filePath(page.key()));
+        const bool isWritten = folder.mkpath(QStringLiteral(".")) && file.open(QIODevice::WriteOnly) &&
+                               file.write(*page) == page->size() && file.flush();
+        if (!isWritten) {
+            throw Failure(FailureKind::Other,
+                          QStringLiteral("cannot write %1: %2").arg(file.fileName(), file.errorString()));
+        }
+    }
+    return ExitCode::Success;
+}
+
 ExitCode run(QStringList words)
 {
     CommandLine commandLine;
+    if (!words.isEmpty() && words.constFirst() == QLatin1String("__man")) {
+        return writeManual(commandLine, words.mid(1));
+    }
     if (!words.isEmpty() && words.constFirst() == QLatin1String("__complete")) {
         words.removeFirst();
         writeCompletions(commandLine, words);

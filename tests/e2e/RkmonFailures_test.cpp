@@ -24,7 +24,7 @@ class RkmonFailures : public RkmonTest
 protected:
     RkmonFailures() { actAs(editor); }
 
-    // Every command that asks the service something.
+    // Every command that asks a service something that all of them can.
     static QList<QStringList> requests()
     {
         return {{"monitoring"_q, "list"_q},
@@ -61,9 +61,24 @@ protected:
                 {"alarm"_q, "list"_q, "--all"_q},
                 {"alarm"_q, "detail"_q, anIdentifier},
                 {"alarm"_q, "depths"_q, anIdentifier},
+                {"ping"_q},
                 {"can"_q, "create"_q, "Slope"_q},
                 {"can"_q, "edit"_q, "Slope"_q},
                 {"can"_q, "delete"_q, "Slope"_q}};
+    }
+
+    // Those that ask something that some services cannot.
+    static QList<QStringList> extendedRequests()
+    {
+        return {{"project"_q, "list"_q},
+                {"project"_q, "show"_q},
+                {"project"_q, "use"_q, "Bluff"_q},
+                {"whoami"_q},
+                {"changes"_q},
+                {"point"_q, "reference"_q, anIdentifier},
+                {"point"_q, "delete"_q, "--yes"_q, anIdentifier},
+                {"sample"_q, "delete"_q, "--yes"_q, anIdentifier, "--count"_q, "1"_q},
+                {"data"_q, "undo"_q, "--yes"_q, anIdentifier}};
     }
 
     // Expects `code`, no output and one line that contains `words`, whatever is asked.
@@ -96,6 +111,18 @@ TEST_F(RkmonFailures, WrongToken)
 {
     rkmon.configure(service().baseAddress(), project, "rkm_wrong"_q);
     expectAlways(3, "does not accept the token in "_q + rkmon.folder());
+}
+
+TEST_F(RkmonFailures, WhatOnlySomeServicesCanFailsAlike)
+{
+    for (const QStringList& request : extendedRequests()) {
+        const std::string what = request.join(QLatin1Char(' ')).toStdString();
+        rkmon.configure(service().baseAddress(), project, "rkm_wrong"_q);
+        EXPECT_EQ(rkmon.run(request).code, 3) << what;
+        rkmon.configure("http://127.0.0.1:1/"_q, project, editor.text);
+        EXPECT_EQ(rkmon.run(request).code, 5) << what;
+        rkmon.configure(service().baseAddress(), project, editor.text);
+    }
 }
 
 TEST_F(RkmonFailures, UnknownIdentifier)
@@ -357,9 +384,8 @@ TEST_F(RkmonFailures, UsageErrorsSendNothing)
         {"monitoring"_q, "list"_q, "--json"_q, "--csv"_q},
         {"monitoring"_q, "list"_q, "extra"_q},
         {"monitoring"_q, "show"_q},
-        {"monitoring"_q, "show"_q, "../projects/1/cells"_q},
-        {"monitoring"_q, "show"_q, "a?where={}"_q},
-        {"monitoring"_q, "name"_q, "a"_q, "b/c"_q},
+        {"point"_q, "show"_q, "../projects/1/cells"_q},
+        {"point"_q, "show"_q, "a?where={}"_q},
         {"monitoring"_q, "create"_q, "--name"_q, "x"_q},
         {"monitoring"_q, "create"_q, "--name"_q, "x"_q, "--category"_q, "y"_q, "--alarm-to"_q, "a,,b"_q},
         {"monitoring"_q, "update"_q, "a"_q},
@@ -387,6 +413,9 @@ TEST_F(RkmonFailures, UnknownCommandSuggests)
 {
     EXPECT_EQ(rkmon.run({"moniotring"_q}).messages,
               "rkmon: unknown command \"moniotring\"; did you mean \"monitoring\"? (see rkmon --help)\n"_q);
+    EXPECT_EQ(
+        rkmon.run({"monitoring"_q, "list"_q, "--nmae=x"_q}).messages,
+        "rkmon: unknown option \"--nmae\"; did you mean \"--name\"? (see rkmon monitoring list --help)\n"_q);
     EXPECT_EQ(rkmon.run({"monitoring"_q, "crate"_q}).messages,
               "rkmon: unknown command \"crate\"; did you mean \"create\"? (see rkmon monitoring --help)\n"_q);
 }

@@ -239,10 +239,10 @@ TEST_F(RkmonImport, ALoggersFileIsReadAsItsMappingSays)
         EXPECT_EQ(result.messages, "rkmon: %1: cells without a reading left out: 1\n"_q.arg(file));
     }
     const Result out = done({"point"_q, "list"_q, "--cell"_q, "VH"_q, "--samples"_q, "--csv"_q});
-    EXPECT_EQ(out.output, "name,depth,time,count,value,timeFlag\r\n"
-                          "W1,,2015-12-18T00:00:00.000-08:00,1,0.25,\r\n"
-                          "W1,,2015-12-18T00:15:00.000-08:00,1,0.26,\r\n"
-                          "W2,,2015-12-18T00:15:00.000-08:00,1,0.5,\r\n"_q);
+    EXPECT_EQ(out.output, "subCategory,name,depth,time,count,value,timeFlag,initialValue\r\n"
+                          "Soil moisture,W1,,2015-12-18T00:00:00.000-08:00,1,0.25,,0.25\r\n"
+                          "Soil moisture,W1,,2015-12-18T00:15:00.000-08:00,1,0.26,,0.25\r\n"
+                          "Soil moisture,W2,,2015-12-18T00:15:00.000-08:00,1,0.5,,0.5\r\n"_q);
 }
 
 TEST_F(RkmonImport, OptionsSayHowAFileIsWritten)
@@ -806,6 +806,26 @@ TEST_F(RkmonImport, ARefusedDeliveryTellsTheServicesWordsAndTheFile)
     ASSERT_EQ(body.size(), 1);
     EXPECT_EQ(body[0].toArray().size(), 1);
     EXPECT_EQ(body[0].toArray()[0].toObject().value("initialValue"_q).toDouble(), 0.25);
+}
+
+TEST_F(RkmonImport, ADeliveryThatIsNotPermittedEndsWith3)
+{
+    created("VH"_q);
+    const QString file = write("a.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n");
+    actAs(reader);
+    const Result refused = import({file});
+    EXPECT_EQ(refused.code, 3);
+    EXPECT_TRUE(refused.messages.startsWith("rkmon: cannot deliver %1: not permitted ("_q.arg(file)))
+        << refused.messages.toStdString();
+
+    const MonitorService::Token writer = service().createTokenWithoutRights("Ben"_q);
+    service().admin(
+        {"grant"_q, "--token"_q, writer.id, "--project"_q, project, "--rights"_q, "read,create"_q});
+    actAs(writer);
+    EXPECT_EQ(import({file}).code, 0);
+    EXPECT_EQ(import({file}).code, 0);
+    const QString other = write("b.csv", header + "W1,20,2015-12-18T00:00:00-08:00,1,0.5\n");
+    EXPECT_EQ(import({other}).code, 3);
 }
 
 TEST_F(RkmonImport, ABreakTellsWhatWasDeliveredBefore)

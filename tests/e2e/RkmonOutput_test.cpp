@@ -78,6 +78,27 @@ TEST_F(RkmonOutput, CsvIsQuotedByTheBook)
     EXPECT_EQ(records[2], QString());
 }
 
+TEST_F(RkmonOutput, ColumnsAreChosenByTheirKeys)
+{
+    const QString id = created("VH"_q, "Slope"_q, {"--alarm-to"_q, "ana"_q});
+    const auto listed = [&](const QStringList& more) {
+        return rkmon.run(QStringList{"monitoring"_q, "list"_q, "--columns"_q, "createdBy,name"_q} + more)
+            .output;
+    };
+    EXPECT_EQ(listed({}), "CREATED BY  NAME\nAna         VH\n"_q);
+    EXPECT_EQ(listed({"--csv"_q}), "createdBy,name\r\nAna,VH\r\n"_q);
+    EXPECT_EQ(rkmon.run({"monitoring"_q, "list"_q, "--columns"_q, "id"_q, "--json"_q}).array(),
+              (QJsonArray{QJsonObject{{"id"_q, id}}}));
+    const Result unknown = rkmon.run({"monitoring"_q, "list"_q, "--columns"_q, "name,nam"_q});
+    EXPECT_EQ(unknown.code, 2);
+    EXPECT_EQ(unknown.output, QString());
+    EXPECT_THAT(unknown.messages.toStdString(),
+                testing::StartsWith("rkmon: --columns: there is no column \"nam\"; known are id, name, "));
+    const Result record = rkmon.run({"monitoring"_q, "show"_q, id, "--columns"_q, "id"_q});
+    EXPECT_EQ(record.code, 0);
+    EXPECT_TRUE(record.messages.contains("warning: --columns chooses columns of lists"_q));
+}
+
 TEST_F(RkmonOutput, EmptyListsAreEmptyInEveryForm)
 {
     EXPECT_EQ(rkmon.run({"monitoring"_q, "list"_q, "--json"_q}).output, "[\n]\n"_q);
@@ -145,8 +166,22 @@ TEST_F(RkmonOutput, TerminalTablesAreCutToItsWidthAndBold)
     const QStringList lines = linesOf(result.output);
     ASSERT_EQ(lines.size(), 2) << result.output.toStdString();
     EXPECT_TRUE(lines[0].startsWith("\033[1mID"_q)) << lines[0].toStdString();
-    EXPECT_EQ(lines[1].size(), 100);
+    EXPECT_EQ(QString(lines[0]).remove("\033[1m"_q).remove("\033[0m"_q).size(), 100);
+    EXPECT_LE(lines[1].size(), 100);
     EXPECT_TRUE(lines[1].contains(QChar(0x2026)));
+}
+
+TEST_F(RkmonOutput, TerminalTablesLeaveColumnsOutBeforeTheyCut)
+{
+    created("VH"_q, "Slope"_q, {"--model"_q, "m1"_q, "--alarm-to"_q, "ana"_q});
+    const auto titles = [&](int columns) {
+        const Result result = rkmon.runOnTerminal({"monitoring"_q, "list"_q}, columns);
+        return linesOf(result.output).value(0).remove("\033[1m"_q).remove("\033[0m"_q).simplified();
+    };
+    EXPECT_EQ(titles(90), "ID NAME CATEGORY MODEL ALARM TO UPDATED"_q);
+    EXPECT_EQ(titles(80), "ID NAME CATEGORY ALARM TO UPDATED"_q);
+    EXPECT_EQ(titles(70), "ID NAME CATEGORY UPDATED"_q);
+    EXPECT_EQ(titles(60), "ID NAME CATEGORY"_q);
 }
 
 TEST_F(RkmonOutput, NoColorIsRespected)
@@ -166,7 +201,7 @@ TEST_F(RkmonOutput, DeleteAsksOnATerminal)
         EXPECT_EQ(result.code, 1);
         EXPECT_TRUE(result.output.startsWith("Delete monitoring \"VH\" (Slope, %1)? [y/N] "_q.arg(id)))
             << result.output.toStdString();
-        EXPECT_TRUE(result.output.contains("not deleted"_q));
+        EXPECT_TRUE(result.output.contains("nothing was changed"_q));
     }
     EXPECT_EQ(rkmon.run({"monitoring"_q, "count"_q}).output, "1\n"_q);
 
@@ -198,6 +233,7 @@ TEST_F(RkmonOutput, FullDiskIsAFailure)
 TEST_F(RkmonOutput, BashCompletes)
 {
     const QString id = created("VH"_q);
+    created("VH upper"_q);
     const auto completed = [&](const QString& words, int current) {
         const Result result = rkmon.runShell(
             "source '%1'; COMP_WORDS=(%2); COMP_CWORD=%3; _rkmon rkmon; printf '%s\\n' \"${COMPREPLY[@]}\""_q
@@ -208,8 +244,11 @@ TEST_F(RkmonOutput, BashCompletes)
     EXPECT_EQ(completed("rkmon mon"_q, 1), QStringList{"monitoring"_q});
     EXPECT_EQ(completed("rkmon monitoring sh"_q, 2), QStringList{"show"_q});
     EXPECT_EQ(completed("rkmon monitoring list --sk"_q, 3), QStringList{"--skip"_q});
-    EXPECT_EQ(completed("rkmon monitoring show ''"_q, 3), QStringList{id});
-    EXPECT_EQ(completed("rkmon point list --cell ''"_q, 4), QStringList{id});
+    EXPECT_EQ(completed("rkmon monitoring show ''"_q, 3), (QStringList{"VH"_q, "VH\\ upper"_q}));
+    EXPECT_EQ(completed("rkmon monitoring show 'VH\\ u'"_q, 3), QStringList{"VH\\ upper"_q});
+    EXPECT_EQ(completed("rkmon monitoring show \\'VH"_q, 3), (QStringList{"VH"_q, "VH upper"_q}));
+    EXPECT_EQ(completed("rkmon monitoring show %1"_q.arg(id), 3), QStringList{id});
+    EXPECT_EQ(completed("rkmon project use ''"_q, 3).size(), 1);
     EXPECT_EQ(completed("rkmon point import --cell %1"_q.arg(id.left(20)), 4), QStringList{id});
     EXPECT_EQ(completed("rkmon can edit S"_q, 3), QStringList{"Slope"_q});
     EXPECT_EQ(completed("rkmon can edit B"_q, 3).size(), 1); // quoted for the shell

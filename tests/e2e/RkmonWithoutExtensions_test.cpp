@@ -75,3 +75,16 @@ TEST_F(RkmonWithoutExtensions, ImportsReadsAndShowsAlarms)
     EXPECT_FALSE(alarm.isEmpty());
     EXPECT_EQ(member(listed({"alarm"_q, "detail"_q, alarm}), "totalVar"_q), "1.25"_q);
 }
+
+TEST_F(RkmonWithoutExtensions, SaysWhatTheServiceCannotTell)
+{
+    EXPECT_EQ(rkmon.run({"ping"_q}).code, 0);
+    for (const QStringList& command : {QStringList{"whoami"_q}, QStringList{"project"_q, "list"_q}}) {
+        const Result result = rkmon.run(command);
+        EXPECT_EQ(result.code, 1);
+        EXPECT_THAT(result.messages.toStdString(), testing::HasSubstr("is not among its extensions"));
+    }
+    rkmon.removeVariable("RKMON_PROJECT"_q);
+    EXPECT_EQ(rkmon.run({"project"_q, "use"_q, project}).code, 0);
+    EXPECT_EQ(rkmon.run({"monitoring"_q, "count"_q}).output, "0\n"_q);
+}

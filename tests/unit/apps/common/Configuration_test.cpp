@@ -15,14 +15,20 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(m_folder.isValid());
-        for (const char* name : {"RKMON_BASE_API", "RKMON_PROJECT", "RKMON_TOKEN_FILE"}) {
+        for (const char* name :
+             {"RKMON_BASE_API", "RKMON_PROJECT", "RKMON_TOKEN_FILE", "RKMON_CA_FILE", "RKMON_PROFILE"}) {
             qunsetenv(name);
         }
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(m_folder.path()));
         write("token", "rkm_secret\n");
     }
 
-    void TearDown() override { qunsetenv("XDG_CONFIG_HOME"); }
+    void TearDown() override
+    {
+        for (const char* name : {"XDG_CONFIG_HOME", "RKMON_CA_FILE", "RKMON_PROFILE"}) {
+            qunsetenv(name);
+        }
+    }
 
     QString path(const char* name) const { return m_folder.filePath(QString::fromUtf8(name)); }
 
@@ -239,6 +245,58 @@ TEST_F(ConfigurationTest, FileMayHoldEverySetting)
     EXPECT_EQ(configuration.token, QStringLiteral("rkm_secret"));
     EXPECT_EQ(configuration.deadline, std::chrono::seconds(4));
     EXPECT_EQ(configuration.caFile, path("ca.pem"));
+}
+
+TEST_F(ConfigurationTest, NamesTheLineThatIsNotUnderstood)
+{
+    write("rkmon/config.ini", "project = p\nnothing here\n");
+    EXPECT_TRUE(failureOf(overrides()).startsWith(path("rkmon/config.ini") + QStringLiteral(":2: ")));
+}
+
+TEST_F(ConfigurationTest, ProfileGoesBeforeWhatHoldsForAll)
+{
+    write("rkmon/config.ini", "base-api = http://all/\nproject = ofAll\ndefault-profile = south\n"
+                              "[profile north]\nproject = ofNorth\n[profile south]\nproject = ofSouth\n");
+    ConfigurationOverrides given;
+    given.tokenFile = path("token");
+    const Configuration usual = readConfiguration(given);
+    EXPECT_EQ(usual.baseApi, QStringLiteral("http://all/"));
+    EXPECT_EQ(usual.project, QStringLiteral("ofSouth"));
+    EXPECT_EQ(usual.profile, QStringLiteral("south"));
+    EXPECT_EQ(usual.configFile, path("rkmon/config.ini"));
+    qputenv("RKMON_PROFILE", "north");
+    EXPECT_EQ(readConfiguration(given).project, QStringLiteral("ofNorth"));
+    given.profile = QStringLiteral("south");
+    EXPECT_EQ(readConfiguration(given).project, QStringLiteral("ofSouth"));
+    EXPECT_EQ(configuredProfiles(given), (QStringList{QStringLiteral("north"), QStringLiteral("south")}));
+}
+
+TEST_F(ConfigurationTest, NamedProfileGoesBeforeTheEnvironment)
+{
+    write("rkmon/config.ini", "default-profile = north\n[profile north]\nproject = ofNorth\n");
+    qputenv("RKMON_PROJECT", "fromVariable");
+    ConfigurationOverrides given = overrides();
+    EXPECT_EQ(readConfiguration(given).project, QStringLiteral("fromVariable"));
+    given.profile = QStringLiteral("north");
+    EXPECT_EQ(readConfiguration(given).project, QStringLiteral("ofNorth"));
+    given.project = QStringLiteral("fromOverride");
+    EXPECT_EQ(readConfiguration(given).project, QStringLiteral("fromOverride"));
+}
+
+TEST_F(ConfigurationTest, UnknownProfileNamesThoseThatAreKnown)
+{
+    ConfigurationOverrides given = overrides();
+    given.profile = QStringLiteral("nort");
+    EXPECT_TRUE(failureOf(given).endsWith(QStringLiteral("it has none")));
+    write("rkmon/config.ini", "[profile north]\n[profile south]\n");
+    EXPECT_TRUE(failureOf(given).endsWith(QStringLiteral("known are north, south")));
+}
+
+TEST_F(ConfigurationTest, CertificatesMayBeOfTheEnvironment)
+{
+    write("ca.pem", "certificates");
+    qputenv("RKMON_CA_FILE", QFile::encodeName(path("ca.pem")));
+    EXPECT_EQ(readConfiguration(overrides()).caFile, path("ca.pem"));
 }
 
 TEST_F(ConfigurationTest, CertificatesMustBeReadable)

@@ -85,6 +85,24 @@ TEST(RequestFailure, WrongTokenNamesItsFile)
     EXPECT_TRUE(failure.message().contains(QStringLiteral("unknown token"))) << failure.what();
 }
 
+TEST(RequestFailure, DeliveryIsForbiddenWhenItsWordsSaySo)
+{
+    const auto kindOf = [](const char* text, const char* method) {
+        const RequestContext delivery{QStringLiteral("deliver a.csv"), {}, {}};
+        return requestFailure(exchangeOf(QNetworkReply::InternalServerError, 500, text, method), delivery)
+            .kind();
+    };
+    const char* const create =
+        "\"[0][0].cellId\": the token may not create in monitorings of category \"Pit\"";
+    const char* const edit = "\"[1][0].data[3]\": the token may not edit monitorings of category \"Pit\"";
+    EXPECT_EQ(kindOf(create, "POST"), FailureKind::NotPermitted);
+    EXPECT_EQ(kindOf(edit, "POST"), FailureKind::NotPermitted);
+    EXPECT_EQ(kindOf(create, "GET"), FailureKind::Refused);
+    // Words that were sent, and come back.
+    EXPECT_EQ(kindOf("there is no monitoring \"\"[0]\": the token may not \"", "POST"), FailureKind::Refused);
+    EXPECT_EQ(kindOf("\"x\": the token may not", "POST"), FailureKind::Refused);
+}
+
 TEST(RequestFailure, LostAnswerOfAChangeLeavesItsOutcomeOpen)
 {
     const QString open = QStringLiteral("may have been carried out");

@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 
 #include "Completion.h"
+#include "CompletionValues.h"
 
 #include <gtest/gtest.h>
 
@@ -62,7 +63,22 @@ TEST(Completion, TellsKindsOfValues)
     EXPECT_EQ(completed("can edit S"), QStringList{QStringLiteral("@category")});
     EXPECT_EQ(completed("--token-file "), QStringList{QStringLiteral("@file")});
     EXPECT_EQ(completed("monitoring list --token-file = "), QStringList{QStringLiteral("@file")});
-    EXPECT_EQ(completed("subcategory show "), QStringList());
+    EXPECT_EQ(completed("subcategory show "), QStringList{QStringLiteral("@sub-category")});
+    EXPECT_EQ(completed("group create --sub-category "), QStringList{QStringLiteral("@sub-category")});
+    EXPECT_EQ(completed("group update "), QStringList{QStringLiteral("@group")});
+    EXPECT_EQ(completed("project use "), QStringList{QStringLiteral("@project")});
+    EXPECT_EQ(completed("ping --profile "), QStringList{QStringLiteral("@profile")});
+    EXPECT_EQ(completed("data history "), QStringList());
+}
+
+TEST(Completion, AsksTheServiceThatIsNamed)
+{
+    const ConfigurationOverrides overrides =
+        overridesIn(QStringLiteral("--profile north monitoring show --base-api = http://a/ --token-file")
+                        .split(QLatin1Char(' ')));
+    EXPECT_EQ(overrides.profile, QStringLiteral("north"));
+    EXPECT_EQ(overrides.baseApi, QStringLiteral("http://a/"));
+    EXPECT_EQ(overrides.tokenFile, QString());
 }
 
 TEST(Completion, OffersNothingForFreeText)
