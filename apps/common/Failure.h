@@ -32,6 +32,7 @@ enum class Remedy
     GiveTokenFile,
     ExtendDeadline,
     TrustCertificate,
+    GiveSubCategory,
     ListMonitorings,
     ListSubCategories
 };

@@ -16,6 +16,8 @@ QLatin1String textOf(Remedy remedy)
         return QLatin1String("--deadline SECONDS waits longer");
     case Remedy::TrustCertificate:
         return QLatin1String("--ca-file FILE trusts other certificates");
+    case Remedy::GiveSubCategory:
+        return QLatin1String("--sub-category gives it");
     case Remedy::ListMonitorings:
         return QLatin1String("rkmon monitoring ids lists them");
     case Remedy::ListSubCategories:

@@ -89,10 +89,9 @@ void requirePlaces(const ImportOptions& options)
     if (options.files.isEmpty()) {
         throw Failure(FailureKind::BadInput, QStringLiteral("which files? Name them, or a --project-file"));
     }
-    if (options.cell.isEmpty() || options.subCategory.isEmpty()) {
+    if (options.cell.isEmpty()) {
         throw Failure(FailureKind::BadInput,
-                      QStringLiteral("where do the readings belong? Give --cell and --sub-category, or "
-                                     "--project-file"));
+                      QStringLiteral("where do the readings belong? Give --cell, or --project-file"));
     }
 }
 
@@ -148,8 +147,9 @@ void addPointImportCommand(CLI::App& group, Command& chosen)
         "Files with the columns name, depth, time, count, value and perhaps timeFlag, unless the "
         "options below say otherwise");
     CLI::Option* cell = options::addCell(app, values->cell);
-    CLI::Option* subCategory = options::addText(app, "--sub-category", values->subCategory,
-                                                "What they measure, by identifier, name or alias");
+    CLI::Option* subCategory =
+        options::addText(app, "--sub-category", values->subCategory,
+                         "What they measure, where the column subCategory does not say it");
     options::addText(app, "--project-file", values->projectFile,
                      "JSON that says which file belongs where; what is missing is created")
         ->type_name("FILE")

@@ -368,7 +368,7 @@ TEST_F(RkmonImport, RefusesWordsThatSayNothingOfAFile)
     EXPECT_EQ(
         refusal({"--column"_q, "Punkt"_q}),
         "rkmon: --column: \"Punkt\" is not like time=Date; before the \"=\" goes one of name, depth, time, "
-        "date, clock, count, value, timeFlag\n"_q);
+        "date, clock, count, value, timeFlag, subCategory, initialValue\n"_q);
     EXPECT_EQ(refusal({"--constant"_q, "count=many"_q}),
               "rkmon: --constant: count \"many\" is not a whole number from 0 to 2147483647\n"_q);
     EXPECT_EQ(refusal({"--no-header"_q, "--column"_q, "name=Punkt"_q}),

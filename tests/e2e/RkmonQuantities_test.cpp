@@ -73,6 +73,14 @@ protected:
         return texts;
     }
 
+    // What a command writes, whatever the order of its points, which have other identifiers elsewhere.
+    QStringList sortedLines(const QStringList& arguments) const
+    {
+        QStringList lines = done(arguments).output.split("\r\n"_q);
+        lines.sort();
+        return lines;
+    }
+
     void checkSubCategoriesAreKeptApart()
     {
         const QStringList points{"point"_q, "list"_q, "--cell"_q, "Pit"_q};
@@ -156,6 +164,48 @@ TEST_F(RkmonQuantities, AreDrawnOneByOneInTheTerminal)
     EXPECT_EQ(lines[3], "Settlement (mm):"_q);
     EXPECT_THAT(lines[4].toStdString(), HasSubstr("1.5"));
     EXPECT_THAT(lines[5].toStdString(), HasSubstr("2015-12-18"));
+}
+
+TEST_F(RkmonQuantities, AnExportGivesTheSameDataInAnEmptyProject)
+{
+    // References of every kind: an initial value with a fraction, 0, and none.
+    deliver("SE"_q, "P3,2.5,2015-12-18T08:00:00-08:00,1,10.5\nP3,2.5,2015-12-18T09:00:00+01:00,2,9.5\n"
+                    "P4,,2015-12-18T08:00:00-08:00,1,0.25\nP5,,2015-12-18T08:00:00-08:00,1,3\n");
+    done({"point"_q, "reference"_q, "P4"_q, "--cell"_q, "Pit"_q, "--set"_q, "0"_q});
+    done({"point"_q, "reference"_q, "P5"_q, "--cell"_q, "Pit"_q, "--clear"_q});
+    deliver("SE"_q, "P5,,2015-12-17T08:00:00-08:00,1,2.75\n");
+    const QStringList exported{"point"_q, "list"_q, "--cell"_q, "Pit"_q, "--samples"_q, "--csv"_q};
+    const QStringList statistics{"stats"_q,
+                                 "normal"_q,
+                                 "--cell"_q,
+                                 "Pit"_q,
+                                 "--csv"_q,
+                                 "--columns"_q,
+                                 "day,subCategoryName,name,depth,value,totalVar,count,time"_q};
+    const QStringList samples = sortedLines(exported);
+    const QStringList days = sortedLines(statistics);
+    QFile file(inFolder("export.csv"_q));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(done(exported).output.toUtf8());
+    file.close();
+    EXPECT_TRUE(samples.contains("Settlement,P4,,2015-12-18T08:00:00.000-08:00,1,0.25,,0"_q));
+    EXPECT_TRUE(samples.contains("Settlement,P5,,2015-12-18T08:00:00.000-08:00,1,3,,"_q));
+
+    project = service().createProject("Another site"_q);
+    subCategory("Settlement"_q, "SE"_q, "mm"_q);
+    subCategory("Force"_q, "FO"_q, "kN"_q);
+    actAs(service().createToken("Ben"_q, project, "editor"_q));
+    created("Pit"_q);
+    const Result imported = done({"point"_q, "import"_q, "--cell"_q, "Pit"_q, file.fileName(), "--json"_q});
+    EXPECT_EQ(imported.messages, QString());
+    EXPECT_EQ(imported.object()["samples"_q].toInt(), 12);
+    EXPECT_EQ(imported.object()["files"_q].toInt(), 1);
+    EXPECT_EQ(sortedLines(exported), samples);
+    EXPECT_EQ(sortedLines(statistics), days);
+    // And it changes nothing when it comes again.
+    done({"point"_q, "import"_q, "--cell"_q, "Pit"_q, file.fileName()});
+    EXPECT_EQ(sortedLines(exported), samples);
+    EXPECT_EQ(sortedLines(statistics), days);
 }
 
 TEST_F(RkmonQuantities, OfSeveralMonitoringsShareAnAxis)

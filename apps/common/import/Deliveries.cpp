@@ -110,7 +110,10 @@ private:
         point.subCategoryId = m_placed.target.subCategoryId;
         point.name = measured.name;
         point.depth = measured.depth;
-        point.initialValue = m_known.contains(key) ? 0.0 : m_earliest.value(key).sample.value;
+        if (!m_known.contains(key)) {
+            point.initialValue = measured.hasInitialValue ? measured.initialValue.value_or(0.0)
+                                                          : m_earliest.value(key).sample.value;
+        }
         return point;
     }
 
@@ -244,6 +247,19 @@ QStringList contradictions(const QList<PlacedFile>& files)
         lines.append(problems.lines(placed.file.path));
     }
     return lines;
+}
+
+QSet<PointKey> pointsFromZero(const QList<PlacedFile>& files)
+{
+    QSet<PointKey> points;
+    for (const PlacedFile& placed : files) {
+        for (const MeasuredPoint& point : placed.file.points) {
+            if (point.initialValue == 0.0) {
+                points.insert({placed.target, point.name, point.depth});
+            }
+        }
+    }
+    return points;
 }
 
 QSet<PointKey> pointsOf(const QList<PlacedFile>& files)

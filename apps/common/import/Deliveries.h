@@ -59,8 +59,8 @@ uint qHash(const PointKey& key, uint seed = 0);
 constexpr int largestRequest = 50'000;
 
 /// The deliveries of all files, oldest readings first: one per file. A delivery of more than `largest`
-/// samples is split in time order. A point that is not in `known` gets its earliest reading of all files as
-/// initial value; the others get none, which leaves theirs alone.
+/// samples is split in time order. A point that is not in `known` gets the initial value that its file says,
+/// or its earliest reading of all files where it says none; the others get none, which leaves theirs alone.
 QList<Delivery> deliveriesOf(const QList<PlacedFile>& files, const QSet<PointKey>& known,
                              int largest = largestRequest);
 
@@ -72,6 +72,9 @@ QList<QList<Delivery>> requestsOf(const QList<Delivery>& deliveries, int largest
 /// A reading that another file of the same target contradicts: "FILE:LINE: reason"; as many as Problems
 /// keeps.
 QStringList contradictions(const QList<PlacedFile>& files);
+
+/// Points of all files whose initial value is said to be 0, which no delivery can say.
+QSet<PointKey> pointsFromZero(const QList<PlacedFile>& files);
 
 /// Points of all files, those of several files once.
 QSet<PointKey> pointsOf(const QList<PlacedFile>& files);

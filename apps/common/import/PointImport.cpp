@@ -6,6 +6,8 @@
 #include "import/KnownPoints.h"
 #include "import/ProjectFile.h"
 #include "import/ProjectSetUp.h"
+#include "import/SubCategoryColumn.h"
+#include "import/ZeroInitialValues.h"
 
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -215,7 +217,11 @@ void deliver(ServiceSession& session, const QList<PlacedFile>& files, const Orde
     const QSet<PointKey> known =
         order.isDryRun ? QSet<PointKey>() : knownPoints(session, points, callbacks.onNote);
     const QList<Delivery> deliveries = deliveriesOf(files, known);
-    result.files = files.size();
+    QStringList paths;
+    for (const PlacedFile& file : files) {
+        paths.append(file.file.path);
+    }
+    result.files = QSet<QString>(paths.cbegin(), paths.cend()).size();
     result.points = points.size();
     result.deliveries = deliveries.size();
     for (const Delivery& delivery : deliveries) {
@@ -223,12 +229,47 @@ void deliver(ServiceSession& session, const QList<PlacedFile>& files, const Orde
     }
     if (!order.isDryRun) {
         result.newPoints = points.size() - known.size();
-        changeRepeatably([&] { sendAll(session, deliveries, callbacks, result.samples); });
+        changeRepeatably([&] {
+            sendAll(session, deliveries, callbacks, result.samples);
+            setZeroInitialValues(session, pointsFromZero(files).subtract(known), callbacks.onNote);
+        });
         result.isSent = true;
         if (!skippedRows.isEmpty()) {
             writeNewFile(order.badRowsFile, skippedRows);
         }
     }
+}
+
+// The files with their targets, those of several sub-categories in parts.
+QList<PlacedFile> placed(const QList<PlacedFile>& files, const RKMonitoring& monitoring,
+                         const QList<RKMonitoringSubCategory>& known, const QString& subCategory,
+                         QStringList& badRows)
+{
+    const QString expected =
+        subCategory.isEmpty() ? QString() : lookup::subCategoryOf(monitoring.category, known, subCategory).id;
+    const auto subCategoryOf = [&](const QString& text) -> std::optional<QString> {
+        const auto found = lookup::subCategoryAmong(known, text);
+        return found ? std::make_optional(found->id) : std::nullopt;
+    };
+    QList<PlacedFile> parts;
+    for (const PlacedFile& file : files) {
+        for (const SubCategoryPart& part : cutBySubCategory(file.file, expected, subCategoryOf, badRows)) {
+            parts.append({part.file, {monitoring.id, part.subCategory}});
+        }
+    }
+    return parts;
+}
+
+// A file that says what it measures must say what the project file plans for it.
+void requirePlanned(const ProjectFile& project, const PlannedFile& planned, const MeasuredFile& file,
+                    QStringList& badRows)
+{
+    const QString category = project.monitoring(planned.monitoring)->category;
+    const auto nameOf = [&](const QString& text) -> std::optional<QString> {
+        const RKMonitoringSubCategory* found = project.subCategory(category, text);
+        return found == nullptr ? std::nullopt : std::make_optional(found->name);
+    };
+    cutBySubCategory(file, *nameOf(planned.subCategory), nameOf, badRows);
 }
 
 } // namespace
@@ -246,9 +287,10 @@ ImportResult importFiles(ServiceSession& session, const FileImport& order, const
         return result;
     }
     const RKMonitoring monitoring = lookup::monitoring(session, order.monitoring);
-    const QString subCategory = lookup::subCategory(session, monitoring.category, order.subCategory).id;
-    for (PlacedFile& file : files) {
-        file.target = {monitoring.id, subCategory};
+    files = placed(files, monitoring, lookup::subCategories(session, monitoring.category), order.subCategory,
+                   result.badRows);
+    if (!result.badRows.isEmpty()) {
+        return result;
     }
     result.badRows = contradictions(files);
     if (result.badRows.isEmpty()) {
@@ -265,6 +307,9 @@ ImportResult importProject(ServiceSession& session, const ProjectImport& order,
     ImportResult result;
     QList<PlacedFile> files =
         readFiles({sources, order.mapping, order.badRowsFile}, callbacks.onNote, result);
+    for (int i = 0; i < files.size() && result.badRows.isEmpty(); ++i) {
+        requirePlanned(project, sources[i].planned, files[i].file, result.badRows);
+    }
     if (!result.badRows.isEmpty()) {
         return result;
     }

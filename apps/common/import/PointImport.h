@@ -16,7 +16,7 @@ struct FileImport
     QStringList files;
     /// Identifier or exact name.
     QString monitoring;
-    /// Identifier, name or alias.
+    /// Identifier, name or alias; may be empty where the column subCategory of the files says it.
     QString subCategory;
     FileMapping mapping;
     /// A file that does not exist yet: bad rows go there, and the others are delivered. Empty: a bad row

@@ -11,8 +11,8 @@
 
 namespace {
 
-constexpr std::array<const char*, measuredColumns.size()> columnTitles{"name",  "depth", "time",  "date",
-                                                                       "clock", "count", "value", "timeFlag"};
+constexpr std::array<const char*, measuredColumns.size()> columnTitles{
+    "name", "depth", "time", "date", "clock", "count", "value", "timeFlag", "subCategory", "initialValue"};
 
 struct LayoutName
 {
@@ -233,6 +233,9 @@ QStringList tableLayoutNames()
 
 bool isOfRows(MeasuredColumn column, TableLayout layout)
 {
+    if (column == MeasuredColumn::SubCategory || column == MeasuredColumn::InitialValue) {
+        return layout == TableLayout::Rows;
+    }
     switch (layout) {
     case TableLayout::Rows:
         return true;
@@ -299,6 +302,9 @@ QString problemOfConstant(MeasuredColumn column, const QString& text)
         return values::readCount(text, ignoredCount);
     case MeasuredColumn::TimeFlag:
         return values::readTimeFlag(text, ignoredText);
+    case MeasuredColumn::SubCategory:
+    case MeasuredColumn::InitialValue:
+        return QStringLiteral("a %1 stands in a column").arg(nameOf(column));
     case MeasuredColumn::Value:
         return QStringLiteral("a value is measured, not constant");
     case MeasuredColumn::Time:

@@ -27,12 +27,15 @@ enum class MeasuredColumn
     Clock,
     Count,
     Value,
-    TimeFlag
+    TimeFlag,
+    SubCategory, ///< what is measured
+    InitialValue ///< what the variations of the point count from
 };
 
-constexpr std::array<MeasuredColumn, 8> measuredColumns{
-    MeasuredColumn::Name,  MeasuredColumn::Depth, MeasuredColumn::Time,  MeasuredColumn::Date,
-    MeasuredColumn::Clock, MeasuredColumn::Count, MeasuredColumn::Value, MeasuredColumn::TimeFlag};
+constexpr std::array<MeasuredColumn, 10> measuredColumns{
+    MeasuredColumn::Name,        MeasuredColumn::Depth,       MeasuredColumn::Time,  MeasuredColumn::Date,
+    MeasuredColumn::Clock,       MeasuredColumn::Count,       MeasuredColumn::Value, MeasuredColumn::TimeFlag,
+    MeasuredColumn::SubCategory, MeasuredColumn::InitialValue};
 
 /// "name", "timeFlag" and so on.
 QString nameOf(MeasuredColumn column);

@@ -11,6 +11,8 @@
 #include <QVector>
 #include <RKPointLocation.h>
 
+#include <optional>
+
 struct Reading
 {
     /// Line of the file, from 1.
@@ -24,6 +26,11 @@ struct MeasuredPoint
     QString name;
     /// As the shortest decimal text; empty where the point has none.
     QString depth;
+    /// What the file calls what it measures; empty where it does not say.
+    QString subCategory;
+    /// Whether the file says what its variations count from, and that; nothing: no initial value was given.
+    bool hasInitialValue = false;
+    std::optional<double> initialValue;
     QVector<Reading> readings;
 };
 
@@ -85,9 +92,9 @@ struct MeasuredFile
 };
 
 /// Reads `content`, the readings of a file at `path` that is written as `mapping` says: by default a header
-/// that names the columns name, depth, time, count, value and perhaps timeFlag, in any order and case, then
-/// one row per reading (RFC 4180). Every row is checked. A table without counts has one reading of a point at
-/// a time: its count is 1.
+/// that names the columns name, depth, time, count, value and perhaps timeFlag, subCategory and initialValue,
+/// in any order and case, then one row per reading (RFC 4180). Every row is checked. A table without counts
+/// has one reading of a point at a time: its count is 1.
 MeasuredFile readMeasuredFile(const QString& path, const QByteArray& content, const FileMapping& mapping,
                               BadRowKeeping keeping = BadRowKeeping::Reasons);
 

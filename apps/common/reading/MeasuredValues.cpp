@@ -118,6 +118,20 @@ QString readValue(const QString& text, QChar decimalSign, double& value)
     return readNumber("value", text, decimalSign, value);
 }
 
+QString readInitialValue(const QString& text, QChar decimalSign, std::optional<double>& value)
+{
+    value.reset();
+    if (text.isEmpty()) {
+        return QString();
+    }
+    double number = 0.0;
+    const QString problem = readNumber("initial value", text, decimalSign, number);
+    if (problem.isEmpty()) {
+        value = number;
+    }
+    return problem;
+}
+
 QString readTimeFlag(const QString& text, QString& timeFlag)
 {
     if (holdsControlCharacter(text)) {

@@ -3,6 +3,8 @@
 #include <QChar>
 #include <QString>
 
+#include <optional>
+
 /// The fields of a reading as a file writes them. Each function returns what is wrong, in words; empty:
 /// nothing.
 namespace values {
@@ -18,6 +20,9 @@ QString readCount(const QString& text, qint32& count);
 
 /// A finite number without thousands separators.
 QString readValue(const QString& text, QChar decimalSign, double& value);
+
+/// The same, or nothing for an empty text.
+QString readInitialValue(const QString& text, QChar decimalSign, std::optional<double>& value);
 
 QString readTimeFlag(const QString& text, QString& timeFlag);
 

@@ -258,13 +258,16 @@ void RowReader::readRow(const csv::Record& record)
     if (problem.isEmpty()) {
         problem = values::readTimeFlag(field(record, MeasuredColumn::TimeFlag), common.sample.timeFlag);
     }
+    if (problem.isEmpty() && isInRows) {
+        problem = initialValueProblem(m_readings.constFirst());
+    }
     if (!problem.isEmpty()) {
         addProblem(record.line, problem);
         return;
     }
     for (RowReading& reading : m_readings) {
         reading.sample.timeFlag = common.sample.timeFlag;
-        pointOf(reading.name, reading.depth).readings.append({record.line, reading.sample});
+        pointOf(reading).readings.append({record.line, reading.sample});
         ++m_file.readingCount;
     }
 }
@@ -291,7 +294,22 @@ QString RowReader::readCommon(const csv::Record& record, RowReading& reading)
         problem = values::readCount(field(record, MeasuredColumn::Count), count);
     }
     reading.sample.count = count;
-    return problem;
+    return problem.isEmpty() ? readMeaning(record, reading) : problem;
+}
+
+// What the point measures, and from where, as far as the file says it.
+QString RowReader::readMeaning(const csv::Record& record, RowReading& reading)
+{
+    if (m_columns.field(MeasuredColumn::SubCategory) >= 0) {
+        reading.subCategory = field(record, MeasuredColumn::SubCategory);
+        if (reading.subCategory.isEmpty()) {
+            return QStringLiteral("the sub-category is empty");
+        }
+    }
+    return m_columns.field(MeasuredColumn::InitialValue) < 0
+               ? QString()
+               : values::readInitialValue(field(record, MeasuredColumn::InitialValue), m_decimalSign,
+                                          reading.initialValue);
 }
 
 QString RowReader::readCells(const csv::Record& record, const RowReading& common)
@@ -339,15 +357,35 @@ void RowReader::addProblem(int line, const QString& reason)
 // ---- Points
 // -------------------------------------------------------------------------------------------------
 
-MeasuredPoint& RowReader::pointOf(const QString& name, const QString& depth)
+MeasuredPoint& RowReader::pointOf(const RowReading& reading)
 {
-    const QPair<QString, QString> key(name, depth);
+    const PointName key(reading.name, {reading.depth, reading.subCategory});
     auto found = m_indexes.find(key);
     if (found == m_indexes.end()) {
         found = m_indexes.insert(key, m_file.points.size());
-        m_file.points.append({name, depth, {}});
+        MeasuredPoint point;
+        point.name = reading.name;
+        point.depth = reading.depth;
+        point.subCategory = reading.subCategory;
+        point.hasInitialValue = m_columns.field(MeasuredColumn::InitialValue) >= 0;
+        point.initialValue = reading.initialValue;
+        m_file.points.append(point);
     }
     return m_file.points[*found];
+}
+
+// A point has one initial value.
+QString RowReader::initialValueProblem(const RowReading& reading) const
+{
+    if (m_columns.field(MeasuredColumn::InitialValue) < 0) {
+        return QString();
+    }
+    const auto found = m_indexes.constFind({reading.name, {reading.depth, reading.subCategory}});
+    const bool isSame =
+        found == m_indexes.constEnd() || m_file.points[*found].initialValue == reading.initialValue;
+    return isSame ? QString()
+                  : QStringLiteral("%1 has another initial value in its first row")
+                        .arg(pointText(reading.name, reading.depth));
 }
 
 void RowReader::reportConflict(const MeasuredPoint& point, const Reading& first, const Reading& second)

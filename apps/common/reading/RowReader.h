@@ -10,6 +10,8 @@
 #include <QMap>
 #include <QPair>
 
+#include <optional>
+
 /// Reads the rows of a table into a file.
 class RowReader
 {
@@ -32,10 +34,15 @@ private:
         QDateTime time;
     };
 
+    // Name, depth and sub-category tell points apart.
+    using PointName = QPair<QString, QPair<QString, QString>>;
+
     struct RowReading
     {
         QString name;
         QString depth;
+        QString subCategory;
+        std::optional<double> initialValue;
         RKPointLocationData sample;
     };
 
@@ -59,7 +66,9 @@ private:
     QString readCells(const csv::Record& record, const RowReading& common);
     void addProblem(int line, const QString& reason);
 
-    MeasuredPoint& pointOf(const QString& name, const QString& depth);
+    MeasuredPoint& pointOf(const RowReading& reading);
+    QString readMeaning(const csv::Record& record, RowReading& reading);
+    QString initialValueProblem(const RowReading& reading) const;
     void sortReadings(MeasuredPoint& point);
     void reportConflict(const MeasuredPoint& point, const Reading& first, const Reading& second);
     void keepBadRows();
@@ -72,7 +81,7 @@ private:
     TimeReader m_times;
     QVector<Cell> m_cells;
     QVector<RowReading> m_readings; // of the row that is read
-    QHash<QPair<QString, QString>, int> m_indexes;
+    QHash<PointName, int> m_indexes;
     bool m_keepsReasons = false;
     QMap<int, QString> m_reasons; // by line
 };

@@ -27,7 +27,7 @@ struct TableColumns
     int line = 1;
     int fieldCount = 0;
     /// The field of each column, from 0; -1 where the table has none.
-    std::array<int, measuredColumns.size()> fields{-1, -1, -1, -1, -1, -1, -1, -1};
+    std::array<int, measuredColumns.size()> fields{-1, -1, -1, -1, -1, -1, -1, -1, -1, -1};
     /// One where readings stand in rows.
     QVector<ValueColumn> values;
     /// Titles of what is not read.

@@ -61,7 +61,7 @@ TEST(FileMapping, NamesTheMemberThatIsWrong)
                                   "column-per-depth, column-per-date"},
         {R"({"columns": {"nam": "Point"}})",
          "site.json: columns has an unknown member \"nam\"; known are name, "
-         "depth, time, date, clock, count, value, timeFlag"},
+         "depth, time, date, clock, count, value, timeFlag, subCategory, initialValue"},
         {R"({"columns": {"name": 0}})", "site.json: columns.name must be a title, or a number from 1"},
         {R"({"columns": {"name": 1.5}})",
          "site.json: columns.name must be a whole number that is not negative"},
