@@ -49,11 +49,13 @@ bool hasMarkers(const Chart::Panel& panel)
 {
     constexpr int mostCurves = 7;
     constexpr int mostPoints = 500;
+    constexpr int fewPoints = 10; // of a curve
     int points = 0;
     for (const Chart::Curve& curve : panel.curves) {
         points += curve.points.size();
     }
-    return panel.curves.size() <= mostCurves && points <= mostPoints;
+    const bool areFew = points <= fewPoints * panel.curves.size();
+    return (panel.curves.size() <= mostCurves || areFew) && points <= mostPoints;
 }
 
 ChartLegend legendOf(const Chart& chart, int panel, double height)
