@@ -7,3 +7,6 @@ QString pointLabel(const QString& name, const QString& depth);
 
 /// The same in a sentence: "name" or "name at depth 2.5".
 QString pointText(const QString& name, const QString& depth);
+
+/// Whether two depths are one: those that are numbers are the same however they are spelled.
+bool isSameDepth(const QString& left, const QString& right);

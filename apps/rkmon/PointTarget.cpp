@@ -7,15 +7,6 @@
 
 namespace {
 
-// Depths that are numbers are the same however they are spelled.
-bool isSameDepth(const QString& left, const QString& right)
-{
-    bool areNumbers[2] = {false, false};
-    const double leftNumber = left.toDouble(&areNumbers[0]);
-    const double rightNumber = right.toDouble(&areNumbers[1]);
-    return left == right || (areNumbers[0] && areNumbers[1] && leftNumber == rightNumber);
-}
-
 QJsonObject conditionOf(Session& session, const PointTarget& target)
 {
     const QString text = target.point.isEmpty() ? target.name : target.point;

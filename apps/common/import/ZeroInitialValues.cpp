@@ -1,6 +1,7 @@
 #include "import/ZeroInitialValues.h"
 
 #include "PagedReading.h"
+#include "PointNames.h"
 #include "extensions/ServiceExtensions.h"
 
 namespace {
@@ -17,13 +18,6 @@ QList<PointSummary> summariesOf(ServiceSession& session, ServiceExtensions& exte
         QStringLiteral("points"),
         [&](int skip, int limit) { return extensions.pointSummaries(project, query, skip, limit); },
         [&] { return extensions.pointSummaryCount(project, query); });
-}
-
-bool isSameDepth(const QString& left, const QString& right)
-{
-    bool areNumbers = false;
-    const double number = left.toDouble(&areNumbers);
-    return left == right || (areNumbers && !right.isEmpty() && number == right.toDouble());
 }
 
 } // namespace
