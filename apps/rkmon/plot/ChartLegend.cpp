@@ -10,11 +10,11 @@
 namespace {
 
 constexpr double sampleLength = 36.0;
-constexpr double widestLabel = 260.0;
+constexpr double widestInLegend = 260.0;
 
 QString shownLabel(const QString& label)
 {
-    return QFontMetricsF(style::labelFont()).elidedText(label, Qt::ElideMiddle, widestLabel);
+    return QFontMetricsF(style::labelFont()).elidedText(label, Qt::ElideMiddle, widestInLegend);
 }
 
 double rowHeight()
