@@ -2,7 +2,7 @@
 
 namespace {
 
-const char* const configuration =
+const char* const configurationText =
     R"(Each setting is taken from the first of these that gives it: the option, the
 variable of the environment, the profile in use, the rest of the file.
 
@@ -26,7 +26,7 @@ What a profile sets that is named by --profile goes before the environment.
 "rkmon project use NAME" writes a project into the file.
 )";
 
-const char* const times =
+const char* const timesText =
     R"(A time is given in one of these forms; without an offset it is of the project's
 time zone, whatever machine rkmon runs on:
 
@@ -45,7 +45,7 @@ and a message says so. Tables show times of that zone with their offset; JSON
 and CSV those of the service.
 )";
 
-const char* const exitCodes =
+const char* const exitCodesText =
     R"(Scripts can tell from the exit status how a command ended:
 
   0    done
@@ -61,7 +61,7 @@ After 5 or 130 a change may have been made: look before you repeat it. An import
 can always be repeated.
 )";
 
-const char* const files =
+const char* const filesText =
     R"(Options of "point import" for files that are written otherwise; a mapping after
 --map says the same, and --write-map proposes one for a file.
 
@@ -82,7 +82,7 @@ const char* const files =
   --doubled-hour H     first or second: when the clock is put back
 )";
 
-const char* const import =
+const char* const importText =
     R"(A file of readings is UTF-8 text, whose first line names its columns: name,
 depth, time, count, value and perhaps timeFlag, in any order; or a spreadsheet.
 
@@ -102,7 +102,7 @@ can be repeated safely.
   rkmon data undo --cell VH --sub-category SM
 )";
 
-const char* const output =
+const char* const outputText =
     R"(Results go to standard output, messages to standard error. A command that
 fails or is interrupted writes no result.
 
@@ -121,13 +121,13 @@ const QVector<HelpTopic>& helpTopics()
 {
     static const QVector<HelpTopic> topics{
         {QStringLiteral("configuration"), QStringLiteral("Where the settings come from"),
-         QString::fromUtf8(configuration)},
+         QString::fromUtf8(configurationText)},
         {QStringLiteral("exit-codes"), QStringLiteral("What the exit status says"),
-         QString::fromUtf8(exitCodes)},
+         QString::fromUtf8(exitCodesText)},
         {QStringLiteral("files"), QStringLiteral("How files of readings are written"),
-         QString::fromUtf8(files)},
-        {QStringLiteral("import"), QStringLiteral("Files of readings"), QString::fromUtf8(import)},
-        {QStringLiteral("output"), QStringLiteral("Tables, JSON and CSV"), QString::fromUtf8(output)},
-        {QStringLiteral("times"), QStringLiteral("Times, days and periods"), QString::fromUtf8(times)}};
+         QString::fromUtf8(filesText)},
+        {QStringLiteral("import"), QStringLiteral("Files of readings"), QString::fromUtf8(importText)},
+        {QStringLiteral("output"), QStringLiteral("Tables, JSON and CSV"), QString::fromUtf8(outputText)},
+        {QStringLiteral("times"), QStringLiteral("Times, days and periods"), QString::fromUtf8(timesText)}};
     return topics;
 }

@@ -191,10 +191,12 @@ ChartAxis axisOfTimes(double least, double most, int mostTicks)
     const TimeStep step = stepFor(axis.upper - axis.lower, mostTicks);
     QDateTime tick =
         tickBefore(QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(std::ceil(axis.lower)), Qt::UTC), step);
-    for (; tick.toMSecsSinceEpoch() <= axis.upper; tick = tickAfter(tick, step)) {
-        const auto value = static_cast<double>(tick.toMSecsSinceEpoch());
-        if (value >= axis.lower) {
-            axis.ticks.append({value, timeLabel(tick, step.unit)});
+    const auto valueOf = [](const QDateTime& time) {
+        return static_cast<double>(time.toMSecsSinceEpoch());
+    };
+    for (; valueOf(tick) <= axis.upper; tick = tickAfter(tick, step)) {
+        if (valueOf(tick) >= axis.lower) {
+            axis.ticks.append({valueOf(tick), timeLabel(tick, step.unit)});
         }
     }
     leaveOutRepeatedDates(axis.ticks);

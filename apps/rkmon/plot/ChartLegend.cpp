@@ -66,7 +66,8 @@ void ChartLegend::paint(QPainter& painter, const QPointF& topLeft) const
     painter.setFont(style::labelFont());
     for (int index = 0; index < m_entries.size(); ++index) {
         const Entry& entry = m_entries[index];
-        const double x = topLeft.x() + index / m_rows * (m_entryWidth + 2 * style::gap);
+        const int column = index / m_rows;
+        const double x = topLeft.x() + column * (m_entryWidth + 2 * style::gap);
         const double middle = topLeft.y() + (index % m_rows + 0.5) * rowHeight();
         paintSample(painter, entry, {x, middle});
         painter.setPen(Qt::black);
