@@ -1,3 +1,4 @@
+#include "AlarmsRaised.h"
 #include "CommandOptions.h"
 #include "Commands.h"
 #include "DailyLimit.h"
@@ -125,23 +126,11 @@ RKAlarmCondition conditionOf(Session& session, const AlarmListOptions& options)
 ExitCode listAlarms(Session& session, const AlarmListOptions& options)
 {
     const RKAlarmCondition condition = conditionOf(session, options);
-    const auto readPage = [&](int skip, int limit) {
-        const QString purpose = QStringLiteral("list alarms");
-        QList<RKAlarm> page;
-        session.ask(purpose,
-                    [&] { return session.projectData().getAlarmRangeData(condition, skip, limit, page); });
-        requireIdentifiers(page, purpose, QStringLiteral("alarms"));
-        return page;
-    };
-    const auto readCount = [&] {
-        int count = 0;
-        session.ask(QStringLiteral("count alarms"),
-                    [&] { return session.projectData().getAlarmRangeCount(condition, count); });
-        return count;
-    };
-    const QList<RKAlarm> alarms =
-        pages::read(session, options.page, QStringLiteral("alarms"), readPage, readCount);
-    session.output().addList(alarmSheet(session, alarms));
+    const QList<RKAlarm> raised = pages::read(
+        session, options.page, QStringLiteral("alarms"),
+        [&](int skip, int limit) { return alarms::readPage(session, condition, skip, limit); },
+        [&] { return alarms::readCount(session, condition); });
+    session.output().addList(alarmSheet(session, raised));
     return ExitCode::Success;
 }
 
@@ -151,22 +140,10 @@ ExitCode listDetails(Session& session, const DetailOptions& options)
     restrictTo(options.period, session.zoneOf(), condition);
     condition.alarmManId = options.id;
     condition.pointName = markers::keptOutOf(options.point);
-    const auto readPage = [&](int skip, int limit) {
-        const QString purpose = QStringLiteral("list the details of alarm %1").arg(options.id);
-        QList<RKAlarmDetail> page;
-        session.ask(purpose,
-                    [&] { return session.data().getAlarmDetailRangeData(condition, skip, limit, page); });
-        requireIdentifiers(page, purpose, QStringLiteral("alarms"));
-        return page;
-    };
-    const auto readCount = [&] {
-        int count = 0;
-        session.ask(QStringLiteral("count the details of alarm %1").arg(options.id),
-                    [&] { return session.data().getAlarmDetailRangeCount(condition, count); });
-        return count;
-    };
-    const QList<RKAlarmDetail> details =
-        pages::read(session, options.page, QStringLiteral("details"), readPage, readCount);
+    const QList<RKAlarmDetail> details = pages::read(
+        session, options.page, QStringLiteral("details"),
+        [&](int skip, int limit) { return alarms::readDetailPage(session, condition, skip, limit); },
+        [&] { return alarms::readDetailCount(session, condition); });
     const auto reasons = details.isEmpty() ? QMap<QString, AlarmReason>() : reasonsOf(session, options.id);
     session.output().addList(detailSheet(details, reasons));
     return ExitCode::Success;
