@@ -3,8 +3,12 @@
 ServiceSession::ServiceSession(const Configuration& configuration) : m_configuration(configuration)
 {
     applyConfiguration(m_configuration);
-    NetworkManager::instance().setObserver(
-        [this](const NetworkExchange& exchange) { m_lastExchange = exchange; });
+    NetworkManager::instance().setObserver([this](const NetworkExchange& exchange) {
+        m_lastExchange = exchange;
+        if (!m_keepsAnswer) {
+            m_lastExchange->answer.clear();
+        }
+    });
 }
 
 ServiceSession::~ServiceSession()

@@ -4,10 +4,13 @@
 #include "RequestFailure.h"
 
 #include <NetworkManager.h>
+#include <QByteArray>
+#include <QScopedValueRollback>
 #include <QString>
 #include <RKMonitoringData.h>
 
 #include <optional>
+#include <utility>
 
 /// Work with the service: the library, and how its requests went. One at a time.
 class ServiceSession
@@ -42,6 +45,16 @@ public:
         return result;
     }
 
+    /// As ask(), for what the library leaves out of the answer: gives its body.
+    template <typename Operation>
+    QByteArray answerTo(const QString& purpose, Operation operation,
+                        Repetition repetition = Repetition::MayDouble)
+    {
+        const QScopedValueRollback<bool> keeping(m_keepsAnswer, true);
+        ask(purpose, operation, repetition);
+        return std::exchange(m_lastExchange->answer, QByteArray());
+    }
+
     /// As ask(), for an operation that the library may answer from its cache.
     template <typename Operation>
     auto recall(const QString& purpose, Operation operation)
@@ -59,4 +72,5 @@ private:
 
     Configuration m_configuration;
     std::optional<NetworkExchange> m_lastExchange;
+    bool m_keepsAnswer = false; ///< in m_lastExchange: it may be large
 };
