@@ -63,6 +63,7 @@ public:
         tcsetattr(m_slave, TCSANOW, &modes);
         winsize size{};
         size.ws_col = static_cast<unsigned short>(columns);
+        size.ws_row = Program::terminalLines;
         ioctl(m_slave, TIOCSWINSZ, &size);
         fcntl(m_master, F_SETFL, O_NONBLOCK);
     }
@@ -130,7 +131,7 @@ Program::Program() : m_environment(QProcessEnvironment::systemEnvironment())
             m_environment.remove(name);
         }
     }
-    for (const QString& name : {"NO_COLOR"_q, "COLUMNS"_q}) {
+    for (const QString& name : {"NO_COLOR"_q, "COLUMNS"_q, "LINES"_q}) {
         m_environment.remove(name);
     }
     m_environment.insert("XDG_CONFIG_HOME"_q, m_folder.path());
