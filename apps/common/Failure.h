@@ -33,6 +33,7 @@ enum class Remedy
     ExtendDeadline,
     TrustCertificate,
     GiveSubCategory,
+    ListProjects,
     ListMonitorings,
     ListSubCategories
 };
