@@ -35,6 +35,7 @@ enum class Remedy
     ExtendDeadline,
     TrustCertificate,
     GiveSubCategory,
+    ListProjects,
     ListMonitorings,
     ListSubCategories
 };

@@ -9,8 +9,11 @@
 #include <QString>
 #include <RKMonitoringData.h>
 
+#include <memory>
 #include <optional>
 #include <utility>
+
+class ServiceExtensions;
 
 /// Work with the service: the library, and how its requests went. One at a time.
 class ServiceSession
@@ -24,13 +27,18 @@ public:
 
     const Configuration& configuration() const { return m_configuration; }
 
-    /// Identifier of the project; may be empty.
-    QString project() const { return m_configuration.project; }
+    /// What the service can beyond the library's operations; asked at the first use.
+    ServiceExtensions& extensions() { return *m_extensions; }
+
+    /// Identifier of the project; may be empty. A project that was given by its name is looked up at the
+    /// first use. Throws a Failure when the service has none or several of that name, or cannot tell.
+    QString project();
 
     /// The library, for operations that name no project.
     RKMonitoringData& data() { return *RKMonitoringData::instance(); }
 
-    /// The library, for operations in the project. Throws a Failure (BadInput) when none is configured.
+    /// The library, for operations in the project. Throws a Failure as project() does, and when none is
+    /// configured (BadInput).
     RKMonitoringData& projectData();
 
     /// Runs one operation of the library, which must send a request, and returns its result; throws a Failure
@@ -68,9 +76,11 @@ public:
     }
 
 private:
+    void lookUpProject();
     void requireAnswer(const QString& purpose, Repetition repetition) const;
 
     Configuration m_configuration;
+    std::unique_ptr<ServiceExtensions> m_extensions;
     std::optional<NetworkExchange> m_lastExchange;
     bool m_keepsAnswer = false; ///< in m_lastExchange: it may be large
 };

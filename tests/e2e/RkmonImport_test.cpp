@@ -643,6 +643,15 @@ TEST_F(RkmonImport, StatisticsAreShownAndDrawn)
 
     const Result drawn = done({"stats"_q, "depth"_q, "--cell"_q, "VH"_q, "--draw"_q});
     EXPECT_TRUE(drawn.output.contains(QString::fromUtf8("○ 2015-12-18   ● 2015-12-19")));
+    const QStringList draw{"stats"_q, "depth"_q, "--cell"_q, "VH"_q, "--draw"_q};
+#ifdef Q_OS_UNIX
+    // The prompt has the last line.
+    EXPECT_EQ(rkmon.runOnTerminal(draw, 80).output.count("\n"_q), Program::terminalLines - 1);
+#endif
+    for (const int lines : {12, 40}) {
+        rkmon.setVariable("LINES"_q, QString::number(lines));
+        EXPECT_EQ(done(draw).output.count("\n"_q), lines - 1);
+    }
     const QString svg = QDir(rkmon.folder()).filePath("a.svg"_q);
     const Result plotted =
         done({"stats"_q, "normal"_q, "--cell"_q, "VH"_q, "--plot"_q, svg, "--unit"_q, "mm"_q});

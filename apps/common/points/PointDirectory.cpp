@@ -57,7 +57,7 @@ void PointDirectory::workOutReferences()
     condition.names = m_names;
     QList<RKPointLocation> points;
     m_session.ask(QStringLiteral("read the initial values of \"%1\"").arg(m_monitoring.name),
-                  [&] { return m_session.data().getPointLocation(condition, points, false); });
+                  [&] { return m_session.projectData().getPointLocation(condition, points, false); });
     for (const RKPointLocation& point : qAsConst(points)) {
         if (point.initialValue != 0.0) {
             m_references.insert(point.id, {point.initialValue, false});
