@@ -7,3 +7,9 @@ bool isIdentifier(const QString& text)
     static const QRegularExpression form(QStringLiteral("\\A[0-9a-fA-F]{24}\\z"));
     return form.match(text).hasMatch();
 }
+
+bool canBeIdentifier(const QString& text)
+{
+    static const QRegularExpression form(QStringLiteral("\\A[0-9A-Za-z_-]+\\z"));
+    return form.match(text).hasMatch();
+}

@@ -1,5 +1,6 @@
 #include "ServiceSession.h"
 
+#include "Identifier.h"
 #include "Lookup.h"
 #include "extensions/ServiceExtensions.h"
 
@@ -32,7 +33,11 @@ QString ServiceSession::project()
 
 void ServiceSession::lookUpProject()
 {
-    if (!m_extensions->has(Extension::Projects)) {
+    if (m_extensions->has(Extension::Projects)) {
+        m_configuration.project = lookup::project(*m_extensions, m_configuration.projectName).id;
+    } else if (canBeIdentifier(m_configuration.projectName)) {
+        m_configuration.project = m_configuration.projectName; // of a service with identifiers of its own
+    } else {
         throw Failure(
             FailureKind::BadInput,
             QStringLiteral(
@@ -40,7 +45,6 @@ void ServiceSession::lookUpProject()
                 "project has this name (\"%3\" is not among its extensions)")
                 .arg(m_configuration.projectName, m_configuration.baseApi, nameOf(Extension::Projects)));
     }
-    m_configuration.project = lookup::project(*m_extensions, m_configuration.projectName).id;
     m_configuration.projectName.clear();
     GetSoftCache()->setProjectId(m_configuration.project);
 }

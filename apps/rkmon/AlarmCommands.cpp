@@ -63,13 +63,15 @@ QMap<QString, AlarmReason> reasonsOf(Session& session, const QString& alarmId)
     return reasons;
 }
 
-// By how much a daily limit is passed: in percent for a limit that is.
-QVariant dailyExcess(double excess, const AlarmReason& reason)
+// A daily variation, or by how much it passes its limit: in percent for a limit that is.
+QVariant dailyCell(const QVariant& value, const AlarmReason& reason)
 {
     constexpr int percentDecimals = 2;
-    return reason.dayVarType == daily::inPercent
-               ? cell::shownAs(excess, QString::number(excess, 'f', percentDecimals) + QStringLiteral(" %"))
-               : QVariant(excess);
+    bool isNumber = false;
+    const double number = value.toDouble(&isNumber);
+    return isNumber && reason.dayVarType == daily::inPercent
+               ? cell::shownAs(value, QString::number(number, 'f', percentDecimals) + QStringLiteral(" %"))
+               : value;
 }
 
 Sheet detailSheet(const QList<RKAlarmDetail>& details, const QMap<QString, AlarmReason>& reasons)
@@ -84,8 +86,9 @@ Sheet detailSheet(const QList<RKAlarmDetail>& details, const QMap<QString, Alarm
                 {}};
     for (const RKAlarmDetail& detail : details) {
         sheet.rows.append({detail.id, detail.pointName, noneIfEmpty(detail.depth), detail.monitorTime,
-                           detail.monitorCount, detail.totalVar, detail.totalBeyound, detail.dayVar,
-                           dailyExcess(detail.dayBeyound, reasons.value(detail.id)), detail.isThreeVar,
+                           detail.monitorCount, detail.totalVar, detail.totalBeyound,
+                           dailyCell(detail.dayVar, reasons.value(detail.id)),
+                           dailyCell(detail.dayBeyound, reasons.value(detail.id)), detail.isThreeVar,
                            detail.isInclinometer, detail.alarmTime});
     }
     return sheet;

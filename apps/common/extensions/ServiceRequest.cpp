@@ -1,10 +1,11 @@
 #include "extensions/ServiceRequest.h"
 
+#include "Identifier.h"
+
 #include <NetworkEventLoop.h>
 #include <NetworkManager.h>
 #include <QJsonDocument>
 #include <QPointer>
-#include <QRegularExpression>
 
 namespace extensions {
 
@@ -74,8 +75,7 @@ QString listPath(const ListRequest& list)
 
 QString resourcePath(const char* path, const QString& id)
 {
-    static const QRegularExpression form(QStringLiteral("\\A[0-9A-Za-z_-]+\\z"));
-    if (!form.match(id).hasMatch()) {
+    if (!canBeIdentifier(id)) {
         throw Failure(FailureKind::BadInput, QStringLiteral("\"%1\" is not an identifier").arg(id));
     }
     return QString(QLatin1String(path)).arg(id);

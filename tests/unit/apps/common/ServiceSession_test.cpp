@@ -57,7 +57,7 @@ TEST_F(SessionByName, RefusesWhatItCannotTell)
     const auto find = [](ServiceSession& searching) {
         return failureOf([&] { searching.projectData(); });
     };
-    ServiceSession named(configurationWith("North"_q));
+    ServiceSession named(configurationWith("North tower"_q));
     server.answerJson(404, R"({"message":"no such resource","status":404})");
     EXPECT_EQ(find(named), FailureKind::BadInput); // a service without extensions
 
@@ -69,4 +69,11 @@ TEST_F(SessionByName, RefusesWhatItCannotTell)
     EXPECT_EQ(find(other), FailureKind::BadInput);
     answerProjects({project(north, "North"_q)});
     EXPECT_EQ(find(other), std::nullopt); // nothing wrong was remembered
+}
+
+TEST_F(SessionByName, TakesWhatCanBeOneForAnIdentifierWhereNamesAreNotTold)
+{
+    ServiceSession named(configurationWith("p-7"_q));
+    server.answerJson(404, R"({"message":"no such resource","status":404})");
+    EXPECT_EQ(named.project(), "p-7"_q);
 }
