@@ -77,7 +77,10 @@ ImportResult runImport(Session& session, const ImportOptions& options)
                                                        callbacks)
                                          : importProject(session,
                                                          {options.projectFile, options.files, mapping,
-                                                          options.badRowsFile, options.isDryRun},
+                                                          options.badRowsFile, options.isDryRun,
+                                                          [&](const FileMapping& own) {
+                                                              return amended(own, options.mapping);
+                                                          }},
                                                          callbacks);
 }
 

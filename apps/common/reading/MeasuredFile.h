@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QMap>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -32,6 +33,14 @@ struct MeasuredPoint
     bool hasInitialValue = false;
     std::optional<double> initialValue;
     QVector<Reading> readings;
+};
+
+/// The unit of readings as a file says it.
+struct WrittenUnit
+{
+    QString unit;
+    /// The first line that says it.
+    int line = 0;
 };
 
 /// A row that cannot be read, as it stands in the file.
@@ -74,6 +83,10 @@ struct MeasuredFile
     int withoutReadingCount = 0;
     /// Columns that the header names and nothing reads.
     QStringList ignoredColumns;
+    /// Whether its readings have types that a mapping can give sub-categories to.
+    bool hasTypes = false;
+    /// Units that must be those of the sub-categories, by what the file calls what it measures.
+    QMultiMap<QString, WrittenUnit> units;
     Problems problems;
     /// Whether its columns and the form of its numbers and times are known, so that its rows were read.
     bool isFormatKnown = false;
@@ -94,7 +107,8 @@ struct MeasuredFile
 /// Reads `content`, the readings of a file at `path` that is written as `mapping` says: by default a header
 /// that names the columns name, depth, time, count, value and perhaps timeFlag, subCategory and initialValue,
 /// in any order and case, then one row per reading (RFC 4180). Every row is checked. A table without counts
-/// has one reading of a point at a time: its count is 1.
+/// has one reading of a point at a time: its count is 1. AGS files are read, too (ags::readReadings). Throws
+/// a Failure (BadInput) when the mapping is for files of another form.
 MeasuredFile readMeasuredFile(const QString& path, const QByteArray& content, const FileMapping& mapping,
                               BadRowKeeping keeping = BadRowKeeping::Reasons);
 

@@ -65,7 +65,8 @@ TEST(ProjectFile, NamesWhatIsWrong)
         {"{" + base + R"(, "files": [{"monitoring": "VH", "subCategory": "SM"}]})",
          "in/project.json: files[0].file must be a text that is not empty"},
         {"{" + base + R"(, "files": [{"file": "a", "monitoring": "VH", "subCategory": "SM", "day": 1}]})",
-         "in/project.json: files[0] has an unknown member \"day\"; known are file, monitoring, subCategory"},
+         "in/project.json: files[0] has an unknown member \"day\"; known are file, monitoring, "
+         "subCategory, map"},
         {"{" + base +
              R"(, "groups": [{"monitoring": "VH", "subCategory": "SM", "name": "P", "points": []}]})",
          "in/project.json: groups[0].points must name at least one point"},
