@@ -8,10 +8,13 @@
 #include "reading/RowReader.h"
 
 #include <algorithm>
+#include <array>
 
 namespace ags {
 
 namespace {
+
+constexpr std::array<const char*, 5> noReadingWords{"", "dry", "n/a", "nr", "no reading"};
 
 void requireNothingOfTables(const QString& path, const FileMapping& mapping)
 {
@@ -60,8 +63,7 @@ FileMapping completed(FileMapping mapping, const Group& readings)
     }
     mapping.possibleTimeFormats = {TimeFormat::YearMonthDay, TimeFormat::DayMonthYear,
                                    TimeFormat::MonthDayYear};
-    // What is written where nothing could be read.
-    for (const char* word : {"", "dry", "n/a", "nr", "no reading"}) {
+    for (const char* word : noReadingWords) {
         mapping.noReading.insert(QLatin1String(word));
     }
     return mapping;
@@ -210,6 +212,13 @@ TableColumns columnsOf(const Group& readings, const ReadingFields& fields)
 }
 
 } // namespace
+
+bool saysNoReading(const QString& text)
+{
+    return std::any_of(noReadingWords.cbegin(), noReadingWords.cend(), [&](const char* word) {
+        return text.compare(QLatin1String(word), Qt::CaseInsensitive) == 0;
+    });
+}
 
 void readReadings(const QByteArray& text, const FileMapping& mapping, BadRowKeeping keeping,
                   MeasuredFile& file)

@@ -3,8 +3,12 @@
 #include "reading/MeasuredFile.h"
 
 #include <QByteArray>
+#include <QString>
 
 namespace ags {
+
+/// Whether `text` is commonly written where nothing could be read, such as "Dry"; so is nothing at all.
+bool saysNoReading(const QString& text);
 
 /// Reads the readings (MOND) of an AGS 4 file into `file`: the point is the location, as long as each has one
 /// installation, unless the mapping says its name; the depth is the distance of the installation, and the

@@ -4,6 +4,7 @@
 #include "import/BadRowsFile.h"
 #include "import/Deliveries.h"
 #include "import/KnownPoints.h"
+#include "import/ProjectClock.h"
 #include "import/ProjectFile.h"
 #include "import/ProjectSetUp.h"
 #include "import/SubCategoryColumn.h"
@@ -100,7 +101,8 @@ struct ReadingOrder
 };
 
 // Every file, checked; bad rows go to `result`.
-QList<PlacedFile> readFiles(const ReadingOrder& order, const ImportNotes& notes, ImportResult& result)
+QList<PlacedFile> readFiles(ServiceSession& session, const ReadingOrder& order, const ImportNotes& notes,
+                            ImportResult& result)
 {
     requireNoDuplicates(order.sources);
     const bool skipsBadRows = !order.badRowsFile.isEmpty();
@@ -109,8 +111,9 @@ QList<PlacedFile> readFiles(const ReadingOrder& order, const ImportNotes& notes,
     }
     QList<PlacedFile> files;
     for (const Source& source : order.sources) {
-        const MeasuredFile file = readMeasuredFile(
-            source.path, source.mapping, skipsBadRows ? BadRowKeeping::Rows : BadRowKeeping::Reasons);
+        const MeasuredFile file =
+            readOnProjectClock(session, source.path, source.mapping,
+                               skipsBadRows ? BadRowKeeping::Rows : BadRowKeeping::Reasons, notes);
         noteOddities(file, notes);
         const bool isUsable = skipsBadRows && file.isReadable;
         (isUsable ? result.skippedRows : result.badRows).append(file.problems.lines(source.path));
@@ -312,7 +315,7 @@ ImportResult importFiles(ServiceSession& session, const FileImport& order, const
         sources.append({path, {}, order.mapping});
     }
     ImportResult result;
-    QList<PlacedFile> files = readFiles({sources, order.badRowsFile}, callbacks.onNote, result);
+    QList<PlacedFile> files = readFiles(session, {sources, order.badRowsFile}, callbacks.onNote, result);
     if (!result.badRows.isEmpty()) {
         return result;
     }
@@ -335,7 +338,8 @@ ImportResult importProject(ServiceSession& session, const ProjectImport& order,
     const ProjectFile project = readProjectFile(order.projectFile);
     const QList<Source> sources = plannedSources(order, project);
     ImportResult result;
-    const QList<PlacedFile> whole = readFiles({sources, order.badRowsFile}, callbacks.onNote, result);
+    const QList<PlacedFile> whole =
+        readFiles(session, {sources, order.badRowsFile}, callbacks.onNote, result);
     QList<PlannedPart> parts;
     for (int i = 0; i < whole.size() && result.badRows.isEmpty(); ++i) {
         parts += plannedParts(project, sources[i].planned, whole[i].file, result.badRows);

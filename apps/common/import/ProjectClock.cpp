@@ -1,0 +1,24 @@
+#include "import/ProjectClock.h"
+
+#include "TimeZones.h"
+#include "extensions/ServiceExtensions.h"
+
+MeasuredFile readOnProjectClock(ServiceSession& session, const QString& path, const FileMapping& mapping,
+                                BadRowKeeping keeping, const ImportNotes& notes)
+{
+    const MeasuredFile file = readMeasuredFile(path, mapping, keeping);
+    if (!file.hasTypes || !file.unclear.utcOffset) {
+        return file;
+    }
+    ServiceExtensions extensions(session);
+    const std::optional<QTimeZone> zone = zones::ofProject(session, extensions);
+    if (!zone) {
+        return file;
+    }
+    notes({ImportNote::Kind::Information,
+           QStringLiteral("%1: its times name no offset and are read as those of the project, %2")
+               .arg(path, QString::fromUtf8(zone->id()))});
+    FileMapping onClock = mapping;
+    onClock.zone = *zone;
+    return readMeasuredFile(path, onClock, keeping);
+}
