@@ -39,8 +39,7 @@ void addAgsFile(Session& session, const RKMonitoring& monitoring, const QList<RK
     monitored.projectName = projectName(session);
     monitored.producer = QStringLiteral("rkmon");
     monitored.monitoring = monitoring.name;
-    monitored.zone = session.zone();
-    monitored.day = QDateTime::currentDateTimeUtc().toTimeZone(monitored.zone).date();
+    monitored.day = QDateTime::currentDateTimeUtc().toTimeZone(session.zone()).date();
     for (const RKPointLocation& point : points) {
         monitored.series.append(seriesOf(point, meanings.value(point.id)));
     }

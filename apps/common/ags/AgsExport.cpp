@@ -13,6 +13,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace ags {
 
@@ -108,14 +109,13 @@ private:
     QMap<QString, QString> m_codes; // by name of the sub-category
 };
 
-QString timeText(const QDateTime& time, const QTimeZone& zone)
+// With the offset that the sample has.
+QString timeText(const QDateTime& time)
 {
     constexpr int minute = 60;
-    const int inZone = zone.offsetFromUtc(time);
-    const int offset = inZone % minute == 0 ? inZone : 0; // of local mean times there is no way to write it
-    const QDateTime clock = time.toOffsetFromUtc(offset);
+    const int offset = time.offsetFromUtc();
     const int minutes = std::abs(offset) / minute;
-    return clock.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz")) +
+    return time.toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz")) +
            QStringLiteral("%1%2:%3")
                .arg(QChar(offset < 0 ? u'-' : u'+'))
                .arg(minutes / minute, 2, 10, QChar(u'0'))
@@ -149,10 +149,10 @@ QByteArray readingRows(const Monitored& monitored, const Codes& codes, const Dis
         for (const RKPointLocationData& sample : series.point.data) {
             const QString count = QString::number(sample.count);
             // Only with the count is each row unlike the others.
-            rows += rowText(text(dataDescriptor),
-                            {series.point.name, series.point.name, distance,
-                             timeText(sample.time, monitored.zone), code, count, numberText(sample.value),
-                             series.unit, count, required(sample.timeFlag), initialValue});
+            rows +=
+                rowText(text(dataDescriptor), {series.point.name, series.point.name, distance,
+                                               timeText(sample.time), code, count, numberText(sample.value),
+                                               series.unit, count, required(sample.timeFlag), initialValue});
         }
     }
     return rows;

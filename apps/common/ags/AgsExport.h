@@ -4,7 +4,6 @@
 #include <QDate>
 #include <QList>
 #include <QString>
-#include <QTimeZone>
 #include <RKPointLocation.h>
 
 #include <optional>
@@ -35,8 +34,6 @@ struct Monitored
     QString monitoring;
     /// The day of the export.
     QDate day;
-    /// Where the clock of the readings is; each has its offset as well.
-    QTimeZone zone;
     QList<MeasuredSeries> series;
 };
 

@@ -37,8 +37,7 @@ RKPointLocationData sampleAt(const QString& time, qint32 count, double value, co
 
 ags::Monitored monitoredOf(const QList<ags::MeasuredSeries>& series)
 {
-    return {"1842"_q,          "Canal Street"_q,           "rkmon"_q, "Pit"_q,
-            QDate(2024, 4, 2), QTimeZone("Europe/London"), series};
+    return {"1842"_q, "Canal Street"_q, "rkmon"_q, "Pit"_q, QDate(2024, 4, 2), series};
 }
 
 std::string refusalOf(const ags::Monitored& monitored)
@@ -119,7 +118,7 @@ QList<ags::MeasuredSeries> randomSeries(Chance& chance)
 TEST(AgsExport, HasAllGroupsThatAFileNeeds)
 {
     const QByteArray file = ags::fileOf(
-        monitoredOf({{pointOf("BH1"_q, "2.5"_q, {sampleAt("2024-04-01T08:00:00Z"_q, 3, -0.125, "A"_q)}),
+        monitoredOf({{pointOf("BH1"_q, "2.5"_q, {sampleAt("2024-04-01T09:00:00+01:00"_q, 3, -0.125, "A"_q)}),
                       "Water level"_q, "WL"_q, "m"_q, 7.25}}));
     EXPECT_TRUE(file.startsWith("\"GROUP\",\"PROJ\"\r\n\"HEADING\",\"PROJ_ID\",\"PROJ_NAME\"\r\n"
                                 "\"UNIT\",\"\",\"\"\r\n\"TYPE\",\"ID\",\"X\"\r\n"
