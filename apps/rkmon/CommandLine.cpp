@@ -119,7 +119,7 @@ CommandLine::CommandLine()
     options::setExamples(m_app, "  rkmon monitoring list --name '^LS-' --json\n"
                                 "  rkmon help exit-codes\n\n"
                                 "The options above go with every command. Topics of rkmon help:\n"
-                                "configuration, exit-codes, import, output, times.");
+                                "ags, configuration, exit-codes, files, import, output, times.");
 }
 
 void CommandLine::addCommonOptions()

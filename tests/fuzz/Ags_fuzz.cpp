@@ -5,6 +5,7 @@
 #include "Fuzzer.h"
 #include "ReadingChecks.h"
 #include "ags/AgsExport.h"
+#include "import/AnyFile.h"
 #include "import/BadRowsFile.h"
 
 namespace {
@@ -54,7 +55,7 @@ void checkRoundTrip(const MeasuredFile& file)
     } catch (const Failure&) {
         return; // a text that it cannot hold
     }
-    const MeasuredFile again = readMeasuredFile(name, written, {});
+    const MeasuredFile again = readAnyFile(name, written, {});
     require(
         again.problems.isEmpty() && described(again) == described(file), "what is written reads as it was",
         [&] { return written.toStdString() + again.problems.lines(name).join(QChar(u'\n')).toStdString(); });
@@ -65,7 +66,7 @@ void checkBadRows(const MeasuredFile& file, const FileMapping& mapping)
     require(file.badRows.rows.size() <= file.problems.count(), "a bad row has a problem");
     if (file.isReadable && !file.badRows.rows.isEmpty()) {
         const QByteArray bad = badRowsText({&file});
-        require(readMeasuredFile(name, bad, mapping).isFormatKnown, "bad rows make a file that can be read",
+        require(readAnyFile(name, bad, mapping).isFormatKnown, "bad rows make a file that can be read",
                 [&] { return bad.toStdString(); });
     }
 }
@@ -77,7 +78,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     const QByteArray content(reinterpret_cast<const char*>(data), static_cast<int>(size));
     FileMapping mapping;
     mapping.utcOffset = 3600;
-    const MeasuredFile file = readMeasuredFile(name, content, mapping, BadRowKeeping::Rows);
+    const MeasuredFile file = readAnyFile(name, content, mapping, BadRowKeeping::Rows);
     fuzz::checkReadings(file);
     checkBadRows(file, mapping);
     if (file.problems.isEmpty()) {

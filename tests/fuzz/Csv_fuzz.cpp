@@ -3,7 +3,6 @@
 
 #include "Fuzzer.h"
 #include "ReadingChecks.h"
-#include "ags/AgsGroups.h"
 #include "import/Deliveries.h"
 #include "reading/MeasuredFile.h"
 
@@ -171,9 +170,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     }
     const FileMapping format = formatOf(data[0]);
     const QByteArray content(reinterpret_cast<const char*>(data + 1), static_cast<int>(size - 1));
-    if (ags::isAgs(QStringLiteral("f"), content)) {
-        return 0; // another fuzzer's
-    }
     const MeasuredFile file = readMeasuredFile(QStringLiteral("f"), content, format);
     fuzz::checkReadings(file);
     require(!file.problems.isEmpty() || file.repeatedCount >= 0, "repeated rows are counted");

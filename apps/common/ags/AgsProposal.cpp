@@ -95,7 +95,8 @@ public:
         proposeTypes(sketch);
         proposeNoReading(sketch);
         if (file.unclear.utcOffset) {
-            leaveOpen(QStringLiteral("timeZone or utcOffset: the times name no offset from UTC"));
+            leaveOpen(QStringLiteral("timeZone or utcOffset: the times name no offset from UTC; without "
+                                     "either they are those of the project"));
         }
         m_proposal.json = QJsonDocument(m_json).toJson();
         return m_proposal;
@@ -104,17 +105,24 @@ public:
 private:
     void leaveOpen(const QString& what) { m_proposal.open.append(what); }
 
+    MeasuredFile readUnder(const FileMapping& mapping) const
+    {
+        MeasuredFile file;
+        file.path = m_path;
+        readReadings(m_text, mapping, BadRowKeeping::Reasons, file);
+        return file;
+    }
+
     // The file under what was given, and a name where that is open.
     MeasuredFile readAsProposed()
     {
         FileMapping mapping = m_given;
-        mapping.encoding = FileEncoding::Utf8;
-        const MeasuredFile file = readMeasuredFile(m_path, m_text, mapping);
+        const MeasuredFile file = readUnder(mapping);
         if (!file.unclear.names.isEmpty()) {
             leaveOpen(QStringLiteral("columns.name: points may be named by %1")
                           .arg(file.unclear.names.join(QStringLiteral(" or "))));
             mapping.columns.insert(MeasuredColumn::Name, {file.unclear.names.first(), 0});
-            return readMeasuredFile(m_path, m_text, mapping);
+            return readUnder(mapping);
         }
         const bool isNameSaid = m_given.columns.contains(MeasuredColumn::Name) ||
                                 m_given.constants.contains(MeasuredColumn::Name);

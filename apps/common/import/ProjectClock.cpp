@@ -2,11 +2,14 @@
 
 #include "TimeZones.h"
 #include "extensions/ServiceExtensions.h"
+#include "import/AnyFile.h"
+#include "reading/FileSource.h"
 
 MeasuredFile readOnProjectClock(ServiceSession& session, const QString& path, const FileMapping& mapping,
                                 BadRowKeeping keeping, const ImportNotes& notes)
 {
-    const MeasuredFile file = readMeasuredFile(path, mapping, keeping);
+    FileSource source = sourceOf(path, mapping);
+    const MeasuredFile file = readAnyFile(path, source.content, source.mapping, keeping);
     if (!file.hasTypes || !file.unclear.utcOffset) {
         return file;
     }
@@ -18,7 +21,6 @@ MeasuredFile readOnProjectClock(ServiceSession& session, const QString& path, co
     notes({ImportNote::Kind::Information,
            QStringLiteral("%1: its times name no offset and are read as those of the project, %2")
                .arg(path, QString::fromUtf8(zone->id()))});
-    FileMapping onClock = mapping;
-    onClock.zone = *zone;
-    return readMeasuredFile(path, onClock, keeping);
+    source.mapping.zone = *zone;
+    return readAnyFile(path, source.content, source.mapping, keeping);
 }

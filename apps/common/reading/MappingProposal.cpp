@@ -1,8 +1,6 @@
 #include "reading/MappingProposal.h"
 
 #include "Failure.h"
-#include "ags/AgsGroups.h"
-#include "ags/AgsProposal.h"
 #include "reading/MappingJson.h"
 #include "reading/MeasuredFile.h"
 #include "reading/TableColumns.h"
@@ -380,6 +378,5 @@ MappingProposal proposeMapping(const QString& path, const QByteArray& content, c
                       QStringLiteral("%1: the text is not %2; it can be read as %3")
                           .arg(path, nameOf(text.encoding).toUpper(), readable.join(QStringLiteral(", "))));
     }
-    return ags::isAgs(path, text.utf8) ? ags::proposeMapping(path, text.utf8, given)
-                                       : Proposer(path, text.utf8, given).propose(content);
+    return Proposer(path, text.utf8, given).propose(content);
 }

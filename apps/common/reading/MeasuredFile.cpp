@@ -1,12 +1,8 @@
 #include "reading/MeasuredFile.h"
 
 #include "Failure.h"
-#include "ags/AgsGroups.h"
-#include "ags/AgsReading.h"
 #include "reading/RowReader.h"
 #include "reading/TableRows.h"
-
-namespace {
 
 void readTable(const QByteArray& text, const FileMapping& mapping, BadRowKeeping keeping, MeasuredFile& file)
 {
@@ -23,21 +19,17 @@ void readTable(const QByteArray& text, const FileMapping& mapping, BadRowKeeping
     }
 }
 
-} // namespace
-
-MeasuredFile readMeasuredFile(const QString& path, const QByteArray& content, const FileMapping& mapping,
-                              BadRowKeeping keeping)
+MeasuredFile readMeasuredText(const QString& path, const QByteArray& content,
+                              std::optional<FileEncoding> encoding, const TextReading& read)
 {
     MeasuredFile file;
     file.path = path;
-    const FileText text = readFileText(content, mapping.encoding);
+    const FileText text = readFileText(content, encoding);
     file.encoding = text.encoding;
-    if (!text.problem.isEmpty()) {
-        file.problems.add(text.line, text.problem);
-    } else if (ags::isAgs(path, text.utf8)) {
-        ags::readReadings(text.utf8, mapping, keeping, file);
+    if (text.problem.isEmpty()) {
+        read(text.utf8, file);
     } else {
-        readTable(text.utf8, mapping, keeping, file);
+        file.problems.add(text.line, text.problem);
     }
     const bool isForeign = file.holdsForeignBytes || !text.problem.isEmpty();
     if (isForeign) {
@@ -46,4 +38,12 @@ MeasuredFile readMeasuredFile(const QString& path, const QByteArray& content, co
     }
     file.isReadable = file.isFormatKnown && !isForeign && !file.unclear.utcOffset;
     return file;
+}
+
+MeasuredFile readMeasuredFile(const QString& path, const QByteArray& content, const FileMapping& mapping,
+                              BadRowKeeping keeping)
+{
+    return readMeasuredText(path, content, mapping.encoding, [&](const QByteArray& text, MeasuredFile& file) {
+        readTable(text, mapping, keeping, file);
+    });
 }

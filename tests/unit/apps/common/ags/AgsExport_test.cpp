@@ -172,7 +172,7 @@ TEST(AgsExport, AnAliasThatMeansTwoThingsIsNotAType)
     const QByteArray file = ags::fileOf(monitoredOf(
         {{pointOf("P"_q, {}, {sampleAt("2024-04-01T08:00:00Z"_q, 1, 1)}), "Tilt+x"_q, "S"_q, {}, {}},
          {pointOf("P"_q, {}, {sampleAt("2024-04-01T08:00:00Z"_q, 1, 2)}), "S"_q, "S"_q, {}, {}}}));
-    EXPECT_EQ(described(readMeasuredFile("a.ags"_q, file, {})).join(u'\n').section(u'|', 0, 0), "S"_q);
+    EXPECT_EQ(described(readAnyFile("a.ags"_q, file, {})).join(u'\n').section(u'|', 0, 0), "S"_q);
     EXPECT_TRUE(file.contains("\"MOND_TYPE\",\"Tilt+x\",\"Tilt+x\""));
     EXPECT_TRUE(file.contains("\"|\",\"&\"\r\n")) << "codes are not joined by what stands in one";
     EXPECT_EQ(file.count("\"DATA\",\"P\",\"P\",\"\"\r\n"), 1) << "one installation";
@@ -191,7 +191,7 @@ TEST(AgsExport, AHeadingOfOthersIsNotTakenForOurs)
     QByteArray file = ags::fileOf(
         monitoredOf({{pointOf("P"_q, {}, {sampleAt("2024-04-01T08:00:00Z"_q, 3, 1)}), "S"_q, {}, {}, {}}}));
     file.replace("Count of the sample", "Samples counted");
-    const MeasuredFile read = readMeasuredFile("a.ags"_q, file, {});
+    const MeasuredFile read = readAnyFile("a.ags"_q, file, {});
     EXPECT_EQ(read.ignoredColumns, QStringList{"MOND_SCNT"_q});
     EXPECT_EQ(read.points.first().readings.first().sample.count, 1);
 }
@@ -207,7 +207,7 @@ TEST(AgsExport, WhatIsWrittenIsRead)
                                   series.initialValue, series.point.data);
         }
         expected.sort();
-        const MeasuredFile file = readMeasuredFile("a.ags"_q, ags::fileOf(monitoredOf(all)), {});
+        const MeasuredFile file = readAnyFile("a.ags"_q, ags::fileOf(monitoredOf(all)), {});
         ASSERT_TRUE(file.problems.isEmpty())
             << "seed " << seed << ": " << file.problems.lines("a.ags"_q).join(u'\n').toStdString();
         ASSERT_EQ(described(file).join(u'\n').toStdString(), expected.join(u'\n').toStdString())

@@ -34,17 +34,19 @@ QJsonObject mappingOf(const MappingProposal& proposal)
 
 TEST(AgsProposal, TypesAreLeftOpen)
 {
-    const MappingProposal proposal = proposeMapping("site.ags"_q, siteText(), {});
+    const MappingProposal proposal = proposeMappingOfAny("site.ags"_q, siteText(), {});
     EXPECT_EQ(mappingOf(proposal), (QJsonObject{{"columns"_q, QJsonObject{{"name"_q, "LOCA_ID"_q}}}}));
     EXPECT_THAT(texts(proposal.recognised),
                 ElementsAre("an AGS 4 file", "each location has one installation and is a point",
                             "the type DISP: readings in \"mm\": 2", "the type TEMP: readings in \"DegC\": 1",
                             "the type WDEP: readings in \"m\": 4"));
-    EXPECT_THAT(texts(proposal.open),
-                ElementsAre("types.DISP: its sub-category, unless that has this name or alias; or ignore it",
-                            "types.TEMP: its sub-category, unless that has this name or alias; or ignore it",
-                            "types.WDEP: its sub-category, unless that has this name or alias; or ignore it",
-                            "timeZone or utcOffset: the times name no offset from UTC"));
+    EXPECT_THAT(
+        texts(proposal.open),
+        ElementsAre("types.DISP: its sub-category, unless that has this name or alias; or ignore it",
+                    "types.TEMP: its sub-category, unless that has this name or alias; or ignore it",
+                    "types.WDEP: its sub-category, unless that has this name or alias; or ignore it",
+                    "timeZone or utcOffset: the times name no offset from UTC; without either they are "
+                    "those of the project"));
     EXPECT_NO_THROW(readFileMapping("a.json"_q, proposal.json));
 }
 
@@ -54,7 +56,7 @@ TEST(AgsProposal, WhatIsGivenIsRepeated)
     given.types.insert("WDEP"_q, {"Water"_q, "m"_q});
     given.types.insert("DISP"_q, {"Tilt"_q, std::nullopt});
     given.ignored = QStringList{"TEMP"_q};
-    const MappingProposal proposal = proposeMapping("site.ags"_q, siteText(), given);
+    const MappingProposal proposal = proposeMappingOfAny("site.ags"_q, siteText(), given);
     EXPECT_THAT(texts(proposal.open), IsEmpty());
     EXPECT_EQ(mappingOf(proposal),
               (QJsonObject{{"columns"_q, QJsonObject{{"name"_q, "LOCA_ID"_q}}},
@@ -72,7 +74,7 @@ TEST(AgsProposal, NamesAndWordsThatAreOpen)
     const QByteArray text =
         siteWith("\"7.95\"", "\"Blocked\"")
             .replace("\"DATA\",\"IN1\",\"IN1\",\"1.00\",\"\"", "\"DATA\",\"IN1\",\"IN2\",\"1.00\",\"\"");
-    const MappingProposal proposal = proposeMapping("site.ags"_q, text, britishMapping());
+    const MappingProposal proposal = proposeMappingOfAny("site.ags"_q, text, britishMapping());
     EXPECT_THAT(texts(proposal.open),
                 testing::IsSupersetOf({"columns.name: points may be named by LOCA_ID/MONG_ID or MONG_ID or "
                                        "LOCA_ID",
@@ -83,7 +85,7 @@ TEST(AgsProposal, NamesAndWordsThatAreOpen)
 TEST(AgsProposal, AMalformedFileIsRefused)
 {
     try {
-        proposeMapping("site.ags"_q, "\"GROUP\",\"PROJ\"\r\n", {});
+        proposeMappingOfAny("site.ags"_q, "\"GROUP\",\"PROJ\"\r\n", {});
         FAIL() << "nothing was refused";
     } catch (const Failure& failure) {
         EXPECT_EQ(failure.message(), "site.ags:1: the group PROJ has no HEADING and no UNIT and no TYPE"_q);

@@ -25,7 +25,7 @@ QByteArray withTwoInstallations()
 // The file with its bad rows alone, as it is written for mending.
 QByteArray badRowsOf(const QByteArray& content, const FileMapping& mapping = britishMapping())
 {
-    const MeasuredFile file = readMeasuredFile("a.ags"_q, content, mapping, BadRowKeeping::Rows);
+    const MeasuredFile file = readAnyFile("a.ags"_q, content, mapping, BadRowKeeping::Rows);
     EXPECT_TRUE(file.isReadable);
     return badRowsText({&file});
 }
@@ -34,7 +34,7 @@ QByteArray badRowsOf(const QByteArray& content, const FileMapping& mapping = bri
 
 TEST(AgsReading, ReadsEachTypeOfReading)
 {
-    const MeasuredFile file = readMeasuredFile("site.ags"_q, siteText(), britishMapping());
+    const MeasuredFile file = readAnyFile("site.ags"_q, siteText(), britishMapping());
     EXPECT_THAT(agsReadingsOf(siteText()),
                 ElementsAre("WDEP|BH101|10.5|2024-03-28T09:15:00.000Z|1|3.42|",
                             "WDEP|BH101|10.5|2024-04-01T09:10:00.000+01:00|1|3.405|",
@@ -52,7 +52,7 @@ TEST(AgsReading, ReadsEachTypeOfReading)
 TEST(AgsReading, AFileIsKnownByItsNameOrByHowItBegins)
 {
     const auto readingCount = [](const char* path, const QByteArray& content) {
-        return readMeasuredFile(QString::fromUtf8(path), content, britishMapping()).readingCount;
+        return readAnyFile(QString::fromUtf8(path), content, britishMapping()).readingCount;
     };
     const QByteArray mark = "\xef\xbb\xbf";
     EXPECT_EQ(readingCount("site.txt", siteText()), 6);
@@ -71,7 +71,7 @@ TEST(AgsReading, AMappingSaysWhatTypesMeasure)
     EXPECT_EQ(readings.size(), 5u);
     EXPECT_THAT(readings, Contains("Water|BH102|8|2024-04-01T09:40:00.000+01:00|1|7.95|"));
     EXPECT_THAT(readings, Contains("Tilt|IN1|1|2024-03-28T11:00:00.000Z|1|-0.75|"));
-    const MeasuredFile file = readMeasuredFile("a.ags"_q, siteText(), mapping);
+    const MeasuredFile file = readAnyFile("a.ags"_q, siteText(), mapping);
     EXPECT_EQ(file.units.keys(), QStringList{"Water"_q}) << "the unit of DISP is said";
 }
 
@@ -101,7 +101,7 @@ TEST(AgsReading, ALocationWithSeveralInstallationsIsNotGuessed)
     EXPECT_THAT(agsProblemsOf(withTwoInstallations()),
                 ElementsAre("a.ags:72: the location \"BH101\" has several installations (\"SP1\", \"SP2\"): "
                             "how are points named?"));
-    const MeasuredFile file = readMeasuredFile("a.ags"_q, withTwoInstallations(), britishMapping());
+    const MeasuredFile file = readAnyFile("a.ags"_q, withTwoInstallations(), britishMapping());
     EXPECT_EQ(file.unclear.names, (QStringList{"LOCA_ID/MONG_ID"_q, "MONG_ID"_q, "LOCA_ID"_q}));
     EXPECT_FALSE(file.isReadable);
 }
@@ -143,7 +143,7 @@ TEST(AgsReading, TimesAreWrittenAsTheUnitSays)
 TEST(AgsReading, ANumberIsReadWithAllItsDigits)
 {
     const MeasuredFile file =
-        readMeasuredFile("a.ags"_q, siteWith("\"3.42\"", "\"0.30000000000000004\""), britishMapping());
+        readAnyFile("a.ags"_q, siteWith("\"3.42\"", "\"0.30000000000000004\""), britishMapping());
     EXPECT_EQ(file.points.first().readings.first().sample.value, 0.30000000000000004);
 }
 
@@ -153,7 +153,7 @@ TEST(AgsReading, WordsOfAMappingAreNoReadings)
     EXPECT_THAT(agsProblemsOf(blocked), ElementsAre("a.ags:77: value \"Blocked\" is not a number"));
     FileMapping mapping = britishMapping();
     mapping.noReading.insert("blocked"_q);
-    EXPECT_EQ(readMeasuredFile("a.ags"_q, blocked, mapping).withoutReadingCount, 2);
+    EXPECT_EQ(readAnyFile("a.ags"_q, blocked, mapping).withoutReadingCount, 2);
 }
 
 TEST(AgsReading, BadRowsMakeAFileThatCanBeMended)
@@ -170,7 +170,7 @@ TEST(AgsReading, AMappingOfTablesIsRefused)
 {
     const auto refusalOf = [](const QString& path, const QByteArray& content, const FileMapping& mapping) {
         try {
-            readMeasuredFile(path, content, mapping);
+            readAnyFile(path, content, mapping);
         } catch (const Failure& failure) {
             return failure.message().toStdString();
         }

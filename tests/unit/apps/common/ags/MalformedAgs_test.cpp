@@ -17,7 +17,7 @@ TEST(MalformedAgs, TheEditionBeforeIsRefused)
 {
     const QByteArray older = "\"**PROJ\"\r\n\"*PROJ_ID\",\"*PROJ_NAME\"\r\n\"1842\",\"Canal Street\"\r\n";
     EXPECT_THAT(agsProblemsOf(older), ElementsAre("a.ags:1: this is a file of AGS 3: only AGS 4 is read"));
-    const MeasuredFile unnamed = readMeasuredFile("a.txt"_q, older, {});
+    const MeasuredFile unnamed = readAnyFile("a.txt"_q, older, {});
     EXPECT_EQ(unnamed.problems.lines("a.txt"_q),
               QStringList{"a.txt:1: this is a file of AGS 3: only AGS 4 is read"_q});
 }
@@ -121,7 +121,7 @@ TEST(MalformedAgs, TheSameKeyTwice)
 {
     const QByteArray again = "\"DATA\",\"BH101\",\"SP1\",\"10.50\",\"2024-03-28T09:15\",\"WDEP\",\"1\",\"\","
                              "\"3.42\",\"m\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\"\r\n";
-    const MeasuredFile same = readMeasuredFile("a.ags"_q, siteText() + again, britishMapping());
+    const MeasuredFile same = readAnyFile("a.ags"_q, siteText() + again, britishMapping());
     EXPECT_TRUE(same.problems.isEmpty());
     EXPECT_EQ(same.repeatedCount, 1);
     EXPECT_THAT(
@@ -145,17 +145,17 @@ TEST(MalformedAgs, GroupsThatAreNotReadMayHaveBadRows)
 TEST(MalformedAgs, TimesNeedAClockThatIsKnown)
 {
     EXPECT_THAT(agsProblemsOf(siteText(), {}).size(), 6u);
-    EXPECT_TRUE(readMeasuredFile("a.ags"_q, siteText(), {}).unclear.utcOffset);
+    EXPECT_TRUE(readAnyFile("a.ags"_q, siteText(), {}).unclear.utcOffset);
 }
 
 TEST(MalformedAgs, OtherEncodingsAreNamed)
 {
-    const MeasuredFile file = readMeasuredFile("a.ags"_q,
-                                               siteWith("\"DegC\"", "\"\xb0"
-                                                                    "C\"")
-                                                   .replace("\"DegC\"", "\"\xb0"
-                                                                        "C\""),
-                                               britishMapping());
+    const MeasuredFile file = readAnyFile("a.ags"_q,
+                                          siteWith("\"DegC\"", "\"\xb0"
+                                                               "C\"")
+                                              .replace("\"DegC\"", "\"\xb0"
+                                                                   "C\""),
+                                          britishMapping());
     EXPECT_EQ(file.problems.lines("a.ags"_q), QStringList{"a.ags:75: the text is not UTF-8"_q});
     EXPECT_TRUE(file.unclear.encodings.contains("windows-1252"_q));
 }

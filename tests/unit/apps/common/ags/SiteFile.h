@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Text.h"
-#include "reading/MeasuredFile.h"
+#include "import/AnyFile.h"
 
 #include <QFile>
 #include <RKPub.h>
@@ -40,7 +40,7 @@ inline std::vector<std::string> agsProblemsOf(const QByteArray& content,
                                               const FileMapping& mapping = britishMapping())
 {
     std::vector<std::string> lines;
-    const QStringList problems = readMeasuredFile("a.ags"_q, content, mapping).problems.lines("a.ags"_q);
+    const QStringList problems = readAnyFile("a.ags"_q, content, mapping).problems.lines("a.ags"_q);
     for (const QString& problem : problems) {
         lines.push_back(problem.toStdString());
     }
@@ -51,7 +51,7 @@ inline std::vector<std::string> agsProblemsOf(const QByteArray& content,
 inline std::vector<std::string> agsReadingsOf(const QByteArray& content,
                                               const FileMapping& mapping = britishMapping())
 {
-    const MeasuredFile file = readMeasuredFile("a.ags"_q, content, mapping);
+    const MeasuredFile file = readAnyFile("a.ags"_q, content, mapping);
     const QStringList problems = file.problems.lines("a.ags"_q);
     EXPECT_TRUE(problems.isEmpty()) << problems.join("\n"_q).toStdString();
     std::vector<std::string> readings;
