@@ -39,11 +39,14 @@ PlannedFile plannedFor(const ProjectFile& project, const QString& path, const QS
 
 FileMapping mappingFor(const PlannedFile& planned, const ProjectImport& order)
 {
-    if (planned.mapping) {
-        return order.amended(*planned.mapping);
+    const bool isSaid = planned.mapping || !planned.mappingFile.isEmpty();
+    if (!isSaid) {
+        return order.mapping;
     }
-    return planned.mappingFile.isEmpty() ? order.mapping
-                                         : order.amended(readFileMapping(planned.mappingFile));
+    const FileMapping mapping =
+        order.amended(planned.mapping ? *planned.mapping : readFileMapping(planned.mappingFile));
+    requireConsistent(mapping);
+    return mapping;
 }
 
 QList<Source> plannedSources(const ProjectImport& order, const ProjectFile& project)
