@@ -82,17 +82,20 @@ bool RecordReader::readQuotedField(QByteArray& field, Record& record)
     bool isClosed = false;
     ++m_next;
     while (m_next != m_end && !isClosed && (mayGoOn || !atLineEnd())) {
-        if (*m_next == quote) {
+        const char* const begin = m_next;
+        while (m_next != m_end && *m_next != quote && !atLineEnd()) {
+            ++m_next;
+        }
+        field.append(begin, static_cast<int>(m_next - begin));
+        if (m_next != m_end && *m_next == quote) {
             ++m_next;
             isClosed = m_next == m_end || *m_next != quote;
             if (!isClosed) {
                 field += *m_next++;
             }
-        } else if (atLineEnd()) {
+        } else if (m_next != m_end && mayGoOn) {
             field += '\n';
             skipLineEnd();
-        } else {
-            field += *m_next++;
         }
     }
     if (!isClosed) {
