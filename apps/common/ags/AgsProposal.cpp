@@ -127,9 +127,7 @@ private:
         const bool isNameSaid = m_given.columns.contains(MeasuredColumn::Name) ||
                                 m_given.constants.contains(MeasuredColumn::Name);
         if (!isNameSaid) {
-            QJsonObject columns = m_json.value(QLatin1String("columns")).toObject();
-            columns.insert(nameOf(MeasuredColumn::Name), QLatin1String(locationHeading));
-            m_json.insert(QLatin1String("columns"), columns);
+            // Not in the mapping: a later file may have more installations, which is asked then.
             m_proposal.recognised.append(QStringLiteral("each location has one installation and is a point"));
         }
         return file;

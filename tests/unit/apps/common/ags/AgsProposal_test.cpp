@@ -35,7 +35,7 @@ QJsonObject mappingOf(const MappingProposal& proposal)
 TEST(AgsProposal, TypesAreLeftOpen)
 {
     const MappingProposal proposal = proposeMappingOfAny("site.ags"_q, siteText(), {});
-    EXPECT_EQ(mappingOf(proposal), (QJsonObject{{"columns"_q, QJsonObject{{"name"_q, "LOCA_ID"_q}}}}));
+    EXPECT_EQ(mappingOf(proposal), QJsonObject());
     EXPECT_THAT(texts(proposal.recognised),
                 ElementsAre("an AGS 4 file", "each location has one installation and is a point",
                             "the type DISP: readings in \"mm\": 2", "the type TEMP: readings in \"DegC\": 1",
@@ -59,8 +59,7 @@ TEST(AgsProposal, WhatIsGivenIsRepeated)
     const MappingProposal proposal = proposeMappingOfAny("site.ags"_q, siteText(), given);
     EXPECT_THAT(texts(proposal.open), IsEmpty());
     EXPECT_EQ(mappingOf(proposal),
-              (QJsonObject{{"columns"_q, QJsonObject{{"name"_q, "LOCA_ID"_q}}},
-                           {"ignore"_q, QJsonArray{"TEMP"_q}},
+              (QJsonObject{{"ignore"_q, QJsonArray{"TEMP"_q}},
                            {"timeZone"_q, "Europe/London"_q},
                            {"types"_q, QJsonObject{{"DISP"_q, "Tilt"_q},
                                                    {"WDEP"_q, QJsonObject{{"subCategory"_q, "Water"_q},
