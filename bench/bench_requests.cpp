@@ -10,10 +10,9 @@
 
 #include "DeliveryText.h"
 #include "LoadGenerator.h"
+#include "ServedSite.h"
 #include "peers/BareServer.h"
-#include "service/admin/ServiceProcess.h"
 #include "service/http/RawClient.h"
-#include "support/TemporaryFolder.h"
 
 #include <algorithm>
 #include <atomic>
@@ -23,7 +22,6 @@
 #include <exception>
 #include <functional>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -35,104 +33,6 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t connectionCount = 16;
 constexpr int roundCount = 7;
-
-std::string jsonMember(const std::string& json, const std::string& name)
-{
-    const std::string begin = "\"" + name + "\":\"";
-    const std::size_t found = json.find(begin);
-    if (found == std::string::npos) {
-        throw std::runtime_error("no " + name + " in " + json);
-    }
-    const std::size_t value = found + begin.size();
-    return json.substr(value, json.find('"', value) - value);
-}
-
-// A service with one project and a token that may do everything in it.
-class Site
-{
-public:
-    Site() : m_file(m_folder.file("data.db"))
-    {
-        m_project =
-            admin({"project", "create", "--name", "Harbour tunnel", "--time-zone", "Europe/Vienna"}).line();
-        admin({"category", "add", "Settlement"});
-        m_subCategory = admin({"subcategory", "create", "--project", m_project, "--category", "Settlement",
-                               "--name", "Ground level"})
-                            .line();
-        const std::string token = admin({"token", "create", "--owner", "A. Engineer", "--json"}).out;
-        m_token = jsonMember(token, "token");
-        admin({"grant", "--token", jsonMember(token, "_id"), "--project", m_project, "--role", "editor"});
-
-        m_service = std::make_unique<ServiceProcess>(
-            std::vector<std::string>{"serve", "--data", m_file, "--listen", "127.0.0.1:0"});
-        const std::string line = m_service->readLine();
-        m_port = static_cast<std::uint16_t>(
-            std::strtoul(line.substr(std::min(line.rfind(':'), line.size() - 1) + 1).c_str(), nullptr, 10));
-    }
-
-    std::uint16_t port() const { return m_port; }
-
-    std::string requestText(const std::string& method, const std::string& path,
-                            const std::string& body = {}) const
-    {
-        std::string text = method + " " + path + " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(m_port) +
-                           "\r\nAccept: application/json\r\nAuthorization: Bearer " + m_token + "\r\n";
-        if (!body.empty()) {
-            text +=
-                "Content-Type: application/json\r\nContent-Length: " + std::to_string(body.size()) + "\r\n";
-        }
-        return text + "\r\n" + body;
-    }
-
-    // The body of the answer; throws when the service refuses.
-    std::string call(const std::string& request) const
-    {
-        RawClient client(m_port);
-        return call(client, request);
-    }
-
-    static std::string call(RawClient& client, const std::string& request)
-    {
-        client.send(request);
-        RawAnswer answer = client.readAnswer();
-        if (answer.status >= 300) {
-            throw std::runtime_error("refused: " + answer.statusLine + " " + answer.body.substr(0, 500));
-        }
-        return std::move(answer.body);
-    }
-
-    // The document of a new monitoring.
-    std::string newCell(const std::string& name) const
-    {
-        return call(requestText("POST", "/monitor-service/cells",
-                                R"({"projectId":")" + m_project + R"(","name":")" + name +
-                                    R"(","category":"Settlement","alarmTo":["site@example.org"],)"
-                                    R"("links":[{"type":"model","rId":"m1"}]})"));
-    }
-
-    DeliveryTarget targetIn(const std::string& cell) const
-    {
-        return {m_project, jsonMember(cell, "_id"), m_subCategory};
-    }
-
-private:
-    CommandResult admin(const std::vector<std::string>& arguments) const
-    {
-        CommandResult result = runAdmin(m_file, arguments);
-        if (result.exitCode != 0) {
-            throw std::runtime_error("monitor-service admin: " + result.error);
-        }
-        return result;
-    }
-
-    TemporaryFolder m_folder;
-    std::string m_file;
-    std::string m_project;
-    std::string m_subCategory;
-    std::string m_token;
-    std::unique_ptr<ServiceProcess> m_service;
-    std::uint16_t m_port = 0;
-};
 
 std::string cellPath(const std::string& cell)
 {
@@ -184,7 +84,7 @@ std::unique_ptr<LoadGenerator> generator(std::uint16_t port, std::string request
 
 void measureReads(std::size_t requests)
 {
-    const Site site;
+    const ServedSite site;
     const std::string cell = site.newCell("Tower 1");
     const std::string get = site.requestText("GET", cellPath(cell));
     const BareServer bare("HTTP/1.1 200 OK\r\nDate: Fri, 20 Nov 2026 18:46:16 GMT\r\n"
@@ -216,7 +116,7 @@ void measureReads(std::size_t requests)
 class SmallRequests
 {
 public:
-    SmallRequests(const Site& site, std::function<std::string(int)> requestText)
+    SmallRequests(const ServedSite& site, std::function<std::string(int)> requestText)
         : m_client(site.port()), m_requestText(std::move(requestText)), m_thread([this] { run(); })
     {
     }
@@ -236,7 +136,7 @@ private:
         for (int number = 0; !m_isOver; ++number) {
             const std::string request = m_requestText(number);
             const Clock::time_point begin = Clock::now();
-            Site::call(m_client, request);
+            ServedSite::call(m_client, request);
             m_milliseconds.push_back(std::chrono::duration<double, std::milli>(Clock::now() - begin).count());
         }
     }
@@ -256,7 +156,7 @@ void print(const char* what, const std::vector<double>& milliseconds)
 }
 
 // How long a small write and a small read take while clients deliver, each its own deliveries.
-void measureWaits(const Site& site, const char* title,
+void measureWaits(const ServedSite& site, const char* title,
                   const std::vector<std::vector<std::string>>& deliveries)
 {
     const std::string cell = site.newCell("Tower 1");
@@ -272,7 +172,7 @@ void measureWaits(const Site& site, const char* title,
         clients.emplace_back([&site, &ofClient] {
             RawClient client(site.port());
             for (const std::string& delivery : ofClient) {
-                Site::call(client, delivery);
+                ServedSite::call(client, delivery);
             }
         });
     }
@@ -286,14 +186,14 @@ void measureWaits(const Site& site, const char* title,
     print("GET cells/{id}", ofReads);
 }
 
-std::string deliveryRequest(const Site& site, const std::string& body)
+std::string deliveryRequest(const ServedSite& site, const std::string& body)
 {
     return site.requestText("POST", "/monitor-service/pointLocations", body);
 }
 
 void measureBesideLargestDelivery()
 {
-    const Site site;
+    const ServedSite site;
     const std::string delivery =
         deliveryRequest(site, largestDelivery(site.targetIn(site.newCell("Tower 2"))));
     measureWaits(site, "beside a delivery of 64 MB", {{delivery}});
@@ -303,7 +203,7 @@ void measureBesideDeliveries(std::size_t clients, std::size_t deliveriesOfClient
 {
     constexpr std::size_t points = 100;
     constexpr std::size_t samplesPerPoint = 100;
-    const Site site;
+    const ServedSite site;
     std::vector<std::vector<std::string>> deliveries(clients);
     for (std::vector<std::string>& ofClient : deliveries) {
         const DeliveryTarget target = site.targetIn(site.newCell("Tower 2"));

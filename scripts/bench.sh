@@ -10,9 +10,9 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 usage() { sed -n '2,6s/^# \{0,1\}//p' "$0" >&2; exit 2; }
 
 all=(DateText_bench bench_exchange bench_read bench_library bench_deliveries bench_monitoring_reads bench_measured_reads
-  bench_growth bench_requests)
+  bench_growth bench_requests bench_rkmon)
 declare -A short=([bench_exchange]="1 100" [bench_read]="1 1000" [bench_library]="1" [bench_deliveries]="3 10"
-  [bench_monitoring_reads]="2000" [bench_measured_reads]="1" [bench_growth]="100" [bench_requests]="500 1")
+  [bench_monitoring_reads]="2000" [bench_measured_reads]="1" [bench_growth]="100" [bench_requests]="500 1" [bench_rkmon]="1000 1")
 
 quick=false
 write=false

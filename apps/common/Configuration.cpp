@@ -1,12 +1,12 @@
 #include "Configuration.h"
 
 #include "ConfigurationFile.h"
+#include "Identifier.h"
 
 #include <NetworkManager.h>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QUrl>
 #include <RKBaseApi.h>
@@ -151,15 +151,6 @@ QString checkedAddress(const QString& text)
     return text.endsWith(QLatin1Char('/')) ? text : text + QLatin1Char('/');
 }
 
-QString checkedProject(const QString& text)
-{
-    static const QRegularExpression identifier(QStringLiteral("\\A[0-9A-Za-z_-]*\\z"));
-    if (!identifier.match(text).hasMatch()) {
-        throw badInput(QStringLiteral("\"%1\" is not the identifier of a project").arg(text));
-    }
-    return text;
-}
-
 std::optional<std::chrono::milliseconds> checkedDeadline(const QString& text)
 {
     constexpr double longest = 24.0 * 60 * 60;
@@ -238,7 +229,9 @@ Configuration readConfiguration(const ConfigurationOverrides& overrides)
         throw missingSetting(Setting::Address);
     }
     configuration.baseApi = checkedAddress(baseApi);
-    configuration.project = checkedProject(textOf(Setting::Project, overrides.project, sources));
+    const QString project = textOf(Setting::Project, overrides.project, sources);
+    // A name stays out of the requests, where it would be taken for an identifier.
+    (isIdentifier(project) ? configuration.project : configuration.projectName) = project;
 
     configuration.tokenFile = textOf(Setting::TokenFile, overrides.tokenFile, sources);
     if (configuration.tokenFile.isEmpty()) {

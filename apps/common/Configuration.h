@@ -15,6 +15,8 @@ struct Configuration
     QString baseApi;
     /// Identifier of the project; may be empty, which the commands that need one refuse.
     QString project;
+    /// Name of the project where that was given instead; the service knows the identifier.
+    QString projectName;
     QString token;
     /// File that the token came from.
     QString tokenFile;
@@ -35,6 +37,7 @@ struct ConfigurationOverrides
     QString configFile;
     QString profile;
     QString baseApi;
+    /// Identifier or name.
     QString project;
     QString tokenFile;
     /// Seconds.

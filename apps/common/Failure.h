@@ -19,6 +19,8 @@ enum class FailureKind
     Refused,
     /// The answer makes no sense, or is not about what was asked for.
     BadAnswer,
+    /// The user ended it.
+    Cancelled,
     /// Any other reason: what is held contradicts what was planned, a file cannot be read or written.
     Other
 };
@@ -33,6 +35,7 @@ enum class Remedy
     ExtendDeadline,
     TrustCertificate,
     GiveSubCategory,
+    ListProjects,
     ListMonitorings,
     ListSubCategories
 };

@@ -1,10 +1,10 @@
 #include "Lookup.h"
 
+#include "Identifier.h"
 #include "PagedReading.h"
 #include "PlaceMarkers.h"
 #include "RecordChecks.h"
 
-#include <QRegularExpression>
 #include <QStringList>
 
 namespace lookup {
@@ -18,16 +18,35 @@ QString readingOf(const QString& id)
 
 } // namespace
 
-bool isIdentifier(const QString& text)
-{
-    static const QRegularExpression form(QStringLiteral("\\A[0-9a-fA-F]{24}\\z"));
-    return form.match(text).hasMatch();
-}
-
 QString severalText(const QString& kind, const QString& text, const QStringList& candidates)
 {
     return QStringLiteral("several %1 are called \"%2\"; say which by its identifier: %3")
         .arg(kind, text, candidates.join(QStringLiteral(", ")));
+}
+
+ServiceProject project(ServiceExtensions& extensions, const QString& text)
+{
+    const QList<ServiceProject> projects = extensions.projects();
+    QList<ServiceProject> found;
+    QStringList candidates;
+    for (const ServiceProject& project : projects) {
+        if (project.id.compare(text, Qt::CaseInsensitive) == 0) {
+            return project;
+        }
+        if (project.name == text) {
+            found.append(project);
+            candidates.append(QStringLiteral("%1 (%2)").arg(project.id, project.timeZone));
+        }
+    }
+    if (found.isEmpty()) {
+        throw Failure(FailureKind::NotFound,
+                      QStringLiteral("there is no project \"%1\" for this token").arg(text),
+                      Remedy::ListProjects);
+    }
+    if (found.size() > 1) {
+        throw Failure(FailureKind::BadInput, severalText(QStringLiteral("projects"), text, candidates));
+    }
+    return found.constFirst();
 }
 
 void restrictToName(const QString& name, RKMonitoringCondition& condition)

@@ -16,11 +16,12 @@
 /// Finding what the user names.
 namespace lookup {
 
-/// Whether `text` is an identifier as the service gives it: 24 hexadecimal digits.
-bool isIdentifier(const QString& text);
-
 /// The message of a name that several have: `candidates` are their identifiers with what tells them apart.
 QString severalText(const QString& kind, const QString& text, const QStringList& candidates);
+
+/// The project with this identifier, or of exactly this name, among those that the bearer has rights in.
+/// Throws a Failure when there is none or several, and where the service does not tell its projects.
+ServiceProject project(ServiceExtensions& extensions, const QString& text);
 
 /// Restricts `condition` to monitorings of exactly this name.
 void restrictToName(const QString& name, RKMonitoringCondition& condition);

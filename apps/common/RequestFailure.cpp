@@ -78,6 +78,10 @@ Failure connectionFailure(const NetworkExchange& exchange, const RequestContext&
         return brokenExchange(
             exchange, context,
             QStringLiteral("the connection to %1 broke before the answer was complete").arg(address));
+    case QNetworkReply::OperationCanceledError:
+        return {FailureKind::Cancelled,
+                withUncertainty(exchange, context,
+                                QStringLiteral("cannot %1: it was cancelled").arg(context.purpose))};
     default:
         return brokenExchange(
             exchange, context,

@@ -9,7 +9,7 @@ QLatin1String textOf(Remedy remedy)
     case Remedy::GiveAddress:
         return QLatin1String("or use --base-api URL");
     case Remedy::GiveProject:
-        return QLatin1String("or use --project ID; rkmon project list shows them");
+        return QLatin1String("or use --project PROJECT; rkmon project list shows them");
     case Remedy::GiveTokenFile:
         return QLatin1String("or use --token-file FILE");
     case Remedy::ExtendDeadline:
@@ -18,6 +18,8 @@ QLatin1String textOf(Remedy remedy)
         return QLatin1String("--ca-file FILE trusts other certificates");
     case Remedy::GiveSubCategory:
         return QLatin1String("--sub-category gives it");
+    case Remedy::ListProjects:
+        return QLatin1String("rkmon project list shows those there are");
     case Remedy::ListMonitorings:
         return QLatin1String("rkmon monitoring ids lists them");
     case Remedy::ListSubCategories:

@@ -116,18 +116,19 @@ CommandLine::CommandLine()
     addProjectCommands(m_app, m_command);
     addServiceCommands(m_app, m_command);
     m_help = &addHelpCommand(m_app, m_helpWords);
-    options::setExamples(m_app, "  rkmon monitoring list --name '^LS-' --json\n"
-                                "  rkmon help exit-codes\n\n"
-                                "The options above go with every command. Topics of rkmon help:\n"
-                                "ags, configuration, exit-codes, files, import, output, times.");
+    options::setExamples(m_app,
+                         "  rkmon monitoring list --name '^LS-' --json\n"
+                         "  rkmon help configuration\n\n"
+                         "Topics of help: ags, configuration, exit-codes, files, import, output, times.");
 }
 
 void CommandLine::addCommonOptions()
 {
     options::addText(m_app, "--base-api", m_overrides.baseApi, "Address of the service (RKMON_BASE_API)")
         ->type_name("URL");
-    options::addText(m_app, "--project", m_overrides.project, "Project to work in (RKMON_PROJECT)")
-        ->type_name("ID");
+    options::addText(m_app, "--project", m_overrides.project,
+                     "Identifier or name of the project (RKMON_PROJECT)")
+        ->type_name("PROJECT");
     options::addText(m_app, "--token-file", m_overrides.tokenFile,
                      "File that holds the token (RKMON_TOKEN_FILE)")
         ->type_name("FILE");
@@ -146,6 +147,13 @@ void CommandLine::addCommonOptions()
     options::addTexts(m_app, "--columns", m_columns, "Columns of a list, by the keys of its JSON")
         ->delimiter(',')
         ->type_name("KEY,...");
+    for (CLI::Option* option : m_app.get_options({})) {
+        option->group("Options of every command");
+    }
+    // Set once, as a rule: the topic "configuration" has them.
+    for (const char* rare : {"--config", "--profile", "--deadline", "--ca-file"}) {
+        m_app.get_option(rare)->group(help::groupOfTopic);
+    }
 }
 
 OutputForm CommandLine::form() const

@@ -48,8 +48,7 @@ Named groups(ServiceSession& session)
 Named projects(ServiceSession& session)
 {
     Named found;
-    ServiceExtensions service(session);
-    const QList<ServiceProject> known = service.projects();
+    const QList<ServiceProject> known = session.extensions().projects();
     for (const ServiceProject& project : known) {
         found.append({project.id, project.name});
     }

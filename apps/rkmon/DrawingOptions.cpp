@@ -96,8 +96,10 @@ void drawChart(Session& session, const DrawingOptions& options, const Chart& cha
                       QStringLiteral("there is nothing to draw: no reading of %1 matches").arg(what));
     }
     if (options.isDrawn) {
+        constexpr int titleAndPrompt = 2;
+        const QSize cells(terminal::width(), terminal::height() - titleAndPrompt);
         session.output().addPlainTexts(QStringLiteral("chart"),
-                                       QStringList{chart.title} + textChart(chart, terminal::width()));
+                                       QStringList{chart.title} + textChart(chart, cells));
     }
     if (options.plot.isEmpty()) {
         return;

@@ -11,6 +11,8 @@ ExitCode exitCodeOf(FailureKind kind)
         return ExitCode::NotFound;
     case FailureKind::NoConnection:
         return ExitCode::NoConnection;
+    case FailureKind::Cancelled:
+        return ExitCode::Interrupted;
     case FailureKind::Refused:
     case FailureKind::BadAnswer:
     case FailureKind::Other:

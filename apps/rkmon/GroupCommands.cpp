@@ -2,6 +2,7 @@
 #include "Commands.h"
 #include "Confirmation.h"
 #include "DailyLimit.h"
+#include "Identifier.h"
 #include "Lookup.h"
 #include "RecordChecks.h"
 #include "ThresholdGroups.h"
@@ -210,7 +211,7 @@ ExitCode updateGroup(Session& session, const GroupUpdateOptions& options)
 
 ExitCode deleteGroup(Session& session, const GroupDeleteOptions& options)
 {
-    QString id = lookup::isIdentifier(options.target.group) ? options.target.group : QString();
+    QString id = isIdentifier(options.target.group) ? options.target.group : QString();
     const auto question = [&] {
         const PointLocSetting group = findGroup(session, options.target);
         id = group.id;

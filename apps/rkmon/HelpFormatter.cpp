@@ -42,6 +42,13 @@ HelpFormatter::HelpFormatter()
     column_width(titleColumn);
 }
 
+std::string HelpFormatter::make_help(const CLI::App* app, std::string name, CLI::AppFormatMode mode) const
+{
+    // A group that is left out leaves its blank line.
+    return CLI::detail::find_and_replace(CLI::Formatter::make_help(app, std::move(name), mode), "\n\n\n",
+                                         "\n\n");
+}
+
 std::string HelpFormatter::make_group(std::string group, bool isPositional,
                                       std::vector<const CLI::Option*> options) const
 {

@@ -29,6 +29,7 @@ class HelpFormatter : public CLI::Formatter
 public:
     HelpFormatter();
 
+    std::string make_help(const CLI::App* app, std::string name, CLI::AppFormatMode mode) const override;
     std::string make_group(std::string group, bool isPositional,
                            std::vector<const CLI::Option*> options) const override;
     std::string make_option_opts(const CLI::Option* option) const override;

@@ -7,7 +7,7 @@ const char* const configurationText =
 variable of the environment, the profile in use, the rest of the file.
 
   --base-api URL     RKMON_BASE_API     base-api     address of the service
-  --project ID       RKMON_PROJECT      project      project to work in
+  --project PROJECT  RKMON_PROJECT      project      its identifier, or its name
   --token-file FILE  RKMON_TOKEN_FILE   token-file   file that holds the token
   --ca-file FILE     RKMON_CA_FILE      ca-file      certificates to trust
   --deadline SECONDS                    deadline     longest time of a request

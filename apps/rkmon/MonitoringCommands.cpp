@@ -1,6 +1,7 @@
 #include "CommandOptions.h"
 #include "Commands.h"
 #include "Confirmation.h"
+#include "Identifier.h"
 #include "Lookup.h"
 #include "MonitoringFilter.h"
 #include "MonitoringSheet.h"
@@ -204,7 +205,7 @@ ExitCode updateMonitoring(Session& session, const MonitoringUpdateOptions& optio
 
 ExitCode deleteMonitoring(Session& session, const MonitoringDeleteOptions& options)
 {
-    QString id = lookup::isIdentifier(options.monitoring) ? options.monitoring : QString();
+    QString id = isIdentifier(options.monitoring) ? options.monitoring : QString();
     const auto question = [&] {
         const RKMonitoring monitoring = lookup::monitoring(session, options.monitoring);
         id = monitoring.id;

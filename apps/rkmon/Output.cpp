@@ -180,8 +180,10 @@ QByteArray recordLines(const Sheet& sheet, const Zone& zone)
     QStringList titles;
     QStringList texts;
     for (int column = 0; column < sheet.columns.size(); ++column) {
-        titles.append(sheet.columns[column].title);
-        texts.append(tableText(sheet.rows.constFirst()[column], sheet.columns[column], zone));
+        if (!sheet.columns[column].title.isEmpty()) {
+            titles.append(sheet.columns[column].title);
+            texts.append(tableText(sheet.rows.constFirst()[column], sheet.columns[column], zone));
+        }
     }
     return table::recordLines(titles, texts, tableLayout()).toUtf8();
 }

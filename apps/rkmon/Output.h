@@ -23,7 +23,7 @@ enum class OutputForm
 /// One member of a record.
 struct Column
 {
-    /// Title for people.
+    /// Title for people; without one only programs see the column of a record.
     QString title;
     /// Key in JSON and heading in CSV; scripts rely on it, so it never changes.
     QString key;
@@ -69,6 +69,12 @@ inline Column computed(const char* title, const char* key)
 inline Column unlisted(const char* title, const char* key)
 {
     return made(title, key, false, false);
+}
+
+/// Not in a table at all.
+inline Column forPrograms(const char* key)
+{
+    return made("", key, false, false);
 }
 
 /// The same column, which may be left out of a table: that with the greatest `rank` first.

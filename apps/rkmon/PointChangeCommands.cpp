@@ -6,6 +6,8 @@
 #include "PointTarget.h"
 #include "extensions/ServiceRequest.h"
 
+#include <QLocale>
+
 namespace {
 
 struct ReferenceOptions
@@ -13,6 +15,7 @@ struct ReferenceOptions
     PointTarget target;
     std::optional<double> value;
     bool isCleared = false;
+    Confirmation confirmation;
 };
 
 struct PointDeleteOptions
@@ -52,6 +55,16 @@ Sheet referenceSheet(Session& session, const PointSummary& point)
               valueCell(point.initialValue, measured), valueCell(point.reference, measured), point.samples}}};
 }
 
+QString questionOf(Session& session, const PointSummary& point, const ReferenceOptions& options)
+{
+    const QString from = options.value ? QString::number(*options.value, 'g', QLocale::FloatingPointShortest)
+                                       : QStringLiteral("the earliest reading");
+    return QStringLiteral("Count the variations of all %1 samples of point %2 of \"%3\" from %4, and judge "
+                          "them anew?")
+        .arg(point.samples)
+        .arg(titleOf(point), lookup::monitoringName(session, point.cellId), from);
+}
+
 ExitCode showReference(Session& session, const ReferenceOptions& options)
 {
     const PointSummary before = findPoint(session, options.target);
@@ -63,6 +76,9 @@ ExitCode showReference(Session& session, const ReferenceOptions& options)
         session.note(QStringLiteral("nothing to change"));
         session.output().addRecord(referenceSheet(session, before));
         return ExitCode::Success;
+    }
+    if (!isConfirmed(session, options.confirmation, [&] { return questionOf(session, before, options); })) {
+        return ExitCode::Failed;
     }
     PointChange change;
     change.initialValue = options.value;
@@ -110,6 +126,7 @@ void addPointChangeCommands(CLI::App& group, Command& chosen)
         .add_flag("--clear", referred->isCleared,
                   "No initial value: variations are counted from the earliest reading")
         ->excludes(value);
+    addConfirmation(reference, referred->confirmation);
     options::setExamples(reference, "  rkmon point reference VH-W1 --cell VH\n"
                                     "  rkmon point reference 6745d2f0a1b2c3d4e5f60718 --set 0.26");
 

@@ -61,7 +61,7 @@ QList<RKPointLocation> readPoints(Session& session, const PointFilter& filter, c
     RKPointLocationCondition condition = conditionOf(session, filter, monitoring);
     const QString purpose = QStringLiteral("list the points of \"%1\"").arg(monitoring.name);
     QList<RKPointLocation> points;
-    session.ask(purpose, [&] { return session.data().getPointLocation(condition, points, false); });
+    session.ask(purpose, [&] { return session.projectData().getPointLocation(condition, points, false); });
     requireIdentifiers(points, purpose, QStringLiteral("points"));
     const PointSelection selection = selectionOf(session, filter, monitoring);
     points.erase(std::remove_if(points.begin(), points.end(),
@@ -122,7 +122,8 @@ ExitCode showLatest(Session& session, const LatestOptions& options)
     if (options.filter.subCategories.isEmpty()) {
         RKPointLocationCondition condition = conditionOf(session, options.filter, monitoring);
         const QString purpose = QStringLiteral("find the newest point of \"%1\"").arg(monitoring.name);
-        session.ask(purpose, [&] { return session.data().getPointLocationByTimeOrder(condition, point); });
+        session.ask(purpose,
+                    [&] { return session.projectData().getPointLocationByTimeOrder(condition, point); });
     } else {
         PointMeanings meanings;
         point = newestOf(readPoints(session, options.filter, monitoring, meanings));

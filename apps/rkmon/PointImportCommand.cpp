@@ -1,6 +1,8 @@
 #include "PointImportCommand.h"
 
 #include "CommandOptions.h"
+#include "ImportReport.h"
+#include "Interruption.h"
 #include "MappingOptions.h"
 #include "Messages.h"
 #include "Progress.h"
@@ -23,15 +25,6 @@ struct ImportOptions
     bool writesMap = false;
     bool isDryRun = false;
 };
-
-Sheet resultSheet(const ImportResult& result)
-{
-    const QVariant newPoints = result.newPoints ? QVariant(*result.newPoints) : QVariant(QString());
-    return {{column::text("FILES", "files"), column::text("POINTS", "points"),
-             column::text("NEW POINTS", "newPoints"), column::text("SAMPLES", "samples"),
-             column::text("DELIVERIES", "deliveries"), column::text("SENT", "sent")},
-            {{result.files, result.points, newPoints, result.samples, result.deliveries, result.isSent}}};
-}
 
 void tellSkippedRows(const Session& session, const ImportOptions& options, const ImportResult& result)
 {
@@ -60,22 +53,28 @@ void tellSkippedRows(const Session& session, const ImportOptions& options, const
 ImportResult runImport(Session& session, const ImportOptions& options)
 {
     std::optional<Progress> bar; // gone before a failure is written
+    std::optional<Interruption> interruption;
     ImportCallbacks callbacks;
     callbacks.onProgress = [&](int delivered, int total) {
         if (!bar) {
             bar.emplace(QStringLiteral("samples"), total);
+            interruption.emplace(); // before, nothing is in, and it ends at once
         }
         bar->show(delivered);
+    };
+    callbacks.isCancelled = [&] {
+        return interruption && interruption->isAsked();
     };
     callbacks.onNote = [&](const ImportNote& note) {
         note.kind == ImportNote::Kind::Warning ? session.warn(note.text) : session.note(note.text);
     };
     const FileMapping mapping = mappingOf(options.mapping);
-    return options.projectFile.isEmpty() ? importFiles(session,
+    ServiceExtensions& extensions = session.extensions();
+    return options.projectFile.isEmpty() ? importFiles(session, extensions,
                                                        {options.files, options.cell, options.subCategory,
                                                         mapping, options.badRowsFile, options.isDryRun},
                                                        callbacks)
-                                         : importProject(session,
+                                         : importProject(session, extensions,
                                                          {options.projectFile, options.files, mapping,
                                                           options.badRowsFile, options.isDryRun,
                                                           [&](const FileMapping& own) {
@@ -135,8 +134,8 @@ ExitCode importPoints(Session& session, const ImportOptions& options)
                          ? QStringLiteral("all rows are good; nothing was sent")
                          : QStringLiteral("the other rows are good; nothing was sent"));
     }
-    session.output().addRecord(resultSheet(result));
-    return ExitCode::Success;
+    report(session, result);
+    return result.missingRights.isEmpty() ? ExitCode::Success : ExitCode::NotPermitted;
 }
 
 } // namespace
@@ -163,7 +162,8 @@ void addPointImportCommand(CLI::App& group, Command& chosen)
         ->type_name("FILE");
     app.add_flag("--write-map", values->writesMap,
                  "Propose a mapping for a file on standard output, and send nothing");
-    app.add_flag("--dry-run", values->isDryRun, "Check everything and send nothing");
+    app.add_flag("--dry-run", values->isDryRun,
+                 "Check everything, tell what would become of it, and send nothing");
     options::setExamples(app,
                          "  rkmon point import --cell VH --sub-category SM VH-moisture-week1.csv\n"
                          "  rkmon point import --project-file samples/coastal-bluff/project.json\n"

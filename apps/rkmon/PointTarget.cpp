@@ -1,6 +1,7 @@
 #include "PointTarget.h"
 
 #include "CommandOptions.h"
+#include "Identifier.h"
 #include "Lookup.h"
 #include "PagedReading.h"
 #include "PointNames.h"
@@ -10,7 +11,7 @@ namespace {
 QJsonObject conditionOf(Session& session, const PointTarget& target)
 {
     const QString text = target.point.isEmpty() ? target.name : target.point;
-    if (lookup::isIdentifier(target.point)) {
+    if (isIdentifier(target.point)) {
         return {{QStringLiteral("_id"), target.point.toLower()}};
     }
     QJsonObject where{{QStringLiteral("name"), text}};

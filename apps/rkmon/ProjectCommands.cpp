@@ -1,9 +1,8 @@
 #include "CommandOptions.h"
 #include "Commands.h"
 #include "ConfigurationFile.h"
+#include "Identifier.h"
 #include "Lookup.h"
-
-#include <algorithm>
 
 namespace {
 
@@ -23,37 +22,12 @@ Sheet projectSheet(const Session& session, const QList<ServiceProject>& projects
                  column::dispensable(1, column::text("TIME ZONE", "timeZone")),
                  column::text("IN USE", "isInUse")},
                 {}};
+    const Configuration& inUse = session.configuration();
     for (const ServiceProject& project : projects) {
-        sheet.rows.append({project.id, project.name, project.timeZone, project.id == session.project()});
+        sheet.rows.append({project.id, project.name, project.timeZone,
+                           project.id == inUse.project || project.name == inUse.projectName});
     }
     return sheet;
-}
-
-ServiceProject findProject(Session& session, const QString& text)
-{
-    const QList<ServiceProject> projects = session.extensions().projects();
-    QList<ServiceProject> found;
-    QStringList candidates;
-    for (const ServiceProject& project : projects) {
-        if (project.id.compare(text, Qt::CaseInsensitive) == 0) {
-            return project;
-        }
-        if (project.name == text) {
-            found.append(project);
-            candidates.append(QStringLiteral("%1 (%2)").arg(project.id, project.timeZone));
-        }
-    }
-    if (found.isEmpty()) {
-        throw Failure(FailureKind::NotFound,
-                      QStringLiteral("there is no project \"%1\" for this token; rkmon project list shows "
-                                     "those there are")
-                          .arg(text));
-    }
-    if (found.size() > 1) {
-        throw Failure(FailureKind::BadInput,
-                      lookup::severalText(QStringLiteral("projects"), text, candidates));
-    }
-    return found.constFirst();
 }
 
 ExitCode listProjects(Session& session, const NoOptions&)
@@ -68,18 +42,18 @@ ExitCode showProject(Session& session, const ProjectShowOptions& options)
         session.projectData(); // refused first when there is no project
     }
     const QString text = options.project.isEmpty() ? session.project() : options.project;
-    session.output().addRecord(projectSheet(session, {findProject(session, text)}));
+    session.output().addRecord(projectSheet(session, {lookup::project(session.extensions(), text)}));
     return ExitCode::Success;
 }
 
 // What to call a project: a service that cannot tell of projects is believed an identifier.
 ServiceProject projectToUse(Session& session, const QString& text)
 {
-    if (lookup::isIdentifier(text) && !session.extensions().has(Extension::Projects)) {
+    if (isIdentifier(text) && !session.extensions().has(Extension::Projects)) {
         session.warn(QStringLiteral("the service cannot say whether it has a project %1").arg(text));
         return {text, text, QString()};
     }
-    return findProject(session, text);
+    return lookup::project(session.extensions(), text);
 }
 
 ExitCode useProject(Session& session, const ProjectUseOptions& options)

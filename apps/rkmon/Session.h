@@ -21,9 +21,6 @@ public:
 
     Output& output() { return m_output; }
 
-    /// What the service can beyond the library's operations; asked at the first use.
-    ServiceExtensions& extensions() { return m_extensions; }
-
     /// The zone that days, and times without an offset, are of: the project's, or this machine's where the
     /// service does not tell that, which the user is told once.
     QTimeZone zone();
@@ -56,7 +53,6 @@ public:
 
 private:
     Output m_output;
-    ServiceExtensions m_extensions{*this};
     QStringList m_closingNotes;
     QTimeZone m_machineZone;
     bool m_hasAskedForZone = false;

@@ -3,10 +3,13 @@
 #include "DisplayText.h"
 
 #include <QByteArray>
+#include <QSize>
 #include <QtGlobal>
 
+#include <algorithm>
 #include <array>
 #include <csignal>
+#include <initializer_list>
 
 #ifdef Q_OS_WIN
 #include <io.h>
@@ -20,22 +23,30 @@ namespace terminal {
 
 namespace {
 
-constexpr int usualWidth = 80;
+constexpr QSize usualSize(80, 24);
 
-int askedWidth()
+// Columns and lines, as far as there is a terminal that tells them.
+QSize askedSize()
 {
 #ifdef Q_OS_WIN
     CONSOLE_SCREEN_BUFFER_INFO info;
     if (GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info)) {
-        return info.srWindow.Right - info.srWindow.Left + 1;
+        return {info.srWindow.Right - info.srWindow.Left + 1, info.srWindow.Bottom - info.srWindow.Top + 1};
     }
 #else
     winsize size{};
     if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0) {
-        return size.ws_col;
+        return {size.ws_col, size.ws_row};
     }
 #endif
-    return 0;
+    return {0, 0};
+}
+
+int firstPositive(std::initializer_list<int> numbers)
+{
+    const auto* const found =
+        std::find_if(numbers.begin(), numbers.end(), [](int number) { return number > 0; });
+    return found == numbers.end() ? 0 : *found;
 }
 
 } // namespace
@@ -51,12 +62,12 @@ bool isTerminal(std::FILE* stream)
 
 int width()
 {
-    const int wanted = qEnvironmentVariableIntValue("COLUMNS");
-    if (wanted > 0) {
-        return wanted;
-    }
-    const int asked = askedWidth();
-    return asked > 0 ? asked : usualWidth;
+    return firstPositive({qEnvironmentVariableIntValue("COLUMNS"), askedSize().width(), usualSize.width()});
+}
+
+int height()
+{
+    return firstPositive({qEnvironmentVariableIntValue("LINES"), askedSize().height(), usualSize.height()});
 }
 
 bool hasColour()

@@ -13,6 +13,9 @@ bool isTerminal(std::FILE* stream);
 /// Columns of the terminal behind standard output: COLUMNS when set, else what the terminal says, else 80.
 int width();
 
+/// Lines of it: LINES when set, else what the terminal says, else 24.
+int height();
+
 /// Whether standard output may carry colour: a terminal that can, and NO_COLOR (https://no-color.org) unset.
 bool hasColour();
 

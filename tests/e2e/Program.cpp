@@ -16,6 +16,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #endif
 
@@ -63,6 +64,7 @@ public:
         tcsetattr(m_slave, TCSANOW, &modes);
         winsize size{};
         size.ws_col = static_cast<unsigned short>(columns);
+        size.ws_row = Program::terminalLines;
         ioctl(m_slave, TIOCSWINSZ, &size);
         fcntl(m_master, F_SETFL, O_NONBLOCK);
     }
@@ -109,6 +111,41 @@ private:
 };
 #endif
 
+// A process that takes those with it that it leaves in its background.
+class GroupLeader : public QProcess
+{
+public:
+    GroupLeader() = default;
+    GroupLeader(const GroupLeader&) = delete;
+    GroupLeader& operator=(const GroupLeader&) = delete;
+
+    ~GroupLeader() override
+    {
+#ifdef Q_OS_UNIX
+        if (m_group > 0) {
+            ::kill(static_cast<pid_t>(-m_group), SIGKILL);
+        }
+#endif
+    }
+
+    // To be called while it runs.
+    void keepGroup()
+    {
+        m_group = processId();
+    }
+
+protected:
+    void setupChildProcess() override
+    {
+#ifdef Q_OS_UNIX
+        setpgid(0, 0);
+#endif
+    }
+
+private:
+    qint64 m_group = 0;
+};
+
 } // namespace
 
 QJsonArray Result::array() const
@@ -130,7 +167,7 @@ Program::Program() : m_environment(QProcessEnvironment::systemEnvironment())
             m_environment.remove(name);
         }
     }
-    for (const QString& name : {"NO_COLOR"_q, "COLUMNS"_q}) {
+    for (const QString& name : {"NO_COLOR"_q, "COLUMNS"_q, "LINES"_q}) {
         m_environment.remove(name);
     }
     m_environment.insert("XDG_CONFIG_HOME"_q, m_folder.path());
@@ -172,11 +209,12 @@ Result Program::run(const QStringList& arguments, const std::function<void(QProc
 
 Result Program::runShell(const QString& line) const
 {
-    QProcess process;
+    GroupLeader process;
     process.setProcessEnvironment(m_environment);
     process.setStandardInputFile(QProcess::nullDevice());
     process.start("bash"_q, {"-c"_q, line});
     EXPECT_TRUE(process.waitForStarted(patience));
+    process.keepGroup();
     return finish(process);
 }
 

@@ -45,6 +45,9 @@ public:
     /// Runs a line of bash, in which rkmon is found by name.
     Result runShell(const QString& line) const;
 
+    /// Lines of the terminals that rkmon is run on.
+    static constexpr int terminalLines = 30;
+
     /// Runs rkmon on a terminal of its own, `columns` wide, with `typed` on its keyboard; output and messages
     /// come together. Unix only.
     Result runOnTerminal(const QStringList& arguments, int columns, const QByteArray& typed = {}) const;

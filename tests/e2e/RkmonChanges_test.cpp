@@ -63,11 +63,15 @@ TEST_F(RkmonChanges, ReferenceIsShownAndChanged)
     EXPECT_EQ(shown.value("unit"_q), "V"_q);
     EXPECT_TRUE(rkmon.run(command).output.contains("REFERENCE      0.250\n"_q));
 
-    const QJsonObject set = rkmon.run(command + QStringList{"--set"_q, "0"_q, "--json"_q}).object();
+    EXPECT_EQ(rkmon.run(command + QStringList{"--set"_q, "0"_q}).code, 2); // nobody can be asked
+    EXPECT_EQ(rkmon.run(command + QStringList{"--json"_q}).object(), shown);
+    const QJsonObject set =
+        rkmon.run(command + QStringList{"--set"_q, "0"_q, "--yes"_q, "--json"_q}).object();
     EXPECT_EQ(set.value("initialValue"_q), 0.0);
     EXPECT_EQ(set.value("reference"_q), 0.0);
     const QString id = shown.value("id"_q).toString();
-    const QJsonObject cleared = rkmon.run({"point"_q, "reference"_q, id, "--clear"_q, "--json"_q}).object();
+    const QJsonObject cleared =
+        rkmon.run({"point"_q, "reference"_q, id, "--clear"_q, "-y"_q, "--json"_q}).object();
     EXPECT_TRUE(cleared.value("initialValue"_q).isNull());
     EXPECT_EQ(cleared.value("reference"_q), 0.25);
     EXPECT_EQ(rkmon.run({"point"_q, "reference"_q, id, "--clear"_q}).messages,
@@ -155,7 +159,7 @@ TEST_F(RkmonChanges, PercentOfADailyLimitHasTwoDigits)
 
 TEST_F(RkmonChanges, TrailTellsWhoChangedWhat)
 {
-    rkmon.run(QStringList{"point"_q, "reference"_q, "--set"_q, "0.5"_q} + upper);
+    rkmon.run(QStringList{"point"_q, "reference"_q, "--yes"_q, "--set"_q, "0.5"_q} + upper);
     rkmon.run({"monitoring"_q, "update"_q, "VH"_q, "--name"_q, "VH upper"_q});
     const auto listed = [&](const QStringList& more) {
         const Result result = rkmon.run(QStringList{"changes"_q, "--json"_q} + more);
@@ -207,6 +211,13 @@ TEST_F(RkmonChanges, AsksWithWhatItWouldDo)
                 StartsWith("Delete 2 of the 3 samples of point W1 at depth 20 ("));
     EXPECT_THAT(asked(QStringList{"point"_q, "delete"_q} + upper),
                 StartsWith("Delete point W1 at depth 20 ("));
+    EXPECT_THAT(asked(QStringList{"point"_q, "reference"_q, "--set"_q, "0.3"_q} + upper),
+                testing::AllOf(StartsWith("Count the variations of all 3 samples of point W1 at depth 20 ("),
+                               testing::HasSubstr(" of \"VH\" from 0.3, and judge them anew? [y/N]")));
+    EXPECT_THAT(asked(QStringList{"point"_q, "reference"_q, "--clear"_q} + upper),
+                testing::HasSubstr(" from the earliest reading, "));
+    const QStringList reference = QStringList{"point"_q, "reference"_q, "--json"_q} + upper;
+    EXPECT_EQ(rkmon.run(reference).object().value("initialValue"_q), 0.25);
     EXPECT_THAT(asked({"data"_q, "undo"_q, "--cell"_q, "VH"_q}),
                 testing::AllOf(StartsWith("Take back delivery 1 of "),
                                testing::HasSubstr("4 samples inserted, 0 corrected, in Soil moisture of "

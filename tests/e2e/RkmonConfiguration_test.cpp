@@ -75,6 +75,54 @@ TEST_F(RkmonConfiguration, ProjectsAreListedAndShown)
     EXPECT_EQ(rkmon.run({"project"_q, "show"_q, "none"_q}).code, 4);
 }
 
+TEST_F(RkmonConfiguration, ProjectsGoByTheirNames)
+{
+    const QString name = "Pit %1 / \"North\""_q.arg(project);
+    const auto makeProject = [&] {
+        const QString made = service().createProject(name);
+        service().admin({"grant"_q, "--token"_q, editor.id, "--project"_q, made, "--role"_q, "editor"_q});
+        return made;
+    };
+    const QString pit = makeProject();
+    const QStringList cells{"monitoring"_q, "ids"_q, "--csv"_q};
+    const Result created = rkmon.run(
+        {"monitoring"_q, "create"_q, "--name"_q, "VH"_q, "--category"_q, "Slope"_q, "--project"_q, name});
+    EXPECT_EQ(created.code, 0) << created.messages.toStdString();
+    EXPECT_EQ(rkmon.run(cells).output, "id,name\r\n"_q);
+    EXPECT_EQ(rkmon.run(cells + QStringList{"--project"_q, pit}).output,
+              "id,name\r\n%1,VH\r\n"_q.arg(created.output.trimmed()));
+    EXPECT_EQ(rkmon.run({"__complete"_q, "--project"_q, "Pit"_q}).output, name + "\n"_q);
+
+    rkmon.setVariable("RKMON_PROJECT"_q, name);
+    EXPECT_EQ(count().output, "1\n"_q);
+    EXPECT_EQ(rkmon.run({"project"_q, "show"_q, "--json"_q}).object().value("id"_q), pit);
+    EXPECT_EQ(count({"--project"_q, "none"_q}).code, 4);
+
+    // What belongs to a monitoring that is given by its identifier is read in the project all the same.
+    for (const QStringList& command :
+         {QStringList{"point"_q, "list"_q}, QStringList{"point"_q, "latest"_q},
+          QStringList{"stats"_q, "normal"_q}, QStringList{"stats"_q, "depth"_q}}) {
+        const QStringList ofCell = command + QStringList{"--cell"_q, created.output.trimmed(), "--json"_q};
+        const Result identified = rkmon.run(ofCell + QStringList{"--project"_q, pit});
+        const Result named = rkmon.run(ofCell);
+        EXPECT_EQ(named.output, identified.output) << ofCell.join(QLatin1Char(' ')).toStdString();
+        EXPECT_EQ(named.messages, identified.messages);
+        EXPECT_EQ(named.code, identified.code);
+        rkmon.removeVariable("RKMON_PROJECT"_q);
+        EXPECT_EQ(rkmon.run(ofCell).code, 2) << ofCell.join(QLatin1Char(' ')).toStdString();
+        rkmon.setVariable("RKMON_PROJECT"_q, name);
+    }
+
+    const QString twin = makeProject();
+    const Result ambiguous = count();
+    EXPECT_EQ(ambiguous.code, 2);
+    EXPECT_TRUE(ambiguous.messages.contains(pit) && ambiguous.messages.contains(twin))
+        << ambiguous.messages.toStdString();
+    // What needs no project goes on.
+    EXPECT_EQ(rkmon.run({"project"_q, "list"_q, "--json"_q}).array().size(), 3);
+    EXPECT_EQ(rkmon.run({"category"_q, "list"_q}).code, 0);
+}
+
 TEST_F(RkmonConfiguration, UseWritesTheProjectIntoItsProfile)
 {
     writeConfiguration("\n# the north\n[profile north]\ndeadline = 9\n"_q);

@@ -357,6 +357,43 @@ TEST_F(RkmonFailures, ControlCEndsWith130)
     EXPECT_EQ(result.messages, QString());
     server.onRequest = nullptr;
 }
+
+TEST_F(RkmonFailures, ControlCDuringAnImportTellsWhatIsIn)
+{
+    ScriptServer server;
+    rkmon.configure(server.baseAddress(), project, editor.text);
+    const auto write = [&](const char* name, const QByteArray& row) {
+        QFile file(QDir(rkmon.folder()).filePath(QString::fromUtf8(name)));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("name,depth,time,count,value\n" + row);
+        return file.fileName();
+    };
+    const QString first = write("a.csv", "W1,,2015-12-18T00:00:00Z,1,0.25\n");
+    const QString second = write("b.csv", "W1,,2015-12-19T00:00:00Z,2,0.5\n");
+    server.answerJson(200, R"([{"_id":"0123456789abcdef01234567","name":"VH","category":"Slope"}])");
+    server.answerJson(200, R"([{"_id":"0123456789abcdef01234568","name":"Soil moisture","alias":"SM"}])");
+    server.answerJson(404, R"({"message":"no such resource","status":404})");
+    server.answerJson(200, "[]"); // no data held
+    server.answerJson(200, R"({"count":0})");
+    server.answerJson(200, "[]"); // the first delivery
+    server.neverAnswer();
+    const int secondDelivery = 7;
+    const Result result =
+        rkmon.run({"point"_q, "import"_q, "--cell"_q, "VH"_q, "--sub-category"_q, "SM"_q, first, second},
+                  [&](QProcess& process) {
+                      server.onRequest = [&] {
+                          if (server.requestCount() == secondDelivery) {
+                              ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+                          }
+                      };
+                  });
+    server.onRequest = nullptr;
+    EXPECT_EQ(result.code, 130);
+    EXPECT_EQ(result.output, QString());
+    EXPECT_EQ(result.messages,
+              "rkmon: cannot deliver %1: it was cancelled; 1 of 2 samples are in, and the 1 under way "
+              "may be; the import can be repeated safely\n"_q.arg(second));
+}
 #endif
 
 // ---- Usage and configuration ----------------------------------------------------------------------------

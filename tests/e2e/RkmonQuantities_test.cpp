@@ -171,8 +171,8 @@ TEST_F(RkmonQuantities, AnExportGivesTheSameDataInAnEmptyProject)
     // References of every kind: an initial value with a fraction, 0, and none.
     deliver("SE"_q, "P3,2.5,2015-12-18T08:00:00-08:00,1,10.5\nP3,2.5,2015-12-18T09:00:00+01:00,2,9.5\n"
                     "P4,,2015-12-18T08:00:00-08:00,1,0.25\nP5,,2015-12-18T08:00:00-08:00,1,3\n");
-    done({"point"_q, "reference"_q, "P4"_q, "--cell"_q, "Pit"_q, "--set"_q, "0"_q});
-    done({"point"_q, "reference"_q, "P5"_q, "--cell"_q, "Pit"_q, "--clear"_q});
+    done({"point"_q, "reference"_q, "P4"_q, "--cell"_q, "Pit"_q, "--set"_q, "0"_q, "--yes"_q});
+    done({"point"_q, "reference"_q, "P5"_q, "--cell"_q, "Pit"_q, "--clear"_q, "--yes"_q});
     deliver("SE"_q, "P5,,2015-12-17T08:00:00-08:00,1,2.75\n");
     const QStringList exported{"point"_q, "list"_q, "--cell"_q, "Pit"_q, "--samples"_q, "--csv"_q};
     const QStringList statistics{"stats"_q,

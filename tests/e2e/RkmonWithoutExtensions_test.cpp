@@ -87,4 +87,9 @@ TEST_F(RkmonWithoutExtensions, SaysWhatTheServiceCannotTell)
     rkmon.removeVariable("RKMON_PROJECT"_q);
     EXPECT_EQ(rkmon.run({"project"_q, "use"_q, project}).code, 0);
     EXPECT_EQ(rkmon.run({"monitoring"_q, "count"_q}).output, "0\n"_q);
+    const Result named = rkmon.run({"monitoring"_q, "count"_q, "--project"_q, "Bluff"_q});
+    EXPECT_EQ(named.code, 2);
+    EXPECT_THAT(
+        named.messages.toStdString(),
+        testing::StartsWith("rkmon: \"Bluff\" is not the identifier of a project, and the service at "));
 }

@@ -59,6 +59,7 @@ TEST_F(NetworkObserverTest, SeesEveryExchangeOnce)
     EXPECT_EQ(exchanges.at(0).error, QNetworkReply::NoError);
     EXPECT_EQ(exchanges.at(0).errorText, QString());
     EXPECT_EQ(exchanges.at(0).bytesReceived, 7);
+    EXPECT_EQ(exchanges.at(0).answer, R"({"a":1})");
     EXPECT_GT(exchanges.at(0).microseconds, 0);
 
     EXPECT_EQ(exchanges.at(1).method, "DELETE");

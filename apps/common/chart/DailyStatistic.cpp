@@ -9,7 +9,7 @@ Days readDays(ServiceSession& session, const RKMonitoring& monitoring,
     const auto read = statistic == Statistic::Normal ? &RKMonitoringData::getNormalPointLocation
                                                      : &RKMonitoringData::getDepthPointLocation;
     Days days;
-    session.ask(purpose, [&] { return (session.data().*read)(condition, days); });
+    session.ask(purpose, [&] { return (session.projectData().*read)(condition, days); });
     // The library puts a day whose time it cannot read under the null date.
     if (days.contains(QDate())) {
         throw Failure(FailureKind::BadAnswer,

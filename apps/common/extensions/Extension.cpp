@@ -17,6 +17,8 @@ ExtensionTexts textsOf(Extension extension)
         return {"alarmReasons", "reasons in alarm details"};
     case Extension::Changes:
         return {"changes", "GET projects/{project}/changes"};
+    case Extension::DeliveryResults:
+        return {"deliveryResults", "results in the answer to POST pointLocations"};
     case Extension::DeliveryUndo:
         return {"deliveryUndo", "DELETE historyDatas/{id}"};
     case Extension::GroupSides:

@@ -9,6 +9,7 @@ enum class Extension
     About,            ///< says which service it is, what it can, and who asks
     AlarmReasons,     ///< alarm details say what was measured, and whose limits these are
     Changes,          ///< lists the audit trail
+    DeliveryResults,  ///< answers deliveries with what became of their samples
     DeliveryUndo,     ///< takes the latest delivery back
     GroupSides,       ///< limits of groups for one side, and when to warn
     PointChanges,     ///< changes points

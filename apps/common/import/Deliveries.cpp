@@ -8,9 +8,11 @@
 
 namespace {
 
-// A reading's place in a file.
+// A reading's place in a file, and its time in milliseconds since 1970, which compares faster than a
+// QDateTime.
 struct Place
 {
+    qint64 time;
     int point;
     int reading;
 };
@@ -26,13 +28,13 @@ QVector<Place> placesInTime(const MeasuredFile& file)
     QVector<Place> places;
     places.reserve(file.readingCount);
     for (int point = 0; point < file.points.size(); ++point) {
-        for (int reading = 0; reading < file.points[point].readings.size(); ++reading) {
-            places.append({point, reading});
+        const QVector<Reading>& readings = file.points[point].readings;
+        for (int reading = 0; reading < readings.size(); ++reading) {
+            places.append({readings[reading].sample.time.toMSecsSinceEpoch(), point, reading});
         }
     }
-    std::stable_sort(places.begin(), places.end(), [&](const Place& left, const Place& right) {
-        return readingAt(file, left).sample.time < readingAt(file, right).sample.time;
-    });
+    std::stable_sort(places.begin(), places.end(),
+                     [](const Place& left, const Place& right) { return left.time < right.time; });
     return places;
 }
 

@@ -2,14 +2,13 @@
 
 #include "DataHeld.h"
 #include "PointNames.h"
+#include "points/ConditionNames.h"
 #include "points/PointOrigins.h"
+#include "points/PointSummaries.h"
 
 #include <algorithm>
 
 namespace {
-
-// Names of one request; the service takes a condition of 8 KB.
-constexpr int largestNames = 4000;
 
 // Name and depth.
 using Place = QPair<QString, QString>;
@@ -26,8 +25,8 @@ QList<QStringList> namePortions(const QList<PointKey>& points)
     QList<QStringList> portions;
     int size = 0;
     for (const QString& name : qAsConst(names)) {
-        const int nameSize = name.toUtf8().size() * 2 + 3; // as JSON, with escapes, quotes and a comma
-        if (portions.isEmpty() || size + nameSize > largestNames) {
+        const int nameSize = conditionnames::sizeOf(name);
+        if (portions.isEmpty() || size + nameSize > conditionnames::largestSize) {
             portions.append(QStringList());
             size = 0;
         }
@@ -83,7 +82,24 @@ bool isAmong(const PointKey& point, const QSet<QString>& ids, const PointOrigins
     return isPossible;
 }
 
-// Those of `points` that are known; all are of `cellId`.
+// Those of `points` that are known, as the service tells; all are of `cellId`.
+QSet<PointKey> toldOfCell(ServiceSession& session, ServiceExtensions& extensions, const QString& cellId,
+                          const QList<PointKey>& points)
+{
+    QStringList names;
+    for (const PointKey& point : points) {
+        names.append(point.name);
+    }
+    names.removeDuplicates();
+    QSet<PointKey> held;
+    for (const PointSummary& point : summariesOfPoints(session, extensions, cellId, names)) {
+        held.insert({{cellId, point.subCategoryId}, point.name, plainDepth(point.depth)});
+    }
+    QSet<PointKey> known(points.cbegin(), points.cend());
+    return known.intersect(held);
+}
+
+// The same as far as it can be worked out.
 QSet<PointKey> knownOfCell(ServiceSession& session, const QString& cellId, const QList<PointKey>& points,
                            const ImportNotes& notes)
 {
@@ -124,7 +140,8 @@ QSet<PointKey> knownOfCell(ServiceSession& session, const QString& cellId, const
 
 } // namespace
 
-QSet<PointKey> knownPoints(ServiceSession& session, const QSet<PointKey>& points, const ImportNotes& notes)
+QSet<PointKey> knownPoints(ServiceSession& session, ServiceExtensions& extensions,
+                           const QSet<PointKey>& points, const ImportNotes& notes)
 {
     QMap<QString, QList<PointKey>> cells;
     for (const PointKey& point : points) {
@@ -132,7 +149,9 @@ QSet<PointKey> knownPoints(ServiceSession& session, const QSet<PointKey>& points
     }
     QSet<PointKey> known;
     for (auto cell = cells.cbegin(); cell != cells.cend(); ++cell) {
-        known.unite(knownOfCell(session, cell.key(), *cell, notes));
+        known.unite(extensions.has(Extension::PointSummaries)
+                        ? toldOfCell(session, extensions, cell.key(), *cell)
+                        : knownOfCell(session, cell.key(), *cell, notes));
     }
     return known;
 }

@@ -2,8 +2,11 @@
 
 #include "Lookup.h"
 #include "import/BadRowsFile.h"
-#include "import/Deliveries.h"
+#include "import/CorrectionsMade.h"
+#include "import/DeliverySending.h"
+#include "import/HeldComparison.h"
 #include "import/KnownPoints.h"
+#include "import/MissingRights.h"
 #include "import/ProjectClock.h"
 #include "import/ProjectFile.h"
 #include "import/ProjectSetUp.h"
@@ -12,7 +15,9 @@
 #include "import/ZeroInitialValues.h"
 
 #include <QFileInfo>
-#include <QRegularExpression>
+
+#include <algorithm>
+#include <tuple>
 
 namespace {
 
@@ -104,8 +109,8 @@ struct ReadingOrder
 };
 
 // Every file, checked; bad rows go to `result`.
-QList<PlacedFile> readFiles(ServiceSession& session, const ReadingOrder& order, const ImportNotes& notes,
-                            ImportResult& result)
+QList<PlacedFile> readFiles(ServiceSession& session, ServiceExtensions& extensions, const ReadingOrder& order,
+                            const ImportNotes& notes, ImportResult& result)
 {
     requireNoDuplicates(order.sources);
     const bool skipsBadRows = !order.badRowsFile.isEmpty();
@@ -115,7 +120,7 @@ QList<PlacedFile> readFiles(ServiceSession& session, const ReadingOrder& order, 
     QList<PlacedFile> files;
     for (const Source& source : order.sources) {
         const MeasuredFile file =
-            readOnProjectClock(session, source.path, source.mapping,
+            readOnProjectClock(session, extensions, source.path, source.mapping,
                                skipsBadRows ? BadRowKeeping::Rows : BadRowKeeping::Reasons, notes);
         noteOddities(file, notes);
         const bool isUsable = skipsBadRows && file.isReadable;
@@ -137,78 +142,6 @@ QByteArray skippedRowsOf(const QList<PlacedFile>& files)
     return badRowsText(measured);
 }
 
-// The service's words about element [i][j] of a request, with the file that element i comes from.
-QString explained(const QString& message, const QList<Delivery>& request)
-{
-    static const QRegularExpression element(QStringLiteral("\\[(\\d+)\\]\\[\\d+\\]"));
-    const QRegularExpressionMatch match = element.match(message);
-    const int index = match.hasMatch() ? match.captured(1).toInt() : -1;
-    return index >= 0 && index < request.size()
-               ? QStringLiteral("%1 ([%2] is %3)").arg(message).arg(index).arg(request[index].path)
-               : message;
-}
-
-// The files that the deliveries come from.
-QString pathsOf(const QList<Delivery>& request)
-{
-    QStringList paths;
-    for (const Delivery& delivery : request) {
-        paths.append(delivery.path);
-    }
-    paths.removeDuplicates();
-    constexpr int shown = 3;
-    const QString more =
-        paths.size() > shown ? QStringLiteral(" and %1 more").arg(paths.size() - shown) : QString();
-    return paths.mid(0, shown).join(QStringLiteral(", ")) + more;
-}
-
-void send(ServiceSession& session, const QList<Delivery>& request)
-{
-    QList<QList<RKPointLocation>> batches;
-    for (const Delivery& delivery : request) {
-        batches.append(delivery.points);
-    }
-    QString message;
-    try {
-        session.ask(
-            QStringLiteral("deliver %1").arg(pathsOf(request)),
-            [&] { return session.projectData().createPointLocation(batches, message); },
-            Repetition::IsHarmless);
-    } catch (const Failure& failure) {
-        // A refused delivery is the one internal server error whose words are meant for the sender.
-        if (failure.kind() != FailureKind::Refused || message.isEmpty()) {
-            throw;
-        }
-        throw Failure(
-            FailureKind::Refused,
-            QStringLiteral("the service refused %1: %2").arg(pathsOf(request), explained(message, request)));
-    }
-    // What was delivered stays in the library's cache, which nothing here reads.
-    session.data().clear();
-}
-
-void sendAll(ServiceSession& session, const QList<Delivery>& deliveries, const ImportCallbacks& callbacks,
-             int sampleCount)
-{
-    int sent = 0;
-    callbacks.onProgress(sent, sampleCount);
-    for (const QList<Delivery>& request : requestsOf(deliveries)) {
-        try {
-            send(session, request);
-        } catch (const Failure& failure) {
-            if (sent == 0) {
-                throw;
-            }
-            throw failure.extended(
-                QStringLiteral("%1 of %2 samples had been delivered before").arg(sent).arg(sampleCount));
-        }
-        for (const Delivery& delivery : request) {
-            sent += delivery.sampleCount;
-        }
-        callbacks.onProgress(sent, sampleCount);
-    }
-}
-
 // Runs what changes the service. After a break it says what is true of everything in an import: whether or
 // not the change was carried out, going on with the same import is safe.
 template <typename Work>
@@ -217,43 +150,109 @@ void changeRepeatably(Work work)
     try {
         work();
     } catch (const Failure& failure) {
-        if (failure.kind() != FailureKind::NoConnection) {
+        if (failure.kind() != FailureKind::NoConnection && failure.kind() != FailureKind::Cancelled) {
             throw;
         }
         throw failure.extended(QStringLiteral("the import can be repeated safely"));
     }
 }
 
+// An import whose files have their targets.
+struct PlacedImport
+{
+    QList<PlacedFile> files;
+    QSet<QString> categories;       // of their monitorings
+    QStringList missingMonitorings; // stand for themselves in targets
+};
+
+// Those of the points that the service has. Monitorings that are missing have none.
+QSet<PointKey> knownOf(ServiceSession& session, ServiceExtensions& extensions, const PlacedImport& import,
+                       const ImportNotes& notes)
+{
+    QSet<PointKey> points;
+    for (const PointKey& point : pointsOf(import.files)) {
+        if (!import.missingMonitorings.contains(point.target.cellId)) {
+            points.insert(point);
+        }
+    }
+    return knownPoints(session, extensions, points, notes);
+}
+
+QList<PointKey> inOrder(const QSet<PointKey>& points)
+{
+    QList<PointKey> ordered = points.values();
+    std::sort(ordered.begin(), ordered.end(), [](const PointKey& left, const PointKey& right) {
+        const auto key = [](const PointKey& point) {
+            return std::make_tuple(point.name, point.depth.toDouble(), point.depth, point.target.cellId,
+                                   point.target.subCategoryId);
+        };
+        return key(left) < key(right);
+    });
+    return ordered;
+}
+
+// What the service answered, as far as it tells.
+void tellOutcome(ServiceSession& session, ServiceExtensions& extensions, const DeliveryAnswers& answers,
+                 const ImportNotes& notes, ImportResult& result)
+{
+    result.outcome = {answers.inserted(), answers.corrected(), answers.unchanged(), {}};
+    result.newPoints = inOrder(answers.newPoints());
+    result.alarms = answers.alarms();
+    if (answers.corrected() == 0 || !extensions.has(Extension::Changes)) {
+        return;
+    }
+    try {
+        result.outcome->corrections = correctionsMade(session, extensions, answers);
+    } catch (const Failure& failure) {
+        notes({ImportNote::Kind::Warning,
+               QStringLiteral("everything was delivered, but: %1").arg(failure.message())});
+    }
+}
+
+void rehearse(ServiceSession& session, ServiceExtensions& extensions, const PlacedImport& import,
+              const QSet<PointKey>& known, ImportResult& result)
+{
+    result.outcome = compareWithHeld(session, extensions, import.files, known);
+    const bool corrects = !result.outcome || result.outcome->corrected > 0;
+    result.missingRights = missingRights(session, import.categories, corrects);
+}
+
 // The rest of an import once every file has its target.
 template <typename Order>
-void deliver(ServiceSession& session, const QList<PlacedFile>& files, const Order& order,
-             const ImportCallbacks& callbacks, ImportResult& result)
+void deliver(ServiceSession& session, ServiceExtensions& extensions, const PlacedImport& import,
+             const Order& order, const ImportCallbacks& callbacks, ImportResult& result)
 {
-    const QByteArray skippedRows = skippedRowsOf(files);
-    const QSet<PointKey> points = pointsOf(files);
-    const QSet<PointKey> known =
-        order.isDryRun ? QSet<PointKey>() : knownPoints(session, points, callbacks.onNote);
-    const QList<Delivery> deliveries = deliveriesOf(files, known);
-    QStringList paths;
-    for (const PlacedFile& file : files) {
-        paths.append(file.file.path);
+    const QByteArray skippedRows = skippedRowsOf(import.files);
+    const QSet<PointKey> points = pointsOf(import.files);
+    const QSet<PointKey> known = knownOf(session, extensions, import, callbacks.onNote);
+    const QList<Delivery> deliveries = deliveriesOf(import.files, known);
+    QSet<QString> paths;
+    for (const PlacedFile& file : import.files) {
+        paths.insert(file.file.path);
     }
-    result.files = QSet<QString>(paths.cbegin(), paths.cend()).size();
+    result.files = paths.size();
     result.points = points.size();
+    result.newPoints = inOrder(QSet<PointKey>(points).subtract(known));
     result.deliveries = deliveries.size();
     for (const Delivery& delivery : deliveries) {
         result.samples += delivery.sampleCount;
     }
-    if (!order.isDryRun) {
-        result.newPoints = points.size() - known.size();
-        changeRepeatably([&] {
-            sendAll(session, deliveries, callbacks, result.samples);
-            setZeroInitialValues(session, pointsFromZero(files).subtract(known), callbacks.onNote);
-        });
-        result.isSent = true;
-        if (!skippedRows.isEmpty()) {
-            writeNewFile(order.badRowsFile, skippedRows);
-        }
+    if (order.isDryRun) {
+        rehearse(session, extensions, import, known, result);
+        return;
+    }
+    std::optional<DeliveryAnswers> answers;
+    changeRepeatably([&] {
+        answers = sendDeliveries(session, extensions, deliveries, callbacks);
+        setZeroInitialValues(session, extensions, pointsFromZero(import.files).subtract(known),
+                             callbacks.onNote);
+    });
+    result.isSent = true;
+    if (!skippedRows.isEmpty()) {
+        writeNewFile(order.badRowsFile, skippedRows);
+    }
+    if (answers) {
+        tellOutcome(session, extensions, *answers, callbacks.onNote, result);
     }
 }
 
@@ -311,14 +310,16 @@ QList<PlannedPart> plannedParts(const ProjectFile& project, const PlannedFile& p
 
 } // namespace
 
-ImportResult importFiles(ServiceSession& session, const FileImport& order, const ImportCallbacks& callbacks)
+ImportResult importFiles(ServiceSession& session, ServiceExtensions& extensions, const FileImport& order,
+                         const ImportCallbacks& callbacks)
 {
     QList<Source> sources;
     for (const QString& path : order.files) {
         sources.append({path, {}, order.mapping});
     }
     ImportResult result;
-    QList<PlacedFile> files = readFiles(session, {sources, order.badRowsFile}, callbacks.onNote, result);
+    QList<PlacedFile> files =
+        readFiles(session, extensions, {sources, order.badRowsFile}, callbacks.onNote, result);
     if (!result.badRows.isEmpty()) {
         return result;
     }
@@ -328,21 +329,21 @@ ImportResult importFiles(ServiceSession& session, const FileImport& order, const
     if (!result.badRows.isEmpty()) {
         return result;
     }
-    result.badRows = unitProblems(session, files) + contradictions(files);
+    result.badRows = unitProblems(session, extensions, files) + contradictions(files);
     if (result.badRows.isEmpty()) {
-        deliver(session, files, order, callbacks, result);
+        deliver(session, extensions, {files, {monitoring.category}, {}}, order, callbacks, result);
     }
     return result;
 }
 
-ImportResult importProject(ServiceSession& session, const ProjectImport& order,
+ImportResult importProject(ServiceSession& session, ServiceExtensions& extensions, const ProjectImport& order,
                            const ImportCallbacks& callbacks)
 {
     const ProjectFile project = readProjectFile(order.projectFile);
     const QList<Source> sources = plannedSources(order, project);
     ImportResult result;
     const QList<PlacedFile> whole =
-        readFiles(session, {sources, order.badRowsFile}, callbacks.onNote, result);
+        readFiles(session, extensions, {sources, order.badRowsFile}, callbacks.onNote, result);
     QList<PlannedPart> parts;
     for (int i = 0; i < whole.size() && result.badRows.isEmpty(); ++i) {
         parts += plannedParts(project, sources[i].planned, whole[i].file, result.badRows);
@@ -361,7 +362,7 @@ ImportResult importProject(ServiceSession& session, const ProjectImport& order,
         }
     };
     place();
-    result.badRows = unitProblems(session, files) + contradictions(files);
+    result.badRows = unitProblems(session, extensions, files) + contradictions(files);
     if (!result.badRows.isEmpty()) {
         return result;
     }
@@ -371,6 +372,10 @@ ImportResult importProject(ServiceSession& session, const ProjectImport& order,
         changeRepeatably([&] { setUp.createMissing(); });
         place();
     }
-    deliver(session, files, order, callbacks, result);
+    QSet<QString> categories;
+    for (const PlannedPart& part : qAsConst(parts)) {
+        categories.insert(project.monitoring(part.planned.monitoring)->category);
+    }
+    deliver(session, extensions, {files, categories, result.missingMonitorings}, order, callbacks, result);
     return result;
 }

@@ -1,13 +1,15 @@
 #pragma once
 
 #include "ServiceSession.h"
-#include "import/ImportNote.h"
+#include "extensions/ServiceExtensions.h"
+#include "import/Deliveries.h"
+#include "import/ImportCallbacks.h"
+#include "import/ImportOutcome.h"
 #include "reading/MeasuredFile.h"
 
 #include <QString>
 #include <QStringList>
 
-#include <functional>
 #include <optional>
 
 /// Files of readings that belong to one monitoring and sub-category.
@@ -43,17 +45,6 @@ struct ProjectImport
     };
 };
 
-/// What an import tells while it runs.
-struct ImportCallbacks
-{
-    /// Samples delivered so far, of all of them: at first 0, then after every request. May run anything but
-    /// another operation of the same session.
-    std::function<void(int delivered, int total)> onProgress = [](int, int) {
-    };
-    ImportNotes onNote = [](const ImportNote&) {
-    };
-};
-
 /// What an import did, or would do.
 struct ImportResult
 {
@@ -67,21 +58,27 @@ struct ImportResult
     UnclearFormat unclear;
     int files = 0;
     int points = 0;
-    /// Unknown in a dry run.
-    std::optional<int> newPoints;
+    /// Those of `points` that the service did not have, by name and depth.
+    QList<PointKey> newPoints;
     int samples = 0;
+    /// What became of the samples, as the service says, or would become of them as far as that can be told.
+    std::optional<SampleOutcome> outcome;
     int deliveries = 0;
     bool isSent = false;
+    /// Alarms in which readings of it stand, as far as the service tells.
+    QList<RaisedAlarm> alarms;
     /// Names of the monitorings that a dry run would have created.
     QStringList missingMonitorings;
+    /// Why the service would refuse what a dry run did not send.
+    QStringList missingRights;
 };
 
 /// Checks every row of every file and, when all are good, delivers the readings. Doing it again changes
-/// nothing that was taken in. Throws a Failure when a file cannot be read, what it needs is not there, or a
-/// request fails; what was delivered before stays.
-ImportResult importFiles(ServiceSession& session, const FileImport& order,
+/// nothing that was taken in. `extensions` are those of the session's service. Throws a Failure when a file
+/// cannot be read, what it needs is not there, or a request fails; what was delivered before stays.
+ImportResult importFiles(ServiceSession& session, ServiceExtensions& extensions, const FileImport& order,
                          const ImportCallbacks& callbacks = {});
 
 /// The same for the files of a project; creates its monitorings and threshold groups that are missing.
-ImportResult importProject(ServiceSession& session, const ProjectImport& order,
+ImportResult importProject(ServiceSession& session, ServiceExtensions& extensions, const ProjectImport& order,
                            const ImportCallbacks& callbacks = {});

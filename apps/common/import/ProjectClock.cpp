@@ -1,19 +1,17 @@
 #include "import/ProjectClock.h"
 
 #include "TimeZones.h"
-#include "extensions/ServiceExtensions.h"
 #include "import/AnyFile.h"
 #include "reading/FileSource.h"
 
-MeasuredFile readOnProjectClock(ServiceSession& session, const QString& path, const FileMapping& mapping,
-                                BadRowKeeping keeping, const ImportNotes& notes)
+MeasuredFile readOnProjectClock(ServiceSession& session, ServiceExtensions& extensions, const QString& path,
+                                const FileMapping& mapping, BadRowKeeping keeping, const ImportNotes& notes)
 {
     FileSource source = sourceOf(path, mapping);
     const MeasuredFile file = readAnyFile(path, source.content, source.mapping, keeping);
     if (!file.hasTypes || !file.unclear.utcOffset) {
         return file;
     }
-    ServiceExtensions extensions(session);
     const std::optional<QTimeZone> zone = zones::ofProject(session, extensions);
     if (!zone) {
         return file;

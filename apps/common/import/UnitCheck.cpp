@@ -1,7 +1,5 @@
 #include "import/UnitCheck.h"
 
-#include "extensions/ServiceExtensions.h"
-
 #include <QHash>
 
 #include <algorithm>
@@ -9,9 +7,8 @@
 namespace {
 
 // By identifier of the sub-category; without those that have none, and empty where the service tells none.
-QHash<QString, QString> unitsOnService(ServiceSession& session)
+QHash<QString, QString> unitsOnService(ServiceSession& session, ServiceExtensions& extensions)
 {
-    ServiceExtensions extensions(session);
     QHash<QString, QString> units;
     if (!extensions.has(Extension::SubCategoryKinds)) {
         return units;
@@ -26,14 +23,15 @@ QHash<QString, QString> unitsOnService(ServiceSession& session)
 
 } // namespace
 
-QStringList unitProblems(ServiceSession& session, const QList<PlacedFile>& files)
+QStringList unitProblems(ServiceSession& session, ServiceExtensions& extensions,
+                         const QList<PlacedFile>& files)
 {
     const bool isSaid = std::any_of(files.cbegin(), files.cend(),
                                     [](const PlacedFile& placed) { return !placed.file.units.isEmpty(); });
     if (!isSaid) {
         return {};
     }
-    QHash<QString, QString> units = unitsOnService(session);
+    QHash<QString, QString> units = unitsOnService(session, extensions);
     QStringList lines;
     for (const PlacedFile& placed : files) {
         Problems problems;

@@ -1,27 +1,8 @@
 #include "points/PointDirectory.h"
 
 #include "DataHeld.h"
-#include "PagedReading.h"
 #include "points/PointOrigins.h"
-
-#include <QJsonArray>
-
-namespace {
-
-// The condition for a monitoring's points; the names are left out where they are more than a condition can
-// hold.
-QJsonObject conditionOf(const RKMonitoring& monitoring, const QStringList& names)
-{
-    constexpr int longestNames = 4000; // characters; the service takes conditions of 8 KB
-    QJsonObject where{{QStringLiteral("cellId"), monitoring.id}};
-    if (!names.isEmpty() && names.join(QLatin1String("\",\"")).size() <= longestNames / 2) {
-        where.insert(QStringLiteral("name"),
-                     QJsonObject{{QStringLiteral("$in"), QJsonArray::fromStringList(names)}});
-    }
-    return where;
-}
-
-} // namespace
+#include "points/PointSummaries.h"
 
 PointDirectory::PointDirectory(ServiceSession& session, ServiceExtensions& extensions,
                                const RKMonitoring& monitoring, const QStringList& names)
@@ -37,13 +18,7 @@ PointDirectory::PointDirectory(ServiceSession& session, ServiceExtensions& exten
 
 void PointDirectory::readSummaries(ServiceExtensions& extensions)
 {
-    PointSummaryQuery query;
-    query.where = conditionOf(m_monitoring, m_names);
-    const QString project = m_session.project();
-    const QList<PointSummary> summaries = paging::readAll(
-        QStringLiteral("points of \"%1\"").arg(m_monitoring.name),
-        [&](int skip, int limit) { return extensions.pointSummaries(project, query, skip, limit); },
-        [&] { return extensions.pointSummaryCount(project, query); });
+    const QList<PointSummary> summaries = summariesOfPoints(m_session, extensions, m_monitoring.id, m_names);
     for (const PointSummary& point : summaries) {
         m_subCategories.insert(point.id, point.subCategoryId);
         if (point.reference) {
@@ -82,7 +57,7 @@ void PointDirectory::workOutReferences()
     condition.names = m_names;
     QList<RKPointLocation> points;
     m_session.ask(QStringLiteral("read the initial values of \"%1\"").arg(m_monitoring.name),
-                  [&] { return m_session.data().getPointLocation(condition, points, false); });
+                  [&] { return m_session.projectData().getPointLocation(condition, points, false); });
     for (const RKPointLocation& point : qAsConst(points)) {
         if (point.initialValue != 0.0) {
             m_references.insert(point.id, {point.initialValue, false});

@@ -1,6 +1,7 @@
 #include "reading/MeasuredValues.h"
 
-#include <QLocale>
+#include "PointNames.h"
+
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -96,7 +97,7 @@ QString readDepth(const QString& text, QChar decimalSign, QString& depth)
     double number = 0.0;
     const QString problem = readNumber("depth", text, decimalSign, number);
     if (problem.isEmpty()) {
-        depth = QString::number(number + 0.0, 'g', QLocale::FloatingPointShortest); // + 0.0: no "-0"
+        depth = depthText(number);
     }
     return problem;
 }

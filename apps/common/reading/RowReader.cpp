@@ -14,6 +14,33 @@ bool countsTime(TimeFormat format)
            format == TimeFormat::UnixSeconds;
 }
 
+// Where a reading of a point belongs: its time in milliseconds since 1970, which compares faster than a
+// QDateTime, and its count.
+struct ReadingSlot
+{
+    qint64 time;
+    qint32 count;
+    int index; // among the readings as they were read
+
+    bool isSame(const ReadingSlot& other) const { return time == other.time && count == other.count; }
+    bool operator<(const ReadingSlot& other) const
+    {
+        return time != other.time ? time < other.time : count < other.count;
+    }
+};
+
+QVector<ReadingSlot> slotsInOrder(const QVector<Reading>& readings)
+{
+    QVector<ReadingSlot> ordered;
+    ordered.reserve(readings.size());
+    for (int i = 0; i < readings.size(); ++i) {
+        const RKPointLocationData& sample = readings[i].sample;
+        ordered.append({sample.time.toMSecsSinceEpoch(), sample.count, i});
+    }
+    std::stable_sort(ordered.begin(), ordered.end());
+    return ordered;
+}
+
 SiteClock clockOf(const FileMapping& mapping)
 {
     if (mapping.utcOffset) {
@@ -380,27 +407,23 @@ void RowReader::reportConflict(const MeasuredPoint& point, const Reading& first,
 
 void RowReader::sortReadings(MeasuredPoint& point)
 {
-    const auto isSameSlot = [](const Reading& left, const Reading& right) {
-        return left.sample.time == right.sample.time && left.sample.count == right.sample.count;
-    };
-    std::stable_sort(
-        point.readings.begin(), point.readings.end(), [](const Reading& left, const Reading& right) {
-            return left.sample.time != right.sample.time ? left.sample.time < right.sample.time
-                                                         : left.sample.count < right.sample.count;
-        });
-    QVector<Reading> kept;
-    kept.reserve(point.readings.size());
-    for (const Reading& reading : qAsConst(point.readings)) {
-        if (kept.isEmpty() || !isSameSlot(kept.constLast(), reading)) {
-            kept.append(reading);
+    const QVector<Reading> read = point.readings;
+    point.readings.clear();
+    point.readings.reserve(read.size());
+    const ReadingSlot* last = nullptr;
+    const QVector<ReadingSlot> ordered = slotsInOrder(read);
+    for (const ReadingSlot& slot : ordered) {
+        const Reading& reading = read[slot.index];
+        if (last == nullptr || !last->isSame(slot)) {
+            point.readings.append(reading);
+            last = &slot;
             continue;
         }
-        const RKPointLocationData& first = kept.constLast().sample;
+        const RKPointLocationData& first = point.readings.constLast().sample;
         if (first.value != reading.sample.value || first.timeFlag != reading.sample.timeFlag) {
-            reportConflict(point, kept.constLast(), reading);
+            reportConflict(point, point.readings.constLast(), reading);
         }
         ++m_file.repeatedCount;
         --m_file.readingCount;
     }
-    point.readings = kept;
 }

@@ -4,11 +4,12 @@
 #include "chart/Chart.h"
 
 #include <QDateTime>
-#include <QMap>
+#include <QVector>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 
 namespace {
 
@@ -116,56 +117,101 @@ QStringList overTime(const Chart& chart, int width)
     return lines;
 }
 
-// Marks the values of `curve` on the line of their depth.
-void mark(const Chart::Curve& curve, QChar sign, const Range& values, int cells, QMap<double, QString>& lines)
+// Two curves over depth, the depths downwards in equal steps.
+class DepthRows
 {
-    for (const QPointF& point : curve.points) {
-        QString& line = lines[point.y()];
-        if (line.isEmpty()) {
-            line = QString(cells, QLatin1Char(' '));
+public:
+    // In so many lines at most, and so many cells beside the depths.
+    DepthRows(const Chart::Curve& earliest, const Chart::Curve& latest, int lines, int cells)
+    {
+        for (const Chart::Curve* curve : {&earliest, &latest}) {
+            for (const QPointF& point : curve->points) {
+                m_values.include(point.x());
+                m_depths.include(point.y());
+            }
         }
-        line[values.step(point.x(), cells)] = sign;
+        m_rows.resize(m_depths.most > m_depths.least ? lines : 1);
+        for (Row& row : m_rows) {
+            row.cells = QString(cells, QLatin1Char(' '));
+        }
+        mark(earliest, earliestSign);
+        mark(latest, latestSign);
+        // Where several depths share a line it has the first one's; the last line ends the scale.
+        m_rows.last().depth = m_depths.most;
     }
-}
 
-QStringList overDepth(const Chart& chart, int width)
+    QStringList lines() const
+    {
+        const int cells = m_rows.constFirst().cells.size();
+        const QString least = QString::number(m_values.least);
+        QStringList lines{QString(depthWidth + 2, QLatin1Char(' ')) + least +
+                          QString::number(m_values.most).rightJustified(cells - least.size())};
+        for (const Row& row : m_rows) {
+            const QString depth = row.depth ? QString::number(*row.depth) : QString();
+            lines.append(QStringLiteral("%1 %2%3")
+                             .arg(depth.rightJustified(depthWidth))
+                             .arg(QChar(0x2502))
+                             .arg(row.cells));
+        }
+        return lines;
+    }
+
+    static constexpr int depthWidth = 8;
+    static constexpr QChar earliestSign{0x25cb};
+    static constexpr QChar latestSign{0x25cf};
+
+private:
+    struct Row
+    {
+        std::optional<double> depth; // nothing: none was measured there
+        QString cells;
+    };
+
+    // Both ends of the depths are at the middle of their line, unlike steps of time, which begin with the
+    // first.
+    int rowOf(double depth) const
+    {
+        const double share = m_depths.most > m_depths.least
+                                 ? (depth - m_depths.least) / (m_depths.most - m_depths.least)
+                                 : 0.0;
+        return static_cast<int>(std::lround(share * (m_rows.size() - 1)));
+    }
+
+    void mark(const Chart::Curve& curve, QChar sign)
+    {
+        for (const QPointF& point : curve.points) {
+            Row& row = m_rows[rowOf(point.y())];
+            row.depth = std::min(row.depth.value_or(point.y()), point.y());
+            row.cells[m_values.step(point.x(), row.cells.size())] = sign;
+        }
+    }
+
+    Range m_values;
+    Range m_depths;
+    QVector<Row> m_rows;
+};
+
+QStringList overDepth(const Chart& chart, const QSize& size)
 {
-    constexpr int depthWidth = 8;
-    const QChar first(0x25cb);
-    const QChar last(0x25cf);
+    constexpr int leastLines = 2;
+    constexpr int scaleAndLegend = 2;
     const Chart::Curve& earliest = chart.panels.constFirst().curves.constFirst();
     const Chart::Curve& latest = chart.panels.constFirst().curves.constLast();
-    Range values;
-    for (const Chart::Curve* curve : {&earliest, &latest}) {
-        for (const QPointF& point : curve->points) {
-            values.include(point.x());
-        }
-    }
-    const int cells = std::max(leastCells, width - depthWidth - 3);
-    QMap<double, QString> marked; // by depth, ascending: downwards
-    mark(earliest, first, values, cells, marked);
-    mark(latest, last, values, cells, marked);
-
-    const QString ends =
-        QString::number(values.least) +
-        QString::number(values.most).rightJustified(cells - QString::number(values.least).size());
-    QStringList lines{QString(depthWidth + 2, QLatin1Char(' ')) + ends};
-    for (auto line = marked.cbegin(); line != marked.cend(); ++line) {
-        lines.append(QStringLiteral("%1 %2%3")
-                         .arg(QString::number(line.key()).rightJustified(depthWidth))
-                         .arg(QChar(0x2502))
-                         .arg(*line));
-    }
-    lines.append(QStringLiteral("%1 %2   %3 %4").arg(first).arg(earliest.label).arg(last).arg(latest.label));
-    return lines;
+    const DepthRows rows(earliest, latest, std::max(leastLines, size.height() - scaleAndLegend),
+                         std::max(leastCells, size.width() - DepthRows::depthWidth - 3));
+    return rows.lines() + QStringList{QStringLiteral("%1 %2   %3 %4")
+                                          .arg(DepthRows::earliestSign)
+                                          .arg(earliest.label)
+                                          .arg(DepthRows::latestSign)
+                                          .arg(latest.label)};
 }
 
 } // namespace
 
-QStringList textChart(const Chart& chart, int width)
+QStringList textChart(const Chart& chart, const QSize& cells)
 {
     if (chart.panels.isEmpty()) {
         return {};
     }
-    return chart.kind == Chart::Kind::OverTime ? overTime(chart, width) : overDepth(chart, width);
+    return chart.kind == Chart::Kind::OverTime ? overTime(chart, cells.width()) : overDepth(chart, cells);
 }

@@ -19,6 +19,7 @@ struct NetworkExchange
     QString errorText;
     qint64 bytesReceived = 0; ///< of the body, as they came over the wire
     qint64 microseconds = 0;  ///< from the call to the end of the exchange
+    QByteArray answer; ///< the body after success, decompressed; shares its memory with the reply, not a copy
 };
 
 /// What is called when an exchange is over.

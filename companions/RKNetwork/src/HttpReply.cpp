@@ -259,6 +259,9 @@ void HttpReply::report() const
     exchange.errorText = m_errorText;
     exchange.bytesReceived = m_bytesReceived;
     exchange.microseconds = m_watch.nsecsElapsed() / 1000;
+    if (error() == NoError) {
+        exchange.answer = m_body; // that of a failure may repeat the token
+    }
     qCDebug(networkLog).noquote() << exchange.method << exchange.url << exchange.httpStatus << exchange.error
                                   << exchange.bytesReceived << "bytes" << exchange.microseconds << "us"
                                   << exchange.errorText;

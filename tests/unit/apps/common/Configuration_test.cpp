@@ -73,7 +73,7 @@ TEST_F(ConfigurationTest, OverridesWinOverEnvironmentAndFile)
     write("rkmon/token", "fileToken");
     const Configuration fromFile = readConfiguration({});
     EXPECT_EQ(fromFile.baseApi, QStringLiteral("http://file/"));
-    EXPECT_EQ(fromFile.project, QStringLiteral("fromFile"));
+    EXPECT_EQ(fromFile.projectName, QStringLiteral("fromFile"));
     EXPECT_EQ(fromFile.token, QStringLiteral("fileToken"));
 
     write("variableToken", "variableToken");
@@ -82,14 +82,14 @@ TEST_F(ConfigurationTest, OverridesWinOverEnvironmentAndFile)
     qputenv("RKMON_TOKEN_FILE", QFile::encodeName(path("variableToken")));
     const Configuration fromVariables = readConfiguration({});
     EXPECT_EQ(fromVariables.baseApi, QStringLiteral("http://variable/"));
-    EXPECT_EQ(fromVariables.project, QStringLiteral("fromVariable"));
+    EXPECT_EQ(fromVariables.projectName, QStringLiteral("fromVariable"));
     EXPECT_EQ(fromVariables.token, QStringLiteral("variableToken"));
 
     ConfigurationOverrides given = overrides();
     given.project = QStringLiteral("fromOverride");
     const Configuration fromOverrides = readConfiguration(given);
     EXPECT_EQ(fromOverrides.baseApi, QStringLiteral("http://127.0.0.1:8600/"));
-    EXPECT_EQ(fromOverrides.project, QStringLiteral("fromOverride"));
+    EXPECT_EQ(fromOverrides.projectName, QStringLiteral("fromOverride"));
     EXPECT_EQ(fromOverrides.token, QStringLiteral("rkm_secret"));
 }
 
@@ -97,7 +97,7 @@ TEST_F(ConfigurationTest, EmptyVariableSaysNothing)
 {
     write("rkmon/config.ini", "project=fromFile\n");
     qputenv("RKMON_PROJECT", "");
-    EXPECT_EQ(readConfiguration(overrides()).project, QStringLiteral("fromFile"));
+    EXPECT_EQ(readConfiguration(overrides()).projectName, QStringLiteral("fromFile"));
 }
 
 TEST_F(ConfigurationTest, MissingSettingNamesTheWaysToGiveIt)
@@ -149,13 +149,18 @@ TEST_F(ConfigurationTest, RefusesAPasswordInTheAddressWithoutShowingIt)
     }
 }
 
-TEST_F(ConfigurationTest, RefusesAProjectThatWouldNameAnotherResource)
+TEST_F(ConfigurationTest, TellsIdentifierAndNameOfAProjectApart)
 {
-    for (const char* project : {"a/b", "..", "a?b", "a b", "%1"}) {
-        ConfigurationOverrides given = overrides();
-        given.project = QString::fromUtf8(project);
-        EXPECT_FALSE(failureOf(given).isEmpty()) << project;
+    ConfigurationOverrides given = overrides();
+    for (const char* name : {"a/b", "..", "Coastal bluff", "%1", "0123456789abcdef0123456"}) {
+        given.project = QString::fromUtf8(name);
+        const Configuration configuration = readConfiguration(given);
+        EXPECT_EQ(configuration.project, QString()) << name;
+        EXPECT_EQ(configuration.projectName, given.project);
     }
+    given.project = QStringLiteral("0123456789abcdef01234567");
+    EXPECT_EQ(readConfiguration(given).project, given.project);
+    EXPECT_EQ(readConfiguration(given).projectName, QString());
 }
 
 TEST_F(ConfigurationTest, DeadlineIsInSeconds)
@@ -261,13 +266,13 @@ TEST_F(ConfigurationTest, ProfileGoesBeforeWhatHoldsForAll)
     given.tokenFile = path("token");
     const Configuration usual = readConfiguration(given);
     EXPECT_EQ(usual.baseApi, QStringLiteral("http://all/"));
-    EXPECT_EQ(usual.project, QStringLiteral("ofSouth"));
+    EXPECT_EQ(usual.projectName, QStringLiteral("ofSouth"));
     EXPECT_EQ(usual.profile, QStringLiteral("south"));
     EXPECT_EQ(usual.configFile, path("rkmon/config.ini"));
     qputenv("RKMON_PROFILE", "north");
-    EXPECT_EQ(readConfiguration(given).project, QStringLiteral("ofNorth"));
+    EXPECT_EQ(readConfiguration(given).projectName, QStringLiteral("ofNorth"));
     given.profile = QStringLiteral("south");
-    EXPECT_EQ(readConfiguration(given).project, QStringLiteral("ofSouth"));
+    EXPECT_EQ(readConfiguration(given).projectName, QStringLiteral("ofSouth"));
     EXPECT_EQ(configuredProfiles(given), (QStringList{QStringLiteral("north"), QStringLiteral("south")}));
 }
 
@@ -276,11 +281,11 @@ TEST_F(ConfigurationTest, NamedProfileGoesBeforeTheEnvironment)
     write("rkmon/config.ini", "default-profile = north\n[profile north]\nproject = ofNorth\n");
     qputenv("RKMON_PROJECT", "fromVariable");
     ConfigurationOverrides given = overrides();
-    EXPECT_EQ(readConfiguration(given).project, QStringLiteral("fromVariable"));
+    EXPECT_EQ(readConfiguration(given).projectName, QStringLiteral("fromVariable"));
     given.profile = QStringLiteral("north");
-    EXPECT_EQ(readConfiguration(given).project, QStringLiteral("ofNorth"));
+    EXPECT_EQ(readConfiguration(given).projectName, QStringLiteral("ofNorth"));
     given.project = QStringLiteral("fromOverride");
-    EXPECT_EQ(readConfiguration(given).project, QStringLiteral("fromOverride"));
+    EXPECT_EQ(readConfiguration(given).projectName, QStringLiteral("fromOverride"));
 }
 
 TEST_F(ConfigurationTest, UnknownProfileNamesThoseThatAreKnown)

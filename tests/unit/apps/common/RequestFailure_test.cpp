@@ -38,7 +38,7 @@ TEST(RequestFailure, TellsTheKind)
         {QNetworkReply::RemoteHostClosedError, 200, FailureKind::NoConnection},
         {QNetworkReply::TimeoutError, 0, FailureKind::NoConnection},
         {QNetworkReply::TimeoutError, 200, FailureKind::NoConnection},
-        {QNetworkReply::OperationCanceledError, 0, FailureKind::NoConnection},
+        {QNetworkReply::OperationCanceledError, 0, FailureKind::Cancelled},
         {QNetworkReply::SslHandshakeFailedError, 0, FailureKind::NoConnection},
         {QNetworkReply::UnknownNetworkError, 0, FailureKind::NoConnection},
         {QNetworkReply::UnknownProxyError, 0, FailureKind::NoConnection},

@@ -12,6 +12,7 @@ TEST(Advice, NamesWhatHelps)
         {Remedy::GiveTokenFile, "--token-file"},
         {Remedy::ExtendDeadline, "--deadline"},
         {Remedy::TrustCertificate, "--ca-file"},
+        {Remedy::ListProjects, "rkmon project list"},
         {Remedy::ListMonitorings, "rkmon monitoring ids"},
         {Remedy::ListSubCategories, "rkmon subcategory list"},
     };

@@ -60,6 +60,23 @@ TEST(Help, OfEveryCommandFitsAScreenAndShowsExamples)
     });
 }
 
+TEST(Help, OfTheProgramIsShortAndNamesEveryTopic)
+{
+    const CommandLine commandLine;
+    const QString help = helpOn(commandLine.app(), {});
+    expectFits(help, 35, "rkmon");
+    const QString topics = help.section("Topics of help: "_q, 1);
+    for (const HelpTopic& topic : helpTopics()) {
+        EXPECT_TRUE(topics.contains(topic.name)) << topic.name.toStdString();
+    }
+    // What the help leaves out is in a topic.
+    const QString configuration = helpOn(commandLine.app(), {"configuration"_q});
+    for (const CLI::Option* option : commandLine.app().get_options({})) {
+        const QString name = QString::fromStdString(option->get_name());
+        EXPECT_TRUE(help.contains(name) || configuration.contains(name)) << name.toStdString();
+    }
+}
+
 TEST(Help, TopicsFitATerminal)
 {
     const CommandLine commandLine;

@@ -2,11 +2,13 @@
 
 #include "ScriptedSession.h"
 
+#include <NetworkManager.h>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <gmock/gmock.h>
 
@@ -52,7 +54,10 @@ protected:
         return order;
     }
 
-    ImportResult import(const FileImport& order) { return importFiles(session, order, callbacks); }
+    ImportResult import(const FileImport& order)
+    {
+        return importFiles(session, extensions, order, callbacks);
+    }
 
     void answerPlaces()
     {
@@ -60,14 +65,25 @@ protected:
         server.answerJson(200, R"([{"_id":"0123456789abcdef01234568","name":"Soil moisture","alias":"SM"}])");
     }
 
-    // The service holds nothing of the monitoring yet.
+    // The service can nothing beyond what every one can, and holds nothing of the monitoring yet.
     void answerNoData()
     {
+        if (!isAbout) {
+            server.answerJson(404, R"({"message":"no such resource","status":404})");
+            isAbout = true; // is asked once
+        }
         server.answerJson(200, "[]");
         server.answerJson(200, R"({"count":0})");
     }
 
+    void answerRight(bool isHeld)
+    {
+        server.answerJson(200, isHeld ? R"({"value":"true"})" : R"({"value":"false"})");
+    }
+
     QTemporaryDir folder;
+    ServiceExtensions extensions{session};
+    bool isAbout = false;
     ImportCallbacks callbacks;
     std::vector<std::pair<int, int>> progress;
     QStringList warnings;
@@ -86,7 +102,8 @@ TEST_F(PointImport, DeliversAndTellsHowFarItIs)
     EXPECT_TRUE(result.badRows.isEmpty());
     EXPECT_EQ(result.files, 2);
     EXPECT_EQ(result.points, 2);
-    EXPECT_EQ(result.newPoints, 2);
+    EXPECT_EQ(result.newPoints.size(), 2);
+    EXPECT_FALSE(result.outcome); // is not told
     EXPECT_EQ(result.samples, 3);
     EXPECT_EQ(result.deliveries, 2);
     EXPECT_TRUE(result.isSent);
@@ -127,14 +144,79 @@ TEST_F(PointImport, FilesThatContradictEachOtherAreNotSent)
 TEST_F(PointImport, DryRunSendsNothing)
 {
     answerPlaces();
+    answerNoData();
+    answerRight(true);
     FileImport order = orderOf({write("a.csv", firstDay)});
     order.isDryRun = true;
     const ImportResult result = import(order);
     EXPECT_EQ(result.samples, 1);
-    EXPECT_FALSE(result.newPoints);
+    ASSERT_EQ(result.newPoints.size(), 1);
+    EXPECT_EQ(result.newPoints[0].name, "W1"_q);
+    EXPECT_EQ(result.newPoints[0].depth, "20"_q);
+    ASSERT_TRUE(result.outcome);
+    EXPECT_EQ(result.outcome->inserted, 1);
+    EXPECT_TRUE(result.missingRights.isEmpty());
     EXPECT_FALSE(result.isSent);
     EXPECT_TRUE(progress.empty());
-    EXPECT_EQ(server.requestCount(), 2); // the look-ups
+    for (const ScriptServer::Request& request : server.requests()) {
+        EXPECT_EQ(request.method, "GET");
+    }
+}
+
+TEST_F(PointImport, DryRunNamesRightsThatAreMissing)
+{
+    answerPlaces();
+    answerNoData();
+    answerRight(false);
+    FileImport order = orderOf({write("a.csv", firstDay)});
+    order.isDryRun = true;
+    EXPECT_EQ(import(order).missingRights,
+              QStringList{"the token may not create data of category \"Slope\": the "
+                          "service would refuse this import"_q});
+}
+
+TEST_F(PointImport, EndsBetweenTwoRequestsWhenItIsCancelled)
+{
+    answerPlaces();
+    answerNoData();
+    server.answerJson(200, "[]");
+    callbacks.isCancelled = [this] {
+        return server.requestCount() > 5; // the first delivery was the sixth
+    };
+    try {
+        import(orderOf({write("a.csv", firstDay), write("b.csv", secondDay)}));
+        FAIL() << "a cancelled import was taken for a success";
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.kind(), FailureKind::Cancelled);
+        EXPECT_EQ(failure.message(),
+                  "the import was cancelled; 1 of 3 samples are in; the import can be repeated safely"_q);
+    }
+    EXPECT_THAT(progress, ElementsAre(Pair(0, 3), Pair(1, 3)));
+}
+
+TEST_F(PointImport, EndsARequestThatIsCancelled)
+{
+    answerPlaces();
+    answerNoData();
+    server.answerJson(200, "[]");
+    server.neverAnswer();
+    QTimer cancel;
+    QObject::connect(&cancel, &QTimer::timeout, [this] {
+        if (server.requestCount() == 7) { // the second delivery
+            NetworkManager::instance().abortAll();
+        }
+    });
+    cancel.start(10);
+    try {
+        import(orderOf({write("a.csv", firstDay), write("b.csv", secondDay)}));
+        FAIL() << "a cancelled import was taken for a success";
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.kind(), FailureKind::Cancelled);
+        EXPECT_TRUE(
+            failure.message().endsWith("b.csv: it was cancelled; 1 of 3 samples are in, and the 2 under way "
+                                       "may be; the import can be repeated safely"_q))
+            << failure.what();
+    }
 }
 
 TEST_F(PointImport, NotesWhatIsOdd)
@@ -143,6 +225,8 @@ TEST_F(PointImport, NotesWhatIsOdd)
     FileImport order = orderOf({write("a.csv", "name,depth,time,count,value,who\n"
                                                "W1,,2015-12-18T00:00:00Z,1,0.25,ana\n"
                                                "W1,,2015-12-18T00:00:00Z,1,0.25,ben\n")});
+    answerNoData();
+    answerRight(true);
     order.isDryRun = true;
     import(order);
     EXPECT_EQ(warnings, QStringList{order.files[0] + ": the column \"who\" is not read"_q});
@@ -154,7 +238,7 @@ TEST_F(PointImport, NeedsNoCallbacks)
     answerPlaces();
     answerNoData();
     server.answerJson(200, "[]");
-    EXPECT_TRUE(importFiles(session, orderOf({write("a.csv", firstDay)})).isSent);
+    EXPECT_TRUE(importFiles(session, extensions, orderOf({write("a.csv", firstDay)})).isSent);
 }
 
 TEST_F(PointImport, FailuresHaveTheirKinds)
@@ -231,7 +315,8 @@ TEST_F(PointImport, ProjectFileSaysWhereFilesBelong)
     order.projectFile = plan;
     order.isDryRun = true;
     answerCategories();
-    EXPECT_EQ(importProject(session, order, callbacks).missingMonitorings, QStringList{"VH"_q});
+    answerRight(true);
+    EXPECT_EQ(importProject(session, extensions, order, callbacks).missingMonitorings, QStringList{"VH"_q});
     EXPECT_TRUE(information.isEmpty());
 
     order.isDryRun = false;
@@ -241,7 +326,7 @@ TEST_F(PointImport, ProjectFileSaysWhereFilesBelong)
     server.answerJson(200, "[]"); // groups
     answerNoData();
     server.answerJson(200, "[]");
-    EXPECT_TRUE(importProject(session, order, callbacks).isSent);
+    EXPECT_TRUE(importProject(session, extensions, order, callbacks).isSent);
     EXPECT_EQ(information, QStringList{"created monitoring \"VH\" (0123456789abcdef01234567)"_q});
 }
 
@@ -252,7 +337,7 @@ TEST_F(PointImport, MissingCategoryNamesTheAdministratorsCommand)
     ProjectImport order;
     order.projectFile = plan;
     try {
-        importProject(session, order, callbacks);
+        importProject(session, extensions, order, callbacks);
         FAIL() << "a missing category was taken for a success";
     } catch (const Failure& failure) {
         EXPECT_EQ(failure.kind(), FailureKind::Other);

@@ -24,6 +24,13 @@ protected:
         server.answerJson(200, R"({"count":1})");
     }
 
+    // Of a service that is asked what it can.
+    QStringList problemsOf(const QList<PlacedFile>& files)
+    {
+        ServiceExtensions extensions(session);
+        return unitProblems(session, extensions, files);
+    }
+
     static PlacedFile fileOf(const char* path, const QMultiMap<QString, WrittenUnit>& units)
     {
         MeasuredFile file;
@@ -37,15 +44,15 @@ protected:
 
 TEST_F(UnitCheck, FilesWithoutUnitsAskForNothing)
 {
-    EXPECT_TRUE(unitProblems(session, {fileOf("a.csv", {})}).isEmpty());
+    EXPECT_TRUE(problemsOf({fileOf("a.csv", {})}).isEmpty());
 }
 
 TEST_F(UnitCheck, TheUnitOfTheServiceHolds)
 {
     answerUnit("m");
-    EXPECT_TRUE(unitProblems(session, {fileOf("a.ags", {{"WDEP"_q, {"m"_q, 7}}})}).isEmpty());
+    EXPECT_TRUE(problemsOf({fileOf("a.ags", {{"WDEP"_q, {"m"_q, 7}}})}).isEmpty());
     answerUnit("m");
-    EXPECT_EQ(unitProblems(session, {fileOf("a.ags", {{"WDEP"_q, {"mm"_q, 7}}})}),
+    EXPECT_EQ(problemsOf({fileOf("a.ags", {{"WDEP"_q, {"mm"_q, 7}}})}),
               QStringList{"a.ags:7: the unit of \"WDEP\" is \"mm\" here, and \"m\" otherwise; nothing is "
                           "converted, but a mapping can say that it is the same"_q});
 }
@@ -53,12 +60,12 @@ TEST_F(UnitCheck, TheUnitOfTheServiceHolds)
 TEST_F(UnitCheck, WithoutThatFilesMustAgree)
 {
     answerUnit("");
-    EXPECT_TRUE(unitProblems(session, {fileOf("a.ags", {{"WDEP"_q, {"m"_q, 7}}}),
-                                       fileOf("b.ags", {{"WDEP"_q, {"m"_q, 9}}})})
-                    .isEmpty());
+    EXPECT_TRUE(
+        problemsOf({fileOf("a.ags", {{"WDEP"_q, {"m"_q, 7}}}), fileOf("b.ags", {{"WDEP"_q, {"m"_q, 9}}})})
+            .isEmpty());
     server.answerJson(200, aboutStart + aboutEnd);
-    EXPECT_EQ(unitProblems(session, {fileOf("a.ags", {{"WDEP"_q, {"m"_q, 7}}}),
-                                     fileOf("b.ags", {{"WLEV"_q, {"mm"_q, 9}}})})
-                  .size(),
-              1);
+    EXPECT_EQ(
+        problemsOf({fileOf("a.ags", {{"WDEP"_q, {"m"_q, 7}}}), fileOf("b.ags", {{"WLEV"_q, {"mm"_q, 9}}})})
+            .size(),
+        1);
 }

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "ServiceSession.h"
+#include "extensions/ServiceExtensions.h"
+#include "import/Deliveries.h"
+#include "import/DeliveryAnswers.h"
+#include "import/ImportCallbacks.h"
+
+#include <optional>
+
+/// Sends the deliveries, several in a request as far as possible, and gives what the service says became of
+/// them; nothing where it lacks the extension DeliveryResults. Throws the Failure of the first request that
+/// fails, which tells how many samples were delivered before.
+std::optional<DeliveryAnswers> sendDeliveries(ServiceSession& session, ServiceExtensions& extensions,
+                                              const QList<Delivery>& deliveries,
+                                              const ImportCallbacks& callbacks);
