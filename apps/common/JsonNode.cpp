@@ -150,7 +150,7 @@ void JsonNode::failAt(const char* member, const QString& reason) const
 
 QString JsonNode::placeOf(const char* member) const
 {
-    const QString name = QLatin1String(member);
+    const QString name = QString::fromUtf8(member);
     return m_place.isEmpty() ? name : m_place + QLatin1Char('.') + name;
 }
 

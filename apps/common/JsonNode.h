@@ -15,9 +15,10 @@ public:
     /// The object that `content` is, of the file at `path`.
     static JsonNode rootOf(const QString& path, const QByteArray& content);
 
-    bool has(const char* member) const { return m_object.contains(QLatin1String(member)); }
+    // Members are UTF-8.
+    bool has(const char* member) const { return m_object.contains(QString::fromUtf8(member)); }
     QStringList members() const { return m_object.keys(); }
-    QJsonValue value(const char* member) const { return m_object.value(QLatin1String(member)); }
+    QJsonValue value(const char* member) const { return m_object.value(QString::fromUtf8(member)); }
 
     QString text(const char* member) const;
     QString textOr(const char* member, const QString& otherwise) const;

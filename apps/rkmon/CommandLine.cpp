@@ -119,7 +119,7 @@ CommandLine::CommandLine()
     options::setExamples(m_app,
                          "  rkmon monitoring list --name '^LS-' --json\n"
                          "  rkmon help configuration\n\n"
-                         "Topics of rkmon help: configuration, exit-codes, files, import, output, times.");
+                         "Topics of help: ags, configuration, exit-codes, files, import, output, times.");
 }
 
 void CommandLine::addCommonOptions()

@@ -52,7 +52,7 @@ CLI::App& addHelpCommand(CLI::App& root, QStringList& words)
 {
     CLI::App& app = *root.add_subcommand("help", "Show the help of a command, or about a topic");
     options::addTexts(app, "WORD", words,
-                      "A command, or a topic: configuration, exit-codes, files, import, output, times")
+                      "A command, or a topic: ags, configuration, exit-codes, files, import, output, times")
         ->allow_extra_args()
         ->type_name("TOPIC");
     options::setExamples(app, "  rkmon help times\n"

@@ -82,9 +82,32 @@ const char* const filesText =
   --doubled-hour H     first or second: when the clock is put back
 )";
 
+const char* const agsText =
+    R"("point import" reads AGS 4 files as they are. Of each row of MOND
+
+  LOCA_ID     is the name of the point, as long as a location has one MONG_ID;
+              otherwise say it: --column name=LOCA_ID/MONG_ID
+  MONG_DIS    is its depth
+  MOND_TYPE   is the name or alias of the sub-category, or --type says which:
+              --type WDEP=WL, once for each
+  MOND_DTIM   is the time, as its UNIT says; of the project's time zone unless
+              it has an offset or --time-zone says another
+  MOND_RDNG   is the value; where it is empty or "Dry" there is no reading, and
+              --no-reading gives further words
+  MOND_UNIT   must be the unit of the sub-category, or "types" in a mapping says
+              that it is the same: nothing is converted
+
+Types that a mapping's "ignore" names are not read. "rkmon help files" has the
+other options, and --write-map proposes a mapping.
+
+  rkmon point import --cell P1 --type WDEP=WL site.ags
+  rkmon point list --cell P1 --ags > P1.ags
+)";
+
 const char* const importText =
     R"(A file of readings is UTF-8 text, whose first line names its columns: name,
-depth, time, count, value and perhaps timeFlag, in any order; or a spreadsheet.
+depth, time, count, value and perhaps timeFlag, in any order; or a spreadsheet,
+or an AGS 4 file (rkmon help ags).
 
   name,depth,time,count,value
   VH-W1,20,2015-12-18T00:00:00-08:00,11652,0.26
@@ -120,6 +143,7 @@ all their digits. --columns chooses the columns of a list by their keys:
 const QVector<HelpTopic>& helpTopics()
 {
     static const QVector<HelpTopic> topics{
+        {QStringLiteral("ags"), QStringLiteral("AGS 4 files"), QString::fromUtf8(agsText)},
         {QStringLiteral("configuration"), QStringLiteral("Where the settings come from"),
          QString::fromUtf8(configurationText)},
         {QStringLiteral("exit-codes"), QStringLiteral("What the exit status says"),

@@ -66,6 +66,13 @@ void applyTable(const MappingOptions& options, FileMapping& mapping)
     for (const QString& word : options.noReading) {
         mapping.noReading.insert(word.trimmed().toLower());
     }
+    for (const QString& text : options.types) {
+        const int sign = text.indexOf(u'=');
+        if (sign <= 0 || sign + 1 == text.size()) {
+            refuseOption("--type", QStringLiteral("\"%1\" is not like WLEV=SM").arg(text));
+        }
+        mapping.types[text.left(sign).trimmed()].subCategory = text.mid(sign + 1).trimmed();
+    }
 }
 
 void applyText(const MappingOptions& options, FileMapping& mapping)
@@ -143,6 +150,8 @@ void addTableOptions(CLI::App& app, MappingOptions& values)
     options::addTexts(app, "--no-reading", values.noReading,
                       "A word that stands where there is no value, such as NAN or -9999")
         ->type_name("WORD");
+    options::addTexts(app, "--type", values.types, "What readings of a type measure, in an AGS file")
+        ->type_name("TYPE=SUB-CATEGORY");
 }
 
 void addTextOptions(CLI::App& app, MappingOptions& values)
@@ -193,16 +202,20 @@ void addMappingOptions(CLI::App& app, MappingOptions& values)
     addTextOptions(app, values);
     addTimeOptions(app, values);
     // More than a screen holds: the help of the command names the topic that has them.
-    for (const char* rare : {"--layout", "--column", "--constant", "--without", "--no-reading", "--encoding",
-                             "--sheet", "--skip-lines", "--skip-lines-below-header", "--no-header",
-                             "--delimiter", "--decimal", "--utc-offset", "--doubled-hour"}) {
+    for (const char* rare : {"--layout", "--column", "--constant", "--without", "--no-reading", "--type",
+                             "--encoding", "--sheet", "--skip-lines", "--skip-lines-below-header",
+                             "--no-header", "--delimiter", "--decimal", "--utc-offset", "--doubled-hour"}) {
         app.get_option(rare)->group(help::groupOfTopic);
     }
 }
 
 FileMapping mappingOf(const MappingOptions& options)
 {
-    FileMapping mapping = options.map.isEmpty() ? FileMapping() : readFileMapping(options.map);
+    return amended(options.map.isEmpty() ? FileMapping() : readFileMapping(options.map), options);
+}
+
+FileMapping amended(FileMapping mapping, const MappingOptions& options)
+{
     applyTable(options, mapping);
     applyText(options, mapping);
     applyTimes(options, mapping);
@@ -221,6 +234,10 @@ QString optionsThatClear(const UnclearFormat& unclear)
     }
     if (unclear.absentColumns) {
         words += QStringLiteral("; --without depth and --without count read tables that have none");
+    }
+    if (!unclear.names.isEmpty()) {
+        words += QStringLiteral("; --column name=%1 says how points are named: by %2")
+                     .arg(unclear.names.first(), unclear.names.join(QStringLiteral(" or ")));
     }
     if (!unclear.timeFormats.isEmpty()) {
         words += QStringLiteral("; --time-format says which way it is: %1")

@@ -20,6 +20,7 @@ struct MappingOptions
     QStringList columns;
     QStringList constants;
     QStringList without;
+    QStringList types;
     QString encoding;
     QString sheet;
     std::optional<int> skipLines;
@@ -39,6 +40,9 @@ void addMappingOptions(CLI::App& app, MappingOptions& options);
 /// What the file of --map says; what an option says holds instead. Throws a Failure (BadInput) when something
 /// makes no sense.
 FileMapping mappingOf(const MappingOptions& options);
+
+/// `mapping` with what the options say instead. Throws as mappingOf() does.
+FileMapping amended(FileMapping mapping, const MappingOptions& options);
 
 /// The options that would make clear what is not, each behind "; ", for the end of a message.
 QString optionsThatClear(const UnclearFormat& unclear);

@@ -1,3 +1,4 @@
+#include "AgsFile.h"
 #include "CommandOptions.h"
 #include "Commands.h"
 #include "Lookup.h"
@@ -17,6 +18,7 @@ struct PointListOptions
 {
     PointFilter filter;
     bool hasSamples = false;
+    bool isAgs = false;
 };
 
 struct PointShowOptions
@@ -76,7 +78,11 @@ ExitCode listPoints(Session& session, const PointListOptions& options)
     const RKMonitoring monitoring = monitoringOf(session, options.filter);
     PointMeanings meanings;
     const QList<RKPointLocation> points = readPoints(session, options.filter, monitoring, meanings);
-    addPoints(session, points, meanings, options.hasSamples);
+    if (options.isAgs) {
+        addAgsFile(session, monitoring, points, meanings);
+    } else {
+        addPoints(session, points, meanings, options.hasSamples);
+    }
     return ExitCode::Success;
 }
 
@@ -187,8 +193,10 @@ void addListCommands(CLI::App& group, Command& chosen)
         options::addSubcommand(group, "list", "List the points of a monitoring", chosen, listPoints);
     addPointFilterOptions(list, listed->filter);
     addSamplesOption(list, listed->hasSamples);
+    list.add_flag("--ags", listed->isAgs, "The samples as an AGS 4 file, which rkmon point import reads");
     options::setExamples(list, "  rkmon point list --cell VH\n"
                                "  rkmon point list --cell VH --name VH-W1 --samples --csv > VH-W1.csv\n"
+                               "  rkmon point list --cell VH --ags > VH.ags\n"
                                "  rkmon point list --cell VH --since 2015-12-21 --until 2015-12-21");
 
     const auto [latest, newest] =

@@ -6,9 +6,9 @@
 #include "MappingOptions.h"
 #include "Messages.h"
 #include "Progress.h"
+#include "import/AnyFile.h"
 #include "import/PointImport.h"
 #include "reading/FileSource.h"
-#include "reading/MappingProposal.h"
 
 #include <optional>
 
@@ -76,7 +76,10 @@ ImportResult runImport(Session& session, const ImportOptions& options)
                                                        callbacks)
                                          : importProject(session, extensions,
                                                          {options.projectFile, options.files, mapping,
-                                                          options.badRowsFile, options.isDryRun},
+                                                          options.badRowsFile, options.isDryRun,
+                                                          [&](const FileMapping& own) {
+                                                              return amended(own, options.mapping);
+                                                          }},
                                                          callbacks);
 }
 
@@ -101,7 +104,7 @@ ExitCode writeMapping(Session& session, const ImportOptions& options)
     }
     const QString& file = options.files.first();
     const FileSource source = sourceOf(file, mappingOf(options.mapping));
-    const MappingProposal proposal = proposeMapping(file, source.content, source.mapping);
+    const MappingProposal proposal = proposeMappingOfAny(file, source.content, source.mapping);
     for (const QString& recognised : proposal.recognised) {
         session.note(QStringLiteral("recognised: %1").arg(recognised));
     }
@@ -140,15 +143,14 @@ ExitCode importPoints(Session& session, const ImportOptions& options)
 void addPointImportCommand(CLI::App& group, Command& chosen)
 {
     const auto [app, values] = options::addSubcommand(
-        group, "import", "Deliver the readings of CSV files; can be repeated safely", chosen, importPoints);
+        group, "import", "Deliver the readings of files; can be repeated safely", chosen, importPoints);
     options::addFiles(
         app, "FILE", values->files,
         "Files with the columns name, depth, time, count, value and perhaps timeFlag, unless the "
-        "options below say otherwise");
+        "options below say otherwise; or AGS 4 files");
     CLI::Option* cell = options::addCell(app, values->cell);
-    CLI::Option* subCategory =
-        options::addText(app, "--sub-category", values->subCategory,
-                         "What they measure, where the column subCategory does not say it");
+    CLI::Option* subCategory = options::addText(app, "--sub-category", values->subCategory,
+                                                "What they measure, where the files do not say it");
     options::addText(app, "--project-file", values->projectFile,
                      "JSON that says which file belongs where; what is missing is created")
         ->type_name("FILE")
@@ -166,5 +168,6 @@ void addPointImportCommand(CLI::App& group, Command& chosen)
                          "  rkmon point import --cell VH --sub-category SM VH-moisture-week1.csv\n"
                          "  rkmon point import --project-file samples/coastal-bluff/project.json\n"
                          "  rkmon point import --map logger.json --cell P1 --sub-category tilt logger.dat\n\n"
-                         "rkmon help files has the options for files that are written otherwise.");
+                         "rkmon help files has the options for files that are written otherwise, and\n"
+                         "rkmon help ags tells of AGS 4 files.");
 }

@@ -2,14 +2,13 @@
 // a reading, a repeated one or a problem, and a row that was taken must say what the file says.
 
 #include "Fuzzer.h"
+#include "ReadingChecks.h"
 #include "import/Deliveries.h"
 #include "reading/MeasuredFile.h"
 
 #include <QHash>
-#include <QSet>
 
 #include <array>
-#include <cmath>
 #include <string>
 
 namespace {
@@ -62,29 +61,6 @@ int conflictCount(const MeasuredFile& file)
         count += line.contains(QStringLiteral(" has another value on line ")) ? 1 : 0;
     }
     return count;
-}
-
-void checkReadings(const MeasuredFile& file)
-{
-    int count = 0;
-    QSet<QPair<QString, QString>> points;
-    for (const MeasuredPoint& point : file.points) {
-        require(!point.name.isEmpty() && !point.readings.isEmpty(), "a point has a name and readings");
-        require(!points.contains({point.name, point.depth}), "a point stands once");
-        points.insert({point.name, point.depth});
-        count += point.readings.size();
-        const RKPointLocationData* last = nullptr;
-        for (const Reading& reading : point.readings) {
-            const RKPointLocationData& sample = reading.sample;
-            require(sample.time.isValid() && std::isfinite(sample.value) && sample.count >= 0,
-                    "a reading has a time, a finite value and a count");
-            require(last == nullptr || last->time < sample.time ||
-                        (last->time == sample.time && last->count < sample.count),
-                    "readings are in the order of time and count, each once");
-            last = &sample;
-        }
-    }
-    require(count == file.readingCount, "the readings are counted");
 }
 
 // Rows as they are cut where no quote can hide a line end or a delimiter, by line.
@@ -195,7 +171,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     const FileMapping format = formatOf(data[0]);
     const QByteArray content(reinterpret_cast<const char*>(data + 1), static_cast<int>(size - 1));
     const MeasuredFile file = readMeasuredFile(QStringLiteral("f"), content, format);
-    checkReadings(file);
+    fuzz::checkReadings(file);
     require(!file.problems.isEmpty() || file.repeatedCount >= 0, "repeated rows are counted");
 
     if (file.encoding != FileEncoding::Utf8) {

@@ -67,8 +67,12 @@ void checkValues(const ProjectFile& project)
                 "a group has a name, points and a unit");
     }
     for (const PlannedFile& file : project.files) {
-        checkReference(project, file.monitoring, file.subCategory);
+        if (!file.subCategory.isEmpty()) {
+            checkReference(project, file.monitoring, file.subCategory);
+        }
+        require(project.monitoring(file.monitoring) != nullptr, "a file has a monitoring");
         require(!file.path.isEmpty(), "a file has a path");
+        require(!file.mapping || file.mappingFile.isEmpty(), "a file has one mapping");
     }
 }
 
@@ -106,9 +110,14 @@ QByteArray written(const ProjectFile& project)
     }
     QJsonArray files;
     for (const PlannedFile& file : project.files) {
-        files.append(QJsonObject{{key("file"), file.path},
-                                 {key("monitoring"), file.monitoring},
-                                 {key("subCategory"), file.subCategory}});
+        QJsonObject object{{key("file"), file.path}, {key("monitoring"), file.monitoring}};
+        if (!file.subCategory.isEmpty()) {
+            object.insert(key("subCategory"), file.subCategory);
+        }
+        if (!file.mappingFile.isEmpty()) {
+            object.insert(key("map"), file.mappingFile);
+        }
+        files.append(object);
     }
     const QJsonObject root{{key("categories"), QJsonArray::fromStringList(project.categories)},
                            {key("subCategories"), subCategories},

@@ -7,9 +7,11 @@
 #include "import/HeldComparison.h"
 #include "import/KnownPoints.h"
 #include "import/MissingRights.h"
+#include "import/ProjectClock.h"
 #include "import/ProjectFile.h"
 #include "import/ProjectSetUp.h"
 #include "import/SubCategoryColumn.h"
+#include "import/UnitCheck.h"
 #include "import/ZeroInitialValues.h"
 
 #include <QFileInfo>
@@ -24,6 +26,7 @@ struct Source
 {
     QString path;
     PlannedFile planned;
+    FileMapping mapping;
 };
 
 // The planned file that `path` is; files are identified by where they are, not by how they are called.
@@ -39,15 +42,28 @@ PlannedFile plannedFor(const ProjectFile& project, const QString& path, const QS
                   QStringLiteral("%1 is not among the files of %2").arg(path, projectPath));
 }
 
+FileMapping mappingFor(const PlannedFile& planned, const ProjectImport& order)
+{
+    const bool isSaid = planned.mapping || !planned.mappingFile.isEmpty();
+    if (!isSaid) {
+        return order.mapping;
+    }
+    const FileMapping mapping =
+        order.amended(planned.mapping ? *planned.mapping : readFileMapping(planned.mappingFile));
+    requireConsistent(mapping);
+    return mapping;
+}
+
 QList<Source> plannedSources(const ProjectImport& order, const ProjectFile& project)
 {
     QList<Source> sources;
     for (const QString& path : order.files) {
-        sources.append({path, plannedFor(project, path, order.projectFile)});
+        const PlannedFile planned = plannedFor(project, path, order.projectFile);
+        sources.append({path, planned, mappingFor(planned, order)});
     }
     if (order.files.isEmpty()) {
         for (const PlannedFile& planned : project.files) {
-            sources.append({planned.path, planned});
+            sources.append({planned.path, planned, mappingFor(planned, order)});
         }
     }
     return sources;
@@ -89,12 +105,12 @@ void noteOddities(const MeasuredFile& file, const ImportNotes& notes)
 struct ReadingOrder
 {
     QList<Source> sources;
-    FileMapping mapping;
     QString badRowsFile;
 };
 
 // Every file, checked; bad rows go to `result`.
-QList<PlacedFile> readFiles(const ReadingOrder& order, const ImportNotes& notes, ImportResult& result)
+QList<PlacedFile> readFiles(ServiceSession& session, ServiceExtensions& extensions, const ReadingOrder& order,
+                            const ImportNotes& notes, ImportResult& result)
 {
     requireNoDuplicates(order.sources);
     const bool skipsBadRows = !order.badRowsFile.isEmpty();
@@ -103,8 +119,9 @@ QList<PlacedFile> readFiles(const ReadingOrder& order, const ImportNotes& notes,
     }
     QList<PlacedFile> files;
     for (const Source& source : order.sources) {
-        const MeasuredFile file = readMeasuredFile(
-            source.path, order.mapping, skipsBadRows ? BadRowKeeping::Rows : BadRowKeeping::Reasons);
+        const MeasuredFile file =
+            readOnProjectClock(session, extensions, source.path, source.mapping,
+                               skipsBadRows ? BadRowKeeping::Rows : BadRowKeeping::Reasons, notes);
         noteOddities(file, notes);
         const bool isUsable = skipsBadRows && file.isReadable;
         (isUsable ? result.skippedRows : result.badRows).append(file.problems.lines(source.path));
@@ -259,16 +276,36 @@ QList<PlacedFile> placed(const QList<PlacedFile>& files, const RKMonitoring& mon
     return parts;
 }
 
-// A file that says what it measures must say what the project file plans for it.
-void requirePlanned(const ProjectFile& project, const PlannedFile& planned, const MeasuredFile& file,
-                    QStringList& badRows)
+// A file of a project, or its part of one sub-category.
+struct PlannedPart
+{
+    MeasuredFile file;
+    PlannedFile planned;
+};
+
+// The parts of a file, which must be of the sub-category that the project file plans for it, if any.
+QList<PlannedPart> plannedParts(const ProjectFile& project, const PlannedFile& planned,
+                                const MeasuredFile& file, QStringList& badRows)
 {
     const QString category = project.monitoring(planned.monitoring)->category;
     const auto nameOf = [&](const QString& text) -> std::optional<QString> {
         const RKMonitoringSubCategory* found = project.subCategory(category, text);
         return found == nullptr ? std::nullopt : std::make_optional(found->name);
     };
-    cutBySubCategory(file, *nameOf(planned.subCategory), nameOf, badRows);
+    const bool isKnown = !planned.subCategory.isEmpty() || file.points.isEmpty() || saysSubCategory(file);
+    if (!isKnown) {
+        throw Failure(FailureKind::BadInput,
+                      QStringLiteral("%1 does not say what its readings measure, nor does its subCategory in "
+                                     "the project file")
+                          .arg(file.path));
+    }
+    const QString expected = planned.subCategory.isEmpty() ? QString() : *nameOf(planned.subCategory);
+    QList<PlannedPart> parts;
+    for (const SubCategoryPart& part : cutBySubCategory(file, expected, nameOf, badRows)) {
+        parts.append({part.file, planned});
+        parts.last().planned.subCategory = part.subCategory;
+    }
+    return parts;
 }
 
 } // namespace
@@ -278,11 +315,11 @@ ImportResult importFiles(ServiceSession& session, ServiceExtensions& extensions,
 {
     QList<Source> sources;
     for (const QString& path : order.files) {
-        sources.append({path, {}});
+        sources.append({path, {}, order.mapping});
     }
     ImportResult result;
     QList<PlacedFile> files =
-        readFiles({sources, order.mapping, order.badRowsFile}, callbacks.onNote, result);
+        readFiles(session, extensions, {sources, order.badRowsFile}, callbacks.onNote, result);
     if (!result.badRows.isEmpty()) {
         return result;
     }
@@ -292,7 +329,7 @@ ImportResult importFiles(ServiceSession& session, ServiceExtensions& extensions,
     if (!result.badRows.isEmpty()) {
         return result;
     }
-    result.badRows = contradictions(files);
+    result.badRows = unitProblems(session, extensions, files) + contradictions(files);
     if (result.badRows.isEmpty()) {
         deliver(session, extensions, {files, {monitoring.category}, {}}, order, callbacks, result);
     }
@@ -305,23 +342,27 @@ ImportResult importProject(ServiceSession& session, ServiceExtensions& extension
     const ProjectFile project = readProjectFile(order.projectFile);
     const QList<Source> sources = plannedSources(order, project);
     ImportResult result;
-    QList<PlacedFile> files =
-        readFiles({sources, order.mapping, order.badRowsFile}, callbacks.onNote, result);
-    for (int i = 0; i < files.size() && result.badRows.isEmpty(); ++i) {
-        requirePlanned(project, sources[i].planned, files[i].file, result.badRows);
+    const QList<PlacedFile> whole =
+        readFiles(session, extensions, {sources, order.badRowsFile}, callbacks.onNote, result);
+    QList<PlannedPart> parts;
+    for (int i = 0; i < whole.size() && result.badRows.isEmpty(); ++i) {
+        parts += plannedParts(project, sources[i].planned, whole[i].file, result.badRows);
     }
     if (!result.badRows.isEmpty()) {
         return result;
     }
     ProjectSetUp setUp(session, project, callbacks.onNote);
     setUp.find();
+    QList<PlacedFile> files;
     const auto place = [&] {
-        for (int i = 0; i < files.size(); ++i) {
-            files[i].target = setUp.target(sources[i].planned);
+        files.clear();
+        for (const PlannedPart& part : qAsConst(parts)) {
+            const bool isEmpty = part.planned.subCategory.isEmpty(); // without readings
+            files.append({part.file, isEmpty ? DeliveryTarget() : setUp.target(part.planned)});
         }
     };
     place();
-    result.badRows = contradictions(files);
+    result.badRows = unitProblems(session, extensions, files) + contradictions(files);
     if (!result.badRows.isEmpty()) {
         return result;
     }
@@ -332,8 +373,8 @@ ImportResult importProject(ServiceSession& session, ServiceExtensions& extension
         place();
     }
     QSet<QString> categories;
-    for (int i = 0; i < files.size(); ++i) {
-        categories.insert(project.monitoring(sources[i].planned.monitoring)->category);
+    for (const PlannedPart& part : qAsConst(parts)) {
+        categories.insert(project.monitoring(part.planned.monitoring)->category);
     }
     deliver(session, extensions, {files, categories, result.missingMonitorings}, order, callbacks, result);
     return result;

@@ -34,10 +34,15 @@ struct ProjectImport
     QString projectFile;
     /// Some of its files; none: all of them.
     QStringList files;
+    /// Of the files that have none in the project file.
     FileMapping mapping;
     /// As in FileImport.
     QString badRowsFile;
     bool isDryRun = false;
+    /// A mapping of the project file, with what holds instead.
+    std::function<FileMapping(const FileMapping&)> amended = [](const FileMapping& own) {
+        return own;
+    };
 };
 
 /// What an import did, or would do.

@@ -42,19 +42,23 @@ RKMonitoring monitoringOf(const JsonNode& node, const ProjectFile& project)
     return monitoring;
 }
 
-// Checks that `node` names a monitoring and a sub-category of its category.
-void requireTarget(const JsonNode& node, const ProjectFile& project)
+void requireSubCategory(const JsonNode& node, const ProjectFile& project, const RKMonitoring& monitoring)
+{
+    const QString subCategory = node.text("subCategory");
+    if (project.subCategory(monitoring.category, subCategory) == nullptr) {
+        node.failAt("subCategory", QStringLiteral("\"%1\" is not among the sub-categories of \"%2\"")
+                                       .arg(subCategory, monitoring.category));
+    }
+}
+
+const RKMonitoring& requiredMonitoring(const JsonNode& node, const ProjectFile& project)
 {
     const QString name = node.text("monitoring");
     const RKMonitoring* monitoring = project.monitoring(name);
     if (monitoring == nullptr) {
         node.failAt("monitoring", QStringLiteral("\"%1\" is not among the monitorings").arg(name));
     }
-    const QString subCategory = node.text("subCategory");
-    if (project.subCategory(monitoring->category, subCategory) == nullptr) {
-        node.failAt("subCategory", QStringLiteral("\"%1\" is not among the sub-categories of \"%2\"")
-                                       .arg(subCategory, monitoring->category));
-    }
+    return *monitoring;
 }
 
 PlannedGroup groupOf(const JsonNode& node, const ProjectFile& project)
@@ -62,7 +66,7 @@ PlannedGroup groupOf(const JsonNode& node, const ProjectFile& project)
     node.allowOnly({QStringLiteral("monitoring"), QStringLiteral("subCategory"), QStringLiteral("name"),
                     QStringLiteral("points"), QStringLiteral("dailyIn"), QStringLiteral("dailyLimit"),
                     QStringLiteral("totalLimit")});
-    requireTarget(node, project);
+    requireSubCategory(node, project, requiredMonitoring(node, project));
     PlannedGroup group;
     group.monitoring = node.text("monitoring");
     group.subCategory = node.text("subCategory");
@@ -82,12 +86,21 @@ PlannedGroup groupOf(const JsonNode& node, const ProjectFile& project)
 
 PlannedFile fileOf(const JsonNode& node, const ProjectFile& project, const QDir& folder)
 {
-    node.allowOnly({QStringLiteral("file"), QStringLiteral("monitoring"), QStringLiteral("subCategory")});
-    requireTarget(node, project);
+    node.allowOnly({QStringLiteral("file"), QStringLiteral("monitoring"), QStringLiteral("subCategory"),
+                    QStringLiteral("map")});
+    const RKMonitoring& monitoring = requiredMonitoring(node, project);
     PlannedFile file;
     file.path = QDir::cleanPath(folder.filePath(node.text("file")));
-    file.monitoring = node.text("monitoring");
-    file.subCategory = node.text("subCategory");
+    file.monitoring = monitoring.name;
+    if (node.has("subCategory")) {
+        requireSubCategory(node, project, monitoring);
+        file.subCategory = node.text("subCategory");
+    }
+    if (node.value("map").isObject()) {
+        file.mapping = readFileMapping(node.node("map"));
+    } else if (node.has("map")) {
+        file.mappingFile = QDir::cleanPath(folder.filePath(node.text("map")));
+    }
     return file;
 }
 

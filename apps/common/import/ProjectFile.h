@@ -1,5 +1,7 @@
 #pragma once
 
+#include "reading/FileMapping.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -8,6 +10,8 @@
 #include <RKMonitoringSubCategory.h>
 
 #include <PointLocSetting.h>
+
+#include <optional>
 
 /// A threshold group as a project file describes it.
 struct PlannedGroup
@@ -24,8 +28,11 @@ struct PlannedFile
     /// Beside the project file unless absolute.
     QString path;
     QString monitoring;
-    /// Name or alias.
+    /// Name or alias; empty where the file says it.
     QString subCategory;
+    /// How it is written, or the file that says it; neither: as the import says.
+    std::optional<FileMapping> mapping;
+    QString mappingFile;
 };
 
 /// What a site consists of and which file holds which readings.

@@ -2,6 +2,8 @@
 
 #include "Failure.h"
 
+#include <QSet>
+
 #include <algorithm>
 
 namespace {
@@ -23,6 +25,19 @@ MeasuredFile withoutPoints(const MeasuredFile& file)
     return rest;
 }
 
+// The units that are said of one sub-category.
+QMultiMap<QString, WrittenUnit> unitsOf(const MeasuredFile& file, const QString& subCategory,
+                                        const SubCategoryOf& subCategoryOf)
+{
+    QMultiMap<QString, WrittenUnit> units;
+    for (auto unit = file.units.cbegin(); unit != file.units.cend(); ++unit) {
+        if (subCategoryOf(unit.key()) == subCategory) {
+            units.insert(unit.key(), *unit);
+        }
+    }
+    return units;
+}
+
 MeasuredFile& partOf(QList<SubCategoryPart>& parts, const QString& subCategory, const MeasuredFile& file)
 {
     for (SubCategoryPart& part : parts) {
@@ -40,14 +55,19 @@ MeasuredFile& partOf(QList<SubCategoryPart>& parts, const QString& subCategory, 
 
 } // namespace
 
+bool saysSubCategory(const MeasuredFile& file)
+{
+    return std::any_of(file.points.cbegin(), file.points.cend(),
+                       [](const MeasuredPoint& point) { return !point.subCategory.isEmpty(); });
+}
+
 QList<SubCategoryPart> cutBySubCategory(const MeasuredFile& file, const QString& expected,
                                         const SubCategoryOf& subCategoryOf, QStringList& badRows)
 {
     if (file.points.isEmpty()) {
-        return expected.isEmpty() ? QList<SubCategoryPart>() : QList<SubCategoryPart>{{expected, file}};
+        return {{expected, file}};
     }
-    const bool isSaid = std::any_of(file.points.cbegin(), file.points.cend(),
-                                    [](const MeasuredPoint& point) { return !point.subCategory.isEmpty(); });
+    const bool isSaid = saysSubCategory(file);
     if (!isSaid && expected.isEmpty()) {
         throw Failure(
             FailureKind::BadInput,
@@ -59,12 +79,19 @@ QList<SubCategoryPart> cutBySubCategory(const MeasuredFile& file, const QString&
         return {{expected, file}};
     }
     Problems problems;
+    QSet<QString> unknown; // each is told of once
     QList<SubCategoryPart> parts;
     for (const MeasuredPoint& point : file.points) {
         const std::optional<QString> subCategory = subCategoryOf(point.subCategory);
+        if (!subCategory && unknown.contains(point.subCategory)) {
+            continue;
+        }
         if (!subCategory) {
+            unknown.insert(point.subCategory);
+            const QString remedy =
+                file.hasTypes ? QStringLiteral("; a mapping can say which one the type is") : QString();
             problems.add(firstLineOf(point),
-                         QStringLiteral("there is no sub-category \"%1\"").arg(point.subCategory));
+                         QStringLiteral("there is no sub-category \"%1\"").arg(point.subCategory) + remedy);
         } else if (!expected.isEmpty() && *subCategory != expected) {
             problems.add(firstLineOf(point),
                          QStringLiteral("the row is of \"%1\", which is another sub-category than was "
@@ -75,6 +102,9 @@ QList<SubCategoryPart> cutBySubCategory(const MeasuredFile& file, const QString&
             part.points.append(point);
             part.readingCount += point.readings.size();
         }
+    }
+    for (SubCategoryPart& part : parts) {
+        part.file.units = unitsOf(file, part.subCategory, subCategoryOf);
     }
     badRows.append(problems.lines(file.path));
     return parts;

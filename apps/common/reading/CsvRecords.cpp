@@ -24,8 +24,9 @@ bool decode(const QByteArray& bytes, QString& text)
 
 } // namespace
 
-RecordReader::RecordReader(const QByteArray& content, char delimiter)
-    : m_begin(content.constData()), m_next(m_begin), m_end(m_begin + content.size()), m_delimiter(delimiter)
+RecordReader::RecordReader(const QByteArray& content, char delimiter, Quotes quotes)
+    : m_begin(content.constData()), m_next(m_begin), m_end(m_begin + content.size()), m_delimiter(delimiter),
+      m_quotes(quotes)
 {
 }
 
@@ -77,24 +78,30 @@ void RecordReader::readRecord(Record& record)
 bool RecordReader::readQuotedField(QByteArray& field, Record& record)
 {
     const int firstLine = m_line;
+    const bool mayGoOn = m_quotes == Quotes::Optional;
     bool isClosed = false;
     ++m_next;
-    while (m_next != m_end && !isClosed) {
-        if (*m_next == quote) {
+    while (m_next != m_end && !isClosed && (mayGoOn || !atLineEnd())) {
+        const char* const begin = m_next;
+        while (m_next != m_end && *m_next != quote && !atLineEnd()) {
+            ++m_next;
+        }
+        field.append(begin, static_cast<int>(m_next - begin));
+        if (m_next != m_end && *m_next == quote) {
             ++m_next;
             isClosed = m_next == m_end || *m_next != quote;
             if (!isClosed) {
                 field += *m_next++;
             }
-        } else if (atLineEnd()) {
+        } else if (m_next != m_end && mayGoOn) {
             field += '\n';
             skipLineEnd();
-        } else {
-            field += *m_next++;
         }
     }
     if (!isClosed) {
-        record.problem = QStringLiteral("a quote that opens on line %1 is never closed").arg(firstLine);
+        record.problem = mayGoOn
+                             ? QStringLiteral("a quote that opens on line %1 is never closed").arg(firstLine)
+                             : QStringLiteral("a quote is not closed on its line");
     } else if (m_next != m_end && *m_next != m_delimiter && !atLineEnd()) {
         record.problem = QStringLiteral("text follows a closing quote");
     }
@@ -103,6 +110,10 @@ bool RecordReader::readQuotedField(QByteArray& field, Record& record)
 
 bool RecordReader::readBareField(QByteArray& field, Record& record)
 {
+    if (m_quotes == Quotes::Required) {
+        record.problem = QStringLiteral("a field does not stand in quotes");
+        return false;
+    }
     const char* const begin = m_next;
     while (m_next != m_end && *m_next != m_delimiter && !atLineEnd()) {
         if (*m_next == quote) {

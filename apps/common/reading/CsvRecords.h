@@ -18,13 +18,22 @@ struct Record
     bool isForeign = false;
 };
 
+/// Which fields stand in quotes.
+enum class Quotes
+{
+    /// Those that need it; line ends may stand within.
+    Optional,
+    /// All of them, and a quote is closed on its line.
+    Required
+};
+
 /// Takes UTF-8 text apart, record by record. Empty lines are passed over. After a record with a problem it
 /// goes on with the next line.
 class RecordReader
 {
 public:
     /// `content` without a byte-order mark. Keeps a reference to it.
-    RecordReader(const QByteArray& content, char delimiter);
+    RecordReader(const QByteArray& content, char delimiter, Quotes quotes = Quotes::Optional);
 
     /// The next record; false at the end.
     bool next(Record& record);
@@ -48,6 +57,7 @@ private:
     const char* m_next;
     const char* m_end;
     char m_delimiter;
+    Quotes m_quotes;
     int m_line = 1;
 };
 

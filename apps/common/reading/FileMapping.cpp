@@ -102,6 +102,26 @@ QHash<QString, QString> pointsOf(const JsonNode& root)
     return points;
 }
 
+// Each type with its sub-category, or with that and its unit.
+QMap<QString, TypeMapping> typesOf(const JsonNode& node)
+{
+    QMap<QString, TypeMapping> types;
+    for (const QString& type : node.members()) {
+        const QByteArray member = type.toUtf8();
+        TypeMapping meaning;
+        if (node.value(member.constData()).isObject()) {
+            const JsonNode said = node.node(member.constData());
+            said.allowOnly({QStringLiteral("subCategory"), QStringLiteral("unit")});
+            meaning.subCategory = said.text("subCategory");
+            meaning.unit = said.has("unit") ? std::make_optional(said.text("unit")) : std::nullopt;
+        } else {
+            meaning.subCategory = node.text(member.constData());
+        }
+        types.insert(type.trimmed(), meaning);
+    }
+    return types;
+}
+
 void readTable(const JsonNode& root, FileMapping& mapping)
 {
     if (root.has("layout")) {
@@ -115,6 +135,9 @@ void readTable(const JsonNode& root, FileMapping& mapping)
     }
     mapping.points = pointsOf(root);
     mapping.ignored = root.texts("ignore");
+    if (root.has("types")) {
+        mapping.types = typesOf(root.node("types"));
+    }
     for (const QString& word : root.textOrTexts("noReading")) {
         mapping.noReading.insert(word.trimmed().toLower());
     }
@@ -347,21 +370,26 @@ void requireConsistent(const FileMapping& mapping)
     }
 }
 
-FileMapping readFileMapping(const QString& path, const QByteArray& content)
+FileMapping readFileMapping(const JsonNode& root)
 {
-    const JsonNode root = JsonNode::rootOf(path, content);
     root.allowOnly({QStringLiteral("layout"), QStringLiteral("columns"), QStringLiteral("constants"),
-                    QStringLiteral("points"), QStringLiteral("ignore"), QStringLiteral("noReading"),
-                    QStringLiteral("encoding"), QStringLiteral("delimiter"), QStringLiteral("decimal"),
-                    QStringLiteral("sheet"), QStringLiteral("skipLines"), QStringLiteral("header"),
-                    QStringLiteral("skipLinesBelowHeader"), QStringLiteral("timeFormat"),
-                    QStringLiteral("timeZone"), QStringLiteral("utcOffset"), QStringLiteral("doubledHour")});
+                    QStringLiteral("points"), QStringLiteral("ignore"), QStringLiteral("types"),
+                    QStringLiteral("noReading"), QStringLiteral("encoding"), QStringLiteral("delimiter"),
+                    QStringLiteral("decimal"), QStringLiteral("sheet"), QStringLiteral("skipLines"),
+                    QStringLiteral("header"), QStringLiteral("skipLinesBelowHeader"),
+                    QStringLiteral("timeFormat"), QStringLiteral("timeZone"), QStringLiteral("utcOffset"),
+                    QStringLiteral("doubledHour")});
     FileMapping mapping;
     mapping.absent = {MeasuredColumn::Depth, MeasuredColumn::Count};
     readTable(root, mapping);
     readText(root, mapping);
     readTimes(root, mapping);
     return mapping;
+}
+
+FileMapping readFileMapping(const QString& path, const QByteArray& content)
+{
+    return readFileMapping(JsonNode::rootOf(path, content));
 }
 
 FileMapping readFileMapping(const QString& path)

@@ -17,6 +17,8 @@
 #include <array>
 #include <optional>
 
+class JsonNode;
+
 /// What a table can say of a reading. Date and clock together are the time.
 enum class MeasuredColumn
 {
@@ -69,6 +71,16 @@ QStringList tableLayoutNames();
 /// Whether each row of the layout says it, so that it may have a column; titles and cells say the others.
 bool isOfRows(MeasuredColumn column, TableLayout layout);
 
+/// What the readings of a type measure, in files where each reading has a type.
+struct TypeMapping
+{
+    /// Name, alias or identifier.
+    QString subCategory;
+    /// The unit that the file has for them, taken for that of the sub-category whatever that is called;
+    /// nothing: the two must be the same.
+    std::optional<QString> unit;
+};
+
 /// How a file of readings is written; what is not given is detected, or as the default says.
 struct FileMapping
 {
@@ -81,8 +93,10 @@ struct FileMapping
     QList<MeasuredColumn> absent;
     /// Where each column is a point: names of the points by title. Empty: each title is a name.
     QHash<QString, QString> points;
-    /// Titles of columns that are not read.
+    /// Titles of columns that are not read, and types of readings.
     QStringList ignored;
+    /// Of AGS files. A type that is not here is the name or alias of the sub-category itself.
+    QMap<QString, TypeMapping> types;
 
     /// None: UTF-16 where a byte-order mark says so, else UTF-8.
     std::optional<FileEncoding> encoding;
@@ -131,8 +145,11 @@ QString problemOfConstant(MeasuredColumn column, const QString& text);
 /// Refuses, with a Failure (BadInput), what contradicts itself.
 void requireConsistent(const FileMapping& mapping);
 
-/// Reads the JSON of a mapping; `path` is for messages. Throws a Failure (BadInput) that names the member
-/// when something is of the wrong kind or unknown.
+/// Reads a mapping. Throws a Failure (BadInput) that names the member when something is of the wrong kind or
+/// unknown.
+FileMapping readFileMapping(const JsonNode& root);
+
+/// The same from its JSON; `path` is for messages.
 FileMapping readFileMapping(const QString& path, const QByteArray& content);
 
 /// The same from the file itself.

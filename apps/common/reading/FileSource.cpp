@@ -1,7 +1,6 @@
 #include "reading/FileSource.h"
 
 #include "FileContent.h"
-#include "reading/MeasuredFile.h"
 #include "reading/Spreadsheet.h"
 
 FileSource sourceOf(const QString& path, const FileMapping& mapping)
@@ -19,10 +18,4 @@ FileSource sourceOf(const QString& path, const FileMapping& mapping)
         source.mapping.possibleTimeFormats += sheet.days;
     }
     return source;
-}
-
-MeasuredFile readMeasuredFile(const QString& path, const FileMapping& mapping, BadRowKeeping keeping)
-{
-    const FileSource source = sourceOf(path, mapping);
-    return readMeasuredFile(path, source.content, source.mapping, keeping);
 }

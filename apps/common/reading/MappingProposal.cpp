@@ -1,6 +1,7 @@
 #include "reading/MappingProposal.h"
 
 #include "Failure.h"
+#include "reading/MappingJson.h"
 #include "reading/MeasuredFile.h"
 #include "reading/TableColumns.h"
 #include "reading/TableSketch.h"
@@ -11,7 +12,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 
 namespace {
 
@@ -168,33 +168,13 @@ void Proposer::proposeTable()
 // What was given holds for the next file, too.
 void Proposer::repeatGiven()
 {
-    for (auto at = m_mapping.columns.cbegin(); at != m_mapping.columns.cend(); ++at) {
-        m_columns.insert(nameOf(at.key()), at->number > 0 ? QJsonValue(at->number) : QJsonValue(at->title));
-        const int field = at->number > 0 ? at->number - 1 : m_sketch.titles.indexOf(at->title);
-        m_taken.append(field);
+    const QJsonObject given = jsonOf(m_mapping);
+    for (auto member = given.begin(); member != given.end(); ++member) {
+        m_json.insert(member.key(), member.value());
     }
-    QJsonObject constants;
-    for (auto at = m_mapping.constants.cbegin(); at != m_mapping.constants.cend(); ++at) {
-        constants.insert(nameOf(at.key()), at.value());
-    }
-    if (!constants.isEmpty()) {
-        set("constants", constants);
-    }
-    if (m_mapping.zone.isValid()) {
-        set("timeZone", QString::fromUtf8(m_mapping.zone.id()));
-    }
-    if (m_mapping.utcOffset) {
-        const int minutes = std::abs(*m_mapping.utcOffset) / 60;
-        set("utcOffset", QStringLiteral("%1%2:%3")
-                             .arg(QChar(*m_mapping.utcOffset < 0 ? u'-' : u'+'))
-                             .arg(minutes / 60, 2, 10, QChar(u'0'))
-                             .arg(minutes % 60, 2, 10, QChar(u'0')));
-    }
-    if (m_mapping.doubledHour) {
-        set("doubledHour", doubledHourNames().at(m_mapping.doubledHour == DoubledHour::First ? 0 : 1));
-    }
-    if (!m_mapping.sheet.isEmpty()) {
-        set("sheet", m_mapping.sheet);
+    m_columns = given.value(QLatin1String("columns")).toObject();
+    for (const ColumnReference& column : qAsConst(m_mapping.columns)) {
+        m_taken.append(column.number > 0 ? column.number - 1 : m_sketch.titles.indexOf(column.title));
     }
 }
 

@@ -6,11 +6,13 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QMap>
 #include <QString>
 #include <QStringList>
 #include <QVector>
 #include <RKPointLocation.h>
 
+#include <functional>
 #include <optional>
 
 struct Reading
@@ -32,6 +34,14 @@ struct MeasuredPoint
     bool hasInitialValue = false;
     std::optional<double> initialValue;
     QVector<Reading> readings;
+};
+
+/// The unit of readings as a file says it.
+struct WrittenUnit
+{
+    QString unit;
+    /// The first line that says it.
+    int line = 0;
 };
 
 /// A row that cannot be read, as it stands in the file.
@@ -74,6 +84,10 @@ struct MeasuredFile
     int withoutReadingCount = 0;
     /// Columns that the header names and nothing reads.
     QStringList ignoredColumns;
+    /// Whether its readings have types that a mapping can give sub-categories to.
+    bool hasTypes = false;
+    /// Units that must be those of the sub-categories, by what the file calls what it measures.
+    QMultiMap<QString, WrittenUnit> units;
     Problems problems;
     /// Whether its columns and the form of its numbers and times are known, so that its rows were read.
     bool isFormatKnown = false;
@@ -91,14 +105,19 @@ struct MeasuredFile
     UnclearFormat unclear;
 };
 
-/// Reads `content`, the readings of a file at `path` that is written as `mapping` says: by default a header
-/// that names the columns name, depth, time, count, value and perhaps timeFlag, subCategory and initialValue,
-/// in any order and case, then one row per reading (RFC 4180). Every row is checked. A table without counts
-/// has one reading of a point at a time: its count is 1.
-MeasuredFile readMeasuredFile(const QString& path, const QByteArray& content, const FileMapping& mapping,
-                              BadRowKeeping keeping = BadRowKeeping::Reasons);
+/// Reads the readings of a table from its text: by default a header that names the columns name, depth, time,
+/// count, value and perhaps timeFlag, subCategory and initialValue, in any order and case, then one row per
+/// reading (RFC 4180). Every row is checked. A table without counts has one reading of a point at a time: its
+/// count is 1. Throws a Failure (BadInput) when the mapping is for files of another form.
+void readTable(const QByteArray& text, const FileMapping& mapping, BadRowKeeping keeping, MeasuredFile& file);
 
-/// The same from the file itself, which may be a spreadsheet. Throws a Failure when it cannot be opened or
-/// read.
-MeasuredFile readMeasuredFile(const QString& path, const FileMapping& mapping,
+/// Reads readings into a file from its text, which is UTF-8 unless the file says otherwise.
+using TextReading = std::function<void(const QByteArray& text, MeasuredFile& file)>;
+
+/// The file at `path`: `content` as text in `encoding`, and what `read` reads of that.
+MeasuredFile readMeasuredText(const QString& path, const QByteArray& content,
+                              std::optional<FileEncoding> encoding, const TextReading& read);
+
+/// The file at `path`, whose content is a table that is written as `mapping` says.
+MeasuredFile readMeasuredFile(const QString& path, const QByteArray& content, const FileMapping& mapping,
                               BadRowKeeping keeping = BadRowKeeping::Reasons);

@@ -58,29 +58,11 @@ QString depthInTitle(QString title)
     return title.trimmed();
 }
 
-bool isLineEnd(char character)
-{
-    return character == '\n' || character == '\r';
-}
-
-QByteArray withoutLineEnds(const QByteArray& text)
-{
-    int begin = 0;
-    int end = text.size();
-    while (begin < end && isLineEnd(text[begin])) {
-        ++begin;
-    }
-    while (end > begin && isLineEnd(text[end - 1])) {
-        --end;
-    }
-    return text.mid(begin, end - begin);
-}
-
 } // namespace
 
-RowReader::RowReader(const QByteArray& text, const FileMapping& mapping, const TableColumns& columns,
+RowReader::RowReader(RowSource& rows, const FileMapping& mapping, const TableColumns& columns,
                      MeasuredFile& file)
-    : m_text(text), m_mapping(mapping), m_columns(columns), m_file(file),
+    : m_rows(rows), m_mapping(mapping), m_columns(columns), m_file(file),
       m_times({TimeFormat::YearMonthDay}, SiteClock(), m_decimalSign)
 {
 }
@@ -96,16 +78,15 @@ void RowReader::read(BadRowKeeping keeping)
         return;
     }
     m_file.isFormatKnown = true;
-    csv::RecordReader records = rows();
     csv::Record record;
-    while (records.next(record)) {
+    for (m_rows.rewind(); m_rows.next(record);) {
         readRow(record);
     }
     for (MeasuredPoint& point : m_file.points) {
         sortReadings(point);
     }
     if (m_keepsReasons) {
-        keepBadRows();
+        m_file.badRows = m_rows.badRows(m_reasons);
     }
 }
 
@@ -145,9 +126,8 @@ void RowReader::detectFormats()
     TimeFormatDetection times(m_mapping.possibleTimeFormats);
     if (!m_mapping.decimalSign || m_mapping.timeFormats.isEmpty()) {
         lookAtTitles(signs, times);
-        csv::RecordReader records = rows();
         csv::Record record;
-        while (records.next(record)) {
+        for (m_rows.rewind(); m_rows.next(record);) {
             if (isWhole(record)) {
                 lookAt(record, signs, times);
             }
@@ -445,32 +425,5 @@ void RowReader::sortReadings(MeasuredPoint& point)
         }
         ++m_file.repeatedCount;
         --m_file.readingCount;
-    }
-}
-
-// ---- Bad rows
-// -----------------------------------------------------------------------------------------------
-
-void RowReader::keepBadRows()
-{
-    csv::RecordReader records = tableOf(m_text, m_columns.delimiter, m_mapping);
-    csv::Record record;
-    BadRows& bad = m_file.badRows;
-    bad.above = m_text.left(records.position());
-    bad.delimiter = m_columns.delimiter;
-    if (m_mapping.hasHeader) {
-        const int header = records.position();
-        records.next(record);
-        const int below = records.position();
-        records.skipLines(m_mapping.skippedBelowHeader);
-        bad.header = withoutLineEnds(m_text.mid(header, below - header));
-        bad.below = m_text.mid(below, records.position() - below);
-    }
-    for (int begin = records.position(); records.next(record); begin = records.position()) {
-        const auto reason = m_reasons.constFind(record.line);
-        if (reason != m_reasons.constEnd()) {
-            const QByteArray text = m_text.mid(begin, records.position() - begin);
-            bad.rows.append({record.line, withoutLineEnds(text), *reason});
-        }
     }
 }

@@ -2,6 +2,7 @@
 
 #include "reading/MeasuredFile.h"
 #include "reading/MeasuredValues.h"
+#include "reading/RowSource.h"
 #include "reading/TableColumns.h"
 #include "reading/TimeFormatDetection.h"
 #include "reading/TimeReader.h"
@@ -12,13 +13,12 @@
 
 #include <optional>
 
-/// Reads the rows of a table into a file.
+/// Reads the rows of a file as readings of its points.
 class RowReader
 {
 public:
     /// Keeps references to all of them.
-    RowReader(const QByteArray& text, const FileMapping& mapping, const TableColumns& columns,
-              MeasuredFile& file);
+    RowReader(RowSource& rows, const FileMapping& mapping, const TableColumns& columns, MeasuredFile& file);
 
     /// With `keeping`, the bad rows go to the file, too.
     void read(BadRowKeeping keeping);
@@ -46,7 +46,6 @@ private:
         RKPointLocationData sample;
     };
 
-    csv::RecordReader rows() const { return rowsOf(m_text, m_columns.delimiter, m_mapping); }
     QString field(const csv::Record& record, MeasuredColumn column) const;
     QString timeText(const csv::Record& record) const;
     bool isNoReading(const QString& text) const;
@@ -71,9 +70,8 @@ private:
     QString initialValueProblem(const RowReading& reading) const;
     void sortReadings(MeasuredPoint& point);
     void reportConflict(const MeasuredPoint& point, const Reading& first, const Reading& second);
-    void keepBadRows();
 
-    const QByteArray& m_text;
+    RowSource& m_rows;
     const FileMapping& m_mapping;
     const TableColumns& m_columns;
     MeasuredFile& m_file;

@@ -7,6 +7,8 @@ void UnclearFormat::add(const UnclearFormat& other)
     utcOffset = utcOffset || other.utcOffset;
     doubledHour = doubledHour || other.doubledHour;
     absentColumns = absentColumns || other.absentColumns;
+    names += other.names;
+    names.removeDuplicates();
     timeFormats += other.timeFormats;
     timeFormats.removeDuplicates();
     encodings += other.encodings;

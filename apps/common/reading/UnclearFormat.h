@@ -13,6 +13,8 @@ struct UnclearFormat
     bool doubledHour = false;
     /// That there are no depths or counts, which are asked for unless it is said.
     bool absentColumns = false;
+    /// Ways in which the columns of a file make the names of its points.
+    QStringList names;
     /// Names of the ways in which the times can be read.
     QStringList timeFormats;
     /// Names of the encodings in which the text can be read.

@@ -65,7 +65,7 @@ TEST(Help, OfTheProgramIsShortAndNamesEveryTopic)
     const CommandLine commandLine;
     const QString help = helpOn(commandLine.app(), {});
     expectFits(help, 35, "rkmon");
-    const QString topics = help.section("Topics of rkmon help: "_q, 1);
+    const QString topics = help.section("Topics of help: "_q, 1);
     for (const HelpTopic& topic : helpTopics()) {
         EXPECT_TRUE(topics.contains(topic.name)) << topic.name.toStdString();
     }

@@ -46,6 +46,21 @@ TEST(ProjectFile, ReadsWhatASiteConsistsOf)
     EXPECT_EQ(project.files[0].path, "in/w1.csv"_q);
 }
 
+TEST(ProjectFile, AFileMayHaveItsOwnMappingAndSayWhatItMeasures)
+{
+    const ProjectFile project = readProjectFile("in/project.json"_q, "{" + base + R"(,
+        "files": [{"file": "site.ags", "monitoring": "VH", "map": "maps/site.json"},
+                  {"file": "b.csv", "monitoring": "VH", "subCategory": "SM",
+                   "map": {"layout": "column-per-depth"}}]})");
+    ASSERT_EQ(project.files.size(), 2);
+    EXPECT_EQ(project.files[0].subCategory, QString());
+    EXPECT_EQ(project.files[0].mappingFile, "in/maps/site.json"_q);
+    EXPECT_FALSE(project.files[0].mapping);
+    ASSERT_TRUE(project.files[1].mapping);
+    EXPECT_EQ(project.files[1].mapping->layout, TableLayout::ColumnPerDepth);
+    EXPECT_EQ(project.files[1].mappingFile, QString());
+}
+
 TEST(ProjectFile, NamesWhatIsWrong)
 {
     const std::vector<std::pair<QByteArray, const char*>> cases{
@@ -65,7 +80,14 @@ TEST(ProjectFile, NamesWhatIsWrong)
         {"{" + base + R"(, "files": [{"monitoring": "VH", "subCategory": "SM"}]})",
          "in/project.json: files[0].file must be a text that is not empty"},
         {"{" + base + R"(, "files": [{"file": "a", "monitoring": "VH", "subCategory": "SM", "day": 1}]})",
-         "in/project.json: files[0] has an unknown member \"day\"; known are file, monitoring, subCategory"},
+         "in/project.json: files[0] has an unknown member \"day\"; known are file, monitoring, "
+         "subCategory, map"},
+        {"{" + base + R"(, "files": [{"file": "a", "monitoring": "VH", "map": {"layout": "wide"}}]})",
+         "in/project.json: files[0].map.layout \"wide\" must be one of rows, column-per-point, "
+         "column-per-depth, "
+         "column-per-date"},
+        {"{" + base + R"(, "files": [{"file": "a", "monitoring": "VH", "map": 3}]})",
+         "in/project.json: files[0].map must be a text that is not empty"},
         {"{" + base +
              R"(, "groups": [{"monitoring": "VH", "subCategory": "SM", "name": "P", "points": []}]})",
          "in/project.json: groups[0].points must name at least one point"},

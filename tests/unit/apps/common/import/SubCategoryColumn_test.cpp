@@ -91,8 +91,12 @@ TEST(SubCategoryColumn, APointHasOneInitialValue)
                            "a.csv:4: initial value \"x\" is not a number"_q}));
 }
 
-TEST(SubCategoryColumn, AFileWithoutReadingsHasNoParts)
+TEST(SubCategoryColumn, AFileWithoutReadingsKeepsItsBadRows)
 {
+    MeasuredFile file = fileOf(header);
+    file.badRows.rows.append({2, "bad", "reason"_q});
     QStringList badRows;
-    EXPECT_TRUE(cutBySubCategory(fileOf(header), QString(), meaningOf, badRows).isEmpty());
+    const QList<SubCategoryPart> parts = cutBySubCategory(file, QString(), meaningOf, badRows);
+    ASSERT_EQ(parts.size(), 1);
+    EXPECT_EQ(parts[0].file.badRows.rows.size(), 1);
 }

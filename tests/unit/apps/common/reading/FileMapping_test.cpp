@@ -53,6 +53,26 @@ TEST(FileMapping, SaysHowAFileIsWritten)
     EXPECT_EQ(readFileMapping("site.json"_q, R"({"points": ["P1"]})").points.value("P1"_q), "P1"_q);
 }
 
+TEST(FileMapping, TypesOfReadingsHaveSubCategoriesAndUnits)
+{
+    const FileMapping mapping = readFileMapping("site.json"_q, R"({
+        "types": {"WDEP": "Water", "\u6c34\u4f4d": {"subCategory": "Level", "unit": "m"}}})");
+    EXPECT_EQ(mapping.types.value("WDEP"_q).subCategory, "Water"_q);
+    EXPECT_FALSE(mapping.types.value("WDEP"_q).unit);
+    EXPECT_EQ(mapping.types.value("\u6c34\u4f4d"_q).subCategory, "Level"_q);
+    EXPECT_EQ(mapping.types.value("\u6c34\u4f4d"_q).unit, "m"_q);
+    EXPECT_EQ(refusalOf(R"({"types": {"WDEP": 3}})"),
+              "site.json: types.WDEP must be a text that is not empty");
+    EXPECT_EQ(refusalOf(R"({"types": {"WDEP": {"unit": "m"}}})"),
+              "site.json: types.WDEP.subCategory must be a text that is not empty");
+}
+
+TEST(FileMapping, TitlesMayBeOfAnyScript)
+{
+    const FileMapping mapping = readFileMapping("site.json"_q, R"({"points": {"\u6d4b\u70b9": "P1"}})");
+    EXPECT_EQ(mapping.points.value("\u6d4b\u70b9"_q), "P1"_q);
+}
+
 TEST(FileMapping, NamesTheMemberThatIsWrong)
 {
     const std::vector<std::pair<QByteArray, const char*>> cases{
