@@ -117,18 +117,17 @@ QList<RKMonitoringSubCategory> subCategories(ServiceSession& session, const QStr
     return found;
 }
 
-QList<MeasuredSubCategory> measuredSubCategories(ServiceSession& session, ServiceExtensions& extensions,
-                                                 const QString& category)
+QList<MeasuredSubCategory> measuredSubCategories(ServiceSession& session, const QString& category)
 {
     QList<MeasuredSubCategory> found;
-    if (!extensions.has(Extension::SubCategoryKinds)) {
+    if (!session.extensions().has(Extension::SubCategoryKinds)) {
         for (const RKMonitoringSubCategory& known : subCategories(session, category)) {
             found.append(MeasuredSubCategory{known, {}, {}, {}});
         }
         return found;
     }
     session.projectData(); // refused first when there is no project
-    for (const MeasuredSubCategory& known : extensions.subCategories(session.project())) {
+    for (const MeasuredSubCategory& known : session.extensions().subCategories(session.project())) {
         if (known.category == category) {
             found.append(known);
         }

@@ -42,8 +42,7 @@ QStringList categories(ServiceSession& session);
 QList<RKMonitoringSubCategory> subCategories(ServiceSession& session, const QString& category);
 
 /// The same with what they measure, as far as the service tells that.
-QList<MeasuredSubCategory> measuredSubCategories(ServiceSession& session, ServiceExtensions& extensions,
-                                                 const QString& category);
+QList<MeasuredSubCategory> measuredSubCategories(ServiceSession& session, const QString& category);
 
 /// Name of a monitoring; a request only for one that the library has not read yet. Empty for an empty
 /// identifier.

@@ -1,5 +1,7 @@
 #include "TimeZones.h"
 
+#include "extensions/ServiceExtensions.h"
+
 #include <QRegularExpression>
 
 namespace zones {
@@ -32,12 +34,13 @@ QTimeZone named(const QString& name, const QString& what)
     return QTimeZone(name.toUtf8());
 }
 
-std::optional<QTimeZone> ofProject(ServiceSession& session, ServiceExtensions& extensions)
+std::optional<QTimeZone> ofProject(ServiceSession& session)
 {
-    if (session.project().isEmpty() || !extensions.has(Extension::Projects)) {
+    if (session.project().isEmpty() || !session.extensions().has(Extension::Projects)) {
         return std::nullopt;
     }
-    return named(extensions.project(session.project()).timeZone, QStringLiteral("the project's time zone"));
+    return named(session.extensions().project(session.project()).timeZone,
+                 QStringLiteral("the project's time zone"));
 }
 
 QTimeZone ofMachine()

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ServiceSession.h"
-#include "extensions/ServiceExtensions.h"
 
 #include <QDate>
 #include <QDateTime>
@@ -17,7 +16,7 @@ QTimeZone named(const QString& name, const QString& what);
 
 /// The zone of the project, where its days begin; nothing where the service does not tell, or without a
 /// project. Throws a Failure when it is not known on this machine.
-std::optional<QTimeZone> ofProject(ServiceSession& session, ServiceExtensions& extensions);
+std::optional<QTimeZone> ofProject(ServiceSession& session);
 
 /// The zone of this machine. Throws a Failure (BadInput) when the variable TZ names one that is not known:
 /// the system would silently take UTC for it.

@@ -163,8 +163,8 @@ private:
             return;
         }
         const QString name = m_statistic.days.first().constFirst().name;
-        const QList<chart::LimitingGroup> groups = chart::limitingGroups(
-            m_session, m_session.extensions(), m_statistic.monitoring, [&](const PointLocSetting& group) {
+        const QList<chart::LimitingGroup> groups =
+            chart::limitingGroups(m_session, m_statistic.monitoring, [&](const PointLocSetting& group) {
                 return group.subCategoryId == quantity.id && group.groupPoint.contains(name);
             });
         chart::addLimitsOverDepth(chart, m_words, groups, name);

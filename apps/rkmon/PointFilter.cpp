@@ -53,5 +53,5 @@ RKPointLocationCondition conditionOf(Session& session, const PointFilter& filter
 
 PointSelection selectionOf(Session& session, const PointFilter& filter, const RKMonitoring& monitoring)
 {
-    return {session, session.extensions(), monitoring, filter.names, filter.subCategories};
+    return {session, monitoring, filter.names, filter.subCategories};
 }

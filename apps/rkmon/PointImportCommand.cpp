@@ -69,12 +69,11 @@ ImportResult runImport(Session& session, const ImportOptions& options)
         note.kind == ImportNote::Kind::Warning ? session.warn(note.text) : session.note(note.text);
     };
     const FileMapping mapping = mappingOf(options.mapping);
-    ServiceExtensions& extensions = session.extensions();
-    return options.projectFile.isEmpty() ? importFiles(session, extensions,
+    return options.projectFile.isEmpty() ? importFiles(session,
                                                        {options.files, options.cell, options.subCategory,
                                                         mapping, options.badRowsFile, options.isDryRun},
                                                        callbacks)
-                                         : importProject(session, extensions,
+                                         : importProject(session,
                                                          {options.projectFile, options.files, mapping,
                                                           options.badRowsFile, options.isDryRun,
                                                           [&](const FileMapping& own) {

@@ -45,7 +45,7 @@ PointMeanings meaningsOf(Session& session, const QList<RKPointLocation>& points)
         }
         names.removeDuplicates();
         const RKMonitoring monitoring = lookup::monitoringById(session, some.key());
-        const PointSelection selection(session, session.extensions(), monitoring, names, {});
+        const PointSelection selection(session, monitoring, names, {});
         const PointMeanings found = meaningsOf(*some, selection);
         for (auto meaning = found.cbegin(); meaning != found.cend(); ++meaning) {
             meanings.insert(meaning.key(), *meaning);

@@ -17,7 +17,7 @@ Session::Session(const Configuration& configuration, Output output)
 std::optional<QTimeZone> Session::projectZone()
 {
     if (!m_hasAskedForZone) {
-        m_projectZone = zones::ofProject(*this, extensions());
+        m_projectZone = zones::ofProject(*this);
         m_hasAskedForZone = true;
     }
     return m_projectZone;

@@ -123,17 +123,17 @@ private:
 
     void addLimits(Chart& chart, chart::Values values)
     {
-        ServiceExtensions& extensions = m_session.extensions();
         QList<chart::LimitingGroup> groups;
         QList<chart::AlarmedReading> alarmed;
         for (const MonitoringStatistic& statistic : m_statistics) {
-            const QList<chart::LimitingGroup> some = chart::limitingGroups(
-                m_session, extensions, statistic.monitoring,
-                [&](const PointLocSetting& group) { return chart::limitsPointOf(chart, group); });
+            const QList<chart::LimitingGroup> some =
+                chart::limitingGroups(m_session, statistic.monitoring, [&](const PointLocSetting& group) {
+                    return chart::limitsPointOf(chart, group);
+                });
             groups.append(some);
             // Without a limit there is no alarm.
             if (!some.isEmpty()) {
-                alarmed.append(chart::alarmedReadings(m_session, extensions, statistic.monitoring));
+                alarmed.append(chart::alarmedReadings(m_session, statistic.monitoring));
             }
         }
         if (groups.isEmpty()) {

@@ -89,7 +89,7 @@ TEST_F(RkmonWithoutExtensions, SaysWhatTheServiceCannotTell)
     EXPECT_EQ(rkmon.run({"monitoring"_q, "count"_q}).output, "0\n"_q);
     const Result named = rkmon.run({"monitoring"_q, "count"_q, "--project"_q, "Coastal bluff"_q});
     EXPECT_EQ(named.code, 2);
-    EXPECT_THAT(
-        named.messages.toStdString(),
-        testing::StartsWith("rkmon: \"Coastal bluff\" is not the identifier of a project, and the service at "));
+    EXPECT_THAT(named.messages.toStdString(),
+                testing::StartsWith(
+                    "rkmon: \"Coastal bluff\" is not the identifier of a project, and the service at "));
 }

@@ -2,6 +2,7 @@
 
 #include "AlarmsRaised.h"
 #include "DailyLimit.h"
+#include "extensions/ServiceExtensions.h"
 
 #include <QHash>
 
@@ -11,11 +12,11 @@ namespace chart {
 
 namespace {
 
-QHash<QString, AlarmReason> reasonsOf(ServiceExtensions& extensions, const QString& alarmId)
+QHash<QString, AlarmReason> reasonsOf(ServiceSession& session, const QString& alarmId)
 {
     QHash<QString, AlarmReason> reasons; // by detail
-    if (extensions.has(Extension::AlarmReasons)) {
-        for (const AlarmReason& reason : extensions.alarmReasons(alarmId)) {
+    if (session.extensions().has(Extension::AlarmReasons)) {
+        for (const AlarmReason& reason : session.extensions().alarmReasons(alarmId)) {
             reasons.insert(reason.id, reason);
         }
     }
@@ -59,8 +60,7 @@ std::optional<double> placeOf(const AlarmedReading& reading, Values values,
 
 } // namespace
 
-QList<AlarmedReading> alarmedReadings(ServiceSession& session, ServiceExtensions& extensions,
-                                      const RKMonitoring& monitoring)
+QList<AlarmedReading> alarmedReadings(ServiceSession& session, const RKMonitoring& monitoring)
 {
     RKAlarmCondition condition;
     condition.isAllCell = false;
@@ -69,7 +69,7 @@ QList<AlarmedReading> alarmedReadings(ServiceSession& session, ServiceExtensions
     for (const RKAlarm& alarm : alarms::readAll(session, condition)) {
         RKAlarmDetailCondition details;
         details.alarmManId = alarm.id;
-        const QHash<QString, AlarmReason> reasons = reasonsOf(extensions, alarm.id);
+        const QHash<QString, AlarmReason> reasons = reasonsOf(session, alarm.id);
         for (const RKAlarmDetail& detail : alarms::readAllDetails(session, details)) {
             if (const std::optional<double> total = numberIn(detail.totalVar)) {
                 readings.append({alarm.cellId, alarm.subCategoryId, detail.pointName, detail.depth,

@@ -3,7 +3,6 @@
 #include "ServiceSession.h"
 #include "chart/Chart.h"
 #include "chart/StatisticsChart.h"
-#include "extensions/ServiceExtensions.h"
 
 #include <QDateTime>
 #include <QList>
@@ -29,8 +28,7 @@ struct AlarmedReading
 };
 
 /// The readings that the alarms of `monitoring` tell of: of each point the worst ones.
-QList<AlarmedReading> alarmedReadings(ServiceSession& session, ServiceExtensions& extensions,
-                                      const RKMonitoring& monitoring);
+QList<AlarmedReading> alarmedReadings(ServiceSession& session, const RKMonitoring& monitoring);
 
 /// Marks those of the days that a curve shows.
 void addAlarms(Chart& chart, Values values, const std::optional<QTimeZone>& zone,

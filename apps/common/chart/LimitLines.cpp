@@ -232,15 +232,14 @@ bool limitsPointOf(const Chart& chart, const PointLocSetting& group)
     return false;
 }
 
-QList<LimitingGroup> limitingGroups(ServiceSession& session, ServiceExtensions& extensions,
-                                    const RKMonitoring& monitoring,
+QList<LimitingGroup> limitingGroups(ServiceSession& session, const RKMonitoring& monitoring,
                                     const std::function<bool(const PointLocSetting&)>& isWanted)
 {
-    const bool tellsSides = extensions.has(Extension::GroupSides);
+    const bool tellsSides = session.extensions().has(Extension::GroupSides);
     QList<LimitingGroup> limiting;
     for (const PointLocSetting& group : groupsOfMonitoring(session, monitoring)) {
         if (isWanted(group)) {
-            limiting.append({group, tellsSides ? extensions.groupSides(group.id) : GroupSides()});
+            limiting.append({group, tellsSides ? session.extensions().groupSides(group.id) : GroupSides()});
         }
     }
     return limiting;

@@ -40,8 +40,7 @@ bool limitsPointOf(const Chart& chart, const PointLocSetting& group);
 
 /// The groups of `monitoring` for which `isWanted`, with their sides as far as the service tells them: else
 /// limits are for both sides and there is no level to warn from.
-QList<LimitingGroup> limitingGroups(ServiceSession& session, ServiceExtensions& extensions,
-                                    const RKMonitoring& monitoring,
+QList<LimitingGroup> limitingGroups(ServiceSession& session, const RKMonitoring& monitoring,
                                     const std::function<bool(const PointLocSetting&)>& isWanted);
 
 } // namespace chart

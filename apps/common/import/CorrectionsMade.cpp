@@ -1,6 +1,7 @@
 #include "import/CorrectionsMade.h"
 
 #include "extensions/AnswerObject.h"
+#include "extensions/ServiceExtensions.h"
 
 #include <QJsonArray>
 #include <QStringList>
@@ -53,8 +54,8 @@ AuditQuery queryFor(const QList<DeliveredPoint>& points)
 }
 
 // Reads entries, the newest first, until all corrections of the points are among them, or enough are.
-void readCorrections(ServiceSession& session, ServiceExtensions& extensions,
-                     const QList<DeliveredPoint>& points, QVector<CorrectedSample>& corrections)
+void readCorrections(ServiceSession& session, const QList<DeliveredPoint>& points,
+                     QVector<CorrectedSample>& corrections)
 {
     constexpr int pageEntries = 20; // of up to 1000 samples
     const AuditQuery query = queryFor(points);
@@ -65,7 +66,8 @@ void readCorrections(ServiceSession& session, ServiceExtensions& extensions,
     wanted = std::min<qint64>(wanted, SampleOutcome::keptCorrections);
     QSet<QString> seen; // others may add entries between two pages
     for (int skip = 0; corrections.size() < wanted; skip += pageEntries) {
-        const QList<AuditEntry> page = extensions.changes(session.project(), query, skip, pageEntries);
+        const QList<AuditEntry> page =
+            session.extensions().changes(session.project(), query, skip, pageEntries);
         for (const AuditEntry& entry : page) {
             const auto point =
                 std::find_if(points.cbegin(), points.cend(), [&](const DeliveredPoint& candidate) {
@@ -84,15 +86,14 @@ void readCorrections(ServiceSession& session, ServiceExtensions& extensions,
 
 } // namespace
 
-QVector<CorrectedSample> correctionsMade(ServiceSession& session, ServiceExtensions& extensions,
-                                         const DeliveryAnswers& answers)
+QVector<CorrectedSample> correctionsMade(ServiceSession& session, const DeliveryAnswers& answers)
 {
     constexpr int pointsAtOnce = 100; // so many identifiers fit into a condition
     const QList<DeliveredPoint>& points = answers.correctedPoints();
     QVector<CorrectedSample> corrections;
     for (int i = 0; i < points.size() && corrections.size() < SampleOutcome::keptCorrections;
          i += pointsAtOnce) {
-        readCorrections(session, extensions, points.mid(i, pointsAtOnce), corrections);
+        readCorrections(session, points.mid(i, pointsAtOnce), corrections);
     }
     sortCorrections(corrections);
     return corrections;

@@ -1,6 +1,7 @@
 #include "import/DeliverySending.h"
 
 #include "extensions/DeliveryResults.h"
+#include "extensions/ServiceExtensions.h"
 
 #include <QRegularExpression>
 
@@ -81,12 +82,11 @@ Failure withProgress(const Failure& failure, int sent, int underWay, int total)
 
 } // namespace
 
-std::optional<DeliveryAnswers> sendDeliveries(ServiceSession& session, ServiceExtensions& extensions,
-                                              const QList<Delivery>& deliveries,
+std::optional<DeliveryAnswers> sendDeliveries(ServiceSession& session, const QList<Delivery>& deliveries,
                                               const ImportCallbacks& callbacks)
 {
     std::optional<DeliveryAnswers> answers;
-    if (extensions.has(Extension::DeliveryResults)) {
+    if (session.extensions().has(Extension::DeliveryResults)) {
         answers.emplace();
     }
     const int total = sampleCountOf(deliveries);

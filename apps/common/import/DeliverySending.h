@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ServiceSession.h"
-#include "extensions/ServiceExtensions.h"
 #include "import/Deliveries.h"
 #include "import/DeliveryAnswers.h"
 #include "import/ImportCallbacks.h"
@@ -11,6 +10,5 @@
 /// Sends the deliveries, several in a request as far as possible, and gives what the service says became of
 /// them; nothing where it lacks the extension DeliveryResults. Throws the Failure of the first request that
 /// fails, which tells how many samples were delivered before.
-std::optional<DeliveryAnswers> sendDeliveries(ServiceSession& session, ServiceExtensions& extensions,
-                                              const QList<Delivery>& deliveries,
+std::optional<DeliveryAnswers> sendDeliveries(ServiceSession& session, const QList<Delivery>& deliveries,
                                               const ImportCallbacks& callbacks);

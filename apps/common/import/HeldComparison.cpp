@@ -126,8 +126,8 @@ QList<Portion> portionsOf(const QList<ComparedPoint>& points)
 
 } // namespace
 
-std::optional<SampleOutcome> compareWithHeld(ServiceSession& session, ServiceExtensions& extensions,
-                                             const QList<PlacedFile>& files, const QSet<PointKey>& known)
+std::optional<SampleOutcome> compareWithHeld(ServiceSession& session, const QList<PlacedFile>& files,
+                                             const QSet<PointKey>& known)
 {
     SampleOutcome outcome;
     QList<ComparedPoint> pointsKnown;
@@ -139,7 +139,7 @@ std::optional<SampleOutcome> compareWithHeld(ServiceSession& session, ServiceExt
             compare(point, none, outcome);
         }
     }
-    HeldSamples held(session, extensions, known);
+    HeldSamples held(session, known);
     for (const Portion& portion : portionsOf(pointsKnown)) {
         std::optional<QHash<PointKey, SamplesHeld>> samples = held.read(portion.request);
         if (!samples) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ServiceSession.h"
-#include "extensions/ServiceExtensions.h"
 #include "import/Deliveries.h"
 #include "import/ImportOutcome.h"
 
@@ -12,5 +11,5 @@
 /// those of their points that the service has; only of these samples are read, in the period of the files.
 /// Nothing where it cannot be told which sub-category a point held is of, as may be on a service that does
 /// not tell.
-std::optional<SampleOutcome> compareWithHeld(ServiceSession& session, ServiceExtensions& extensions,
-                                             const QList<PlacedFile>& files, const QSet<PointKey>& known);
+std::optional<SampleOutcome> compareWithHeld(ServiceSession& session, const QList<PlacedFile>& files,
+                                             const QSet<PointKey>& known);

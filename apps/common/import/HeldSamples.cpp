@@ -8,8 +8,7 @@ SampleSlot slotOf(const RKPointLocationData& sample)
     return {sample.time.toMSecsSinceEpoch(), sample.count};
 }
 
-HeldSamples::HeldSamples(ServiceSession& session, ServiceExtensions& extensions, const QSet<PointKey>& points)
-    : m_session(session), m_extensions(extensions)
+HeldSamples::HeldSamples(ServiceSession& session, const QSet<PointKey>& points) : m_session(session)
 {
     for (const PointKey& point : points) {
         m_names[point.target.cellId].append(point.name);
@@ -53,6 +52,5 @@ const PointDirectory& HeldSamples::directoryOf(const QString& cellId)
         return found->second;
     }
     const RKMonitoring monitoring = lookup::monitoringById(m_session, cellId);
-    return m_directories.try_emplace(cellId, m_session, m_extensions, monitoring, m_names.value(cellId))
-        .first->second;
+    return m_directories.try_emplace(cellId, m_session, monitoring, m_names.value(cellId)).first->second;
 }

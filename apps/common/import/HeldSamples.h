@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ServiceSession.h"
-#include "extensions/ServiceExtensions.h"
 #include "import/Deliveries.h"
 #include "points/PointDirectory.h"
 
@@ -35,7 +34,7 @@ class HeldSamples
 {
 public:
     /// Of other points than `points` nothing need be asked for.
-    HeldSamples(ServiceSession& session, ServiceExtensions& extensions, const QSet<PointKey>& points);
+    HeldSamples(ServiceSession& session, const QSet<PointKey>& points);
 
     /// Those from the first time to the last, and of some hours behind. Nothing where it cannot be told which
     /// sub-category one of the points is of.
@@ -45,7 +44,6 @@ private:
     const PointDirectory& directoryOf(const QString& cellId);
 
     ServiceSession& m_session;
-    ServiceExtensions& m_extensions;
     QMap<QString, QStringList> m_names; // by monitoring
     std::map<QString, PointDirectory> m_directories;
 };

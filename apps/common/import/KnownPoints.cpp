@@ -2,6 +2,7 @@
 
 #include "DataHeld.h"
 #include "PointNames.h"
+#include "extensions/ServiceExtensions.h"
 #include "points/ConditionNames.h"
 #include "points/PointOrigins.h"
 #include "points/PointSummaries.h"
@@ -83,8 +84,7 @@ bool isAmong(const PointKey& point, const QSet<QString>& ids, const PointOrigins
 }
 
 // Those of `points` that are known, as the service tells; all are of `cellId`.
-QSet<PointKey> toldOfCell(ServiceSession& session, ServiceExtensions& extensions, const QString& cellId,
-                          const QList<PointKey>& points)
+QSet<PointKey> toldOfCell(ServiceSession& session, const QString& cellId, const QList<PointKey>& points)
 {
     QStringList names;
     for (const PointKey& point : points) {
@@ -92,7 +92,7 @@ QSet<PointKey> toldOfCell(ServiceSession& session, ServiceExtensions& extensions
     }
     names.removeDuplicates();
     QSet<PointKey> held;
-    for (const PointSummary& point : summariesOfPoints(session, extensions, cellId, names)) {
+    for (const PointSummary& point : summariesOfPoints(session, cellId, names)) {
         held.insert({{cellId, point.subCategoryId}, point.name, plainDepth(point.depth)});
     }
     QSet<PointKey> known(points.cbegin(), points.cend());
@@ -140,8 +140,7 @@ QSet<PointKey> knownOfCell(ServiceSession& session, const QString& cellId, const
 
 } // namespace
 
-QSet<PointKey> knownPoints(ServiceSession& session, ServiceExtensions& extensions,
-                           const QSet<PointKey>& points, const ImportNotes& notes)
+QSet<PointKey> knownPoints(ServiceSession& session, const QSet<PointKey>& points, const ImportNotes& notes)
 {
     QMap<QString, QList<PointKey>> cells;
     for (const PointKey& point : points) {
@@ -149,8 +148,8 @@ QSet<PointKey> knownPoints(ServiceSession& session, ServiceExtensions& extension
     }
     QSet<PointKey> known;
     for (auto cell = cells.cbegin(); cell != cells.cend(); ++cell) {
-        known.unite(extensions.has(Extension::PointSummaries)
-                        ? toldOfCell(session, extensions, cell.key(), *cell)
+        known.unite(session.extensions().has(Extension::PointSummaries)
+                        ? toldOfCell(session, cell.key(), *cell)
                         : knownOfCell(session, cell.key(), *cell, notes));
     }
     return known;

@@ -1,6 +1,7 @@
 #include "import/PointImport.h"
 
 #include "Lookup.h"
+#include "extensions/ServiceExtensions.h"
 #include "import/BadRowsFile.h"
 #include "import/CorrectionsMade.h"
 #include "import/DeliverySending.h"
@@ -109,8 +110,8 @@ struct ReadingOrder
 };
 
 // Every file, checked; bad rows go to `result`.
-QList<PlacedFile> readFiles(ServiceSession& session, ServiceExtensions& extensions, const ReadingOrder& order,
-                            const ImportNotes& notes, ImportResult& result)
+QList<PlacedFile> readFiles(ServiceSession& session, const ReadingOrder& order, const ImportNotes& notes,
+                            ImportResult& result)
 {
     requireNoDuplicates(order.sources);
     const bool skipsBadRows = !order.badRowsFile.isEmpty();
@@ -120,7 +121,7 @@ QList<PlacedFile> readFiles(ServiceSession& session, ServiceExtensions& extensio
     QList<PlacedFile> files;
     for (const Source& source : order.sources) {
         const MeasuredFile file =
-            readOnProjectClock(session, extensions, source.path, source.mapping,
+            readOnProjectClock(session, source.path, source.mapping,
                                skipsBadRows ? BadRowKeeping::Rows : BadRowKeeping::Reasons, notes);
         noteOddities(file, notes);
         const bool isUsable = skipsBadRows && file.isReadable;
@@ -166,8 +167,7 @@ struct PlacedImport
 };
 
 // Those of the points that the service has. Monitorings that are missing have none.
-QSet<PointKey> knownOf(ServiceSession& session, ServiceExtensions& extensions, const PlacedImport& import,
-                       const ImportNotes& notes)
+QSet<PointKey> knownOf(ServiceSession& session, const PlacedImport& import, const ImportNotes& notes)
 {
     QSet<PointKey> points;
     for (const PointKey& point : pointsOf(import.files)) {
@@ -175,7 +175,7 @@ QSet<PointKey> knownOf(ServiceSession& session, ServiceExtensions& extensions, c
             points.insert(point);
         }
     }
-    return knownPoints(session, extensions, points, notes);
+    return knownPoints(session, points, notes);
 }
 
 QList<PointKey> inOrder(const QSet<PointKey>& points)
@@ -192,39 +192,39 @@ QList<PointKey> inOrder(const QSet<PointKey>& points)
 }
 
 // What the service answered, as far as it tells.
-void tellOutcome(ServiceSession& session, ServiceExtensions& extensions, const DeliveryAnswers& answers,
-                 const ImportNotes& notes, ImportResult& result)
+void tellOutcome(ServiceSession& session, const DeliveryAnswers& answers, const ImportNotes& notes,
+                 ImportResult& result)
 {
     result.outcome = {answers.inserted(), answers.corrected(), answers.unchanged(), {}};
     result.newPoints = inOrder(answers.newPoints());
     result.alarms = answers.alarms();
-    if (answers.corrected() == 0 || !extensions.has(Extension::Changes)) {
+    if (answers.corrected() == 0 || !session.extensions().has(Extension::Changes)) {
         return;
     }
     try {
-        result.outcome->corrections = correctionsMade(session, extensions, answers);
+        result.outcome->corrections = correctionsMade(session, answers);
     } catch (const Failure& failure) {
         notes({ImportNote::Kind::Warning,
                QStringLiteral("everything was delivered, but: %1").arg(failure.message())});
     }
 }
 
-void rehearse(ServiceSession& session, ServiceExtensions& extensions, const PlacedImport& import,
-              const QSet<PointKey>& known, ImportResult& result)
+void rehearse(ServiceSession& session, const PlacedImport& import, const QSet<PointKey>& known,
+              ImportResult& result)
 {
-    result.outcome = compareWithHeld(session, extensions, import.files, known);
+    result.outcome = compareWithHeld(session, import.files, known);
     const bool corrects = !result.outcome || result.outcome->corrected > 0;
     result.missingRights = missingRights(session, import.categories, corrects);
 }
 
 // The rest of an import once every file has its target.
 template <typename Order>
-void deliver(ServiceSession& session, ServiceExtensions& extensions, const PlacedImport& import,
-             const Order& order, const ImportCallbacks& callbacks, ImportResult& result)
+void deliver(ServiceSession& session, const PlacedImport& import, const Order& order,
+             const ImportCallbacks& callbacks, ImportResult& result)
 {
     const QByteArray skippedRows = skippedRowsOf(import.files);
     const QSet<PointKey> points = pointsOf(import.files);
-    const QSet<PointKey> known = knownOf(session, extensions, import, callbacks.onNote);
+    const QSet<PointKey> known = knownOf(session, import, callbacks.onNote);
     const QList<Delivery> deliveries = deliveriesOf(import.files, known);
     QSet<QString> paths;
     for (const PlacedFile& file : import.files) {
@@ -238,21 +238,20 @@ void deliver(ServiceSession& session, ServiceExtensions& extensions, const Place
         result.samples += delivery.sampleCount;
     }
     if (order.isDryRun) {
-        rehearse(session, extensions, import, known, result);
+        rehearse(session, import, known, result);
         return;
     }
     std::optional<DeliveryAnswers> answers;
     changeRepeatably([&] {
-        answers = sendDeliveries(session, extensions, deliveries, callbacks);
-        setZeroInitialValues(session, extensions, pointsFromZero(import.files).subtract(known),
-                             callbacks.onNote);
+        answers = sendDeliveries(session, deliveries, callbacks);
+        setZeroInitialValues(session, pointsFromZero(import.files).subtract(known), callbacks.onNote);
     });
     result.isSent = true;
     if (!skippedRows.isEmpty()) {
         writeNewFile(order.badRowsFile, skippedRows);
     }
     if (answers) {
-        tellOutcome(session, extensions, *answers, callbacks.onNote, result);
+        tellOutcome(session, *answers, callbacks.onNote, result);
     }
 }
 
@@ -310,16 +309,14 @@ QList<PlannedPart> plannedParts(const ProjectFile& project, const PlannedFile& p
 
 } // namespace
 
-ImportResult importFiles(ServiceSession& session, ServiceExtensions& extensions, const FileImport& order,
-                         const ImportCallbacks& callbacks)
+ImportResult importFiles(ServiceSession& session, const FileImport& order, const ImportCallbacks& callbacks)
 {
     QList<Source> sources;
     for (const QString& path : order.files) {
         sources.append({path, {}, order.mapping});
     }
     ImportResult result;
-    QList<PlacedFile> files =
-        readFiles(session, extensions, {sources, order.badRowsFile}, callbacks.onNote, result);
+    QList<PlacedFile> files = readFiles(session, {sources, order.badRowsFile}, callbacks.onNote, result);
     if (!result.badRows.isEmpty()) {
         return result;
     }
@@ -329,21 +326,21 @@ ImportResult importFiles(ServiceSession& session, ServiceExtensions& extensions,
     if (!result.badRows.isEmpty()) {
         return result;
     }
-    result.badRows = unitProblems(session, extensions, files) + contradictions(files);
+    result.badRows = unitProblems(session, files) + contradictions(files);
     if (result.badRows.isEmpty()) {
-        deliver(session, extensions, {files, {monitoring.category}, {}}, order, callbacks, result);
+        deliver(session, {files, {monitoring.category}, {}}, order, callbacks, result);
     }
     return result;
 }
 
-ImportResult importProject(ServiceSession& session, ServiceExtensions& extensions, const ProjectImport& order,
+ImportResult importProject(ServiceSession& session, const ProjectImport& order,
                            const ImportCallbacks& callbacks)
 {
     const ProjectFile project = readProjectFile(order.projectFile);
     const QList<Source> sources = plannedSources(order, project);
     ImportResult result;
     const QList<PlacedFile> whole =
-        readFiles(session, extensions, {sources, order.badRowsFile}, callbacks.onNote, result);
+        readFiles(session, {sources, order.badRowsFile}, callbacks.onNote, result);
     QList<PlannedPart> parts;
     for (int i = 0; i < whole.size() && result.badRows.isEmpty(); ++i) {
         parts += plannedParts(project, sources[i].planned, whole[i].file, result.badRows);
@@ -362,7 +359,7 @@ ImportResult importProject(ServiceSession& session, ServiceExtensions& extension
         }
     };
     place();
-    result.badRows = unitProblems(session, extensions, files) + contradictions(files);
+    result.badRows = unitProblems(session, files) + contradictions(files);
     if (!result.badRows.isEmpty()) {
         return result;
     }
@@ -376,6 +373,6 @@ ImportResult importProject(ServiceSession& session, ServiceExtensions& extension
     for (const PlannedPart& part : qAsConst(parts)) {
         categories.insert(project.monitoring(part.planned.monitoring)->category);
     }
-    deliver(session, extensions, {files, categories, result.missingMonitorings}, order, callbacks, result);
+    deliver(session, {files, categories, result.missingMonitorings}, order, callbacks, result);
     return result;
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ServiceSession.h"
-#include "extensions/ServiceExtensions.h"
 #include "import/Deliveries.h"
 #include "import/ImportCallbacks.h"
 #include "import/ImportOutcome.h"
@@ -74,11 +73,11 @@ struct ImportResult
 };
 
 /// Checks every row of every file and, when all are good, delivers the readings. Doing it again changes
-/// nothing that was taken in. `extensions` are those of the session's service. Throws a Failure when a file
-/// cannot be read, what it needs is not there, or a request fails; what was delivered before stays.
-ImportResult importFiles(ServiceSession& session, ServiceExtensions& extensions, const FileImport& order,
+/// nothing that was taken in. Throws a Failure when a file cannot be read, what it needs is not there, or a
+/// request fails; what was delivered before stays.
+ImportResult importFiles(ServiceSession& session, const FileImport& order,
                          const ImportCallbacks& callbacks = {});
 
 /// The same for the files of a project; creates its monitorings and threshold groups that are missing.
-ImportResult importProject(ServiceSession& session, ServiceExtensions& extensions, const ProjectImport& order,
+ImportResult importProject(ServiceSession& session, const ProjectImport& order,
                            const ImportCallbacks& callbacks = {});

@@ -4,15 +4,15 @@
 #include "import/AnyFile.h"
 #include "reading/FileSource.h"
 
-MeasuredFile readOnProjectClock(ServiceSession& session, ServiceExtensions& extensions, const QString& path,
-                                const FileMapping& mapping, BadRowKeeping keeping, const ImportNotes& notes)
+MeasuredFile readOnProjectClock(ServiceSession& session, const QString& path, const FileMapping& mapping,
+                                BadRowKeeping keeping, const ImportNotes& notes)
 {
     FileSource source = sourceOf(path, mapping);
     const MeasuredFile file = readAnyFile(path, source.content, source.mapping, keeping);
     if (!file.hasTypes || !file.unclear.utcOffset) {
         return file;
     }
-    const std::optional<QTimeZone> zone = zones::ofProject(session, extensions);
+    const std::optional<QTimeZone> zone = zones::ofProject(session);
     if (!zone) {
         return file;
     }

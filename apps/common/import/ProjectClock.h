@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ServiceSession.h"
-#include "extensions/ServiceExtensions.h"
 #include "import/ImportNote.h"
 #include "reading/MeasuredFile.h"
 
@@ -10,5 +9,5 @@
 /// Reads a file of readings. Times of an AGS file that name no offset are those of the project's zone, which
 /// is noted, where the mapping says no other and the service tells it. Throws a Failure when the file cannot
 /// be read, or a request fails.
-MeasuredFile readOnProjectClock(ServiceSession& session, ServiceExtensions& extensions, const QString& path,
-                                const FileMapping& mapping, BadRowKeeping keeping, const ImportNotes& notes);
+MeasuredFile readOnProjectClock(ServiceSession& session, const QString& path, const FileMapping& mapping,
+                                BadRowKeeping keeping, const ImportNotes& notes);

@@ -1,5 +1,7 @@
 #include "import/UnitCheck.h"
 
+#include "extensions/ServiceExtensions.h"
+
 #include <QHash>
 
 #include <algorithm>
@@ -7,13 +9,13 @@
 namespace {
 
 // By identifier of the sub-category; without those that have none, and empty where the service tells none.
-QHash<QString, QString> unitsOnService(ServiceSession& session, ServiceExtensions& extensions)
+QHash<QString, QString> unitsOnService(ServiceSession& session)
 {
     QHash<QString, QString> units;
-    if (!extensions.has(Extension::SubCategoryKinds)) {
+    if (!session.extensions().has(Extension::SubCategoryKinds)) {
         return units;
     }
-    for (const MeasuredSubCategory& known : extensions.subCategories(session.project())) {
+    for (const MeasuredSubCategory& known : session.extensions().subCategories(session.project())) {
         if (!known.unit.isEmpty()) {
             units.insert(known.id, known.unit);
         }
@@ -23,15 +25,14 @@ QHash<QString, QString> unitsOnService(ServiceSession& session, ServiceExtension
 
 } // namespace
 
-QStringList unitProblems(ServiceSession& session, ServiceExtensions& extensions,
-                         const QList<PlacedFile>& files)
+QStringList unitProblems(ServiceSession& session, const QList<PlacedFile>& files)
 {
     const bool isSaid = std::any_of(files.cbegin(), files.cend(),
                                     [](const PlacedFile& placed) { return !placed.file.units.isEmpty(); });
     if (!isSaid) {
         return {};
     }
-    QHash<QString, QString> units = unitsOnService(session, extensions);
+    QHash<QString, QString> units = unitsOnService(session);
     QStringList lines;
     for (const PlacedFile& placed : files) {
         Problems problems;

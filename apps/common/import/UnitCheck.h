@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ServiceSession.h"
-#include "extensions/ServiceExtensions.h"
 #include "import/Deliveries.h"
 
 #include <QList>
@@ -10,5 +9,4 @@
 /// Units that files say of their readings and that are not those of the sub-categories, or differ among
 /// themselves where the service tells none: "FILE:LINE: reason". Nothing is converted. Asks the service only
 /// when a file says a unit. Throws a Failure when that does not work.
-QStringList unitProblems(ServiceSession& session, ServiceExtensions& extensions,
-                         const QList<PlacedFile>& files);
+QStringList unitProblems(ServiceSession& session, const QList<PlacedFile>& files);

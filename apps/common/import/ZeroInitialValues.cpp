@@ -1,15 +1,16 @@
 #include "import/ZeroInitialValues.h"
 
 #include "PointNames.h"
+#include "extensions/ServiceExtensions.h"
 #include "points/PointSummaries.h"
 
-void setZeroInitialValues(ServiceSession& session, ServiceExtensions& extensions,
-                          const QSet<PointKey>& points, const ImportNotes& notes)
+void setZeroInitialValues(ServiceSession& session, const QSet<PointKey>& points, const ImportNotes& notes)
 {
     if (points.isEmpty()) {
         return;
     }
-    if (!extensions.has(Extension::PointChanges) || !extensions.has(Extension::PointSummaries)) {
+    if (!session.extensions().has(Extension::PointChanges) ||
+        !session.extensions().has(Extension::PointSummaries)) {
         notes({ImportNote::Kind::Warning,
                QStringLiteral("the service cannot be told the initial value 0 of %1 points: their variations "
                               "count from their first readings")
@@ -24,9 +25,9 @@ void setZeroInitialValues(ServiceSession& session, ServiceExtensions& extensions
     zero.initialValue = 0.0;
     for (auto cell = names.begin(); cell != names.end(); ++cell) {
         cell->removeDuplicates();
-        for (const PointSummary& point : summariesOfPoints(session, extensions, cell.key(), *cell)) {
+        for (const PointSummary& point : summariesOfPoints(session, cell.key(), *cell)) {
             if (points.contains({{cell.key(), point.subCategoryId}, point.name, plainDepth(point.depth)})) {
-                extensions.changePoint(point.id, zero);
+                session.extensions().changePoint(point.id, zero);
             }
         }
     }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ServiceSession.h"
-#include "extensions/ServiceExtensions.h"
 #include "import/Deliveries.h"
 #include "import/ImportNote.h"
 
@@ -10,5 +9,4 @@
 /// Sets the initial values of `points`, which have just been made, to 0: a delivery says none with 0. Where
 /// the service cannot do that, a warning says what their variations count from instead. Setting them again is
 /// harmless.
-void setZeroInitialValues(ServiceSession& session, ServiceExtensions& extensions,
-                          const QSet<PointKey>& points, const ImportNotes& notes);
+void setZeroInitialValues(ServiceSession& session, const QSet<PointKey>& points, const ImportNotes& notes);

@@ -1,24 +1,25 @@
 #include "points/PointDirectory.h"
 
 #include "DataHeld.h"
+#include "extensions/ServiceExtensions.h"
 #include "points/PointOrigins.h"
 #include "points/PointSummaries.h"
 
-PointDirectory::PointDirectory(ServiceSession& session, ServiceExtensions& extensions,
-                               const RKMonitoring& monitoring, const QStringList& names)
+PointDirectory::PointDirectory(ServiceSession& session, const RKMonitoring& monitoring,
+                               const QStringList& names)
     : m_session(session), m_monitoring(monitoring), m_names(names)
 {
     session.projectData(); // refused first when there is no project
-    if (extensions.has(Extension::PointSummaries)) {
-        readSummaries(extensions);
+    if (session.extensions().has(Extension::PointSummaries)) {
+        readSummaries();
     } else {
         workOutSubCategories();
     }
 }
 
-void PointDirectory::readSummaries(ServiceExtensions& extensions)
+void PointDirectory::readSummaries()
 {
-    const QList<PointSummary> summaries = summariesOfPoints(m_session, extensions, m_monitoring.id, m_names);
+    const QList<PointSummary> summaries = summariesOfPoints(m_session, m_monitoring.id, m_names);
     for (const PointSummary& point : summaries) {
         m_subCategories.insert(point.id, point.subCategoryId);
         if (point.reference) {

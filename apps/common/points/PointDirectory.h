@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ServiceSession.h"
-#include "extensions/ServiceExtensions.h"
 
 #include <QHash>
 #include <QString>
@@ -32,8 +31,7 @@ class PointDirectory
 public:
     /// Asks for the points of `monitoring` with these names, or for all of them without names. Throws a
     /// Failure when they cannot be read.
-    PointDirectory(ServiceSession& session, ServiceExtensions& extensions, const RKMonitoring& monitoring,
-                   const QStringList& names);
+    PointDirectory(ServiceSession& session, const RKMonitoring& monitoring, const QStringList& names);
 
     /// Whether the service tells of points; otherwise things are worked out.
     bool isTold() const { return m_isTold; }
@@ -55,7 +53,7 @@ public:
     std::optional<double> initialValueOf(const QString& pointId) const;
 
 private:
-    void readSummaries(ServiceExtensions& extensions);
+    void readSummaries();
     void workOutSubCategories();
     void workOutReferences();
     std::optional<ReferenceValue> knownReferenceOf(const QString& pointId) const;

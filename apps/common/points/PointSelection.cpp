@@ -4,12 +4,11 @@
 
 #include <algorithm>
 
-PointSelection::PointSelection(ServiceSession& session, ServiceExtensions& extensions,
-                               const RKMonitoring& monitoring, const QStringList& names,
-                               const QStringList& subCategories)
+PointSelection::PointSelection(ServiceSession& session, const RKMonitoring& monitoring,
+                               const QStringList& names, const QStringList& subCategories)
     : m_baseApi(session.configuration().baseApi),
-      m_subCategories(lookup::measuredSubCategories(session, extensions, monitoring.category)),
-      m_directory(session, extensions, monitoring, names)
+      m_subCategories(lookup::measuredSubCategories(session, monitoring.category)),
+      m_directory(session, monitoring, names)
 {
     for (const QString& text : subCategories) {
         m_wanted.insert(lookup::subCategoryOf(monitoring.category, m_subCategories, text).id);

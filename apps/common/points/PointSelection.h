@@ -1,5 +1,6 @@
 #pragma once
 
+#include "extensions/Projects.h"
 #include "points/PointDirectory.h"
 
 #include <QList>
@@ -15,8 +16,8 @@ public:
     /// Of the points with these names, or of all without names; in the sub-categories with these identifiers,
     /// names or aliases, or in all. To be made after the points were read, which are then all known. Throws a
     /// Failure (NotFound) for a sub-category that there is not.
-    PointSelection(ServiceSession& session, ServiceExtensions& extensions, const RKMonitoring& monitoring,
-                   const QStringList& names, const QStringList& subCategories);
+    PointSelection(ServiceSession& session, const RKMonitoring& monitoring, const QStringList& names,
+                   const QStringList& subCategories);
 
     /// Whether the point is wanted. Throws a Failure (Other) when its sub-category matters and cannot be
     /// told; `label` is what the point is called.

@@ -19,14 +19,14 @@ QJsonObject conditionOf(const QString& monitoring, const QStringList& names)
 
 } // namespace
 
-QList<PointSummary> summariesOfPoints(ServiceSession& session, ServiceExtensions& extensions,
-                                      const QString& monitoring, const QStringList& names)
+QList<PointSummary> summariesOfPoints(ServiceSession& session, const QString& monitoring,
+                                      const QStringList& names)
 {
     PointSummaryQuery query;
     query.where = conditionOf(monitoring, names);
     const QString project = session.project();
     return paging::readAll(
         QStringLiteral("points"),
-        [&](int skip, int limit) { return extensions.pointSummaries(project, query, skip, limit); },
-        [&] { return extensions.pointSummaryCount(project, query); });
+        [&](int skip, int limit) { return session.extensions().pointSummaries(project, query, skip, limit); },
+        [&] { return session.extensions().pointSummaryCount(project, query); });
 }

@@ -10,5 +10,5 @@
 /// The points of a monitoring as the service sums them up; `monitoring` is its identifier. With `names` those
 /// of these names at least: all where they are more than a condition holds, or none. Throws a Failure where
 /// the service lacks the extension PointSummaries.
-QList<PointSummary> summariesOfPoints(ServiceSession& session, ServiceExtensions& extensions,
-                                      const QString& monitoring, const QStringList& names);
+QList<PointSummary> summariesOfPoints(ServiceSession& session, const QString& monitoring,
+                                      const QStringList& names);

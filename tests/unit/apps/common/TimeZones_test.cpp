@@ -15,8 +15,6 @@ protected:
         return zones::ofMachine();
     }
 
-    ServiceExtensions extensions{session};
-
 private:
     QByteArray m_before = qgetenv("TZ");
 };
@@ -49,20 +47,20 @@ TEST_F(TimeZones, OfTheProjectIsAskedFor)
 {
     server.answerJson(200, about);
     server.answerJson(200, R"({"_id":"p7","name":"Bluff","timeZone":"America/Los_Angeles"})");
-    EXPECT_EQ(zones::ofProject(session, extensions)->id(), "America/Los_Angeles");
+    EXPECT_EQ(zones::ofProject(session)->id(), "America/Los_Angeles");
 }
 
 TEST_F(TimeZones, OfTheProjectMayNotBeTold)
 {
     server.answerJson(404, R"({"message":"nothing here","status":404})");
-    EXPECT_FALSE(zones::ofProject(session, extensions));
+    EXPECT_FALSE(zones::ofProject(session));
 }
 
 TEST_F(TimeZones, OfTheProjectMustBeKnownHere)
 {
     server.answerJson(200, about);
     server.answerJson(200, R"({"_id":"p7","name":"Base","timeZone":"Mars/Phobos"})");
-    EXPECT_EQ(failureOf([&] { zones::ofProject(session, extensions); }), FailureKind::BadInput);
+    EXPECT_EQ(failureOf([&] { zones::ofProject(session); }), FailureKind::BadInput);
 }
 
 TEST_F(TimeZones, OfTheMachineAreNamedOrRules)

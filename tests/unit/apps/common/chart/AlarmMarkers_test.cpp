@@ -39,7 +39,6 @@ QVector<QPointF> marked(chart::Values values, const QList<chart::AlarmedReading>
 class AlarmMarkers : public ScriptedSession
 {
 protected:
-    ServiceExtensions extensions{session};
 };
 
 constexpr double eightOnTheSixth = 1772784000000.0; // on the clock of Vienna
@@ -81,7 +80,7 @@ TEST_F(AlarmMarkers, AreReadFromAllAlarmsOfTheMonitoring)
     server.answerJson(200, R"([{"_id":"d1","pointName":"S1","totalVar":"10.5","dayVar":"2.5","depth":"2",
                                "monitorTime":"2026-03-06T07:00:00Z","monitorCount":1}])");
     server.answerJson(200, R"({"count":1})");
-    const auto readings = chart::alarmedReadings(session, extensions, monitoring());
+    const auto readings = chart::alarmedReadings(session, monitoring());
     ASSERT_EQ(readings.size(), 1);
     EXPECT_EQ(readings[0].subCategoryId, "s1"_q);
     EXPECT_EQ(readings[0].depth, "2"_q);
@@ -98,7 +97,7 @@ TEST_F(AlarmMarkers, HaveNoDailyVariationWhereItsUnitIsNotTold)
     server.answerJson(200, R"([{"_id":"d1","pointName":"S1","totalVar":"10.5","dayVar":"2.5",
                                "monitorTime":"2026-03-06T07:00:00Z","monitorCount":1}])");
     server.answerJson(200, R"({"count":1})");
-    const auto readings = chart::alarmedReadings(session, extensions, monitoring());
+    const auto readings = chart::alarmedReadings(session, monitoring());
     ASSERT_EQ(readings.size(), 1);
     EXPECT_FALSE(readings[0].dailyVariation);
 }

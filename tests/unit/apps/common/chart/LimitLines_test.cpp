@@ -55,7 +55,6 @@ bool limitsS1(const PointLocSetting& group)
 class LimitLines : public ScriptedSession
 {
 protected:
-    ServiceExtensions extensions{session};
 };
 
 } // namespace
@@ -175,7 +174,7 @@ TEST_F(LimitLines, NeedGroupsThatListAPoint)
         200, R"([{"_id":"g1","cellId":"c1","subCategoryId":"s1","groupPoint":["elsewhere"],"totalVar":1},
                                {"_id":"g2","cellId":"c1","subCategoryId":"s2","groupPoint":["S1"],"totalVar":1},
                                {"_id":"g3","cellId":"c1","subCategoryId":"s1","groupPoint":["S1"],"totalVar":1}])");
-    const auto groups = chart::limitingGroups(session, extensions, monitoring(), limitsS1);
+    const auto groups = chart::limitingGroups(session, monitoring(), limitsS1);
     ASSERT_EQ(groups.size(), 1);
     EXPECT_EQ(groups[0].setting.id, "g3"_q);
     EXPECT_EQ(groups[0].sides.totalSide, LimitSide::Both);
@@ -188,7 +187,7 @@ TEST_F(LimitLines, HaveTheSidesThatTheServiceTells)
     server.answerJson(
         200, R"([{"_id":"g1","cellId":"c1","subCategoryId":"s1","groupPoint":["S1"],"totalVar":1}])");
     server.answerJson(200, R"({"_id":"g1","dayVarSide":"both","totalVarSide":"falling","warningLevel":70})");
-    const auto groups = chart::limitingGroups(session, extensions, monitoring(), limitsS1);
+    const auto groups = chart::limitingGroups(session, monitoring(), limitsS1);
     ASSERT_EQ(groups.size(), 1);
     EXPECT_EQ(groups[0].sides.totalSide, LimitSide::Falling);
     EXPECT_EQ(groups[0].sides.warningLevel, 70.0);

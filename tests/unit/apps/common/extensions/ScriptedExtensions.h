@@ -92,5 +92,5 @@ protected:
         }
     }
 
-    ServiceExtensions service{session};
+    ServiceExtensions& service = session.extensions();
 };

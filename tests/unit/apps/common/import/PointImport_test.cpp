@@ -54,10 +54,7 @@ protected:
         return order;
     }
 
-    ImportResult import(const FileImport& order)
-    {
-        return importFiles(session, extensions, order, callbacks);
-    }
+    ImportResult import(const FileImport& order) { return importFiles(session, order, callbacks); }
 
     void answerPlaces()
     {
@@ -82,7 +79,6 @@ protected:
     }
 
     QTemporaryDir folder;
-    ServiceExtensions extensions{session};
     bool isAbout = false;
     ImportCallbacks callbacks;
     std::vector<std::pair<int, int>> progress;
@@ -238,7 +234,7 @@ TEST_F(PointImport, NeedsNoCallbacks)
     answerPlaces();
     answerNoData();
     server.answerJson(200, "[]");
-    EXPECT_TRUE(importFiles(session, extensions, orderOf({write("a.csv", firstDay)})).isSent);
+    EXPECT_TRUE(importFiles(session, orderOf({write("a.csv", firstDay)})).isSent);
 }
 
 TEST_F(PointImport, FailuresHaveTheirKinds)
@@ -316,7 +312,7 @@ TEST_F(PointImport, ProjectFileSaysWhereFilesBelong)
     order.isDryRun = true;
     answerCategories();
     answerRight(true);
-    EXPECT_EQ(importProject(session, extensions, order, callbacks).missingMonitorings, QStringList{"VH"_q});
+    EXPECT_EQ(importProject(session, order, callbacks).missingMonitorings, QStringList{"VH"_q});
     EXPECT_TRUE(information.isEmpty());
 
     order.isDryRun = false;
@@ -326,7 +322,7 @@ TEST_F(PointImport, ProjectFileSaysWhereFilesBelong)
     server.answerJson(200, "[]"); // groups
     answerNoData();
     server.answerJson(200, "[]");
-    EXPECT_TRUE(importProject(session, extensions, order, callbacks).isSent);
+    EXPECT_TRUE(importProject(session, order, callbacks).isSent);
     EXPECT_EQ(information, QStringList{"created monitoring \"VH\" (0123456789abcdef01234567)"_q});
 }
 
@@ -337,7 +333,7 @@ TEST_F(PointImport, MissingCategoryNamesTheAdministratorsCommand)
     ProjectImport order;
     order.projectFile = plan;
     try {
-        importProject(session, extensions, order, callbacks);
+        importProject(session, order, callbacks);
         FAIL() << "a missing category was taken for a success";
     } catch (const Failure& failure) {
         EXPECT_EQ(failure.kind(), FailureKind::Other);

@@ -27,8 +27,8 @@ protected:
     // Of a service that is asked what it can.
     QStringList problemsOf(const QList<PlacedFile>& files)
     {
-        ServiceExtensions extensions(session);
-        return unitProblems(session, extensions, files);
+        ServiceSession asking(configurationFor(server));
+        return unitProblems(asking, files);
     }
 
     static PlacedFile fileOf(const char* path, const QMultiMap<QString, WrittenUnit>& units)

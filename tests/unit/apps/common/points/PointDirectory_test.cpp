@@ -22,15 +22,10 @@ protected:
                more + "}";
     }
 
-    PointDirectory directory(const QStringList& names = {})
-    {
-        return {session, extensions, monitoring(), names};
-    }
+    PointDirectory directory(const QStringList& names = {}) { return {session, monitoring(), names}; }
 
     // What was asked for, without percent signs.
     QString lastRequest() const { return QUrl::fromPercentEncoding(server.requests().last().target); }
-
-    ServiceExtensions extensions{session};
 };
 
 } // namespace
@@ -134,7 +129,7 @@ TEST_F(PointDirectoryTest, ASelectionHoldsThePointsOfItsSubCategories)
         200, "[" + summary("a", "s1", R"("reference":1,"initialValue":0,"hasInitialValue":false)") + "," +
                  summary("b", "s2", R"("reference":1,"initialValue":0,"hasInitialValue":false)") + "]");
     server.answerJson(200, R"({"count":2})");
-    const PointSelection selection(session, extensions, monitoring(), {}, {"RF"_q});
+    const PointSelection selection(session, monitoring(), {}, {"RF"_q});
     EXPECT_FALSE(selection.holds("a"_q, "P1"_q));
     EXPECT_TRUE(selection.holds("b"_q, "P1"_q));
     EXPECT_FALSE(selection.holds("deleted meanwhile"_q, "P1"_q));
@@ -153,7 +148,7 @@ TEST_F(PointDirectoryTest, ASelectionRefusesToGuessASubCategory)
     server.answerJson(200, R"([{"_id":"a","name":"P1","createdAt":"2026-03-01T00:00:00Z","data":[]}])");
     server.answerJson(200, R"([{"createdAt":"2026-03-01T00:00:00Z"}])");
     server.answerJson(200, R"([{"createdAt":"2026-03-01T00:00:00Z"}])");
-    const PointSelection selection(session, extensions, monitoring(), {}, {"RF"_q});
+    const PointSelection selection(session, monitoring(), {}, {"RF"_q});
     EXPECT_EQ(failureOf([&] { selection.holds("a"_q, "P1"_q); }), FailureKind::Other);
     EXPECT_EQ(failureOf([&] { selection.requiredSubCategoryOf("a"_q, "P1"_q); }), FailureKind::Other);
 }
@@ -164,6 +159,5 @@ TEST_F(PointDirectoryTest, ASelectionOfAnUnknownSubCategoryIsRefused)
     server.answerJson(200, R"([{"_id":"s1","name":"Soil moisture","alias":"SM"}])");
     server.answerJson(200, "[]");
     server.answerJson(200, R"({"count":0})");
-    EXPECT_EQ(failureOf([&] { PointSelection(session, extensions, monitoring(), {}, {"XX"_q}); }),
-              FailureKind::NotFound);
+    EXPECT_EQ(failureOf([&] { PointSelection(session, monitoring(), {}, {"XX"_q}); }), FailureKind::NotFound);
 }
