@@ -79,7 +79,8 @@ TEST_F(RkmonWithoutExtensions, ImportsReadsAndShowsAlarms)
 TEST_F(RkmonWithoutExtensions, SaysWhatTheServiceCannotTell)
 {
     EXPECT_EQ(rkmon.run({"ping"_q}).code, 0);
-    for (const QStringList& command : {QStringList{"whoami"_q}, QStringList{"project"_q, "list"_q}}) {
+    for (const QStringList& command : {QStringList{"whoami"_q}, QStringList{"project"_q, "list"_q},
+                                       QStringList{"alarm"_q, "list"_q, "--open"_q}}) {
         const Result result = rkmon.run(command);
         EXPECT_EQ(result.code, 1);
         EXPECT_THAT(result.messages.toStdString(), testing::HasSubstr("is not among its extensions"));
@@ -89,7 +90,7 @@ TEST_F(RkmonWithoutExtensions, SaysWhatTheServiceCannotTell)
     EXPECT_EQ(rkmon.run({"monitoring"_q, "count"_q}).output, "0\n"_q);
     const Result named = rkmon.run({"monitoring"_q, "count"_q, "--project"_q, "Coastal bluff"_q});
     EXPECT_EQ(named.code, 2);
-    EXPECT_THAT(
-        named.messages.toStdString(),
-        testing::StartsWith("rkmon: \"Coastal bluff\" is not the identifier of a project, and the service at "));
+    EXPECT_THAT(named.messages.toStdString(),
+                testing::StartsWith(
+                    "rkmon: \"Coastal bluff\" is not the identifier of a project, and the service at "));
 }
