@@ -8,6 +8,8 @@
 #include "PlaceMarkers.h"
 #include "RecordChecks.h"
 
+#include <QSet>
+
 namespace {
 
 struct AlarmListOptions
@@ -17,6 +19,7 @@ struct AlarmListOptions
     QStringList categories;
     QStringList subCategories;
     Period period;
+    bool isOpen = false;
     PageOptions page;
 };
 
@@ -126,14 +129,35 @@ RKAlarmCondition conditionOf(Session& session, const AlarmListOptions& options)
     return condition;
 }
 
+QList<RKAlarm> alarmsOf(Session& session, const RKAlarmCondition& condition, const PageOptions& page)
+{
+    return pages::read(
+        session, page, QStringLiteral("alarms"),
+        [&](int skip, int limit) { return alarms::readPage(session, condition, skip, limit); },
+        [&] { return alarms::readCount(session, condition); });
+}
+
+// All are read whatever the page: the conditions of the library know nothing of what is open.
+QList<RKAlarm> openAlarmsOf(Session& session, const RKAlarmCondition& condition, const PageOptions& page)
+{
+    const QSet<QString> identifiers = session.extensions().openAlarms(session.project());
+    QList<RKAlarm> open;
+    for (const RKAlarm& alarm : alarms::readAll(session, condition)) {
+        if (identifiers.contains(alarm.id)) {
+            open.append(alarm);
+        }
+    }
+    return pages::read(
+        session, page, QStringLiteral("alarms"), [&](int skip, int limit) { return open.mid(skip, limit); },
+        [&] { return open.size(); });
+}
+
 ExitCode listAlarms(Session& session, const AlarmListOptions& options)
 {
     const RKAlarmCondition condition = conditionOf(session, options);
-    const QList<RKAlarm> raised = pages::read(
-        session, options.page, QStringLiteral("alarms"),
-        [&](int skip, int limit) { return alarms::readPage(session, condition, skip, limit); },
-        [&] { return alarms::readCount(session, condition); });
-    session.output().addList(alarmSheet(session, raised));
+    const QList<RKAlarm> listed = options.isOpen ? openAlarmsOf(session, condition, options.page)
+                                                 : alarmsOf(session, condition, options.page);
+    session.output().addList(alarmSheet(session, listed));
     return ExitCode::Success;
 }
 
@@ -178,8 +202,9 @@ void addAlarmListCommand(CLI::App& group, Command& chosen)
                       "Of this sub-category, by identifier, name or alias")
         ->type_name("SUB-CATEGORY");
     addPeriodOptions(app, values->period, "Raised at this time or later", "Raised on this day or earlier");
+    app.add_flag("--open", values->isOpen, "Only those in which the latest reading of a point stands");
     addPageOptions(app, values->page);
-    options::setExamples(app, "  rkmon alarm list\n"
+    options::setExamples(app, "  rkmon alarm list --open\n"
                               "  rkmon alarm list --cell VH --cell LS-a --sub-category SM");
 }
 

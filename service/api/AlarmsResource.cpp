@@ -5,13 +5,18 @@ namespace monitorservice {
 
 namespace {
 
-// GET projects/{project}/alarmManages: the alarms, newest first; identifiers rise with time whatever the
-// clock does.
+// GET projects/{project}/alarmManages: the alarms, or with "open" those that are open, newest first;
+// identifiers rise with time whatever the clock does.
 HttpResponse listAlarms(ApiRequest& request)
 {
+    const std::string& project = request.ids[0];
+    ListParameters parameters(request, readableIn(request, project), {"open"});
+    if (parameters.given.flag("open")) {
+        parameters.query.identifiers = request.session->excesses().openAlarms(project);
+    }
     ListKind list;
     list.order = "-_id";
-    return answerListing(request, request.ids[0], request.session->documents(DocumentKind::Alarm), list);
+    return answerListing(parameters, request.session->documents(DocumentKind::Alarm), list);
 }
 
 // GET alarmManages/{id}/alarmDetails: the points that an alarm is about, by name.

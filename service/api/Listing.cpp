@@ -77,6 +77,11 @@ HttpResponse answerListing(const ApiRequest& request, const ListReach& reach, co
                            const ListKind& kind)
 {
     ListParameters parameters(request, reach);
+    return answerListing(parameters, documents, kind);
+}
+
+HttpResponse answerListing(ListParameters& parameters, const Documents& documents, const ListKind& kind)
+{
     DocumentQuery& query = parameters.query;
     query.parent = kind.parent;
     if (query.order.empty() && kind.order != nullptr) {

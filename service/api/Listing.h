@@ -51,7 +51,10 @@ struct ListKind
 };
 
 /// Answers a list of documents, as ListParameters says: an array of those in reach, or their number as
-/// {"count": N}. Throws ApiError 413 when the array is longer than an answer may be.
+/// {"count": N}. Throws ApiError 413 when the array is longer than an answer may be. `parameters` are spent.
+HttpResponse answerListing(ListParameters& parameters, const Documents& documents, const ListKind& kind = {});
+
+/// The same of a list without parameters of its own.
 HttpResponse answerListing(const ApiRequest& request, const ListReach& reach, const Documents& documents,
                            const ListKind& kind = {});
 

@@ -21,6 +21,9 @@ struct DocumentQuery
     /// Only those that belong to this document: to a monitoring, a data manage, an alarm or an alarm detail,
     /// as the kind says. Not for cells and sub-categories.
     std::optional<std::string> parent = std::nullopt;
+    /// Only those with one of these identifiers; nothing: whatever it is. Choosing points with their samples
+    /// reads none of it.
+    std::optional<std::vector<std::string>> identifiers = std::nullopt;
     const Where* where = nullptr; ///< null: no condition
     /// The most significant first. Texts are ordered byte by byte, times as instants, depths as numbers; what
     /// is missing stands before everything else. Ties, and no order at all, are settled by ascending

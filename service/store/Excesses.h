@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace monitorservice {
 
@@ -28,6 +29,9 @@ public:
     virtual void visit(std::int64_t point, Instant from, Instant before, const Visitor& visitor) const = 0;
     /// Those of a point that stand in the alarm, in the same order.
     virtual void visitOfAlarm(std::int64_t point, const std::string& alarm, const Visitor& visitor) const = 0;
+    /// The identifiers, rising, of a project's alarms in which the latest reading of a point location stands:
+    /// that with the greatest count of those at its latest time.
+    virtual std::vector<std::string> openAlarms(const std::string& project) const = 0;
     /// StoreFailure::Conflict when the reading stands in an alarm already, and when there is no such alarm.
     virtual void insert(std::int64_t point, const ReadingInExcess& reading) = 0;
     /// Nothing is changed when the reading stands in no alarm.

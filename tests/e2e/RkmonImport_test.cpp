@@ -429,6 +429,59 @@ TEST_F(RkmonImport, LaterFilesLeaveTheInitialValueAlone)
     EXPECT_EQ(listed({"alarm"_q, "list"_q, "--name"_q, "nothing"_q}).size(), 0);
 }
 
+TEST_F(RkmonImport, AlarmsAreOpenUntilALaterReadingIsWithin)
+{
+    created("VH"_q);
+    done({"group"_q, "create"_q, "--cell"_q, "VH"_q, "--sub-category"_q, "SM"_q, "--name"_q, "Probes"_q,
+          "--point"_q, "W1"_q, "--total-limit"_q, "1"_q});
+    const auto deliver = [&](const char* name, const QByteArray& rows) {
+        const Result result = import({write(name, header + rows)});
+        EXPECT_EQ(result.code, 0) << result.messages.toStdString();
+    };
+    const QStringList command{"alarm"_q, "list"_q, "--open"_q};
+    EXPECT_EQ(listed(command).size(), 0);
+    deliver("a.csv", "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n"
+                     "W1,20,2015-12-19T00:00:00-08:00,2,1.5\n");
+    const QJsonArray open = listed(command);
+    EXPECT_EQ(open.size(), 1);
+    EXPECT_EQ(open, listed({"alarm"_q, "list"_q}));
+    EXPECT_EQ(listed(command + QStringList{"--all"_q}), open);
+    EXPECT_EQ(listed(command + QStringList{"--cell"_q, "VH"_q, "--limit"_q, "1"_q}), open);
+    EXPECT_EQ(listed(command + QStringList{"--skip"_q, "1"_q}).size(), 0);
+    EXPECT_EQ(listed(command + QStringList{"--name"_q, "nothing"_q}).size(), 0);
+    deliver("b.csv", "W1,20,2015-12-20T00:00:00-08:00,3,0.5\n");
+    EXPECT_EQ(listed(command).size(), 0);
+    EXPECT_EQ(listed({"alarm"_q, "list"_q}).size(), 1);
+}
+
+TEST_F(RkmonImport, PagesOfOpenAlarmsAreOfTheseAlone)
+{
+    const QStringList monitorings{"LS-a"_q, "LS-b"_q, "VH"_q};
+    for (const QString& monitoring : monitorings) {
+        created(monitoring);
+        done({"group"_q, "create"_q, "--cell"_q, monitoring, "--sub-category"_q, "SM"_q, "--name"_q,
+              "Probes"_q, "--point"_q, "W1"_q, "--total-limit"_q, "1"_q});
+        const QByteArray latest = monitoring == "LS-b"_q ? "0.5" : "1.75";
+        done({"point"_q, "import"_q, "--cell"_q, monitoring, "--sub-category"_q, "SM"_q,
+              write("a.csv", header +
+                                 "W1,20,2015-12-18T00:00:00-08:00,1,0.25\n"
+                                 "W1,20,2015-12-19T00:00:00-08:00,2,1.5\n"
+                                 "W1,20,2015-12-20T00:00:00-08:00,3," +
+                                 latest + "\n")});
+    }
+    EXPECT_EQ(listed({"alarm"_q, "list"_q}).size(), 3);
+    const auto page = [&](const QStringList& options) {
+        return done(QStringList{"alarm"_q, "list"_q, "--open"_q, "--csv"_q, "--columns"_q, "cellName"_q} +
+                    options);
+    };
+    EXPECT_EQ(page({}).output, "cellName\r\nVH\r\nLS-a\r\n"_q);
+    const Result first = page({"--limit"_q, "1"_q});
+    EXPECT_EQ(first.output, "cellName\r\nVH\r\n"_q);
+    EXPECT_EQ(first.messages, "rkmon: 1 of 2 shown; --skip 1 continues, --all shows everything\n"_q);
+    EXPECT_EQ(page({"--limit"_q, "1"_q, "--skip"_q, "1"_q}).output, "cellName\r\nLS-a\r\n"_q);
+    EXPECT_EQ(page({"--cell"_q, "LS-a"_q, "--cell"_q, "LS-b"_q}).output, "cellName\r\nLS-a\r\n"_q);
+}
+
 TEST_F(RkmonImport, APointOfAnotherSubCategoryIsAnotherPoint)
 {
     created("VH"_q);

@@ -79,7 +79,8 @@ TEST_F(RkmonWithoutExtensions, ImportsReadsAndShowsAlarms)
 TEST_F(RkmonWithoutExtensions, SaysWhatTheServiceCannotTell)
 {
     EXPECT_EQ(rkmon.run({"ping"_q}).code, 0);
-    for (const QStringList& command : {QStringList{"whoami"_q}, QStringList{"project"_q, "list"_q}}) {
+    for (const QStringList& command : {QStringList{"whoami"_q}, QStringList{"project"_q, "list"_q},
+                                       QStringList{"alarm"_q, "list"_q, "--open"_q}}) {
         const Result result = rkmon.run(command);
         EXPECT_EQ(result.code, 1);
         EXPECT_THAT(result.messages.toStdString(), testing::HasSubstr("is not among its extensions"));

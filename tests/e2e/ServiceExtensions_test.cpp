@@ -115,7 +115,7 @@ TEST_F(ServiceExtensionsOnService, AboutTellsWhatTheServiceCanAndWhoAsks)
     EXPECT_EQ(about.rights[0].rights, (QStringList{"read"_q, "create"_q, "edit"_q, "delete"_q}));
     for (const Extension extension :
          {Extension::About, Extension::AlarmReasons, Extension::Changes, Extension::GroupSides,
-          Extension::DeliveryUndo, Extension::PointChanges, Extension::PointDeletion,
+          Extension::DeliveryUndo, Extension::OpenAlarms, Extension::PointChanges, Extension::PointDeletion,
           Extension::PointSummaries, Extension::Projects, Extension::SubCategoryKinds}) {
         EXPECT_TRUE(extensions->has(extension)) << nameOf(extension).toStdString();
     }

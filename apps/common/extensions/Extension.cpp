@@ -23,6 +23,8 @@ ExtensionTexts textsOf(Extension extension)
         return {"deliveryUndo", "DELETE historyDatas/{id}"};
     case Extension::GroupSides:
         return {"groupSides", "sides and warning levels of groups"};
+    case Extension::OpenAlarms:
+        return {"openAlarms", "GET projects/{project}/alarmManages with \"open\""};
     case Extension::PointChanges:
         return {"pointChanges", "PATCH pointLocations/{id}"};
     case Extension::PointDeletion:

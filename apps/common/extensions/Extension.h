@@ -12,6 +12,7 @@ enum class Extension
     DeliveryResults,  ///< answers deliveries with what became of their samples
     DeliveryUndo,     ///< takes the latest delivery back
     GroupSides,       ///< limits of groups for one side, and when to warn
+    OpenAlarms,       ///< tells which alarms are open
     PointChanges,     ///< changes points
     PointDeletion,    ///< deletes points and samples
     PointSummaries,   ///< lists points with their latest samples alone

@@ -105,6 +105,12 @@ int ServiceExtensions::changeCount(const QString& project, const AuditQuery& que
                                     query);
 }
 
+QSet<QString> ServiceExtensions::openAlarms(const QString& project)
+{
+    return extensions::readOpenAlarms(needing(Extension::OpenAlarms, QStringLiteral("list the open alarms")),
+                                      project);
+}
+
 QList<AlarmReason> ServiceExtensions::alarmReasons(const QString& alarmId)
 {
     return extensions::readAlarmReasons(

@@ -6,11 +6,13 @@
 #include "extensions/DeliveryHistory.h"
 #include "extensions/Extension.h"
 #include "extensions/GroupSides.h"
+#include "extensions/OpenAlarms.h"
 #include "extensions/Points.h"
 #include "extensions/Projects.h"
 #include "extensions/ServiceAbout.h"
 
 #include <QList>
+#include <QSet>
 #include <QString>
 
 #include <optional>
@@ -67,6 +69,9 @@ public:
     /// How many entries there are on all pages. The same with only_count=true.
     int changeCount(const QString& project, const AuditQuery& query);
 
+    /// The identifiers of a project's alarms that are open: the latest reading of a point stands in them.
+    /// GET projects/{project}/alarmManages?open=true.
+    QSet<QString> openAlarms(const QString& project);
     /// What the details of an alarm are there for. GET alarmManages/{id}/alarmDetails.
     QList<AlarmReason> alarmReasons(const QString& alarmId);
 

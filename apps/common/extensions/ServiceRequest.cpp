@@ -65,10 +65,15 @@ AnswerObject documentOf(const ServiceReply& reply, const RequestContext& context
     return {context.purpose, reply.object};
 }
 
-QString listPath(const ListRequest& list)
+// `extent` is the parameters that say which part of it.
+QString listPath(const ListRequest& list, const QString& extent)
 {
-    const QString path = conditionPath(list.path, list.where);
-    return list.order.isEmpty() ? path : path + QStringLiteral("&order=") + list.order;
+    QString path = conditionPath(list.path, list.where);
+    if (!list.order.isEmpty()) {
+        path += QStringLiteral("&order=") + list.order;
+    }
+    path += extent;
+    return list.more.isEmpty() ? path : path + QLatin1Char('&') + list.more;
 }
 
 } // namespace
@@ -122,11 +127,8 @@ Failure afterChange(const Failure& failure)
 
 QList<AnswerObject> getPage(const RequestContext& context, const ListRequest& list, int skip, int limit)
 {
-    QString path = listPath(list) + QStringLiteral("&skip=%1&limit=%2").arg(skip).arg(limit);
-    if (!list.more.isEmpty()) {
-        path += QLatin1Char('&') + list.more;
-    }
-    const ServiceReply reply = tryToGet(context, path);
+    const QString page = QStringLiteral("&skip=%1&limit=%2").arg(skip).arg(limit);
+    const ServiceReply reply = tryToGet(context, listPath(list, page));
     if (!requireSuccess(reply, context).isArray) {
         throw Failure(FailureKind::BadAnswer,
                       QStringLiteral("cannot %1: the answer is not a list").arg(context.purpose));
@@ -136,7 +138,7 @@ QList<AnswerObject> getPage(const RequestContext& context, const ListRequest& li
 
 int getCount(const RequestContext& context, const ListRequest& list)
 {
-    return get(context, listPath(list) + QStringLiteral("&only_count=true")).smallInteger("count");
+    return get(context, listPath(list, QStringLiteral("&only_count=true"))).smallInteger("count");
 }
 
 } // namespace extensions

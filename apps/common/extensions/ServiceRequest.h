@@ -65,7 +65,7 @@ struct ListRequest
     QString path;
     QJsonObject where; ///< condition; empty: everything
     QString order;     ///< member names with commas between, "-" before one for descending; empty: the list's
-    QString more;      ///< parameters that it alone has: "samples=latest"
+    QString more;      ///< parameters that it alone has, also when it is counted: "samples=latest"
 };
 
 QList<AnswerObject> getPage(const RequestContext& context, const ListRequest& list, int skip, int limit);

@@ -10,10 +10,11 @@ namespace rk {
 namespace {
 
 // The query parameters of the service's resources.
-const std::array<QLatin1String, 12> parameterNames = {
+const std::array<QLatin1String, 13> parameterNames = {
     QLatin1String("where"),    QLatin1String("skip"),  QLatin1String("limit"),   QLatin1String("only_count"),
     QLatin1String("expand"),   QLatin1String("order"), QLatin1String("type"),    QLatin1String("cascade"),
-    QLatin1String("category"), QLatin1String("key"),   QLatin1String("samples"), QLatin1String("rollup")};
+    QLatin1String("category"), QLatin1String("key"),   QLatin1String("samples"), QLatin1String("rollup"),
+    QLatin1String("open")};
 
 // RFC 3986, 2.3.
 bool isUnreserved(char byte)

@@ -1,5 +1,6 @@
 #include "store/sqlite/SqliteDocuments.h"
 
+#include "json/JsonText.h"
 #include "query/PatternSearch.h"
 #include "store/StoreError.h"
 #include "store/sql/Reach.h"
@@ -20,12 +21,27 @@ struct Selection
     std::vector<ColumnPattern> patterns;
 };
 
+// One value however many they are: SQLite has a limit of values, and keeps each text of a statement.
+std::string jsonArrayOf(const std::vector<std::string>& identifiers)
+{
+    JsonArrayWriter array;
+    for (const std::string& identifier : identifiers) {
+        array.text(identifier);
+    }
+    return array.finish();
+}
+
 Selection select(const DocumentQuery& query, const DocumentTable& table)
 {
     Selection selection;
     selection.rows = Sql(" FROM " + table.view + " WHERE ").append(reachOf(query, table.view));
     if (query.parent) {
         selection.rows.append(" AND " + table.parent + " = ").appendValue(*query.parent);
+    }
+    if (query.identifiers) {
+        selection.rows.append(" AND id IN (SELECT value FROM json_each(")
+            .appendValue(jsonArrayOf(*query.identifiers))
+            .append("))");
     }
     if (query.where != nullptr) {
         Narrowing narrowing = narrow(*query.where, table.narrowable, sqliteDialect);

@@ -26,6 +26,22 @@ void SqliteExcesses::visitOfAlarm(std::int64_t point, const std::string& alarm, 
     show(statement.bind(alarm, point), visitor);
 }
 
+// Most points have no excess at their latest time: only for those that have is the count looked up.
+std::vector<std::string> SqliteExcesses::openAlarms(const std::string& project) const
+{
+    SqliteStatement statement =
+        m_connection.statement("SELECT DISTINCT e.alarm FROM point_locations AS p JOIN excesses AS e "
+                               "ON e.point = p.point AND e.time = p.last_time WHERE p.project = ? AND "
+                               "e.count = (SELECT max(s.count) FROM samples AS s WHERE s.point = e.point "
+                               "AND s.time = e.time) ORDER BY e.alarm");
+    statement.bind(project);
+    std::vector<std::string> alarms;
+    while (statement.step()) {
+        alarms.push_back(statement.text(0));
+    }
+    return alarms;
+}
+
 void SqliteExcesses::insert(std::int64_t point, const ReadingInExcess& reading)
 {
     m_connection.statement("INSERT INTO excesses (point, time, count, alarm) VALUES (?, ?, ?, ?)")

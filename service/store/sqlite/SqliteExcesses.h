@@ -12,6 +12,7 @@ public:
 
     void visit(std::int64_t point, Instant from, Instant before, const Visitor& visitor) const override;
     void visitOfAlarm(std::int64_t point, const std::string& alarm, const Visitor& visitor) const override;
+    std::vector<std::string> openAlarms(const std::string& project) const override;
     void insert(std::int64_t point, const ReadingInExcess& reading) override;
     void remove(std::int64_t point, Instant time, std::int32_t count) override;
 

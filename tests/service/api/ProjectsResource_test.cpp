@@ -95,7 +95,7 @@ TEST_F(ProjectsResource, AboutTellsWhoAsksAndWhatTheyMay)
     EXPECT_EQ(
         test::member(answer.body, "extensions"),
         R"(["about","administration","alarmReasons","changes","deliveryResults","deliveryUndo","groupSides",)"
-        R"("pointChanges","pointDeletion","pointSummaries","projects","subCategoryKinds"])");
+        R"("openAlarms","pointChanges","pointDeletion","pointSummaries","projects","subCategoryKinds"])");
     EXPECT_EQ(test::member(answer.body, "owner"), "Bea");
     EXPECT_EQ(test::member(answer.body, "rights"),
               R"([{"projectId":"p1","category":null,"rights":["read"]},)"

@@ -95,6 +95,26 @@ TEST_P(DocumentQueries, FindGivesWhatAccessIsDecidedBy)
     EXPECT_FALSE(session->documents(DocumentKind::Cell).find("c9"));
 }
 
+TEST_P(DocumentQueries, ReachTheIdentifiersNamedAlone)
+{
+    DocumentQuery query = all();
+    query.identifiers = {"c6", "c2", "c3", "c3", "d1", "c9", "\"c4\""};
+    EXPECT_THAT(ids(query), ElementsAre("c2", "c3", "c6"));
+    EXPECT_EQ(session->documents(DocumentKind::Cell).count(query), 3U);
+    query.limit = 1;
+    query.skip = 1;
+    EXPECT_THAT(ids(query), ElementsAre("c3"));
+    query = all();
+    query.identifiers = {"c2", "c3", "c6"};
+    const Where where = Where::parse(R"({"name":{"$regex":"^b","$options":"i"}})");
+    query.where = &where;
+    EXPECT_THAT(ids(query), ElementsAre("c3"));
+    query.identifiers = std::vector<std::string>();
+    EXPECT_THAT(ids(query), IsEmpty());
+    query.identifiers = std::vector<std::string>(100'000, "c1");
+    EXPECT_THAT(ids(query), ElementsAre("c1"));
+}
+
 TEST_P(DocumentQueries, OrderIsKeptWithTiesByIdentifier)
 {
     DocumentQuery query = all();

@@ -6,6 +6,7 @@ namespace monitorservice::test {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 // Two points and two alarms of one monitoring.
 class ReadingsInExcess : public StoreContract
@@ -34,13 +35,22 @@ protected:
         other = insertPoint("w2");
     }
 
+    static std::string pointDocument(const std::string& id)
+    {
+        return R"({"_id":")" + id + R"(","projectId":"p","cellId":"c","subCategoryId":"s","name":")" + id +
+               R"(","depth":"","lastDate":""})";
+    }
+
     std::int64_t insertPoint(const std::string& id)
     {
-        return session->measurements().insertPoint(
-            "p", id,
-            R"({"_id":")" + id + R"(","projectId":"p","cellId":"c","subCategoryId":"s","name":")" + id +
-                R"(","depth":"","lastDate":""})",
-            0);
+        return session->measurements().insertPoint("p", id, pointDocument(id), 0);
+    }
+
+    // None of the point is later.
+    void measure(const std::string& id, std::int64_t of, Instant time, std::int32_t count)
+    {
+        session->measurements().insertSample(of, {time, count, 0, 1.0, "A"}, 0);
+        session->measurements().replacePoint(of, pointDocument(id), time, std::nullopt);
     }
 
     Excesses& excesses() { return session->excesses(); }
@@ -78,6 +88,42 @@ TEST_P(ReadingsInExcess, AreThoseOfAPointAndAPeriodInOrder)
     std::vector<std::string> ofAlarm;
     excesses().visitOfAlarm(point, "a1", into(ofAlarm));
     EXPECT_THAT(ofAlarm, ElementsAre("-10/5 a1", "10/-1 a1", "10/2 a1"));
+}
+
+TEST_P(ReadingsInExcess, OfThePresentMakeTheirAlarmsOpen)
+{
+    measure("w1", point, 10, 1);
+    excesses().insert(point, {10, 1, "a1"});
+    EXPECT_THAT(excesses().openAlarms("p"), ElementsAre("a1"));
+    measure("w1", point, 20, 1);
+    EXPECT_THAT(excesses().openAlarms("p"), IsEmpty());
+    excesses().insert(point, {20, 1, "a2"});
+    EXPECT_THAT(excesses().openAlarms("p"), ElementsAre("a2"));
+    measure("w2", other, -10, -1);
+    excesses().insert(other, {-10, -1, "a1"});
+    EXPECT_THAT(excesses().openAlarms("p"), ElementsAre("a1", "a2"));
+    measure("w3", insertPoint("w3"), 30, 1);
+    EXPECT_THAT(excesses().openAlarms("p"), ElementsAre("a1", "a2"));
+    EXPECT_THAT(excesses().openAlarms("q"), IsEmpty());
+}
+
+TEST_P(ReadingsInExcess, OfTheGreatestCountTellAtTheLatestTime)
+{
+    measure("w1", point, 10, 2);
+    measure("w1", point, 10, -3);
+    excesses().insert(point, {10, -3, "a1"});
+    EXPECT_THAT(excesses().openAlarms("p"), IsEmpty());
+    excesses().insert(point, {10, 2, "a2"});
+    EXPECT_THAT(excesses().openAlarms("p"), ElementsAre("a2"));
+}
+
+TEST_P(ReadingsInExcess, MakeAnAlarmOpenOnce)
+{
+    measure("w1", point, 10, 1);
+    measure("w2", other, 10, 1);
+    excesses().insert(point, {10, 1, "a1"});
+    excesses().insert(other, {10, 1, "a1"});
+    EXPECT_THAT(excesses().openAlarms("p"), ElementsAre("a1"));
 }
 
 TEST_P(ReadingsInExcess, StandInOneAlarm)

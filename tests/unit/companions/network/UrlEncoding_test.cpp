@@ -70,6 +70,7 @@ TEST(UrlEncoding, WhereIsReadAsJson)
     EXPECT_EQ(encoded("c?expand=true&where={}"), "c?expand=true&where=%7B%7D");
     EXPECT_EQ(encoded("c?where={}&type=depth&expand=true"), "c?where=%7B%7D&type=depth&expand=true");
     EXPECT_EQ(encoded("c?where={}&samples=latest&rollup=true"), "c?where=%7B%7D&samples=latest&rollup=true");
+    EXPECT_EQ(encoded("c?where={}&limit=1&open=true"), "c?where=%7B%7D&limit=1&open=true");
 }
 
 TEST(UrlEncoding, WhereThatIsNoDocumentIsAllTheRest)

@@ -126,7 +126,8 @@ TEST_F(Points, AreCounted)
     server.answerJson(200, R"({"count":1234})");
     EXPECT_EQ(service.pointSummaryCount("p7"_q, {}), 1234);
     EXPECT_EQ(lastRequest(), "GET projects/p7/pointLocations");
-    EXPECT_EQ(lastQuery(), (Query{{"where"_q, "{}"_q}, {"only_count"_q, "true"_q}}));
+    EXPECT_EQ(lastQuery(),
+              (Query{{"where"_q, "{}"_q}, {"only_count"_q, "true"_q}, {"samples"_q, "latest"_q}}));
 }
 
 TEST_F(Points, AreSummedUpByNothingButThePageThatWasAskedFor)

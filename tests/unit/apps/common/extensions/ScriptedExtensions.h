@@ -26,9 +26,10 @@ protected:
     /// Has the service say that it can everything.
     void announceAll()
     {
-        server.answerJson(200, about(R"("about","alarmReasons","changes","deliveryUndo","groupSides",)"
-                                     R"("pointChanges","pointDeletion","pointSummaries","projects",)"
-                                     R"("subCategoryKinds")"));
+        server.answerJson(200,
+                          about(R"("about","alarmReasons","changes","deliveryUndo","groupSides",)"
+                                R"("openAlarms","pointChanges","pointDeletion","pointSummaries","projects",)"
+                                R"("subCategoryKinds")"));
         EXPECT_TRUE(service.has(Extension::About));
     }
 

@@ -68,6 +68,10 @@ protected:
              [](auto& it) {
                  it.changeCount("p7"_q, {});
              }},
+            {"openAlarms", Extension::OpenAlarms, "GET projects/{project}/alarmManages",
+             [](auto& it) {
+                 it.openAlarms("p7"_q);
+             }},
             {"alarmReasons", Extension::AlarmReasons, "reasons in alarm details",
              [](auto& it) {
                  it.alarmReasons("x1"_q);
