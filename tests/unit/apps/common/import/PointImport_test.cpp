@@ -159,6 +159,29 @@ TEST_F(PointImport, DryRunSendsNothing)
     }
 }
 
+TEST_F(PointImport, APointThatTheServiceTellsKeepsItsInitialValueHoweverItsDepthIsSpelled)
+{
+    answerPlaces();
+    server.answerJson(200, R"({"name":"monitor-service","version":"1.2.3","extensions":["pointSummaries"],
+        "owner":"Ana","rights":[]})");
+    server.answerJson(200, R"([{"_id":"p1","cellId":"0123456789abcdef01234567",
+        "subCategoryId":"0123456789abcdef01234568","name":"W1","depth":"20.0","alias":"","dataType":0,
+        "initialValue":0,"hasInitialValue":true,"offsetDirection":"","insertCount":1,
+        "lastDate":"2015-12-17T08:00:00.000Z","category":"Slope","reference":0,"data":[]}])");
+    server.answerJson(200, R"({"count":1})");
+    server.answerJson(200, "[]");
+    const ImportResult result =
+        import(orderOf({write("a.csv", firstDay + "W1,30,2015-12-18T00:00:00-08:00,1,7\n")}));
+    ASSERT_EQ(result.newPoints.size(), 1);
+    EXPECT_EQ(result.newPoints[0].depth, "30"_q);
+    const QJsonArray body = QJsonDocument::fromJson(server.requests().last().body).array();
+    const QJsonArray points = body[0].toArray();
+    ASSERT_EQ(points.size(), 2);
+    EXPECT_EQ(points[0].toObject().value("depth"_q), "20"_q);
+    EXPECT_EQ(points[0].toObject().value("initialValue"_q).toDouble(-1), 0.0); // which leaves it as it is
+    EXPECT_EQ(points[1].toObject().value("initialValue"_q).toDouble(-1), 7.0);
+}
+
 TEST_F(PointImport, DryRunNamesRightsThatAreMissing)
 {
     answerPlaces();
