@@ -10,16 +10,16 @@
 
 namespace {
 
-const QString purpose = QStringLiteral("tell what was corrected");
+const QString tellingCorrections = QStringLiteral("tell what was corrected");
 
 // The samples of an entry; `samples` is its member `place`.
 QList<AnswerObject> samplesOf(const QJsonValue& samples, const QString& place)
 {
     if (!samples.isArray()) {
         throw Failure(FailureKind::BadAnswer,
-                      QStringLiteral("cannot %1: \"%2\" is not a list").arg(purpose, place));
+                      QStringLiteral("cannot %1: \"%2\" is not a list").arg(tellingCorrections, place));
     }
-    return objectsOf(purpose, samples.toArray(), place);
+    return objectsOf(tellingCorrections, samples.toArray(), place);
 }
 
 void addCorrections(const AuditEntry& entry, const DeliveredPoint& point,
