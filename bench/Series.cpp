@@ -5,32 +5,8 @@
 #include "time/LocalDays.h"
 
 #include <cmath>
-#include <optional>
 
 namespace monitorservice::bench {
-
-namespace {
-
-void insertDays(Session& session, std::int64_t point, const Series& series)
-{
-    LocalDays days("Europe/Vienna");
-    std::optional<DaySummary> day;
-    for (int number = 0; number < series.count; ++number) {
-        const Sample sample = series.at(number);
-        const std::int64_t dayNumber = days.dayOf(sample.time);
-        if (day && day->day != dayNumber) {
-            session.measurements().addToDay(point, *day);
-            day.reset();
-        }
-        const std::int64_t samples = day ? day->samples + 1 : 1;
-        day = DaySummary{dayNumber, sample.time, sample.count, sample.offsetMinutes, sample.value, samples};
-    }
-    if (day) {
-        session.measurements().addToDay(point, *day);
-    }
-}
-
-} // namespace
 
 Sample Series::at(int number) const
 {
@@ -57,10 +33,11 @@ void insertPoint(Session& session, const std::string& cell, const std::string& s
     point.lastCount = series.count - 1;
     point.lastDate = isoText(series.at(series.count - 1).time);
     const std::int64_t key = session.measurements().insertPoint("p", point.id, toDocument(point), 0);
+    LocalDays days("Europe/Vienna");
     for (int number = 0; number < series.count; ++number) {
-        session.measurements().insertSample(key, series.at(number), 0);
+        const Sample sample = series.at(number);
+        session.measurements().insertSample(key, days.periodOf(sample.time), sample, 0);
     }
-    insertDays(session, key, series);
 }
 
 bool holdsSamples(simdjson::dom::array data, const Series& series, int first, int count)

@@ -23,7 +23,7 @@ struct Series
     int lastBefore(Instant instant) const;
 };
 
-/// Inserts a point with the samples of a series and what is kept of each day, in Vienna's time.
+/// Inserts a point with the samples of a series, in days of Vienna's time.
 void insertPoint(Session& session, const std::string& cell, const std::string& subCategory,
                  const std::string& name, const Series& series);
 

@@ -1,6 +1,7 @@
 #include "ServedStore.h"
 
 #include "access/Secret.h"
+#include "domain/SubCategory.h"
 #include "json/JsonText.h"
 
 #include <curl/curl.h>
@@ -28,11 +29,9 @@ void insertProject(Store& store)
     session->categories().add("Settlement");
     session->categories().add("Inclinometer");
     session->documents(DocumentKind::SubCategory)
-        .insert("p", "s",
-                R"({"_id":"s","projectId":"p","name":"Ground","category":"Settlement","alias":""})");
+        .insert("p", "s", toDocument(SubCategory{"s", "p", "Ground", "Settlement", ""}));
     session->documents(DocumentKind::SubCategory)
-        .insert("p", "i",
-                R"({"_id":"i","projectId":"p","name":"Wall","category":"Inclinometer","alias":""})");
+        .insert("p", "i", toDocument(SubCategory{"i", "p", "Wall", "Inclinometer", ""}));
     session->tokens().insert({"t", "Bench", "", 1, std::nullopt, std::nullopt}, sha256(token));
     session->grants().add({session->newIdentifier(), "t", "p", std::nullopt, Right::Read, 0});
     session->commit();

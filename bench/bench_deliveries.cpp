@@ -7,6 +7,7 @@
 #include "access/Secret.h"
 #include "api/Api.h"
 #include "domain/Group.h"
+#include "domain/SubCategory.h"
 #include "http/HttpServer.h"
 #include "service/http/RawClient.h"
 #include "store/OpenStore.h"
@@ -52,9 +53,17 @@ void fill(Store& store)
         session->documents(DocumentKind::Cell).insert("p", id, document);
     }
     session->documents(DocumentKind::SubCategory)
-        .insert("p", "s", R"({"_id":"s","projectId":"p","name":"Level","category":"Settlement","alias":""})");
-    session->documents(DocumentKind::Group)
-        .insert("p", "g", toDocument(Group{"g", "p", "c0", "s", "G", {"W0", "W1"}, 0, 5, 1000, {}, {}}));
+        .insert("p", "s", toDocument(SubCategory{"s", "p", "Level", "Settlement", ""}));
+    Group group;
+    group.id = "g";
+    group.project = "p";
+    group.cell = "c0";
+    group.subCategory = "s";
+    group.name = "G";
+    group.points = {"W0", "W1"};
+    group.dayVariation = 5;
+    group.totalVariation = 1000;
+    session->documents(DocumentKind::Group).insert("p", "g", toDocument(group));
     session->tokens().insert({"t", "Ada", "", 1, std::nullopt, std::nullopt}, sha256("rkm_bench"));
     session->grants().add({"g", "t", "p", std::nullopt, Rights::ofBits(15), 1});
     session->commit();

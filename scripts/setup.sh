@@ -8,12 +8,13 @@ set -euo pipefail
 packages=(
   g++ cmake ninja-build pkg-config
   qtbase5-dev libcurl4-openssl-dev zlib1g-dev                       # library and companions
-  libboost1.81-dev libsimdjson-dev libpcre2-dev libsqlitecpp-dev    # service
+  libboost1.81-dev libsimdjson-dev libpcre2-dev libsqlitecpp-dev libpq-dev # service
   libsqlite3-dev libssl-dev libhowardhinnant-date-dev nlohmann-json3-dev tzdata
   libcli11-dev libutf8proc-dev                                      # command lines
   liborcus-dev                                                      # spreadsheets
   libqwt-qt5-dev libqt5svg5-dev fonts-dejavu-core fonts-wqy-microhei # charts
   libgtest-dev libgmock-dev python3 python3-aiosmtpd                # tests
+  postgresql-15                                                     # the server that some of them start for themselves
 )
 if [ "${1:-}" = --checks ]; then
   packages+=(clang-format-14 clang-tidy-14 clang-14 libclang-rt-14-dev llvm-14 valgrind)

@@ -1,6 +1,7 @@
 #include "ServeCommand.h"
 
 #include "NotifyCommandLine.h"
+#include "admin/StoreCommandLine.h"
 #include "api/Api.h"
 #include "http/HttpServer.h"
 #include "http/ListenAddress.h"
@@ -20,7 +21,7 @@ namespace {
 
 struct ServeSettings
 {
-    std::string file;
+    StoreOnCommandLine store;
     std::string listen = "127.0.0.1:8600";
     bool log = false;
     NotifyOptions notify;
@@ -54,10 +55,10 @@ HttpHandler logged(HttpHandler handler)
     };
 }
 
-std::unique_ptr<Store> openStoreOfService(const std::string& file, const std::set<Channel>& channels)
+std::unique_ptr<Store> openStoreOfService(const std::string& location, const std::set<Channel>& channels)
 {
-    if (!storeExists(file)) {
-        std::cerr << "monitor-service: " << file << " does not exist and is made\n";
+    if (!storeExists(location)) {
+        std::cerr << "monitor-service: " << nameOfStore(location) << " holds no data yet; they are made\n";
     }
     StoreOptions options;
     options.createIfMissing = true;
@@ -67,7 +68,7 @@ std::unique_ptr<Store> openStoreOfService(const std::string& file, const std::se
     // what became of the request.
     options.patience = std::chrono::seconds(15);
     options.channels = channels;
-    return openStore(file, options);
+    return openStore(location, options);
 }
 
 void logNotification(const std::string& line)
@@ -101,7 +102,8 @@ void serve(const ServeSettings& settings)
         std::cerr << "monitor-service: alarms are only stored: nobody is told of them without --smtp-url or "
                      "--alarm-webhook\n";
     }
-    const std::unique_ptr<Store> store = openStoreOfService(settings.file, channelsOf(transports));
+    const std::unique_ptr<Store> store =
+        openStoreOfService(locationOf(settings.store), channelsOf(transports));
     const auto counters = std::make_shared<HttpCounters>();
     const Api api(*store, counters);
     HttpHandler handler = [&api](HttpRequest&& request) {
@@ -122,23 +124,23 @@ void addServeCommand(CLI::App& application)
 {
     CLI::App* const command = application.add_subcommand("serve", "Answer requests until SIGTERM or SIGINT");
     const auto settings = std::make_shared<ServeSettings>();
-    command->add_option("--data", settings->file, "The service's data; made when there is no such file")
-        ->required()
-        ->type_name("FILE")
-        ->envname("MONITOR_SERVICE_DATA");
+    addStoreOptions(*command, settings->store);
     command->add_option("--listen", settings->listen, "IP address and port; port 0 is any free one")
         ->capture_default_str()
         ->type_name("ADDRESS:PORT");
     addNotifyOptions(*command, settings->notify);
     command->add_flag("--log", settings->log, "A line for each request on the standard error");
-    command->footer(R"(
-Prints "monitor-service listening on http://127.0.0.1:PORT/" when it is ready.
+    command->footer(std::string(R"(
+Data that are not there yet are made. Prints "monitor-service listening on http://127.0.0.1:PORT/" when it is ready.
 
 Examples:
   monitor-service serve --data site.db
   monitor-service serve --data site.db --listen 127.0.0.1:0 --log
   monitor-service serve --data site.db --smtp-url smtps://mail.example.org --smtp-from alarms@example.org \
-    --smtp-credentials-file mail.secret)");
+    --smtp-credentials-file mail.secret
+  monitor-service serve --store-url-file site.url --listen 127.0.0.1:0
+
+)") + storeEnvironment);
     command->callback([settings] { serve(*settings); });
 }
 

@@ -13,7 +13,7 @@ namespace monitorservice {
 
 namespace {
 
-constexpr const char* examples = R"(
+const std::string examples = std::string(R"(
 Examples:
   monitor-service admin --data site.db project create --name "Harbour tunnel" --time-zone Europe/Vienna
   monitor-service admin --data site.db category add Settlement Inclinometer
@@ -26,9 +26,10 @@ Examples:
   monitor-service admin --data site.db token list --json
   monitor-service admin --data site.db backup site-backup.db
   monitor-service admin restore site-backup.db --data restored.db
+  monitor-service admin --store-url-file site.url project list
 
 Everything takes effect at once, also while the service runs.
-Environment: MONITOR_SERVICE_DATA names the file when --data is not given.)";
+)") + storeEnvironment;
 
 std::size_t characters(const std::string& text)
 {
@@ -110,14 +111,13 @@ std::string suggestionFor(const AdministrationError& unknown, const Session& ses
                : didYouMeanIdentifier(unknown.value(), knownAs(unknown.subject(), session));
 }
 
-// To every command, so that it may stand before and behind each word; opening the data requires it. Gives
-// that of the command itself.
-CLI::Option* addDataOption(CLI::App& command, AdminSettings& settings)
+// To every command, so that they may stand before and behind each word; opening the data requires one.
+void addDataOptions(CLI::App& command, AdminSettings& settings)
 {
     for (CLI::App* const below : command.get_subcommands({})) {
-        addDataOption(*below, settings);
+        addDataOptions(*below, settings);
     }
-    return command.add_option("--data", settings.file, "The service's data")->type_name("FILE");
+    addStoreOptions(command, settings.store);
 }
 
 } // namespace
@@ -135,27 +135,19 @@ void addAdminCommand(CLI::App& application)
     addTokenCommands(*admin, settings);
     addGrantCommands(*admin, settings);
     addBackupCommands(*admin, settings);
-    addDataOption(*admin, *settings)->envname("MONITOR_SERVICE_DATA");
-}
-
-const std::string& dataOf(const AdminSettings& settings)
-{
-    if (settings.file.empty()) {
-        throw CLI::RequiredError("--data");
-    }
-    return settings.file;
+    addDataOptions(*admin, *settings);
 }
 
 std::unique_ptr<Store> openOrCreate(const AdminSettings& settings)
 {
     StoreOptions options;
     options.createIfMissing = true;
-    return openStore(dataOf(settings), options);
+    return openStore(locationOf(settings.store), options);
 }
 
 std::unique_ptr<Store> openExisting(const AdminSettings& settings)
 {
-    return openStore(dataOf(settings));
+    return openStore(locationOf(settings.store));
 }
 
 void explain(const AdministrationError& error, const Session* session)

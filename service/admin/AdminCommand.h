@@ -1,5 +1,6 @@
 #pragma once
 
+#include "admin/StoreCommandLine.h"
 #include "administration/AdministrationError.h"
 #include "store/Store.h"
 
@@ -22,7 +23,7 @@ public:
 /// What every admin command is given.
 struct AdminSettings
 {
-    std::string file; ///< the service's data
+    StoreOnCommandLine store;
 };
 
 /// Adds `admin` with everything below it. The commands run while the line is parsed, write what was asked for
@@ -36,9 +37,7 @@ void addSubCategoryCommands(CLI::App& admin, const std::shared_ptr<AdminSettings
 void addTokenCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);
 void addGrantCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);
 
-/// The service's data; throws CLI::RequiredError when they were not given.
-const std::string& dataOf(const AdminSettings& settings);
-/// Opens the data; makes an empty file where there is none.
+/// Opens the data; sets them up where there are none.
 std::unique_ptr<Store> openOrCreate(const AdminSettings& settings);
 /// Opens the data; there must be some.
 std::unique_ptr<Store> openExisting(const AdminSettings& settings);

@@ -12,7 +12,7 @@ void addBackupCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& se
     const auto copy = std::make_shared<std::string>();
     backup->add_option("file", *copy, "The copy; it must not exist")->required()->type_name("FILE");
     backup->callback([settings, copy] {
-        backUpStore(dataOf(*settings), *copy);
+        backUpStore(locationOf(settings->store), *copy);
         std::cerr << *copy << " is whole and checked\n";
     });
 
@@ -21,8 +21,9 @@ void addBackupCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& se
     const auto source = std::make_shared<std::string>();
     restore->add_option("file", *source, "The backup; it stays as it is")->required()->type_name("FILE");
     restore->callback([settings, source] {
-        restoreStore(*source, dataOf(*settings));
-        std::cerr << dataOf(*settings) << " is whole and checked\n";
+        const std::string location = locationOf(settings->store);
+        restoreStore(*source, location);
+        std::cerr << nameOfStore(location) << " is whole and checked\n";
     });
 }
 

@@ -42,6 +42,11 @@ HttpResponse answerStoreError(const StoreError& error)
     switch (error.failure()) {
     case StoreFailure::Busy:
         return errorResponse(503, "the store is busy; try again");
+    case StoreFailure::Unreachable:
+        report(error);
+        return errorResponse(503,
+                             "the store cannot be reached at present; what was written may or may not be "
+                             "there");
     case StoreFailure::Full:
         report(error);
         return errorResponse(503, "the store has no room left; nothing can be written until there is some");

@@ -1,8 +1,8 @@
 #include "delivery/DeliveryParser.h"
 
 #include "delivery/DeliveryRefusal.h"
-#include "delivery/JsonPieces.h"
 #include "domain/Depth.h"
+#include "json/JsonPieces.h"
 #include "json/JsonText.h"
 #include "query/QuotedText.h"
 #include "time/Timestamp.h"

@@ -3,6 +3,7 @@
 #include "delivery/DeliveryRefusal.h"
 #include "delivery/DeliveryTrail.h"
 #include "domain/Assign.h"
+#include "time/DayPeriod.h"
 #include "time/Timestamp.h"
 
 #include <tuple>
@@ -58,18 +59,13 @@ public:
     void add(const DeliveredSample& delivered)
     {
         Sample sample = sampleOf(m_merging.delivery, delivered);
-        const bool isNew = m_measurements.insertSample(m_merged.key, sample, m_merging.mark.number);
-        if (!isNew && !correct(sample, delivered)) {
+        const DayPeriod day = m_merging.target.days->periodOf(sample.time);
+        const bool isNew = m_measurements.insertSample(m_merged.key, day, sample, m_merging.mark.number);
+        if (!isNew && !correct(day, sample, delivered)) {
             return;
         }
         m_merged.changed = true;
         (isNew ? m_merged.inserted : m_merged.corrected) += 1;
-        const std::int64_t day = m_merging.target.days->dayOf(sample.time);
-        if (m_day && m_day->day != day) {
-            finish();
-        }
-        const std::int64_t samples = (m_day ? m_day->samples : 0) + (isNew ? 1 : 0);
-        m_day = DaySummary{day, sample.time, sample.count, sample.offsetMinutes, sample.value, samples};
         noteLatest(sample);
         if (m_withReadings) {
             m_merged.changedReadings.push_back(
@@ -77,18 +73,10 @@ public:
         }
     }
 
-    void finish()
-    {
-        if (m_day) {
-            m_measurements.addToDay(m_merged.key, *m_day);
-            m_day.reset();
-        }
-    }
-
 private:
     // The time as text with another offset is the same time: such a sample is held already, and keeps its
     // offset. Gives whether anything was corrected.
-    bool correct(Sample& sample, const DeliveredSample& delivered)
+    bool correct(const DayPeriod& day, Sample& sample, const DeliveredSample& delivered)
     {
         const std::optional<Sample> held = m_measurements.findSample(m_merged.key, sample.time, sample.count);
         if (!held) {
@@ -103,7 +91,7 @@ private:
         }
         m_merged.isAppended = false;
         sample.offsetMinutes = held->offsetMinutes;
-        m_measurements.replaceSample(m_merged.key, sample);
+        m_measurements.replaceSample(m_merged.key, day, sample);
         m_trail.sampleCorrected(*held, sample);
         return true;
     }
@@ -126,7 +114,6 @@ private:
     MergedPoint& m_merged;
     DeliveryTrail& m_trail;
     bool m_withReadings;
-    std::optional<DaySummary> m_day;
 };
 
 PointLocation newLocation(Session& session, const DeliveryTarget& target, const DeliveredPoint& point,
@@ -211,7 +198,6 @@ MergedPoint mergePoint(Session& session, const Merging& merging, const Delivered
     for (const DeliveredSample& sample : point.samples) {
         samples.add(sample);
     }
-    samples.finish();
     trail.finish();
     if (merged.changed) {
         // The file alone is no change: an earlier delivery that is repeated does not put its file back.

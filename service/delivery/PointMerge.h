@@ -39,9 +39,9 @@ struct Merging
 };
 
 /// Brings a delivered point into the store: creates it when it is new, takes over its description, adds the
-/// samples that it does not have and corrects those that it has with another value or flag, and keeps its
-/// days and the audit trail. A repeated delivery changes nothing. Throws DeliveryRefusal when what is there
-/// would change - a sample, the initial value behind samples, links - and the sender may not edit.
+/// samples that it does not have and corrects those that it has with another value or flag, and keeps the
+/// audit trail. A repeated delivery changes nothing. Throws DeliveryRefusal when what is there would change -
+/// a sample, the initial value behind samples, links - and the sender may not edit.
 MergedPoint mergePoint(Session& session, const Merging& merging, const DeliveredPoint& point,
                        bool withReadings);
 

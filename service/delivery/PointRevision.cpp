@@ -12,9 +12,9 @@ PointRevision::PointRevision(Session& session, const DeliveryTarget& target, con
 
 void PointRevision::remove(const Sample& sample)
 {
-    m_session.measurements().removeSample(m_key, sample.time, sample.count);
+    m_session.measurements().removeSample(m_key, m_target.days->periodOf(sample.time), sample.time,
+                                          sample.count);
     m_trail.sampleRemoved(sample);
-    m_days.insert(m_target.days->dayOf(sample.time));
     m_removed.emplace(sample.time, sample.count);
 }
 
@@ -25,9 +25,8 @@ void PointRevision::restore(const Sample& sample)
     if (!held || (held->value == sample.value && held->timeFlag == sample.timeFlag)) {
         return;
     }
-    measurements.replaceSample(m_key, sample);
+    measurements.replaceSample(m_key, m_target.days->periodOf(sample.time), sample);
     m_trail.sampleCorrected(*held, sample);
-    m_days.insert(m_target.days->dayOf(sample.time));
     m_restored[{sample.time, sample.count}] = {sample.time, sample.count, held->offsetMinutes, sample.value};
 }
 
@@ -46,7 +45,6 @@ ChangedPoint PointRevision::finish(const std::optional<std::int64_t>& delivery)
         changed.readings.push_back(reading);
     }
     if (isDescribed || !m_removed.empty() || !m_restored.empty()) {
-        recountDays();
         m_location.insertCount -= removed();
         const std::optional<Instant> lastTime = noteLatest();
         m_location.stamp.change(m_author);
@@ -56,14 +54,6 @@ ChangedPoint PointRevision::finish(const std::optional<std::int64_t>& delivery)
     }
     changed.samplesHeld = m_location.insertCount;
     return changed;
-}
-
-void PointRevision::recountDays()
-{
-    for (const std::int64_t day : m_days) {
-        m_session.measurements().recountDay(m_key, day, m_target.days->beginOf(day),
-                                            m_target.days->beginOf(day + 1));
-    }
 }
 
 std::optional<Instant> PointRevision::noteLatest()

@@ -17,7 +17,7 @@
 namespace monitorservice {
 
 /// Takes samples of a point away, gives samples the values that they had, and keeps what follows from that:
-/// days, the point's number of samples and its latest one, the audit trail.
+/// the point's number of samples and its latest one, the audit trail.
 class PointRevision
 {
 public:
@@ -42,7 +42,6 @@ public:
     std::int64_t restored() const { return static_cast<std::int64_t>(m_restored.size()); }
 
 private:
-    void recountDays();
     std::optional<Instant> noteLatest();
 
     Session& m_session;
@@ -52,7 +51,6 @@ private:
     PointLocation m_before;
     PointLocation m_location;
     DeliveryTrail m_trail;
-    std::set<std::int64_t> m_days;
     std::map<ReadingKey, Reading> m_restored;
     std::set<ReadingKey> m_removed;
 };

@@ -1,7 +1,7 @@
 #include "notify/NotifySettings.h"
 
+#include "access/SecretFile.h"
 #include "notify/MailAddress.h"
-#include "notify/SecretFile.h"
 
 #include <curl/curl.h>
 

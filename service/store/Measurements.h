@@ -5,6 +5,7 @@
 #include "store/PointSelection.h"
 #include "store/StoreInterface.h"
 #include "store/StoredDocument.h"
+#include "time/DayPeriod.h"
 
 #include <cstdint>
 #include <functional>
@@ -15,8 +16,9 @@
 
 namespace monitorservice {
 
-/// The samples of the point locations, and what is kept of each day. Every member may throw StoreError. A
-/// visitor must not call into the session, as with Documents::Visitor.
+/// The samples of the point locations, and what is kept of each day: that is what the day's samples give, at
+/// any time. Every member may throw StoreError. A visitor must not call into the session, as with
+/// Documents::Visitor.
 class Measurements : public StoreInterface
 {
 public:
@@ -59,7 +61,7 @@ public:
     virtual bool replaceLinks(std::int64_t point, const std::string& links, Instant when,
                               const std::string& who) = 0;
     /// Points and samples by a condition. The session must outlive the selection, and has one at a time;
-    /// while it does, the session is read through it alone.
+    /// while it does, the session is read through it alone, and nothing is written.
     virtual std::unique_ptr<PointSelection> select(const DocumentQuery& query) const = 0;
 
     /// The first in the order of time and count.
@@ -76,12 +78,16 @@ public:
     /// The numbers of the deliveries that have made the point or inserted samples held, the latest first.
     virtual std::vector<std::int64_t> deliveriesOf(std::int64_t point) const = 0;
     /// False when the point has a sample of this time and count; nothing is changed then. `delivery` is the
-    /// number of the delivery that inserts it.
-    virtual bool insertSample(std::int64_t point, const Sample& sample, std::int64_t delivery) = 0;
-    /// Gives the sample of this time and count the value and the flag.
-    virtual void replaceSample(std::int64_t point, const Sample& sample) = 0;
+    /// number of the delivery that inserts it. Here and below `day` is the one that the time lies in; all
+    /// samples of a point come with days of the same time zone. It costs least when the samples of a point's
+    /// day come one after another.
+    virtual bool insertSample(std::int64_t point, const DayPeriod& day, const Sample& sample,
+                              std::int64_t delivery) = 0;
+    /// Gives the sample of this time and count the value and the flag; its offset stays. Nothing is changed
+    /// when there is no such sample.
+    virtual void replaceSample(std::int64_t point, const DayPeriod& day, const Sample& sample) = 0;
     /// Nothing is changed when there is no such sample.
-    virtual void removeSample(std::int64_t point, Instant time, std::int32_t count) = 0;
+    virtual void removeSample(std::int64_t point, const DayPeriod& day, Instant time, std::int32_t count) = 0;
 
     /// Days from the first to the last one named, both included, ascending.
     virtual void visitDays(std::int64_t point, std::int64_t first, std::int64_t last,
@@ -90,13 +96,6 @@ public:
     virtual std::optional<DaySummary> latestDayBefore(std::int64_t point, std::int64_t day) const = 0;
     /// The earliest day after the one named that has samples.
     virtual std::optional<DaySummary> earliestDayAfter(std::int64_t point, std::int64_t day) const = 0;
-    /// Adds samples to a day: their number to its own; the last of them becomes the day's last one unless
-    /// that is later. One that is as late replaces it: it is the same sample with a corrected value. What is
-    /// kept of a day is what its samples give as long as every sample written is added to its day as well.
-    virtual void addToDay(std::int64_t point, const DaySummary& added) = 0;
-    /// Makes what is kept of a day what its samples give, which are those from `from` to before `before`: one
-    /// without samples goes.
-    virtual void recountDay(std::int64_t point, std::int64_t day, Instant from, Instant before) = 0;
 
     /// Removes all that was delivered for the monitoring and sub-category or followed from it: points,
     /// samples, days, the data manage with its history, alarms with their details. Groups stay.

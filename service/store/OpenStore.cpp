@@ -1,5 +1,6 @@
 #include "store/OpenStore.h"
 
+#include "store/postgres/PostgresStore.h"
 #include "store/sqlite/SqliteCopy.h"
 #include "store/sqlite/SqliteStore.h"
 
@@ -25,13 +26,28 @@ std::string_view schemeOf(std::string_view location)
     return isScheme ? scheme : std::string_view();
 }
 
-void requirePath(const std::string& location)
+bool isDatabase(const std::string& location)
 {
     const std::string_view scheme = schemeOf(location);
-    if (!scheme.empty()) {
+    if (scheme.empty()) {
+        return false;
+    }
+    if (scheme != "postgresql" && scheme != "postgres") {
         // The rest of it may hold a password.
-        throw StoreError(StoreFailure::CannotOpen, "cannot open " + std::string(scheme) +
-                                                       "://...: data are kept in a file, given by its path");
+        throw StoreError(StoreFailure::CannotOpen,
+                         "cannot open " + std::string(scheme) +
+                             "://...: data are kept in a file, given by its path, or at postgresql://...");
+    }
+    return true;
+}
+
+void requireFile(const std::string& location)
+{
+    if (isDatabase(location)) {
+        throw StoreError(StoreFailure::CannotOpen,
+                         nameOfStore(location) +
+                             " is a database: back it up and restore it with its own tools, such as pg_dump "
+                             "and pg_restore");
     }
 }
 
@@ -39,25 +55,35 @@ void requirePath(const std::string& location)
 
 std::unique_ptr<Store> openStore(const std::string& location, const StoreOptions& options)
 {
-    requirePath(location);
+    if (isDatabase(location)) {
+        return std::make_unique<PostgresStore>(location, options);
+    }
     return std::make_unique<SqliteStore>(location, options);
 }
 
 bool storeExists(const std::string& location)
 {
+    if (isDatabase(location)) {
+        return PostgresStore::exists(location);
+    }
     std::error_code error;
-    return schemeOf(location).empty() && std::filesystem::exists(location, error);
+    return std::filesystem::exists(location, error);
+}
+
+std::string nameOfStore(const std::string& location)
+{
+    return isDatabase(location) ? PostgresStore::nameOf(location) : location;
 }
 
 void backUpStore(const std::string& location, const std::string& file)
 {
-    requirePath(location);
+    requireFile(location);
     backUpDatabase(location, file);
 }
 
 void restoreStore(const std::string& file, const std::string& location)
 {
-    requirePath(location);
+    requireFile(location);
     restoreDatabase(file, location);
 }
 

@@ -9,6 +9,7 @@ namespace monitorservice {
 enum class StoreFailure
 {
     Busy,        ///< other writers took longer than the patience of the store; trying again later helps
+    Unreachable, ///< the database cannot be reached; whether a commit took place may be unknown
     Full,        ///< no room left where the data lie
     NotWritable, ///< writing failed for another reason: the disk does not let it; what is held can be read
     InputOutput, ///< reading failed, or what was read is damaged

@@ -15,6 +15,8 @@ constexpr std::int64_t millisecondsPerDay = 24LL * 60 * 60 * 1000;
 // The database says "for ever" with instants that milliseconds cannot hold.
 constexpr Instant earliest = -100'000 * 366 * millisecondsPerDay;
 constexpr Instant latest = 100'000 * 366 * millisecondsPerDay;
+// No clock was ever put so far: what is farther from a change of the offset is on the wall only once.
+constexpr std::int64_t farFromAJump = 2 * millisecondsPerDay;
 
 Instant bounded(date::sys_seconds time)
 {
@@ -38,14 +40,25 @@ const date::time_zone* located(const std::string& name)
 
 LocalDays::LocalDays(const std::string& timeZone) : m_zone(located(timeZone)) {}
 
-std::int64_t LocalDays::dayOf(Instant instant)
+DayPeriod LocalDays::periodOf(Instant instant)
 {
+    if (instant >= m_period.from && instant < m_period.before) {
+        return m_period;
+    }
     const milliseconds local(instant + offsetAt(instant));
-    return date::floor<date::days>(local).count();
+    const std::int64_t onTheWall = date::floor<date::days>(local).count();
+    const Instant next = beginOf(onTheWall + 1);
+    m_period = instant < next ? DayPeriod{onTheWall, beginOf(onTheWall), next}
+                              : DayPeriod{onTheWall + 1, next, beginOf(onTheWall + 2)};
+    return m_period;
 }
 
 Instant LocalDays::beginOf(std::int64_t day) const
 {
+    const Instant expected = day * millisecondsPerDay - m_offset;
+    if (expected - farFromAJump >= m_from && expected + farFromAJump < m_before) {
+        return expected;
+    }
     const date::local_days midnight{date::days(day)};
     return m_zone->to_sys(date::local_seconds(midnight), date::choose::earliest).time_since_epoch().count() *
            1000;

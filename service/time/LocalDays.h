@@ -1,5 +1,6 @@
 #pragma once
 
+#include "time/DayPeriod.h"
 #include "time/Instant.h"
 
 #include <cstdint>
@@ -26,8 +27,10 @@ public:
     /// Throws UnknownTimeZone when the time zone database has no zone of this name.
     explicit LocalDays(const std::string& timeZone);
 
-    /// The day of the calendar on the wall at this instant.
-    std::int64_t dayOf(Instant instant);
+    /// The day that the instant lies in: that of the calendar on the wall, unless the clock was put back over
+    /// midnight. A day that has begun is not left again.
+    DayPeriod periodOf(Instant instant);
+    std::int64_t dayOf(Instant instant) { return periodOf(instant).day; }
 
     /// The first instant of the day: midnight, or where the clock jumps over midnight the end of that jump.
     Instant beginOf(std::int64_t day) const;
@@ -44,6 +47,7 @@ private:
     std::int64_t m_offset = 0;
     Instant m_from = 0;
     Instant m_before = 0;
+    DayPeriod m_period; ///< the one last asked for; contains nothing at first
 };
 
 } // namespace monitorservice

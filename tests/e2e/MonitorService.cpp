@@ -36,8 +36,8 @@ MonitorService::~MonitorService()
 
 bool MonitorService::start()
 {
-    m_process.start(program, {QStringLiteral("serve"), QStringLiteral("--data"), dataFile(),
-                              QStringLiteral("--listen"), QStringLiteral("127.0.0.1:0")});
+    m_process.start(program, QStringList{QStringLiteral("serve")} + data() +
+                                 QStringList{QStringLiteral("--listen"), QStringLiteral("127.0.0.1:0")});
     while (!m_process.canReadLine() && m_process.waitForReadyRead(patience)) {
     }
     static const QRegularExpression announcement(
@@ -84,8 +84,7 @@ void MonitorService::resume()
 QString MonitorService::admin(const QStringList& arguments) const
 {
     QProcess process;
-    process.start(program,
-                  QStringList{QStringLiteral("admin"), QStringLiteral("--data"), dataFile()} + arguments);
+    process.start(program, QStringList{QStringLiteral("admin")} + data() + arguments);
     EXPECT_TRUE(process.waitForFinished(patience));
     EXPECT_EQ(process.exitCode(), 0) << qPrintable(arguments.join(QLatin1Char(' '))) << ": "
                                      << process.readAllStandardError().constData();
@@ -94,6 +93,11 @@ QString MonitorService::admin(const QStringList& arguments) const
         output.chop(1);
     }
     return output;
+}
+
+QStringList MonitorService::data() const
+{
+    return {QString::fromLatin1(m_data.option()), QString::fromStdString(m_data.location())};
 }
 
 QString MonitorService::createProject(const QString& name) const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/TestStore.h"
+
 #include <QProcess>
 #include <QString>
 #include <QStringList>
@@ -39,7 +41,7 @@ public:
     QString baseAddress() const { return m_baseAddress; }
     QString folder() const { return m_folder.path(); }
 
-    /// Runs `monitor-service admin --data FILE ...` and returns what it printed, without the line end.
+    /// Runs `monitor-service admin` on its data and returns what it printed, without the line end.
     QString admin(const QStringList& arguments) const;
     QString createProject(const QString& name) const;
     /// A token with `role` (reader or editor) in the project, in every category or only in `category`.
@@ -48,8 +50,10 @@ public:
     Token createTokenWithoutRights(const QString& owner) const;
 
 private:
-    QString dataFile() const { return m_folder.filePath(QStringLiteral("data.db")); }
+    // What its commands are given of the data.
+    QStringList data() const;
 
+    monitorservice::test::TestStore m_data;
     QTemporaryDir m_folder;
     QProcess m_process;
     QString m_baseAddress;

@@ -1,6 +1,9 @@
 #include "RkmonTest.h"
 #include "Text.h"
 
+#include <QDateTime>
+#include <QTimeZone>
+
 #include <gmock/gmock.h>
 
 // What each command of rkmon does against the real service.
@@ -166,11 +169,12 @@ TEST_F(RkmonCommands, ConditionsMeanWhatWasTyped)
 TEST_F(RkmonCommands, ListsByTimeOfCreation)
 {
     const QString id = created("VH"_q);
-    const QString day = rkmon.run({"monitoring"_q, "show"_q, id, "--json"_q})
-                            .object()
-                            .value("createdAt"_q)
-                            .toString()
-                            .left(10);
+    const QString createdAt =
+        rkmon.run({"monitoring"_q, "show"_q, id, "--json"_q}).object().value("createdAt"_q).toString();
+    // Days are the project's: for hours of each day that of UTC is the next one already.
+    const QTimeZone zone("America/Los_Angeles");
+    const QString day =
+        QDateTime::fromString(createdAt, Qt::ISODateWithMs).toTimeZone(zone).date().toString(Qt::ISODate);
     EXPECT_EQ(counted({"--since"_q, day, "--until"_q, day}), "1\n"_q);
     EXPECT_EQ(counted({"--since"_q, day}), "1\n"_q);
     EXPECT_EQ(counted({"--until"_q, day}), "1\n"_q);

@@ -118,7 +118,7 @@ inline std::string exactText(double number)
 {
     std::ostringstream text;
     text.precision(std::numeric_limits<double>::max_digits10);
-    text << number;
+    text << number + 0.0; // -0 is 0
     return text.str();
 }
 
@@ -147,7 +147,7 @@ inline std::vector<std::string> contentsOf(Store& store)
             }
         }
         for (const HeldPoint& point : pointsOf(*session, project.id)) {
-            lines.push_back(project.id + " point " + std::to_string(point.key) + ' ' + point.document);
+            lines.push_back(project.id + " point " + point.document);
             for (const Sample& sample : point.samples) {
                 lines.push_back("sample of " + point.id + ' ' + std::to_string(sample.time) + ' ' +
                                 std::to_string(sample.count) + ' ' + offsetText(sample.offsetMinutes) + ' ' +

@@ -17,6 +17,16 @@ struct Dialect
     /// where they are anyway.
     std::string_view binaryCollation = {};
 
+    /// The number that a depth begins with, in a row that has a column of this name; 0 where it begins with
+    /// none.
+    std::string_view depthAsNumber = "CAST(depth AS REAL)";
+
+    /// Called with a JSON array, gives its texts in rows, in a SELECT.
+    std::string_view textsOfJson = "value FROM json_each";
+
+    /// Whether a text may hold U+0000.
+    bool textsHoldNul = true;
+
     /// Whether NULL must be told that it stands before everything else.
     bool placesNullLast = false;
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string_view>
 #include <utility>
 
 namespace monitorservice {
@@ -21,7 +22,14 @@ struct ColumnValues
     bool unknown = false;
 };
 
-ColumnValues columnValues(const NarrowableField& field, const std::vector<Operand>& operands)
+// Whether a column can hold the text at all.
+bool canHold(std::string_view text, const Dialect& dialect)
+{
+    return dialect.textsHoldNul || text.find('\0') == std::string_view::npos;
+}
+
+ColumnValues columnValues(const NarrowableField& field, const std::vector<Operand>& operands,
+                          const Dialect& dialect)
 {
     ColumnValues result;
     for (const Operand& operand : operands) {
@@ -32,7 +40,8 @@ ColumnValues columnValues(const NarrowableField& field, const std::vector<Operan
             result.rounded = true;
         } else if (field.kind != FieldKind::Time && operand.instant) {
             result.unknown = true;
-        } else if (field.kind != FieldKind::Time && operand.value.is_string()) {
+        } else if (field.kind != FieldKind::Time && operand.value.is_string() &&
+                   canHold(operand.value.get_string().value_unsafe(), dialect)) {
             result.values.emplace_back(std::string(operand.value.get_string().value_unsafe()));
         }
         // What remains equals nothing that the column holds.
@@ -81,7 +90,7 @@ private:
 
     void narrowIsOneOf()
     {
-        const ColumnValues wanted = columnValues(m_field, m_condition.operands);
+        const ColumnValues wanted = columnValues(m_field, m_condition.operands, m_dialect);
         m_result.exact = !wanted.rounded && !wanted.unknown;
         if (wanted.unknown) {
             return;
@@ -98,7 +107,7 @@ private:
 
     void narrowIsNoneOf()
     {
-        ColumnValues unwanted = columnValues(m_field, m_condition.operands);
+        ColumnValues unwanted = columnValues(m_field, m_condition.operands, m_dialect);
         m_result.exact = !unwanted.rounded && !unwanted.unknown;
         // Rows that only may be unwanted must stay.
         if (!m_result.exact) {
@@ -138,8 +147,20 @@ private:
         } else if (bound.instant) {
             narrowTimeRange(*bound.instant);
         } else {
-            setRange(m_condition.operation, std::string(bound.value.get_string().value_unsafe()));
+            narrowTextRange(bound.value.get_string().value_unsafe());
         }
+    }
+
+    // Of the texts that a column can hold, those below "a\0b" are the ones up to "a".
+    void narrowTextRange(std::string_view bound)
+    {
+        Operator operation = m_condition.operation;
+        if (!canHold(bound, m_dialect)) {
+            bound = bound.substr(0, bound.find('\0'));
+            const bool isUpperBound = operation == Operator::Less || operation == Operator::LessOrEqual;
+            operation = isUpperBound ? Operator::LessOrEqual : Operator::Greater;
+        }
+        setRange(operation, std::string(bound));
     }
 
     // The column is rounded towards the past, so "from a whole millisecond" and "before a whole millisecond"

@@ -2,11 +2,11 @@
 
 namespace monitorservice {
 
-Sql reachOf(const DocumentQuery& query, const std::string& rows)
+Sql reachOf(const DocumentQuery& query, const ProjectRows& project, const std::string& rows)
 {
     Sql reach = "TRUE";
     if (!query.everyProject) {
-        reach = Sql(rows + ".project = ").appendValue(query.project);
+        reach = Sql(rows + "." + project.column + " = ").appendValue(project.value);
     }
     if (query.categories) {
         reach.andAlso(Sql::isOneOf(rows + ".category", {query.categories->begin(), query.categories->end()}));

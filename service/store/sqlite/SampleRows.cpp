@@ -23,4 +23,9 @@ std::optional<int> offsetIn(const SqliteStatement& row, int column)
     return row.isNull(column) ? std::nullopt : std::optional(static_cast<int>(row.integer(column)));
 }
 
+std::optional<std::int64_t> offsetColumn(const std::optional<int>& offsetMinutes)
+{
+    return offsetMinutes ? std::optional<std::int64_t>(*offsetMinutes) : std::nullopt;
+}
+
 } // namespace monitorservice

@@ -3,6 +3,7 @@
 #include "domain/Sample.h"
 #include "store/sqlite/SqliteConnection.h"
 
+#include <cstdint>
 #include <optional>
 
 namespace monitorservice {
@@ -17,5 +18,7 @@ Sample sampleOf(const SqliteStatement& row);
 
 /// How far a time was written ahead of UTC; NULL when it was written in UTC.
 std::optional<int> offsetIn(const SqliteStatement& row, int column);
+/// The value of such a column.
+std::optional<std::int64_t> offsetColumn(const std::optional<int>& offsetMinutes);
 
 } // namespace monitorservice

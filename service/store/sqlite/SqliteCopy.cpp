@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::chrono::seconds patience{5};
+constexpr std::chrono::seconds patienceOfCopies{5};
 
 [[noreturn]] void refuseSource(const fs::path& file, const std::string& why)
 {
@@ -78,7 +78,7 @@ void copyTo(const fs::path& name, SqliteConnection& from)
 {
     NewFile file(name);
     {
-        SqliteConnection copy(file.unpublished(), SqliteConnection::Access::Write, patience);
+        SqliteConnection copy(file.unpublished(), SqliteConnection::Access::Write, patienceOfCopies);
         copyPages(from, copy);
         // It needs no log beside it then, and can be read where nothing can be written.
         copy.execute("PRAGMA journal_mode = DELETE");
@@ -107,7 +107,7 @@ void backUpDatabase(const fs::path& dataFile, const fs::path& copy)
     requireFile(dataFile);
     try {
         // The last one that closes the file for writing tidies its log away.
-        SqliteConnection from(dataFile, SqliteConnection::Access::Write, patience);
+        SqliteConnection from(dataFile, SqliteConnection::Access::Write, patienceOfCopies);
         requireOurs(from);
         copyTo(copy, from);
     } catch (const StoreError& error) {
@@ -119,7 +119,7 @@ void restoreDatabase(const fs::path& copy, const fs::path& dataFile)
 {
     requireFile(copy);
     try {
-        SqliteConnection from(copy, SqliteConnection::Access::Read, patience);
+        SqliteConnection from(copy, SqliteConnection::Access::Read, patienceOfCopies);
         requireOurs(from);
         requireIntact(from);
         const ServiceLock lock(dataFile);

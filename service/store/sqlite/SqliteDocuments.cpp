@@ -1,102 +1,42 @@
 #include "store/sqlite/SqliteDocuments.h"
 
-#include "json/JsonText.h"
-#include "query/PatternSearch.h"
 #include "store/StoreError.h"
-#include "store/sql/Reach.h"
-#include "store/sqlite/TextMatcher.h"
+#include "store/sql/DocumentSelection.h"
 
-#include <algorithm>
+#include <array>
 
 namespace monitorservice {
 
 namespace {
 
-// What a condition becomes in SQL: the rows to look at, and whether each of them is known to match. Otherwise
-// patterns in columns tell, or without any the document.
-struct Selection
+std::array<DocumentTable, allDocumentKinds.size()> allTables()
 {
-    Sql rows; // FROM and WHERE
-    bool exact = true;
-    std::vector<ColumnPattern> patterns;
-};
-
-// One value however many they are: SQLite has a limit of values, and keeps each text of a statement.
-std::string jsonArrayOf(const std::vector<std::string>& identifiers)
-{
-    JsonArrayWriter array;
-    for (const std::string& identifier : identifiers) {
-        array.text(identifier);
+    std::array<DocumentTable, allDocumentKinds.size()> tables;
+    for (const DocumentKind kind : allDocumentKinds) {
+        tables.at(static_cast<std::size_t>(kind)) = documentTable(kind, sqliteDialect);
     }
-    return array.finish();
+    return tables;
 }
 
-Selection select(const DocumentQuery& query, const DocumentTable& table)
+RowMatcher::Row textsOf(const SqliteStatement& row)
 {
-    Selection selection;
-    selection.rows = Sql(" FROM " + table.view + " WHERE ").append(reachOf(query, table.view));
-    if (query.parent) {
-        selection.rows.append(" AND " + table.parent + " = ").appendValue(*query.parent);
-    }
-    if (query.identifiers) {
-        selection.rows.append(" AND id IN (SELECT value FROM json_each(")
-            .appendValue(jsonArrayOf(*query.identifiers))
-            .append("))");
-    }
-    if (query.where != nullptr) {
-        Narrowing narrowing = narrow(*query.where, table.narrowable, sqliteDialect);
-        selection.rows.append(" AND (").append(narrowing.condition).append(")");
-        selection.exact = narrowing.exact;
-        selection.patterns = std::move(narrowing.patterns);
-    }
-    return selection;
+    return [&row](int column) {
+        return row.isNull(column) ? std::nullopt : std::optional(row.view(column));
+    };
 }
-
-Sql orderOf(const DocumentQuery& query, const DocumentTable& table)
-{
-    return orderBy(query.order, table.orderable, "id", sqliteDialect);
-}
-
-// Tells of one selected row after another whether it matches, by the columns that it names.
-class RowMatcher
-{
-public:
-    RowMatcher(const Where& where, const Selection& selection, const DocumentTable& table)
-        : m_patterns(selection.patterns), m_matcher(where)
-    {
-        for (const ColumnPattern& pattern : m_patterns) {
-            m_columns += ", " + pattern.column;
-        }
-        if (m_patterns.empty()) {
-            m_columns += ", " + table.searched;
-        }
-    }
-
-    // What to select: the identifier, and what the matcher looks at.
-    const std::string& columns() const { return m_columns; }
-
-    bool matches(const SqliteStatement& row)
-    {
-        return m_patterns.empty() ? m_matcher.matches(row.view(1)) : holdsPatterns(row);
-    }
-
-private:
-    bool holdsPatterns(const SqliteStatement& row)
-    {
-        int column = 0;
-        return std::all_of(m_patterns.begin(), m_patterns.end(), [&](const ColumnPattern& one) {
-            ++column;
-            return !row.isNull(column) && m_search.finds(*one.pattern, row.view(column));
-        });
-    }
-
-    std::vector<ColumnPattern> m_patterns;
-    PatternSearch m_search;
-    TextMatcher m_matcher;
-    std::string m_columns = "id";
-};
 
 } // namespace
+
+const DocumentTable& sqliteTable(DocumentKind kind)
+{
+    static const auto tables = allTables();
+    return tables.at(static_cast<std::size_t>(kind));
+}
+
+ProjectRows rowsOfProject(const DocumentQuery& query)
+{
+    return {"project", query.project};
+}
 
 std::optional<StoredDocument> SqliteDocuments::find(const std::string& id) const
 {
@@ -111,8 +51,8 @@ std::optional<StoredDocument> SqliteDocuments::find(const std::string& id) const
 
 std::uint64_t SqliteDocuments::count(const DocumentQuery& query) const
 {
-    orderOf(query, m_table); // read for its check alone
-    const Selection selection = select(query, m_table);
+    orderOf(query, m_table, sqliteDialect); // read for its check alone
+    const DocumentSelection selection = selectDocuments(query, rowsOfProject(query), m_table, sqliteDialect);
     if (selection.exact) {
         SqliteStatement statement = m_connection.bound(Sql("SELECT count(*)").append(selection.rows));
         statement.step();
@@ -120,17 +60,18 @@ std::uint64_t SqliteDocuments::count(const DocumentQuery& query) const
     }
     RowMatcher matcher(*query.where, selection, m_table);
     SqliteStatement statement = m_connection.bound(Sql("SELECT " + matcher.columns()).append(selection.rows));
+    const RowMatcher::Row row = textsOf(statement);
     std::uint64_t matching = 0;
     while (statement.step()) {
-        matching += matcher.matches(statement) ? 1 : 0;
+        matching += matcher.matches(row) ? 1 : 0;
     }
     return matching;
 }
 
 void SqliteDocuments::visit(const DocumentQuery& query, const Visitor& visitor) const
 {
-    const Sql order = orderOf(query, m_table);
-    const Selection selection = select(query, m_table);
+    const Sql order = orderOf(query, m_table, sqliteDialect);
+    const DocumentSelection selection = selectDocuments(query, rowsOfProject(query), m_table, sqliteDialect);
     if (selection.exact) {
         SqliteStatement statement = m_connection.bound(Sql("SELECT document")
                                                            .append(selection.rows)
@@ -147,10 +88,11 @@ void SqliteDocuments::visit(const DocumentQuery& query, const Visitor& visitor) 
     RowMatcher matcher(*query.where, selection, m_table);
     SqliteStatement statement = m_connection.bound(
         Sql("SELECT " + matcher.columns()).append(selection.rows).append(" ").append(order));
+    const RowMatcher::Row row = textsOf(statement);
     std::uint64_t toSkip = query.skip;
     std::uint64_t toGive = query.limit;
     while (toGive > 0 && statement.step()) {
-        if (!matcher.matches(statement)) {
+        if (!matcher.matches(row)) {
             continue;
         }
         if (toSkip > 0) {

@@ -2,29 +2,19 @@
 
 #include "domain/DocumentKind.h"
 #include "store/Documents.h"
-#include "store/sql/Narrowing.h"
-#include "store/sql/Ordering.h"
+#include "store/sql/DocumentTables.h"
+#include "store/sql/Reach.h"
 #include "store/sqlite/SqliteConnection.h"
 
 #include <string>
-#include <vector>
 
 namespace monitorservice {
 
-/// A table whose rows are JSON documents: project, id, document, and a column for each member that is
-/// queried.
-struct DocumentTable
-{
-    std::string name;
-    std::vector<NarrowableField> narrowable;
-    std::vector<OrderableField> orderable;
-    std::string view = name;           ///< what is read: the table, or a view that adds the category
-    std::string searched = "document"; ///< the column that conditions are tried against
-    std::string parent = {};           ///< the column with the identifier that DocumentQuery::parent names
-};
-
 /// The table of the documents of one kind.
-const DocumentTable& documentTable(DocumentKind kind);
+const DocumentTable& sqliteTable(DocumentKind kind);
+
+/// The rows of a query's project.
+ProjectRows rowsOfProject(const DocumentQuery& query);
 
 class SqliteDocuments final : public Documents
 {

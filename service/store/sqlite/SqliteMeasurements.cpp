@@ -9,22 +9,6 @@
 
 namespace monitorservice {
 
-namespace {
-
-std::optional<std::int64_t> columnOf(const std::optional<int>& offsetMinutes)
-{
-    return offsetMinutes ? std::optional<std::int64_t>(*offsetMinutes) : std::nullopt;
-}
-
-// Columns day, time, count, offset_minutes, value, samples.
-DaySummary dayOf(const SqliteStatement& row)
-{
-    return {row.integer(0),   row.integer(1), static_cast<std::int32_t>(row.integer(2)),
-            offsetIn(row, 3), row.real(4),    row.integer(5)};
-}
-
-} // namespace
-
 std::optional<StoredPoint> SqliteMeasurements::findPoint(const std::string& cell,
                                                          const std::string& subCategory,
                                                          const std::string& name,
@@ -124,6 +108,7 @@ void SqliteMeasurements::replacePoint(std::int64_t point, const std::string& doc
 
 void SqliteMeasurements::removePoint(std::int64_t point)
 {
+    m_days.write();
     for (const char* const sql :
          {"DELETE FROM samples WHERE point = ?", "DELETE FROM day_rollup WHERE point = ?",
           "DELETE FROM point_locations WHERE point = ?"}) {
@@ -144,6 +129,7 @@ bool SqliteMeasurements::replaceLinks(std::int64_t point, const std::string& lin
 
 std::unique_ptr<PointSelection> SqliteMeasurements::select(const DocumentQuery& query) const
 {
+    m_days.write();
     return std::make_unique<SqlitePointSelection>(m_connection, query);
 }
 
@@ -215,93 +201,61 @@ std::vector<std::int64_t> SqliteMeasurements::deliveriesOf(std::int64_t point) c
     return deliveries;
 }
 
-bool SqliteMeasurements::insertSample(std::int64_t point, const Sample& sample, std::int64_t delivery)
+bool SqliteMeasurements::insertSample(std::int64_t point, const DayPeriod& day, const Sample& sample,
+                                      std::int64_t delivery)
 {
     SqliteStatement statement = m_connection.statement(
         "INSERT INTO samples (point, time, count, offset_minutes, value, time_flag, delivery) VALUES "
         "(?, ?, ?, ?, ?, ?, ?) ON CONFLICT (point, time, count) DO NOTHING");
-    statement.bind(point, sample.time, std::int64_t{sample.count}, columnOf(sample.offsetMinutes),
+    statement.bind(point, sample.time, std::int64_t{sample.count}, offsetColumn(sample.offsetMinutes),
                    sample.value, sample.timeFlag, delivery);
-    return statement.run() > 0;
+    if (statement.run() == 0) {
+        return false;
+    }
+    m_days.inserted(point, day, sample);
+    return true;
 }
 
-void SqliteMeasurements::replaceSample(std::int64_t point, const Sample& sample)
+void SqliteMeasurements::replaceSample(std::int64_t point, const DayPeriod& day, const Sample& sample)
 {
-    m_connection
-        .statement("UPDATE samples SET value = ?, time_flag = ? WHERE point = ? AND time = ? AND count = ?")
-        .bind(sample.value, sample.timeFlag, point, sample.time, std::int64_t{sample.count})
-        .run();
+    SqliteStatement statement = m_connection.statement(
+        "UPDATE samples SET value = ?, time_flag = ? WHERE point = ? AND time = ? AND count = ?");
+    statement.bind(sample.value, sample.timeFlag, point, sample.time, std::int64_t{sample.count});
+    if (statement.run() > 0) {
+        m_days.replaced(point, day, sample);
+    }
 }
 
-void SqliteMeasurements::removeSample(std::int64_t point, Instant time, std::int32_t count)
+void SqliteMeasurements::removeSample(std::int64_t point, const DayPeriod& day, Instant time,
+                                      std::int32_t count)
 {
-    m_connection.statement("DELETE FROM samples WHERE point = ? AND time = ? AND count = ?")
-        .bind(point, time, std::int64_t{count})
-        .run();
+    SqliteStatement statement =
+        m_connection.statement("DELETE FROM samples WHERE point = ? AND time = ? AND count = ?");
+    statement.bind(point, time, std::int64_t{count});
+    if (statement.run() > 0) {
+        m_days.removed(point, day);
+    }
 }
 
 void SqliteMeasurements::visitDays(std::int64_t point, std::int64_t first, std::int64_t last,
                                    const DayVisitor& visitor) const
 {
-    SqliteStatement statement =
-        m_connection.statement("SELECT day, time, count, offset_minutes, value, samples FROM day_rollup "
-                               "WHERE point = ? AND day BETWEEN ? AND ? ORDER BY day");
-    statement.bind(point, first, last);
-    while (statement.step()) {
-        m_connection.show(visitor, dayOf(statement));
-    }
+    m_days.visit(point, first, last, visitor);
 }
 
 std::optional<DaySummary> SqliteMeasurements::latestDayBefore(std::int64_t point, std::int64_t day) const
 {
-    SqliteStatement statement =
-        m_connection.statement("SELECT day, time, count, offset_minutes, value, samples FROM day_rollup "
-                               "WHERE point = ? AND day < ? ORDER BY day DESC LIMIT 1");
-    statement.bind(point, day);
-    if (!statement.step()) {
-        return std::nullopt;
-    }
-    return dayOf(statement);
+    return m_days.latestBefore(point, day);
 }
 
 std::optional<DaySummary> SqliteMeasurements::earliestDayAfter(std::int64_t point, std::int64_t day) const
 {
-    SqliteStatement statement =
-        m_connection.statement("SELECT day, time, count, offset_minutes, value, samples FROM day_rollup "
-                               "WHERE point = ? AND day > ? ORDER BY day LIMIT 1");
-    statement.bind(point, day);
-    return statement.step() ? std::optional(dayOf(statement)) : std::nullopt;
-}
-
-void SqliteMeasurements::addToDay(std::int64_t point, const DaySummary& added)
-{
-    SqliteStatement statement = m_connection.statement(
-        "INSERT INTO day_rollup AS held (point, day, time, count, offset_minutes, value, samples) "
-        "VALUES (?, ?, ?, ?, ?, ?, ?) ON CONFLICT (point, day) DO UPDATE SET "
-        "samples = held.samples + excluded.samples, (time, count, offset_minutes, value) = "
-        "(SELECT held.time, held.count, held.offset_minutes, held.value "
-        "WHERE (held.time, held.count) > (excluded.time, excluded.count) UNION ALL "
-        "SELECT excluded.time, excluded.count, excluded.offset_minutes, excluded.value LIMIT 1)");
-    statement.bind(point, added.day, added.time, std::int64_t{added.count}, columnOf(added.offsetMinutes),
-                   added.value, added.samples);
-    statement.run();
-}
-
-void SqliteMeasurements::recountDay(std::int64_t point, std::int64_t day, Instant from, Instant before)
-{
-    m_connection.statement("DELETE FROM day_rollup WHERE point = ? AND day = ?").bind(point, day).run();
-    m_connection
-        .statement("INSERT INTO day_rollup (point, day, time, count, offset_minutes, value, samples) "
-                   "SELECT point, ?2, time, count, offset_minutes, value, "
-                   "(SELECT count(*) FROM samples WHERE point = ?1 AND time >= ?3 AND time < ?4) "
-                   "FROM samples WHERE point = ?1 AND time >= ?3 AND time < ?4 "
-                   "ORDER BY time DESC, count DESC LIMIT 1")
-        .bind(point, day, from, before)
-        .run();
+    return m_days.earliestAfter(point, day);
 }
 
 void SqliteMeasurements::removeDelivered(const std::string& cell, const std::string& subCategory)
 {
+    m_days.write();
     // What refers comes before what is referred to.
     constexpr std::array<const char*, 9> statements{
         "DELETE FROM excesses WHERE point IN (SELECT point FROM point_locations WHERE cell = ? AND "

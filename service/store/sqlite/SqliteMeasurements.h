@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/Measurements.h"
+#include "store/sqlite/DayRollup.h"
 #include "store/sqlite/SqliteConnection.h"
 
 namespace monitorservice {
@@ -8,7 +9,12 @@ namespace monitorservice {
 class SqliteMeasurements final : public Measurements
 {
 public:
-    explicit SqliteMeasurements(SqliteConnection& connection) : m_connection(connection) {}
+    explicit SqliteMeasurements(SqliteConnection& connection) : m_connection(connection), m_days(connection)
+    {
+    }
+
+    /// To be called before what was written is committed.
+    void finish() { m_days.write(); }
 
     std::optional<StoredPoint> findPoint(const std::string& cell, const std::string& subCategory,
                                          const std::string& name, const std::string& depth) const override;
@@ -35,16 +41,15 @@ public:
     void visitSamplesOf(std::int64_t point, std::int64_t delivery,
                         const SampleVisitor& visitor) const override;
     std::vector<std::int64_t> deliveriesOf(std::int64_t point) const override;
-    bool insertSample(std::int64_t point, const Sample& sample, std::int64_t delivery) override;
-    void replaceSample(std::int64_t point, const Sample& sample) override;
-    void removeSample(std::int64_t point, Instant time, std::int32_t count) override;
+    bool insertSample(std::int64_t point, const DayPeriod& day, const Sample& sample,
+                      std::int64_t delivery) override;
+    void replaceSample(std::int64_t point, const DayPeriod& day, const Sample& sample) override;
+    void removeSample(std::int64_t point, const DayPeriod& day, Instant time, std::int32_t count) override;
 
     void visitDays(std::int64_t point, std::int64_t first, std::int64_t last,
                    const DayVisitor& visitor) const override;
     std::optional<DaySummary> latestDayBefore(std::int64_t point, std::int64_t day) const override;
     std::optional<DaySummary> earliestDayAfter(std::int64_t point, std::int64_t day) const override;
-    void addToDay(std::int64_t point, const DaySummary& added) override;
-    void recountDay(std::int64_t point, std::int64_t day, Instant from, Instant before) override;
 
     void removeDelivered(const std::string& cell, const std::string& subCategory) override;
 
@@ -55,6 +60,8 @@ private:
                                                        const std::string& settled) const;
 
     SqliteConnection& m_connection;
+    // Reading days writes what is gathered of them.
+    mutable DayRollup m_days;
 };
 
 } // namespace monitorservice

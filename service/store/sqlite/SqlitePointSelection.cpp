@@ -6,9 +6,9 @@
 #include "store/StoreError.h"
 #include "store/sql/Narrowing.h"
 #include "store/sql/Reach.h"
+#include "store/sql/TextMatcher.h"
 #include "store/sqlite/SampleRows.h"
 #include "store/sqlite/SqliteDocuments.h"
-#include "store/sqlite/TextMatcher.h"
 
 #include <algorithm>
 #include <limits>
@@ -21,57 +21,12 @@ namespace monitorservice {
 
 namespace {
 
-constexpr const char* samplePathTime = "time";
-constexpr const char* samplePathFlag = "data.timeFlag";
-
-// What the conditions on a sample are asked of: its members stand where their paths lead.
-std::string sampleDocument(const SqliteFunction::Arguments& arguments)
+// What the conditions on a sample are asked of.
+std::string documentOfSample(const SqliteFunction::Arguments& arguments)
 {
     const std::optional<int> offset =
         arguments.isNull(1) ? std::nullopt : std::optional(static_cast<int>(arguments.integer(1)));
-    std::string json = "{\"time\":\"";
-    appendIsoText(json, arguments.integer(0), offset);
-    json += "\",\"data\":{\"timeFlag\":";
-    appendJsonString(json, arguments.text(2));
-    json += "}}";
-    return json;
-}
-
-// The period that the conditions describe: all of them are on "time", from or before a whole millisecond.
-std::optional<SqlitePointSelection::Period> periodOf(const Where& where)
-{
-    SqlitePointSelection::Period period;
-    for (const Condition& condition : where.conditions()) {
-        const bool isBound = condition.path == samplePathTime && !condition.operands.empty() &&
-                             condition.operands.front().instant &&
-                             condition.operands.front().instant->finerDigits.empty();
-        if (!isBound) {
-            return std::nullopt;
-        }
-        const Instant bound = condition.operands.front().instant->milliseconds;
-        if (condition.operation == Operator::GreaterOrEqual) {
-            period.from = std::max(period.from, bound);
-        } else if (condition.operation == Operator::Less) {
-            period.before = std::min(period.before, bound);
-        } else {
-            return std::nullopt;
-        }
-    }
-    return period;
-}
-
-// Whether a condition is on the member or on something within it.
-bool leadsInto(const Where& where, std::string_view member)
-{
-    const auto& conditions = where.conditions();
-    return std::any_of(conditions.begin(), conditions.end(),
-                       [member](const Condition& condition) { return condition.names.front() == member; });
-}
-
-std::int64_t utcDayOf(Instant instant)
-{
-    constexpr std::int64_t millisecondsPerDay = 86'400'000;
-    return instant / millisecondsPerDay - (instant % millisecondsPerDay < 0 ? 1 : 0);
+    return sampleDocument(arguments.integer(0), offset, arguments.text(2));
 }
 
 // Columns day, time, count, offset_minutes, value.
@@ -97,24 +52,16 @@ std::string textOfSamples(const Sql& condition, const char* order)
         .text(sqliteDialect);
 }
 
-// Relations are stored as "links" and asked for as "entity", their identifiers as "uuid".
-Where asStored(const Where& where)
-{
-    return where.readAs("entity", {"links"}).readAs("uuid", {"links", "rId"});
-}
-
 } // namespace
 
 SqlitePointSelection::SqlitePointSelection(SqliteConnection& connection, const DocumentQuery& query)
     : m_connection(connection)
 {
-    const auto [ofSamples, ofPoints] = query.where == nullptr
-                                           ? std::pair<Where, Where>()
-                                           : query.where->split({samplePathTime, samplePathFlag});
+    const auto [ofSamples, ofPoints] = pointConditions(query.where);
     chooseSamples(ofSamples);
     m_samplesText = textOfSamples(m_sampleCondition, " ORDER BY time, count");
     m_latestText = textOfSamples(m_sampleCondition, " ORDER BY time DESC, count DESC LIMIT 1");
-    choosePoints(asStored(ofPoints), query);
+    choosePoints(ofPoints, query);
     orderPoints(query);
 }
 
@@ -131,16 +78,16 @@ void SqlitePointSelection::chooseSamples(const Where& where)
     }
     m_sampleCondition.andAlso("sample_matches(samples.time, samples.offset_minutes, samples.time_flag)");
     const auto matcher = std::make_shared<TextMatcher>(where);
-    m_sampleMatches = std::make_unique<SqliteFunction>(m_connection, "sample_matches", 3,
-                                                       [matcher](const SqliteFunction::Arguments& arguments) {
-                                                           return matcher->matches(sampleDocument(arguments));
-                                                       });
+    m_sampleMatches = std::make_unique<SqliteFunction>(
+        m_connection, "sample_matches", 3, [matcher](const SqliteFunction::Arguments& arguments) {
+            return matcher->matches(documentOfSample(arguments));
+        });
 }
 
 void SqlitePointSelection::choosePoints(const Where& where, const DocumentQuery& query)
 {
-    const DocumentTable& table = documentTable(DocumentKind::PointLocation);
-    m_points = Sql(" FROM " + table.view + " AS p WHERE ").append(reachOf(query, "p"));
+    const DocumentTable& table = sqliteTable(DocumentKind::PointLocation);
+    m_points = Sql(" FROM " + table.view + " AS p WHERE ").append(reachOf(query, rowsOfProject(query), "p"));
     if (query.parent) {
         m_points.append(" AND p." + table.parent + " = ").appendValue(*query.parent);
     }
@@ -169,7 +116,7 @@ void SqlitePointSelection::choosePoints(const Where& where, const DocumentQuery&
         m_points
             .append(" AND CASE WHEN EXISTS (SELECT 1 FROM " + table.view +
                     " AS r WHERE r.point = p.point AND ")
-            .append(reachOf(query, "r"))
+            .append(reachOf(query, rowsOfProject(query), "r"))
             .append(") THEN ")
             .append(matches)
             .append(" ELSE FALSE END");
@@ -178,7 +125,7 @@ void SqlitePointSelection::choosePoints(const Where& where, const DocumentQuery&
 
 void SqlitePointSelection::orderPoints(const DocumentQuery& query)
 {
-    std::vector<OrderableField> fields = documentTable(DocumentKind::PointLocation).orderable;
+    std::vector<OrderableField> fields = sqliteTable(DocumentKind::PointLocation).orderable;
     if (m_choosesSamples) {
         const auto newest = std::find_if(fields.begin(), fields.end(), [](const OrderableField& field) {
             return field.path == "data.time";

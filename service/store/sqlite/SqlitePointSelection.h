@@ -2,6 +2,7 @@
 
 #include "store/DocumentQuery.h"
 #include "store/PointSelection.h"
+#include "store/sql/PointConditions.h"
 #include "store/sql/Sql.h"
 #include "store/sqlite/SqliteConnection.h"
 #include "store/sqlite/SqliteFunction.h"
@@ -18,13 +19,6 @@ namespace monitorservice {
 class SqlitePointSelection final : public PointSelection
 {
 public:
-    /// From the first instant to before the second.
-    struct Period
-    {
-        Instant from = std::numeric_limits<Instant>::min();
-        Instant before = std::numeric_limits<Instant>::max();
-    };
-
     /// The query's condition is copied.
     SqlitePointSelection(SqliteConnection& connection, const DocumentQuery& query);
 

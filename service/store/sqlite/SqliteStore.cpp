@@ -88,7 +88,7 @@ using AllDocuments = std::array<SqliteDocuments, allDocumentKinds.size()>;
 template <std::size_t... indexes>
 AllDocuments documentsOf(SqliteConnection& connection, std::index_sequence<indexes...> /*all*/)
 {
-    return {SqliteDocuments(connection, documentTable(allDocumentKinds.at(indexes)))...};
+    return {SqliteDocuments(connection, sqliteTable(allDocumentKinds.at(indexes)))...};
 }
 
 // What every session has: the tables as seen by one connection within one transaction.
@@ -149,6 +149,7 @@ public:
 
     void commit() override
     {
+        m_measurements.finish();
         if (m_identifier) {
             m_connection.statement("INSERT OR REPLACE INTO state (key, value) VALUES ('lastIdentifier', ?)")
                 .bind(*m_identifier)

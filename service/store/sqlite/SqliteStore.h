@@ -2,7 +2,7 @@
 
 #include "store/Store.h"
 #include "store/StoreOptions.h"
-#include "store/sqlite/FairMutex.h"
+#include "store/sql/FairMutex.h"
 #include "store/sqlite/ServiceLock.h"
 
 #include <filesystem>

@@ -136,9 +136,9 @@ protected:
     AccessInjection()
     {
         {
-            addToken(*openStore(world.file().string()), ownOnly);
+            addToken(*openStore(world.data().location()), ownOnly);
         }
-        served = std::make_unique<ServedWorld>(world, "served.db");
+        served = std::make_unique<ServedWorld>(world);
         cell = world.in(own).at("cells").front();
         before = served->rows();
         tokensBefore = tokens();

@@ -1,4 +1,5 @@
 #include "AccessRules.h"
+#include "time/LocalDays.h"
 #include "trail/AuditTrail.h"
 
 #include <chrono>
@@ -52,6 +53,7 @@ void makeEndless(Session& session, const std::string& project)
             }
         }
     }
+    LocalDays days(session.projects().find(project)->timeZone);
     for (const HeldPoint& point : pointsOf(session, project)) {
         if (!isOwn(point.document)) {
             session.measurements().replacePoint(point.key, withMember(point.document, "alias", quotedEndless),
@@ -60,7 +62,7 @@ void makeEndless(Session& session, const std::string& project)
         for (Sample sample : point.samples) {
             if (sample.timeFlag != own.word + "Flag") {
                 sample.timeFlag = endless;
-                session.measurements().replaceSample(point.key, sample);
+                session.measurements().replaceSample(point.key, days.periodOf(sample.time), sample);
             }
         }
     }
@@ -97,16 +99,14 @@ void copyOwn(const Session& from, Session& to)
           DocumentKind::Change}) {
         copy(kind);
     }
+    LocalDays days(to.projects().find(own.project)->timeZone);
     for (const HeldPoint& point : pointsOf(from, own.project)) {
         if (from.documents(DocumentKind::PointLocation).find(point.id).value().category != own.category) {
             continue;
         }
         const std::int64_t key = to.measurements().insertPoint(own.project, point.id, point.document, 0);
         for (const Sample& sample : point.samples) {
-            to.measurements().insertSample(key, sample, 0);
-        }
-        for (const DaySummary& day : point.days) {
-            to.measurements().addToDay(key, day);
+            to.measurements().insertSample(key, days.periodOf(sample.time), sample, 0);
         }
     }
 }
@@ -118,18 +118,18 @@ protected:
     AccessLeaks()
     {
         {
-            addToken(*openStore(world.file().string()), ownOnly);
+            addToken(*openStore(world.data().location()), ownOnly);
         }
-        AccessWorld::write(*openStore(world.file().string()), [](Session& session) {
+        AccessWorld::write(*openStore(world.data().location()), [](Session& session) {
             for (const Project& project : session.projects().list()) {
                 recordOfProject(session, project.id);
                 makeEndless(session, project.id);
             }
         });
-        full = std::make_unique<ServedWorld>(world, "full.db");
+        full = std::make_unique<ServedWorld>(world);
         StoreOptions options;
         options.createIfMissing = true;
-        bare = std::make_unique<ServedWorld>(world.file("lonely.db"), options);
+        bare = std::make_unique<ServedWorld>(TestStore(), options);
         AccessWorld::write(bare->store, [this](Session& session) { copyOwn(*full->store.read(), session); });
         addToken(bare->store, ownOnly);
     }

@@ -66,12 +66,12 @@ public:
     Asker(const std::vector<Role>& roles, Way way) : m_way(way)
     {
         {
-            const std::unique_ptr<Store> store = openStore(m_world.file().string());
+            const std::unique_ptr<Store> store = openStore(m_world.data().location());
             for (const Role& role : roles) {
                 addToken(*store, role);
             }
         }
-        m_served = std::make_unique<ServedWorld>(m_world, "served.db");
+        m_served = std::make_unique<ServedWorld>(m_world);
         m_rows = m_served->rows();
     }
 
@@ -295,7 +295,7 @@ private:
             }
         }
         m_served.reset();
-        m_served = std::make_unique<ServedWorld>(m_world, "served.db");
+        m_served = std::make_unique<ServedWorld>(m_world);
         ASSERT_EQ(m_served->rows(), m_rows);
     }
 
@@ -350,7 +350,7 @@ TEST(AccessOverSockets, AnswersWhatTheRulesSay)
 TEST(AccessRules, KnowEveryResourceThatIsDescribed)
 {
     AccessWorld world;
-    ServedWorld served(world, "served.db");
+    ServedWorld served(world);
     const RawAnswer answer = served.askRaw("GET /openapi.json HTTP/1.1\r\nHost: h\r\n\r\n");
     std::set<std::string> described;
     simdjson::dom::parser parser;

@@ -1,7 +1,9 @@
 #include "AccessRules.h"
 #include "api/Authentication.h"
 #include "service/admin/ServiceProcess.h"
+#include "support/TemporaryFolder.h"
 
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <random>
@@ -95,7 +97,7 @@ protected:
     AccessTokens()
     {
         {
-            AccessWorld::write(*openStore(world.file().string()), [this](Session& session) {
+            AccessWorld::write(*openStore(world.data().location()), [this](Session& session) {
                 const Instant now = session.now();
                 session.tokens().insert({"good", "good", "", 1, std::nullopt, std::nullopt}, sha256(token));
                 session.tokens().insert({"late", "late", "", 1, now, std::nullopt}, sha256("rkm_late"));
@@ -103,7 +105,7 @@ protected:
                                         sha256("rkm_revoked"));
             });
         }
-        served = std::make_unique<ServedWorld>(world, "served.db");
+        served = std::make_unique<ServedWorld>(world);
     }
 
     RawAnswer withFields(const std::string& fields, const std::string& target = "/monitor-service/categories",

@@ -7,12 +7,11 @@
 #include "store/CountingStore.h"
 #include "store/OpenStore.h"
 #include "store/StoreContents.h"
-#include "support/TemporaryFolder.h"
+#include "support/TestStore.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <optional>
@@ -52,7 +51,7 @@ inline const std::array<const Place*, 3> places{&own, &beside, &far};
 /// Identifiers by kind, named as the paths name them: "cells", "groupSettings"…
 using Identifiers = std::map<std::string, std::vector<std::string>>;
 
-/// A data file to be copied: besides Settlement and Inclinometer the category Spare, which nothing is of, and
+/// Data to be copied: besides Settlement and Inclinometer the category Spare, which nothing is of, and
 /// each place has monitorings, a sub-category, points with and without depths,
 /// samples, a group with what the audit trail tells of it, a delivery with its history, and the alarm that
 /// it raised.
@@ -65,7 +64,7 @@ public:
     {
         StoreOptions options;
         options.createIfMissing = true;
-        const std::unique_ptr<Store> opened = openStore(file().string(), options);
+        const std::unique_ptr<Store> opened = openStore(m_data.location(), options);
         Store& store = *opened;
         const Api api(store, std::make_shared<HttpCounters>());
         m_api = &api;
@@ -85,8 +84,7 @@ public:
         m_api = nullptr;
     }
 
-    std::filesystem::path file() const { return m_folder.file("world.db"); }
-    std::filesystem::path file(const std::string& name) const { return m_folder.file(name); }
+    const TestStore& data() const { return m_data; }
 
     /// What the place has; what is nowhere has one identifier of each kind that nothing has.
     const Identifiers& in(const Place& place) const { return m_identifiers.at(place.word); }
@@ -210,25 +208,23 @@ private:
         }
     }
 
-    TemporaryFolder m_folder;
+    TestStore m_data;
     std::map<std::string, Identifiers> m_identifiers;
     const Api* m_api = nullptr;
 };
 
-/// A service over a copy of a world's data file; the copy goes with it.
+/// A service over a copy of a world's data; the copy goes with it.
 class ServedWorld
 {
 public:
-    ServedWorld(const AccessWorld& world, const std::string& name)
-        : ServedWorld(copied(world.file(), world.file(name)), StoreOptions())
-    {
-    }
-    /// A service over the file itself, which goes with it.
-    explicit ServedWorld(const std::filesystem::path& file, const StoreOptions& options)
-        : m_copy(file), store(openStore(file.string(), options)), counters(std::make_shared<HttpCounters>()),
-          api(store, counters), server(
-                                    ListenAddress(), HttpLimits(),
-                                    [this](HttpRequest&& request) { return api.answer(request); }, counters),
+    explicit ServedWorld(const AccessWorld& world) : ServedWorld(world.data(), StoreOptions()) {}
+    /// A service over a copy of the data.
+    ServedWorld(const TestStore& data, const StoreOptions& options)
+        : m_copy(data), store(openStore(m_copy.location(), options)),
+          counters(std::make_shared<HttpCounters>()), api(store, counters),
+          server(
+              ListenAddress(), HttpLimits(), [this](HttpRequest&& request) { return api.answer(request); },
+              counters),
           m_client(std::make_unique<RawClient>(server.port()))
     {
     }
@@ -236,10 +232,6 @@ public:
     {
         server.stop();
         server.join();
-        std::error_code error;
-        for (const char* const end : {"", "-wal", "-shm"}) {
-            std::filesystem::remove(m_copy.string() + end, error);
-        }
     }
     ServedWorld(const ServedWorld&) = delete;
     ServedWorld& operator=(const ServedWorld&) = delete;
@@ -300,13 +292,7 @@ public:
     }
 
 private:
-    static std::filesystem::path copied(const std::filesystem::path& from, const std::filesystem::path& to)
-    {
-        std::filesystem::copy_file(from, to, std::filesystem::copy_options::overwrite_existing);
-        return to;
-    }
-
-    std::filesystem::path m_copy;
+    TestStore m_copy;
 
 public:
     CountingStore store;

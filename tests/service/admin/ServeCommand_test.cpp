@@ -167,7 +167,7 @@ TEST_F(ServeCommand, MakesAMissingFileAndSaysSo)
     ServiceProcess service(serving());
     portOf(service);
     service.signal(SIGTERM);
-    EXPECT_THAT(service.readErrors(), AllOf(HasSubstr(file), HasSubstr("does not exist and is made")));
+    EXPECT_THAT(service.readErrors(), AllOf(HasSubstr(file), HasSubstr("holds no data yet; they are made")));
     EXPECT_EQ(service.wait(), 0);
 }
 

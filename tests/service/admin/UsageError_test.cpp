@@ -64,7 +64,7 @@ TEST(UsageError, DataMayStandBeforeAndBehindACommand)
     EXPECT_EQ(test::run({"admin", "category", "--data", file, "list"}).out, "Settlement\n");
     EXPECT_EQ(test::run({"admin", "--data", file, "category", "list"}).out, "Settlement\n");
     expectRefused({"admin", "category", "list"},
-                  "--data is required (see monitor-service admin category list --help)");
+                  "--data or --store is required (see monitor-service admin category list --help)");
 }
 
 } // namespace

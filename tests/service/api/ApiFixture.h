@@ -5,7 +5,7 @@
 #include "domain/SubCategory.h"
 #include "service/http/RawClient.h"
 #include "store/OpenStore.h"
-#include "support/TemporaryFolder.h"
+#include "support/TestStore.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -183,8 +183,8 @@ private:
 
 protected:
     std::atomic<Instant> now{1450679400123}; ///< 2015-12-21T06:30:00.123Z
-    TemporaryFolder folder;
-    std::unique_ptr<Store> opened{openStore(folder.file("data.db").string(), options())};
+    TestStore testStore;
+    std::unique_ptr<Store> opened{openStore(testStore.location(), options())};
     Store& store = *opened;
     std::shared_ptr<HttpCounters> counters;
     Api api;

@@ -141,7 +141,7 @@ TEST_F(ApiTest, TokenRevokedDuringAConnectionIsRefusedAtItsNextRequest)
     client.send(request);
     EXPECT_EQ(client.readAnswer().status, 200U);
     // As another process would: through a store of its own.
-    const std::unique_ptr<Store> administrator = openStore(folder.file("data.db").string());
+    const std::unique_ptr<Store> administrator = openStore(testStore.location());
     const auto session = administrator->write();
     session->tokens().revoke(editor.substr(4), 1);
     session->commit();

@@ -121,9 +121,7 @@ protected:
             session.measurements().insertPoint(project, location.id, toDocument(location), 0);
         LocalDays days(session.projects().find(project)->timeZone);
         for (const Sample& sample : samples) {
-            session.measurements().insertSample(key, sample, 0);
-            session.measurements().addToDay(key, {days.dayOf(sample.time), sample.time, sample.count,
-                                                  sample.offsetMinutes, sample.value, 1});
+            session.measurements().insertSample(key, days.periodOf(sample.time), sample, 0);
         }
         return location.id;
     }

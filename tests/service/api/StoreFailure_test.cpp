@@ -49,9 +49,10 @@ TEST(StoreFailure, IsAnsweredByItsKindAndTellsNoPath)
         bool retry;
     };
     for (const Case& one :
-         {Case{StoreFailure::Busy, 503, true}, Case{StoreFailure::Full, 503, true},
-          Case{StoreFailure::NotWritable, 503, true}, Case{StoreFailure::InputOutput, 500, false},
-          Case{StoreFailure::Conflict, 409, false}, Case{StoreFailure::Internal, 500, false}}) {
+         {Case{StoreFailure::Busy, 503, true}, Case{StoreFailure::Unreachable, 503, true},
+          Case{StoreFailure::Full, 503, true}, Case{StoreFailure::NotWritable, 503, true},
+          Case{StoreFailure::InputOutput, 500, false}, Case{StoreFailure::Conflict, 409, false},
+          Case{StoreFailure::Internal, 500, false}}) {
         const HttpResponse response = answerOf(one.failure, {"monitor-service", "categories"});
         EXPECT_EQ(response.status, one.status);
         EXPECT_EQ(test::member(response.body, "status"), std::to_string(one.status));
@@ -68,11 +69,11 @@ TEST(StoreFailure, MakesTheServiceNotReadyButAlive)
 
 TEST(StoreFailure, WriteBesideALongWriteIsToldToComeAgain)
 {
-    const test::TemporaryFolder folder;
+    const test::TestStore testStore;
     StoreOptions options;
     options.createIfMissing = true;
     options.patience = std::chrono::milliseconds(20);
-    const std::unique_ptr<Store> store = openStore(folder.file("data.db").string(), options);
+    const std::unique_ptr<Store> store = openStore(testStore.location(), options);
     {
         const auto session = store->write();
         session->tokens().insert({"t", "Ada", "", 0, std::nullopt, std::nullopt}, sha256("rkm_x"));
@@ -83,7 +84,7 @@ TEST(StoreFailure, WriteBesideALongWriteIsToldToComeAgain)
     request.method = "DELETE";
     request.path = {"monitor-service", "cells", "x"};
     request.authorization = "Bearer rkm_x";
-    const std::unique_ptr<Store> other = openStore(folder.file("data.db").string());
+    const std::unique_ptr<Store> other = openStore(testStore.location());
     {
         const auto longWrite = other->write();
         const HttpResponse busy = api.answer(request);

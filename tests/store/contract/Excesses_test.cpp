@@ -1,4 +1,5 @@
 #include "StoreContract.h"
+#include "store/UtcDay.h"
 
 #include <limits>
 
@@ -49,7 +50,7 @@ protected:
     // None of the point is later.
     void measure(const std::string& id, std::int64_t of, Instant time, std::int32_t count)
     {
-        session->measurements().insertSample(of, {time, count, 0, 1.0, "A"}, 0);
+        session->measurements().insertSample(of, utcDayOf(time), {time, count, 0, 1.0, "A"}, 0);
         session->measurements().replacePoint(of, pointDocument(id), time, std::nullopt);
     }
 

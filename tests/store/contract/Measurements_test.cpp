@@ -1,8 +1,13 @@
 #include "StoreContract.h"
+#include "store/UtcDay.h"
+#include "support/Chance.h"
 
+#include <algorithm>
+#include <iterator>
 #include <limits>
 #include <map>
-#include <random>
+#include <sstream>
+#include <utility>
 
 namespace monitorservice::test {
 namespace {
@@ -16,6 +21,17 @@ std::string pointDocument(const std::string& id, const std::string& name, const 
 {
     return R"({"_id":")" + id + R"(","projectId":"p","cellId":"c","subCategoryId":"s","name":")" + name +
            R"(","depth":")" + depth + R"(","lastDate":")" + lastDate + R"("})";
+}
+
+constexpr Instant oneDay = 24LL * 3600 * 1000;
+
+std::string textOf(const DaySummary& day)
+{
+    std::ostringstream text;
+    text << day.day << ": " << day.count << ' ' << day.time << ' '
+         << (day.offsetMinutes ? std::to_string(*day.offsetMinutes) : "Z") << ' ' << day.value << ", "
+         << day.samples;
+    return text.str();
 }
 
 // A project with one monitoring, one sub-category and one point.
@@ -39,6 +55,25 @@ protected:
 
     Measurements& measurements() { return session->measurements(); }
 
+    // What the session has written is lost, unless it was committed.
+    void beginAnew()
+    {
+        session.reset();
+        session = store->write();
+    }
+
+    bool insert(const Sample& sample, std::int64_t delivery = 0)
+    {
+        return measurements().insertSample(point, utcDayOf(sample.time), sample, delivery);
+    }
+
+    void replace(const Sample& sample) { measurements().replaceSample(point, utcDayOf(sample.time), sample); }
+
+    void remove(Instant time, std::int32_t count)
+    {
+        measurements().removeSample(point, utcDayOf(time), time, count);
+    }
+
     std::vector<double> values(Instant from, Instant before)
     {
         std::vector<double> found;
@@ -47,10 +82,12 @@ protected:
         return found;
     }
 
-    DaySummary day(std::int64_t number)
+    // "day: count time offset value, number of samples", each.
+    std::vector<std::string> days()
     {
-        DaySummary found;
-        measurements().visitDays(point, number, number, [&](const DaySummary& one) { found = one; });
+        std::vector<std::string> found;
+        measurements().visitDays(point, -1000, 1000,
+                                 [&found](const DaySummary& one) { found.push_back(textOf(one)); });
         return found;
     }
 
@@ -72,8 +109,8 @@ protected:
 
 TEST_P(PointMeasurements, SampleComesBackAsItWasWritten)
 {
-    ASSERT_TRUE(measurements().insertSample(point, {-5, -7, -480, 0.1, "A"}, 0));
-    ASSERT_TRUE(measurements().insertSample(point, {-5, -6, std::nullopt, 1e300, ""}, 0));
+    ASSERT_TRUE(insert({-5, -7, -480, 0.1, "A"}));
+    ASSERT_TRUE(insert({-5, -6, std::nullopt, 1e300, ""}));
     const auto first = measurements().findSample(point, -5, -7);
     ASSERT_TRUE(first);
     EXPECT_EQ(first->offsetMinutes, -480);
@@ -86,51 +123,143 @@ TEST_P(PointMeasurements, SampleComesBackAsItWasWritten)
     EXPECT_FALSE(measurements().findSample(point, -4, -7));
 }
 
+TEST_P(PointMeasurements, TimesAndCountsReachFromOneEndToTheOther)
+{
+    using Count = std::numeric_limits<std::int32_t>;
+    constexpr Instant beginOfYear0 = -62'167'219'200'000;
+    constexpr Instant endOfYear9999 = 253'402'300'799'999;
+    insert({beginOfYear0, Count::min(), -840, 1.5, "A"});
+    insert({endOfYear9999, Count::max(), 840, 2.5, "B"});
+    EXPECT_THAT(values(std::numeric_limits<Instant>::min(), std::numeric_limits<Instant>::max()),
+                ElementsAre(1.5, 2.5));
+    EXPECT_EQ(measurements().findSample(point, beginOfYear0, Count::min()).value().value, 1.5);
+    EXPECT_EQ(measurements().latestSample(point).value().count, Count::max());
+    EXPECT_EQ(measurements().latestDayBefore(point, std::numeric_limits<std::int64_t>::max()).value().time,
+              endOfYear9999);
+    EXPECT_EQ(measurements().earliestDayAfter(point, std::numeric_limits<std::int64_t>::min()).value().time,
+              beginOfYear0);
+    remove(endOfYear9999, Count::max());
+    EXPECT_EQ(measurements().latestSample(point).value().time, beginOfYear0);
+}
+
+TEST_P(PointMeasurements, WhatAVisitorThrowsEndsTheVisitAlone)
+{
+    struct Enough
+    {
+    };
+    const auto enough = [](const auto& /*found*/) {
+        throw Enough();
+    };
+    for (Instant time = 0; time < 3 * oneDay; time += oneDay / 200) {
+        insert({time, 1, {}, 1, "A"}, 7);
+    }
+    const Measurements& held = measurements();
+    EXPECT_THROW(held.visitSamples(point, 0, oneDay, enough), Enough);
+    EXPECT_THROW(held.visitSamplesOf(point, 7, enough), Enough);
+    EXPECT_THROW(held.visitDays(point, 0, 2, enough), Enough);
+    EXPECT_THROW(held.visitPoints("c", "s", "W1", enough), Enough);
+    EXPECT_THROW(held.visitDeliveredTo("c", "s", 0, enough), Enough);
+    insert({3 * oneDay, 1, {}, 1, "A"});
+    session->commit();
+    beginAnew();
+    EXPECT_EQ(days().size(), 4U);
+    EXPECT_EQ(values(0, 4 * oneDay).size(), 601U);
+}
+
 TEST_P(PointMeasurements, SampleOfTheSameTimeAndCountIsNotInsertedAgain)
 {
-    ASSERT_TRUE(measurements().insertSample(point, {10, 1, 0, 1.0, "A"}, 0));
-    EXPECT_FALSE(measurements().insertSample(point, {10, 1, 0, 2.0, "B"}, 0));
+    ASSERT_TRUE(insert({10, 1, 0, 1.0, "A"}));
+    EXPECT_FALSE(insert({10, 1, 0, 2.0, "B"}));
     EXPECT_EQ(measurements().findSample(point, 10, 1)->value, 1.0);
-    measurements().replaceSample(point, {10, 1, 60, 2.0, "B"});
+    replace({10, 1, 60, 2.0, "B"});
     EXPECT_EQ(measurements().findSample(point, 10, 1)->value, 2.0);
     EXPECT_EQ(measurements().findSample(point, 10, 1)->timeFlag, "B");
 }
 
 TEST_P(PointMeasurements, SamplesComeInTheOrderOfTimeAndCount)
 {
-    measurements().insertSample(point, {20, 1, 0, 4.0, ""}, 0);
-    measurements().insertSample(point, {10, 9, 0, 3.0, ""}, 0);
-    measurements().insertSample(point, {10, -2, 0, 2.0, ""}, 0);
-    measurements().insertSample(point, {9, 1, 0, 1.0, ""}, 0);
+    insert({20, 1, 0, 4.0, ""});
+    insert({10, 9, 0, 3.0, ""});
+    insert({10, -2, 0, 2.0, ""});
+    insert({9, 1, 0, 1.0, ""});
     EXPECT_THAT(values(0, 100), ElementsAre(1.0, 2.0, 3.0, 4.0));
     EXPECT_THAT(values(10, 20), ElementsAre(2.0, 3.0));
 }
 
 TEST_P(PointMeasurements, DayKeepsItsLastSampleAndCountsAll)
 {
-    measurements().addToDay(point, {7, 100, 1, 60, 1.0, 3});
-    measurements().addToDay(point, {7, 90, 5, 0, 9.0, 2});
-    EXPECT_EQ(day(7).value, 1.0);
-    EXPECT_EQ(day(7).offsetMinutes, 60);
-    EXPECT_EQ(day(7).samples, 5);
-    measurements().addToDay(point, {7, 100, 2, std::nullopt, 2.0, 1});
-    EXPECT_EQ(day(7).value, 2.0);
-    EXPECT_EQ(day(7).count, 2);
-    EXPECT_EQ(day(7).samples, 6);
+    const Instant noon = 7 * oneDay + oneDay / 2;
+    insert({noon - 2, 5, 0, 7.0, ""});
+    insert({noon - 1, 5, 0, 8.0, ""});
+    insert({noon, 1, 60, 1.0, ""});
+    EXPECT_THAT(days(), ElementsAre("7: 1 648000000 60 1, 3"));
+    insert({noon - 3, 9, 0, 9.0, ""});
+    EXPECT_THAT(days(), ElementsAre("7: 1 648000000 60 1, 4"));
+    insert({noon, 2, std::nullopt, 2.0, ""});
+    EXPECT_THAT(days(), ElementsAre("7: 2 648000000 Z 2, 5"));
+    insert({noon, -4, 30, 3.0, ""});
+    EXPECT_FALSE(insert({noon, 2, 30, 4.0, ""}));
+    EXPECT_THAT(days(), ElementsAre("7: 2 648000000 Z 2, 6"));
+}
+
+TEST_P(PointMeasurements, SamplesOfADayInAnyOrderAreOneDay)
+{
+    insert({-1, 1, 0, 3.0, ""});
+    insert({oneDay, 1, 0, 4.0, ""});
+    insert({-oneDay, 1, 0, 5.0, ""});
+    insert({oneDay - 1, 1, 0, 6.0, ""});
+    insert({0, 1, 0, 7.0, ""});
+    EXPECT_THAT(days(), ElementsAre("-1: 1 -1 0 3, 2", "0: 1 86399999 0 6, 2", "1: 1 86400000 0 4, 1"));
 }
 
 TEST_P(PointMeasurements, CorrectedLastSampleOfADayIsTakenOver)
 {
-    measurements().addToDay(point, {7, 100, 1, 60, 1.0, 3});
-    measurements().addToDay(point, {7, 100, 1, 60, 8.0, 0});
-    EXPECT_EQ(day(7).value, 8.0);
-    EXPECT_EQ(day(7).samples, 3);
+    insert({100, 1, 60, 1.0, ""});
+    insert({90, 1, 60, 2.0, ""});
+    replace({100, 1, 90, 8.0, ""});
+    EXPECT_THAT(days(), ElementsAre("0: 1 100 60 8, 2"));
+    replace({90, 1, 60, 3.0, ""});
+    replace({100, 1, 60, 9.0, ""});
+    replace({100, 2, 60, 10.0, ""});
+    EXPECT_THAT(days(), ElementsAre("0: 1 100 60 9, 2")) << "what is not held was taken over";
+}
+
+TEST_P(PointMeasurements, DayWithoutItsLastSampleIsThatOfTheOthers)
+{
+    insert({oneDay, 1, 0, 9.0, ""});
+    for (const Instant time : {30, 50, 70, 60}) {
+        insert({time, 1, 90, 0.5 * static_cast<double>(time), ""});
+    }
+    remove(70, 1);
+    EXPECT_THAT(days(), ElementsAre("0: 1 60 90 30, 3", "1: 1 86400000 0 9, 1"));
+    remove(30, 1);
+    remove(30, 2);
+    EXPECT_THAT(days(), ElementsAre("0: 1 60 90 30, 2", "1: 1 86400000 0 9, 1"));
+    remove(50, 1);
+    insert({55, 1, 0, 5.0, ""});
+    remove(60, 1);
+    EXPECT_THAT(days(), ElementsAre("0: 1 55 0 5, 1", "1: 1 86400000 0 9, 1"));
+    remove(55, 1);
+    EXPECT_THAT(days(), ElementsAre("1: 1 86400000 0 9, 1")) << "a day without samples stays";
+}
+
+TEST_P(PointMeasurements, DaysComeToBeWithTheirSamples)
+{
+    session->commit();
+    beginAnew();
+    insert({100, 1, 0, 1.0, ""});
+    beginAnew();
+    EXPECT_THAT(days(), ElementsAre());
+    insert({100, 1, 0, 2.0, ""});
+    session->commit();
+    beginAnew();
+    EXPECT_THAT(days(), ElementsAre("0: 1 100 0 2, 1"));
 }
 
 TEST_P(PointMeasurements, LatestDayBeforeADayIsTheNearestThatHasSamples)
 {
     for (const std::int64_t number : {-3, 5, 2}) {
-        measurements().addToDay(point, {number, number, 1, 0, 1.0, 1});
+        insert({number * oneDay, 1, 0, 1.0, ""});
     }
     EXPECT_EQ(measurements().latestDayBefore(point, 6).value().day, 5);
     EXPECT_EQ(measurements().latestDayBefore(point, 5).value().day, 2);
@@ -141,7 +270,7 @@ TEST_P(PointMeasurements, LatestDayBeforeADayIsTheNearestThatHasSamples)
 TEST_P(PointMeasurements, EarliestDayAfterADayIsTheNearestThatHasSamples)
 {
     for (const std::int64_t day : {3, 7, 9}) {
-        measurements().addToDay(point, {day, day, 1, std::nullopt, static_cast<double>(day), 1});
+        insert({day * oneDay, 1, std::nullopt, static_cast<double>(day), ""});
     }
     EXPECT_EQ(measurements().earliestDayAfter(point, 3)->day, 7);
     EXPECT_EQ(measurements().earliestDayAfter(point, 7)->value, 9);
@@ -153,7 +282,7 @@ TEST_P(PointMeasurements, EarliestSampleIsTheFirstByTimeAndCount)
 {
     EXPECT_FALSE(measurements().earliestSample(point));
     for (const auto& [time, count] : {std::pair(20, 1), std::pair(10, 7), std::pair(10, -3)}) {
-        measurements().insertSample(point, {time, count, std::nullopt, 0.5 * count, "A"}, 0);
+        insert({time, count, std::nullopt, 0.5 * count, "A"});
     }
     const std::optional<Sample> earliest = measurements().earliestSample(point);
     ASSERT_TRUE(earliest);
@@ -190,6 +319,25 @@ TEST_P(PointMeasurements, DepthIsFoundHoweverItsNumberIsSpelt)
     for (const char* const depth : {"bottom", "2.5m", " 2.5", "3"}) {
         EXPECT_EQ(found(depth), "none") << depth;
     }
+}
+
+TEST_P(PointMeasurements, DepthsAreOrderedByTheNumbersThatTheyBeginWith)
+{
+    // Rising; those that begin with no number are 0, and so is what is too small for one.
+    const std::vector<std::string> depths{"-1e400", "-2.5", "-1e-400", "1e-400",  "nan", "x 5",  ".5",
+                                          "0.75 m", " 3",   "+4",      "\\t\\n5", "1e3", "1e400"};
+    std::vector<std::string> rising;
+    for (const std::string& depth : depths) {
+        rising.push_back("i" + std::to_string(rising.size() + 10));
+        measurements().insertPoint("p", rising.back(), pointDocument(rising.back(), "I1", depth), 0);
+    }
+    const Where where = Where::equals("name", "I1");
+    DocumentQuery query = everything();
+    query.where = &where;
+    query.order = {{"depth", false}};
+    std::vector<std::string> found;
+    measurements().select(query)->visit([&found](const FoundPoint& one) { found.emplace_back(one.id); });
+    EXPECT_EQ(found, rising);
 }
 
 TEST_P(PointMeasurements, PointIsFoundByMonitoringSubCategoryNameAndDepth)
@@ -274,7 +422,7 @@ TEST_P(PointMeasurements, LatestSampleIsTheLastByTimeAndCount)
 {
     EXPECT_FALSE(measurements().latestSample(point));
     for (const auto& [time, count] : {std::pair(10, 7), std::pair(20, -3), std::pair(20, -9)}) {
-        measurements().insertSample(point, {time, count, 60, 0.5 * count, "A"}, 0);
+        insert({time, count, 60, 0.5 * count, "A"});
     }
     const std::optional<Sample> latest = measurements().latestSample(point);
     ASSERT_TRUE(latest);
@@ -291,11 +439,11 @@ TEST_P(PointMeasurements, SamplesAreFoundByTheDeliveryThatInsertedThem)
                                       [&values](const Sample& sample) { values.push_back(sample.value); });
         return values;
     };
-    measurements().insertSample(point, {20, 1, 0, 4.0, ""}, 3);
-    measurements().insertSample(point, {10, 1, 0, 3.0, ""}, 3);
-    measurements().insertSample(point, {15, 1, 0, 2.0, ""}, 70'000);
-    EXPECT_FALSE(measurements().insertSample(point, {10, 1, 0, 9.0, ""}, 4));
-    measurements().replaceSample(point, {20, 1, 0, 5.0, ""});
+    insert({20, 1, 0, 4.0, ""}, 3);
+    insert({10, 1, 0, 3.0, ""}, 3);
+    insert({15, 1, 0, 2.0, ""}, 70'000);
+    EXPECT_FALSE(insert({10, 1, 0, 9.0, ""}, 4));
+    replace({20, 1, 0, 5.0, ""});
     EXPECT_THAT(valuesOf(3), ElementsAre(3.0, 5.0));
     EXPECT_THAT(valuesOf(70'000), ElementsAre(2.0));
     EXPECT_THAT(valuesOf(4), ElementsAre());
@@ -336,36 +484,19 @@ TEST_P(PointMeasurements, LatestPointIsThatWithTheLatestSample)
 
 TEST_P(PointMeasurements, SampleIsRemovedAlone)
 {
-    measurements().insertSample(point, {10, 1, 0, 1.0, ""}, 1);
-    measurements().insertSample(point, {10, 2, 0, 2.0, ""}, 1);
-    measurements().removeSample(point, 10, 1);
-    measurements().removeSample(point, 10, 1);
+    insert({10, 1, 0, 1.0, ""}, 1);
+    insert({10, 2, 0, 2.0, ""}, 1);
+    remove(10, 1);
+    remove(10, 1);
     EXPECT_THAT(values(0, 100), ElementsAre(2.0));
-    EXPECT_TRUE(measurements().insertSample(point, {10, 1, 0, 3.0, ""}, 2));
-}
-
-TEST_P(PointMeasurements, DayIsRecountedFromItsSamples)
-{
-    measurements().addToDay(point, {7, 100, 1, 60, 1.0, 3});
-    measurements().insertSample(point, {99, 9, 0, 9.0, ""}, 0);
-    measurements().insertSample(point, {50, 1, std::nullopt, 5.0, ""}, 0);
-    measurements().insertSample(point, {50, 2, 90, 6.0, ""}, 0);
-    measurements().recountDay(point, 7, 50, 99);
-    EXPECT_EQ(day(7).time, 50);
-    EXPECT_EQ(day(7).count, 2);
-    EXPECT_EQ(day(7).offsetMinutes, 90);
-    EXPECT_EQ(day(7).value, 6.0);
-    EXPECT_EQ(day(7).samples, 2);
-    measurements().recountDay(point, 7, 51, 99);
-    EXPECT_FALSE(measurements().latestDayBefore(point, 100)) << "a day without samples stays";
+    EXPECT_TRUE(insert({10, 1, 0, 3.0, ""}, 2));
 }
 
 TEST_P(PointMeasurements, PointIsRemovedWithItsSamplesAndDays)
 {
     const std::int64_t other = measurements().insertPoint("p", "w2", pointDocument("w2", "W2", ""), 0);
     for (const std::int64_t key : {point, other}) {
-        measurements().insertSample(key, {10, 1, 0, 1.0, ""}, 0);
-        measurements().addToDay(key, {0, 10, 1, 0, 1.0, 1});
+        measurements().insertSample(key, utcDayOf(10), {10, 1, 0, 1.0, ""}, 0);
     }
     measurements().removePoint(other);
     EXPECT_FALSE(measurements().findPoint("c", "s", "W2", ""));
@@ -375,49 +506,186 @@ TEST_P(PointMeasurements, PointIsRemovedWithItsSamplesAndDays)
     EXPECT_TRUE(measurements().latestDayBefore(point, 100));
 }
 
-// What is kept of each day, recomputed from the samples alone.
-TEST_P(PointMeasurements, DaysAreWhatTheSamplesGive)
+// Days by what the samples of a model give.
+class DaysAndSamples : public PointMeasurements
 {
-    constexpr Instant hour = 3600 * 1000;
-    std::mt19937 random(20151221);
-    const auto below = [&random](int end) {
-        return static_cast<int>(random() % static_cast<unsigned>(end));
-    };
-    for (int round = 0; round < 60; ++round) {
-        for (int i = below(10); i >= 0; --i) {
-            const Instant time = below(24 * 12) * hour;
-            const Sample sample{time, below(3), below(2) == 0 ? std::nullopt : std::optional(-480),
-                                static_cast<double>(below(1000)), ""};
-            const bool isNew = measurements().insertSample(point, sample, 0);
-            if (!isNew) {
-                measurements().replaceSample(point, sample);
-            }
-            const Sample held = measurements().findSample(point, sample.time, sample.count).value();
-            const std::int64_t number = time / (24 * hour);
-            measurements().addToDay(
-                point, {number, held.time, held.count, held.offsetMinutes, held.value, isNew ? 1 : 0});
+protected:
+    using Key = std::pair<Instant, std::int32_t>;
+    using Samples = std::map<std::int64_t, std::map<Key, Sample>>; // of each point
+
+    DaysAndSamples()
+    {
+        for (const std::string name : {"W2", "W3"}) {
+            points.push_back(measurements().insertPoint("p", name, pointDocument(name, name, ""), 0));
         }
-        std::map<std::int64_t, DaySummary> expected;
-        measurements().visitSamples(point, 0, 1000 * hour, [&expected](const Sample& sample) {
-            DaySummary& day = expected[sample.time / (24 * hour)];
-            day = {sample.time / (24 * hour), sample.time,  sample.count,
-                   sample.offsetMinutes,      sample.value, day.samples + 1};
-        });
-        std::map<std::int64_t, DaySummary> kept;
-        measurements().visitDays(point, -1000, 1000, [&kept](const DaySummary& day) {
-            EXPECT_TRUE(kept.empty() || kept.rbegin()->first < day.day);
-            kept[day.day] = day;
-        });
-        ASSERT_EQ(kept.size(), expected.size());
-        for (const auto& [number, day] : expected) {
-            SCOPED_TRACE(number);
-            EXPECT_EQ(kept[number].time, day.time);
-            EXPECT_EQ(kept[number].count, day.count);
-            EXPECT_EQ(kept[number].offsetMinutes, day.offsetMinutes);
-            EXPECT_EQ(kept[number].value, day.value);
-            EXPECT_EQ(kept[number].samples, day.samples);
+        session->commit();
+        beginAnew();
+    }
+
+    // A few samples of one day of a point, as deliveries and their undoing write them.
+    void change()
+    {
+        point = chance.of(points);
+        const Instant midnight = (static_cast<Instant>(chance.below(5)) - 2) * oneDay;
+        for (std::size_t i = chance.below(6); i > 0; --i) {
+            const Instant time = midnight + static_cast<Instant>(chance.below(6)) * oneDay / 6;
+            Sample sample{time, static_cast<std::int32_t>(chance.below(2)), std::nullopt,
+                          static_cast<double>(chance.below(100)), ""};
+            if (chance.once(2)) {
+                sample.offsetMinutes = 480;
+            }
+            changeSample(sample);
         }
     }
+
+    void changeSample(const Sample& sample)
+    {
+        std::map<Key, Sample>& held = samples[point];
+        const Key key{sample.time, sample.count};
+        if (chance.once(4)) {
+            remove(sample.time, sample.count);
+            held.erase(key);
+        } else if (chance.once(4)) {
+            replace(sample);
+            if (const auto found = held.find(key); found != held.end()) {
+                found->second.value = sample.value;
+            }
+        } else {
+            EXPECT_EQ(insert(sample), held.try_emplace(key, sample).second);
+        }
+    }
+
+    void endSession()
+    {
+        if (chance.once(2)) {
+            session->commit();
+            committed = samples;
+        } else {
+            samples = committed;
+        }
+        beginAnew();
+    }
+
+    std::map<std::int64_t, DaySummary> expectedDays()
+    {
+        std::map<std::int64_t, DaySummary> expected;
+        for (const auto& [key, sample] : samples[point]) {
+            const std::int64_t number = utcDayOf(sample.time).day;
+            expected[number] = {number,       sample.time,
+                                sample.count, sample.offsetMinutes,
+                                sample.value, expected[number].samples + 1};
+        }
+        return expected;
+    }
+
+    // Whatever tells of days is asked first in its turn.
+    void expectDays()
+    {
+        point = chance.of(points);
+        const std::map<std::int64_t, DaySummary> expected = expectedDays();
+        switch (chance.below(4)) {
+        case 0:
+            return expectNeighbours(expected);
+        case 1:
+            return expectExtremes(expected);
+        case 2:
+            return expectSelected(expected);
+        default:
+            std::vector<std::string> texts;
+            for (const auto& [number, day] : expected) {
+                texts.push_back(textOf(day));
+            }
+            EXPECT_EQ(days(), texts);
+        }
+    }
+
+    void expectNeighbours(const std::map<std::int64_t, DaySummary>& expected)
+    {
+        const auto number = static_cast<std::int64_t>(chance.below(7)) - 3;
+        const auto textOrNone = [](const std::optional<DaySummary>& day) {
+            return day ? textOf(*day) : std::string("none");
+        };
+        const auto notBefore = expected.lower_bound(number);
+        EXPECT_EQ(textOrNone(measurements().latestDayBefore(point, number)),
+                  notBefore == expected.begin() ? "none" : textOf(std::prev(notBefore)->second));
+        const auto after = expected.upper_bound(number);
+        EXPECT_EQ(textOrNone(measurements().earliestDayAfter(point, number)),
+                  after == expected.end() ? "none" : textOf(after->second));
+    }
+
+    void expectExtremes(const std::map<std::int64_t, DaySummary>& expected)
+    {
+        std::optional<double> smallest;
+        std::optional<double> largest;
+        for (const auto& [number, day] : expected) {
+            smallest = std::min(smallest.value_or(day.value), day.value);
+            largest = std::max(largest.value_or(day.value), day.value);
+        }
+        PointSummary summary;
+        measurements()
+            .select(everything())
+            ->visitSummaries(
+                [this](const FoundPoint& found) {
+                    SummaryParts parts;
+                    parts.extremes = found.key == point;
+                    return parts;
+                },
+                [&summary](const PointSummary& one) { summary = one.smallest ? one : summary; });
+        EXPECT_EQ(summary.smallest, smallest);
+        EXPECT_EQ(summary.largest, largest);
+    }
+
+    void expectSelected(const std::map<std::int64_t, DaySummary>& expected)
+    {
+        std::vector<std::string> found;
+        measurements()
+            .select(everything())
+            ->visitDays([this](const FoundPoint& one) { return one.key == point; },
+                        [&found](const DayValue& day) {
+                            found.push_back(textOf(
+                                DaySummary{day.day, day.time, day.count, day.offsetMinutes, day.value, 0}));
+                        });
+        std::vector<std::string> texts;
+        for (auto [number, day] : expected) {
+            day.samples = 0;
+            texts.push_back(textOf(day));
+        }
+        EXPECT_EQ(found, texts);
+    }
+
+    Chance chance{20151221};
+    std::vector<std::int64_t> points{point};
+    Samples samples;
+    Samples committed;
+};
+
+TEST_P(PointMeasurements, SamplesOfANewPointStayWhenOthersAreRemoved)
+{
+    EXPECT_TRUE(insert({10, 1, {}, 1.5, "A"}));
+    measurements().removeDelivered("c", "none");
+    EXPECT_FALSE(insert({10, 1, {}, 2.5, "A"}));
+    EXPECT_TRUE(insert({20, 1, {}, 3.5, "A"}));
+    EXPECT_THAT(values(0, 100), ElementsAre(1.5, 3.5));
+    EXPECT_THAT(days(), ElementsAre("0: 1 20 Z 3.5, 2"));
+}
+
+TEST_P(DaysAndSamples, DaysAreWhatTheSamplesGiveAtAnyTime)
+{
+    for (int round = 0; round < 2000 && !HasFailure(); ++round) {
+        SCOPED_TRACE(round);
+        change();
+        if (chance.once(3)) {
+            expectDays();
+        }
+        if (chance.once(20)) {
+            endSession();
+        }
+    }
+    std::size_t held = 0;
+    for (const std::int64_t one : points) {
+        held += samples[one].size();
+    }
+    EXPECT_GT(held, 10U);
 }
 
 // All that was delivered for c and s goes; another sub-category, other monitorings and the groups stay.
@@ -444,8 +712,7 @@ TEST_P(PointMeasurements, WhatWasDeliveredIsRemovedTogether)
     other.replace(other.find("\"subCategoryId\":\"s\""), 19, "\"subCategoryId\":\"s2\"");
     const std::int64_t stays = measurements().insertPoint("p", "w2", other, 0);
     for (const std::int64_t key : {point, stays}) {
-        measurements().insertSample(key, {10, 1, 0, 1.0, ""}, 0);
-        measurements().addToDay(key, {0, 10, 1, 0, 1.0, 1});
+        measurements().insertSample(key, utcDayOf(10), {10, 1, 0, 1.0, ""}, 0);
     }
     measurements().removeDelivered("c", "s");
     EXPECT_FALSE(measurements().findPoint("c", "s", "W1", ""));
@@ -464,6 +731,7 @@ TEST_P(PointMeasurements, WhatWasDeliveredIsRemovedTogether)
 }
 
 RK_EVERY_STORE(PointMeasurements);
+RK_EVERY_STORE(DaysAndSamples);
 
 } // namespace
 } // namespace monitorservice::test

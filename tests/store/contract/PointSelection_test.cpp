@@ -3,6 +3,7 @@
 #include "json/JsonText.h"
 #include "query/Matcher.h"
 #include "query/QueryError.h"
+#include "store/UtcDay.h"
 #include "support/Chance.h"
 
 #include <simdjson.h>
@@ -88,10 +89,7 @@ protected:
         const std::int64_t key = session.measurements().insertPoint(
             "p", name + depth, pointDocument(name, depth, last ? isoText(*last) : "", links), 0);
         for (const Sample& sample : samples) {
-            session.measurements().insertSample(key, sample, 0);
-            const std::int64_t number = sample.time / day - (sample.time % day < 0 ? 1 : 0);
-            session.measurements().addToDay(
-                key, {number, sample.time, sample.count, sample.offsetMinutes, sample.value, 1});
+            session.measurements().insertSample(key, utcDayOf(sample.time), sample, 0);
         }
         return key;
     }
@@ -290,7 +288,7 @@ TEST_P(PointSelections, WhatAConditionThrowsArrivesAndLeavesTheSessionUsable)
 {
     fillTwo();
     write([this](Session& session) {
-        session.measurements().insertSample(keys[1],
+        session.measurements().insertSample(keys[1], utcDayOf(5 * day),
                                             {5 * day, 1, std::nullopt, 1, std::string(40, 'a') + "!"}, 0);
     });
     const auto session = store->read();
@@ -301,6 +299,46 @@ TEST_P(PointSelections, WhatAConditionThrowsArrivesAndLeavesTheSessionUsable)
     const Where uuid =
         Where::parse(R"({"uuid":"m1","data.timeFlag":{"$regex":"!$"},"data.value":{"$gte":1}})");
     EXPECT_EQ(session->measurements().select(query(uuid))->count(), 1U);
+}
+
+TEST_P(PointSelections, WhatAVisitorThrowsEndsTheVisitAlone)
+{
+    struct Enough
+    {
+    };
+    fillTwo();
+    const auto enough = [](const auto& /*found*/) {
+        throw Enough();
+    };
+    const auto want = [](const FoundPoint& /*point*/) {
+        return true;
+    };
+    const auto refuse = [](const FoundPoint& /*point*/) -> bool {
+        throw Enough();
+    };
+    const auto session = store->write();
+    for (const char* const condition :
+         {"{}", R"({"time":{"$gte":"1970-01-01T00:00:00Z"}})", R"({"uuid":"m1"})"}) {
+        const Where where = Where::parse(condition);
+        const auto select = [&] {
+            return session->measurements().select(query(where));
+        };
+        EXPECT_THROW(select()->visit(enough), Enough);
+        EXPECT_THROW(select()->visitSamples(refuse, enough), Enough);
+        EXPECT_THROW(select()->visitSamples(want, enough), Enough);
+        EXPECT_THROW(select()->visitDays(refuse, enough), Enough);
+        EXPECT_THROW(select()->visitDays(want, enough), Enough);
+        EXPECT_THROW(select()->visitSummaries(
+                         [](const FoundPoint& /*point*/) {
+                             return SummaryParts{true, true, true};
+                         },
+                         enough),
+                     Enough);
+    }
+    session->categories().add("Inclinometer");
+    session->commit();
+    EXPECT_THAT(days("{}"), ::testing::SizeIs(4));
+    EXPECT_TRUE(store->read()->categories().contains("Inclinometer"));
 }
 
 TEST_P(PointSelections, PointsOutOfReachCostNoSteps)

@@ -4,7 +4,7 @@
 #include "domain/Change.h"
 #include "store/OpenStore.h"
 #include "store/StoreContents.h"
-#include "support/TemporaryFolder.h"
+#include "support/TestStore.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -65,8 +65,8 @@ protected:
         return options;
     }
 
-    TemporaryFolder folder;
-    std::unique_ptr<Store> store = openStore(folder.file("data.db").string(), options());
+    TestStore testStore;
+    std::unique_ptr<Store> store = openStore(testStore.location(), options());
     std::unique_ptr<Session> session = store->write();
 };
 

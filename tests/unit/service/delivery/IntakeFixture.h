@@ -8,7 +8,7 @@
 #include "json/JsonText.h"
 #include "store/OpenStore.h"
 #include "store/StoreContents.h"
-#include "support/TemporaryFolder.h"
+#include "support/TestStore.h"
 
 #include <gtest/gtest.h>
 #include <simdjson.h>
@@ -144,8 +144,8 @@ private:
 
 protected:
     Instant now = 1450679400123; ///< 2015-12-21T06:30:00.123Z
-    TemporaryFolder folder;
-    std::unique_ptr<Store> opened{openStore(folder.file("data.db").string(), options())};
+    TestStore testStore;
+    std::unique_ptr<Store> opened{openStore(testStore.location(), options())};
     Store& store = *opened;
     std::set<std::pair<Right, std::string>> lacking; ///< rights that the sender does not have in a project
     std::string answer;

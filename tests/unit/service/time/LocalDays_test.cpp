@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <string_view>
 
 namespace monitorservice {
@@ -84,6 +85,40 @@ TEST(LocalDays, DayWithTwoMidnightsBeginsWithTheFirst)
     EXPECT_EQ(days.offsetMinutesAt(days.beginOf(day)), -240);
 }
 
+// In St. John's the clock went back from 0:01 to 23:01: the new day had begun for a minute.
+TEST(LocalDays, DayThatHasBegunIsNotLeftAgain)
+{
+    LocalDays days("America/St_Johns");
+    const std::int64_t day = dayNumber("2010-11-07");
+    const Instant midnight = at("2010-11-07T00:00:00-02:30");
+    EXPECT_EQ(days.beginOf(day), midnight);
+    EXPECT_EQ(days.dayOf(midnight - 1), day - 1);
+    EXPECT_EQ(days.dayOf(midnight), day);
+    EXPECT_EQ(days.dayOf(at("2010-11-06T23:30:00-03:30")), day);
+    EXPECT_EQ(days.dayOf(at("2010-11-07T00:00:00-03:30")), day);
+    EXPECT_EQ(days.beginOf(day + 1), at("2010-11-08T00:00:00-03:30"));
+}
+
+TEST(LocalDays, PeriodsFollowOneAnother)
+{
+    for (const char* const zone : {"UTC", "Europe/Vienna", "America/Sao_Paulo", "America/Havana",
+                                   "America/St_Johns", "Pacific/Apia"}) {
+        LocalDays days(zone);
+        DayPeriod last = days.periodOf(at("1990-01-01T00:00:00Z"));
+        while (last.before < at("2040-01-01T00:00:00Z")) {
+            const DayPeriod next = days.periodOf(last.before);
+            ASSERT_EQ(next.from, last.before) << zone << ' ' << last.day;
+            // Apia had no 30th of December 2011.
+            const bool isSkipped =
+                last.day + 1 == dayNumber("2011-12-30") && zone == std::string("Pacific/Apia");
+            ASSERT_EQ(next.day, last.day + (isSkipped ? 2 : 1)) << zone;
+            ASSERT_EQ(days.periodOf(next.before - 1).day, next.day) << zone;
+            ASSERT_EQ(LocalDays(zone).beginOf(next.day), next.from) << zone;
+            last = next;
+        }
+    }
+}
+
 TEST(LocalDays, EveryInstantLiesBetweenTheBeginningsOfItsDayAndTheNext)
 {
     for (const char* const zone : {"UTC", "Europe/Vienna", "Asia/Kathmandu", "Australia/Lord_Howe",
@@ -93,9 +128,11 @@ TEST(LocalDays, EveryInstantLiesBetweenTheBeginningsOfItsDayAndTheNext)
         for (int step = 0; step < 20'000; ++step) {
             const Instant instant =
                 at("2010-01-01T00:00:00Z") + ((step * 7919LL) % 20'000) * 6 * hour + 17 * minute;
-            const std::int64_t day = days.dayOf(instant);
-            ASSERT_LE(days.beginOf(day), instant) << zone << " " << instant;
-            ASSERT_GT(days.beginOf(day + 1), instant) << zone << " " << instant;
+            const DayPeriod period = days.periodOf(instant);
+            ASSERT_LE(period.from, instant) << zone << " " << instant;
+            ASSERT_GT(period.before, instant) << zone << " " << instant;
+            ASSERT_EQ(days.beginOf(period.day), period.from) << zone << " " << instant;
+            ASSERT_EQ(days.beginOf(period.day + 1), period.before) << zone << " " << instant;
         }
     }
 }

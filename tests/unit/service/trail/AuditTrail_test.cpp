@@ -2,7 +2,7 @@
 
 #include "store/OpenStore.h"
 #include "store/StoreContents.h"
-#include "support/TemporaryFolder.h"
+#include "support/TestStore.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -51,8 +51,8 @@ protected:
 
     std::vector<std::string> entries() const { return test::documentsOf(*store, DocumentKind::Change); }
 
-    test::TemporaryFolder folder;
-    std::unique_ptr<Store> store = openStore(folder.file("data.db").string(), options());
+    test::TestStore testStore;
+    std::unique_ptr<Store> store = openStore(testStore.location(), options());
 };
 
 TEST_F(AuditTrail, AnEntryHasTheTimeOfItsSessionAndAnIdentifierOfItsOwn)

@@ -7,6 +7,7 @@
 #include "domain/History.h"
 #include "domain/PointLocation.h"
 #include "domain/SubCategory.h"
+#include "store/UtcDay.h"
 #include "store/sqlite/SqliteDocuments.h"
 #include "store/sqlite/SqliteMeasurements.h"
 #include "store/sqlite/SqliteOutbox.h"
@@ -276,11 +277,12 @@ TEST_F(SqliteSchema, KnowingWhichDeliveryASampleIsOfCostsAtMostFourBytes)
         const std::int64_t point =
             measurements.insertPoint("p", location.id, toDocument(location), 8'000'000);
         for (int sample = 0; sample < samplesEach; ++sample) {
-            measurements.insertSample(
-                point, {1'450'000'000'000 + sample * 3'600'000LL, sample, 480, 0.1 * sample, "A"},
-                8'000'000 + sample / 10);
+            const Instant time = 1'450'000'000'000 + sample * 3'600'000LL;
+            measurements.insertSample(point, test::utcDayOf(time), {time, sample, 480, 0.1 * sample, "A"},
+                                      8'000'000 + sample / 10);
         }
     }
+    measurements.finish();
     connection.execute("COMMIT; VACUUM");
     const auto bytes = [&connection] {
         return connection.integer("PRAGMA page_count") * connection.integer("PRAGMA page_size");
@@ -418,7 +420,7 @@ TEST_F(SqliteSchema, DueNoticesAreFoundByTheirTime)
 TEST_F(SqliteSchema, LatestEntriesOfAllProjectsAreReadByTheirIdentifiers)
 {
     SqliteConnection connection = open();
-    const SqliteDocuments changes(connection, documentTable(DocumentKind::Change));
+    const SqliteDocuments changes(connection, sqliteTable(DocumentKind::Change));
     DocumentQuery query;
     query.everyProject = true;
     query.order = parseOrder("-_id");
@@ -435,13 +437,13 @@ TEST_F(SqliteSchema, WhatBelongsToADocumentIsReadByIt)
         const DocumentTable& table;
         const char* used;
     };
-    for (const Table& one : std::vector<Table>{{documentTable(DocumentKind::Group), "(cell=?)"},
-                                               {documentTable(DocumentKind::PointLocation), "(cell=?)"},
-                                               {documentTable(DocumentKind::DataManage), "(cell=?)"},
-                                               {documentTable(DocumentKind::History), "(data_manage=?)"},
-                                               {documentTable(DocumentKind::Alarm), "(cell=?)"},
-                                               {documentTable(DocumentKind::AlarmDetail), "(alarm=?)"},
-                                               {documentTable(DocumentKind::AlarmDepth), "(detail=?)"}}) {
+    for (const Table& one : std::vector<Table>{{sqliteTable(DocumentKind::Group), "(cell=?)"},
+                                               {sqliteTable(DocumentKind::PointLocation), "(cell=?)"},
+                                               {sqliteTable(DocumentKind::DataManage), "(cell=?)"},
+                                               {sqliteTable(DocumentKind::History), "(data_manage=?)"},
+                                               {sqliteTable(DocumentKind::Alarm), "(cell=?)"},
+                                               {sqliteTable(DocumentKind::AlarmDetail), "(alarm=?)"},
+                                               {sqliteTable(DocumentKind::AlarmDepth), "(detail=?)"}}) {
         SCOPED_TRACE(one.table.name);
         const SqliteDocuments documents(connection, one.table);
         DocumentQuery query;

@@ -1,4 +1,4 @@
-#include "delivery/JsonPieces.h"
+#include "json/JsonPieces.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,8 @@
-#include "store/sqlite/SqliteDocuments.h"
+#include "store/sql/DocumentTables.h"
+
+#include "store/StoreError.h"
+
+#include <utility>
 
 namespace monitorservice {
 
@@ -6,9 +10,9 @@ namespace {
 
 // The lists in a document are left to the matcher: looking into them with SQL's json_each takes ten times as
 // long.
-const DocumentTable& cellTable()
+DocumentTable cellTable()
 {
-    static const DocumentTable table{
+    return {
         "cells",
         {
             {"_id", "id"},
@@ -30,12 +34,11 @@ const DocumentTable& cellTable()
             {"updatedBy", "updated_by"},
         },
     };
-    return table;
 }
 
-const DocumentTable& subCategoryTable()
+DocumentTable subCategoryTable()
 {
-    static const DocumentTable table{
+    return {
         "sub_categories",
         {
             {"_id", "id"},
@@ -51,12 +54,11 @@ const DocumentTable& subCategoryTable()
             {"alias", "alias"},
         },
     };
-    return table;
 }
 
-const DocumentTable& groupTable()
+DocumentTable groupTable()
 {
-    static const DocumentTable table{
+    return {
         "groups",
         {
             {"_id", "id"},
@@ -75,12 +77,11 @@ const DocumentTable& groupTable()
         "searched",
         "cell",
     };
-    return table;
 }
 
-const DocumentTable& pointLocationTable()
+DocumentTable pointLocationTable(const Dialect& dialect)
 {
-    static const DocumentTable table{
+    return {
         "point_locations",
         {
             {"_id", "id"},
@@ -95,7 +96,7 @@ const DocumentTable& pointLocationTable()
             {"_id", "id"},
             {"cellId", "cell"},
             {"name", "name"},
-            {"depth", "CAST(depth AS REAL)", SortedAs::Number}, // as a number: 2.5 stands before 10
+            {"depth", dialect.depthAsNumber, SortedAs::Number}, // as a number: 2.5 stands before 10
             {"lastDate", "last_time", SortedAs::Number},
             {"data.time", "last_time", SortedAs::Number},
         },
@@ -103,12 +104,11 @@ const DocumentTable& pointLocationTable()
         "searched",
         "cell",
     };
-    return table;
 }
 
-const DocumentTable& dataManageTable()
+DocumentTable dataManageTable()
 {
-    static const DocumentTable table{
+    return {
         "data_manages",
         {
             {"_id", "id"},
@@ -128,22 +128,20 @@ const DocumentTable& dataManageTable()
         "searched",
         "cell",
     };
-    return table;
 }
 
-const DocumentTable& historyTable()
+DocumentTable historyTable()
 {
-    static const DocumentTable table{
+    return {
         "histories",     {{"_id", "id"}, {"dataManageId", "data_manage"}},
         {{"_id", "id"}}, "histories_read",
         "searched",      "data_manage",
     };
-    return table;
 }
 
-const DocumentTable& alarmTable()
+DocumentTable alarmTable()
 {
-    static const DocumentTable table{
+    return {
         "alarms",
         {
             {"_id", "id"},
@@ -162,12 +160,11 @@ const DocumentTable& alarmTable()
         "searched",
         "cell",
     };
-    return table;
 }
 
-const DocumentTable& alarmDetailTable()
+DocumentTable alarmDetailTable()
 {
-    static const DocumentTable table{
+    return {
         "alarm_details",
         {
             {"_id", "id"},
@@ -182,12 +179,11 @@ const DocumentTable& alarmDetailTable()
         "searched",
         "alarm",
     };
-    return table;
 }
 
-const DocumentTable& alarmDepthTable()
+DocumentTable alarmDepthTable(const Dialect& dialect)
 {
-    static const DocumentTable table{
+    return {
         "alarm_depths",
         {
             {"_id", "id"},
@@ -196,18 +192,17 @@ const DocumentTable& alarmDepthTable()
         },
         {
             {"_id", "id"},
-            {"depth", "CAST(depth AS REAL)", SortedAs::Number}, // as a number: 2.5 stands before 10
+            {"depth", dialect.depthAsNumber, SortedAs::Number}, // as a number: 2.5 stands before 10
         },
         "alarm_depths_read",
         "searched",
         "detail",
     };
-    return table;
 }
 
-const DocumentTable& changeTable()
+DocumentTable changeTable()
 {
-    static const DocumentTable table{
+    return {
         "changes",
         {
             {"_id", "id"},
@@ -227,12 +222,11 @@ const DocumentTable& changeTable()
             {"action", "action"},
         },
     };
-    return table;
 }
 
 } // namespace
 
-const DocumentTable& documentTable(DocumentKind kind)
+DocumentTable documentTable(DocumentKind kind, const Dialect& dialect)
 {
     switch (kind) {
     case DocumentKind::Cell:
@@ -242,7 +236,7 @@ const DocumentTable& documentTable(DocumentKind kind)
     case DocumentKind::Group:
         return groupTable();
     case DocumentKind::PointLocation:
-        return pointLocationTable();
+        return pointLocationTable(dialect);
     case DocumentKind::DataManage:
         return dataManageTable();
     case DocumentKind::History:
@@ -252,7 +246,7 @@ const DocumentTable& documentTable(DocumentKind kind)
     case DocumentKind::AlarmDetail:
         return alarmDetailTable();
     case DocumentKind::AlarmDepth:
-        return alarmDepthTable();
+        return alarmDepthTable(dialect);
     case DocumentKind::Change:
         return changeTable();
     }

@@ -1,4 +1,4 @@
-#include "notify/SecretFile.h"
+#include "access/SecretFile.h"
 
 #include <filesystem>
 #include <fstream>

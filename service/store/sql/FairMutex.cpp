@@ -1,4 +1,4 @@
-#include "store/sqlite/FairMutex.h"
+#include "store/sql/FairMutex.h"
 
 namespace monitorservice {
 

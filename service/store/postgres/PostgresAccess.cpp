@@ -1,0 +1,92 @@
+#include "store/postgres/PostgresAccess.h"
+
+namespace monitorservice {
+
+namespace {
+
+const std::string selectTokens = "SELECT id, owner, name, created_at, expires_at, revoked_at FROM tokens ";
+const std::string selectGrants = "SELECT id, token, project, category, rights, created_at FROM grants ";
+
+Token tokenOf(const PostgresResult& rows, int row)
+{
+    return {rows.text(row, 0),
+            rows.text(row, 1),
+            rows.text(row, 2),
+            rows.integer(row, 3),
+            rows.optionalInteger(row, 4),
+            rows.optionalInteger(row, 5)};
+}
+
+std::optional<Token> oneToken(const PostgresResult& rows)
+{
+    return rows.isEmpty() ? std::nullopt : std::optional(tokenOf(rows, 0));
+}
+
+Grant grantOf(const PostgresResult& rows, int row)
+{
+    return {rows.text(row, 0),
+            rows.text(row, 1),
+            rows.optionalText(row, 2),
+            rows.optionalText(row, 3),
+            Rights::ofBits(rows.integer(row, 4)),
+            rows.integer(row, 5)};
+}
+
+} // namespace
+
+std::optional<Token> PostgresTokens::find(const std::string& id) const
+{
+    return oneToken(m_connection.run(selectTokens + "WHERE id = $1", id));
+}
+
+std::optional<Token> PostgresTokens::findBySecretHash(const std::string& sha256) const
+{
+    return oneToken(m_connection.run(selectTokens + "WHERE secret_sha256 = $1", PostgresBytes{sha256}));
+}
+
+std::vector<Token> PostgresTokens::list() const
+{
+    return m_connection.run(selectTokens + "ORDER BY id").each(tokenOf);
+}
+
+void PostgresTokens::insert(const Token& token, const std::string& sha256)
+{
+    m_connection.run("INSERT INTO tokens (id, owner, name, created_at, expires_at, revoked_at, "
+                     "secret_sha256) VALUES ($1, $2, $3, $4, $5, $6, $7)",
+                     token.id, token.owner, token.name, token.createdAt, token.expiresAt, token.revokedAt,
+                     PostgresBytes{sha256});
+}
+
+bool PostgresTokens::revoke(const std::string& id, Instant when)
+{
+    return m_connection.run("UPDATE tokens SET revoked_at = coalesce(revoked_at, $1) WHERE id = $2", when, id)
+               .affected() > 0;
+}
+
+std::vector<Grant> PostgresGrants::ofToken(const std::string& token) const
+{
+    return m_connection.run(selectGrants + "WHERE token = $1", token).each(grantOf);
+}
+
+std::vector<Grant> PostgresGrants::list() const
+{
+    return m_connection.run(selectGrants + "ORDER BY id").each(grantOf);
+}
+
+std::string PostgresGrants::add(const Grant& grant)
+{
+    return m_connection
+        .run("INSERT INTO grants (id, token, project, category, rights, created_at) VALUES "
+             "($1, $2, $3, $4, $5, $6) ON CONFLICT (token, (project IS NULL), coalesce(project, ''), "
+             "(category IS NULL), coalesce(category, '')) DO UPDATE SET "
+             "rights = grants.rights | excluded.rights RETURNING id",
+             grant.id, grant.token, grant.project, grant.category, grant.rights.bits(), grant.createdAt)
+        .text(0, 0);
+}
+
+bool PostgresGrants::remove(const std::string& id)
+{
+    return m_connection.run("DELETE FROM grants WHERE id = $1", id).affected() > 0;
+}
+
+} // namespace monitorservice

@@ -1,0 +1,108 @@
+#pragma once
+
+#include "store/StoreError.h"
+#include "store/postgres/PostgresResult.h"
+#include "store/postgres/PostgresValues.h"
+#include "store/sql/Sql.h"
+
+#include <libpq-fe.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace monitorservice {
+
+constexpr Dialect postgresDialect{
+    true, {}, "depth_number", "json_array_elements_text", false, true,
+};
+
+/// One connection to a database, for one thread at a time. Every member throws StoreError: with
+/// StoreFailure::Unreachable when the connection is lost, after which it is of no use any more.
+class PostgresConnection
+{
+public:
+    /// Connects to "postgresql://…". Throws StoreError with StoreFailure::Unreachable; the message names the
+    /// server and the database, and no password.
+    explicit PostgresConnection(const std::string& url);
+
+    /// Runs a statement, prepared once and kept for the next use, with values for $1, $2, …
+    template <typename... Values>
+    PostgresResult run(std::string_view sql, const Values&... values)
+    {
+        PostgresValues bound;
+        (bound.add(values), ...);
+        return runPrepared(sql, bound);
+    }
+    /// The same of a piece of SQL with its values.
+    PostgresResult run(const Sql& sql);
+    PostgresResult runPrepared(std::string_view sql, const PostgresValues& values);
+
+    /// The same without keeping it, for what is hardly asked again.
+    PostgresResult runOnce(const std::string& sql, const PostgresValues& values);
+
+    /// Runs statements that take and give nothing, separated by semicolons.
+    void execute(const std::string& sql);
+
+    /// Calls a visitor. Statements are refused until it returns, as every store may refuse them then.
+    template <typename Visitor, typename... Found>
+    auto show(const Visitor& visitor, const Found&... found)
+    {
+        const Showing showing(*this);
+        return visitor(found...);
+    }
+
+    /// Whether it can be used; false once it was lost.
+    bool isConnected() const;
+    /// Whether a transaction is under way.
+    bool isInTransaction() const;
+    /// Whether one is under way in which nothing has failed.
+    bool isInWorkingTransaction() const;
+    /// One that no other cursor of the connection has.
+    std::string newCursorName() { return "c" + std::to_string(++m_cursors); }
+    int serverVersion() const;
+    /// A parameter that the server tells of itself, such as "server_encoding".
+    std::string parameter(const char* name) const;
+
+private:
+    class Showing
+    {
+    public:
+        explicit Showing(PostgresConnection& connection) : m_connection(connection)
+        {
+            m_connection.m_isShowing = true;
+        }
+        ~Showing() { m_connection.m_isShowing = false; }
+        Showing(const Showing&) = delete;
+        Showing& operator=(const Showing&) = delete;
+
+    private:
+        PostgresConnection& m_connection;
+    };
+
+    struct Finish
+    {
+        void operator()(PGconn* connection) const { PQfinish(connection); }
+    };
+
+    const std::string& prepared(std::string_view sql);
+    PostgresResult checked(PGresult* result) const;
+    void refuseWhileShowing() const;
+    StoreError lost() const;
+
+    std::string m_place; ///< the server and the database, for messages
+    std::unique_ptr<PGconn, Finish> m_connection;
+    bool m_isShowing = false;
+    std::unordered_map<std::string, std::string> m_prepared; ///< names by texts
+    std::size_t m_named = 0;                                 ///< names given so far
+    std::size_t m_cursors = 0;                               ///< likewise
+};
+
+/// The values of a piece of SQL.
+PostgresValues valuesOf(const Sql& sql);
+
+/// The server and the database that a URL names, without a password, for messages.
+std::string placeOf(const std::string& url);
+
+} // namespace monitorservice

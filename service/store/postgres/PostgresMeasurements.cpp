@@ -1,0 +1,391 @@
+#include "store/postgres/PostgresMeasurements.h"
+
+#include "domain/Depth.h"
+#include "json/JsonMembers.h"
+#include "json/JsonPieces.h"
+#include "json/JsonText.h"
+#include "store/postgres/PostgresPointSelection.h"
+#include "store/postgres/SegmentRows.h"
+#include "store/postgres/StoredColumns.h"
+#include "time/Timestamp.h"
+
+#include <array>
+#include <set>
+
+namespace monitorservice {
+
+namespace {
+
+// With the columns day, time, count, offset_minutes, value, samples. A day's last sample is that of its last
+// part.
+constexpr const char* selectDays =
+    "SELECT s.day, s.last_time, s.last_count, s.last_offset_minutes, s.last_value, "
+    "(SELECT sum(d.samples) FROM sample_segments AS d WHERE d.project_number = s.project_number AND "
+    "d.point = s.point AND d.day = s.day) FROM sample_segments AS s WHERE s.project_number = $1 AND "
+    "s.point = $2 AND NOT EXISTS (SELECT 1 FROM sample_segments AS l WHERE "
+    "l.project_number = s.project_number AND l.point = s.point AND l.day = s.day AND l.part > s.part)";
+
+DaySummary dayOf(const PostgresResult& rows, int row)
+{
+    DaySummary day;
+    day.day = rows.integer(row, 0);
+    day.time = rows.integer(row, 1);
+    day.count = static_cast<std::int32_t>(rows.integer(row, 2));
+    if (!rows.isNull(row, 3)) {
+        day.offsetMinutes = static_cast<int>(rows.integer(row, 3));
+    }
+    day.value = rows.real(row, 4);
+    day.samples = rows.integer(row, 5);
+    return day;
+}
+
+StoredPoint pointOf(const PostgresResult& rows, int row)
+{
+    return {rows.integer(row, 0), rows.text(row, 1), rows.text(row, 2)};
+}
+
+std::optional<StoredPoint> onePoint(const PostgresResult& rows)
+{
+    return rows.isEmpty() ? std::nullopt : std::optional(pointOf(rows, 0));
+}
+
+std::string_view textOf(std::string_view document, std::string_view quotedName)
+{
+    const std::optional<std::string_view> member = findJsonMember(document, quotedName);
+    if (!member || member->size() < 2) {
+        throw StoreError(StoreFailure::InputOutput,
+                         "a stored point location lacks " + std::string(quotedName));
+    }
+    return member->substr(1, member->size() - 2);
+}
+
+std::string quoted(const std::string& text)
+{
+    std::string json;
+    appendJsonString(json, text);
+    return json;
+}
+
+std::optional<Instant> lastTimeOf(const std::string& document)
+{
+    const std::optional<Timestamp> time = parseTimestamp(textOf(document, "\"lastDate\""));
+    return time ? std::optional(time->milliseconds) : std::nullopt;
+}
+
+} // namespace
+
+std::optional<StoredPoint> PostgresMeasurements::findPoint(const std::string& cell,
+                                                           const std::string& subCategory,
+                                                           const std::string& name,
+                                                           const std::string& depth) const
+{
+    std::optional<StoredPoint> found = onePoint(m_connection.run(
+        "SELECT point, id, document FROM point_locations WHERE project_number = $1 AND cell = $2 AND "
+        "sub_category = $3 AND name = $4 AND depth = $5",
+        projectOfCell(cell), cell, subCategory, name, depth));
+    if (found || depth.empty()) {
+        return found;
+    }
+    return findPointSpeltOtherwise(cell, subCategory, name, settledDepth(depth));
+}
+
+// The database finds what may be the same number; what is the same is not said by rounded numbers.
+std::optional<StoredPoint> PostgresMeasurements::findPointSpeltOtherwise(const std::string& cell,
+                                                                         const std::string& subCategory,
+                                                                         const std::string& name,
+                                                                         const std::string& settled) const
+{
+    const PostgresResult found = m_connection.run(
+        "SELECT point, id, document, depth FROM point_locations WHERE project_number = $1 AND cell = $2 AND "
+        "sub_category = $3 AND name = $4 AND depth_number = $5",
+        projectOfCell(cell), cell, subCategory, name, numberAtBeginOf(settled));
+    for (int row = 0; row < found.rows(); ++row) {
+        if (settledDepth(found.view(row, 3)) == settled) {
+            return pointOf(found, row);
+        }
+    }
+    return std::nullopt;
+}
+
+void PostgresMeasurements::visitPoints(const std::string& cell, const std::string& subCategory,
+                                       const std::string& name, const PointVisitor& visitor) const
+{
+    const PostgresResult found = m_connection.run(
+        "SELECT point, id, document FROM point_locations WHERE project_number = $1 AND cell = $2 AND "
+        "sub_category = $3 AND name = $4 ORDER BY depth",
+        projectOfCell(cell), cell, subCategory, name);
+    for (int row = 0; row < found.rows(); ++row) {
+        m_connection.show(visitor, pointOf(found, row));
+    }
+}
+
+std::optional<StoredPoint> PostgresMeasurements::latestPoint(const std::string& cell,
+                                                             const std::string& subCategory) const
+{
+    return onePoint(m_connection.run(
+        "SELECT point, id, document FROM point_locations WHERE project_number = $1 AND cell = $2 AND "
+        "sub_category = $3 AND last_time IS NOT NULL ORDER BY last_time DESC, point LIMIT 1",
+        projectOfCell(cell), cell, subCategory));
+}
+
+void PostgresMeasurements::visitDeliveredTo(const std::string& cell, const std::string& subCategory,
+                                            std::int64_t delivery, const DeliveredToVisitor& visitor) const
+{
+    const PostgresResult found = m_connection.run(
+        "SELECT point, id, document, first_delivery FROM point_locations WHERE project_number = $1 AND "
+        "cell = $2 AND sub_category = $3 AND last_delivery >= $4 ORDER BY name, depth",
+        projectOfCell(cell), cell, subCategory, delivery);
+    for (int row = 0; row < found.rows(); ++row) {
+        m_connection.show(visitor, DeliveredTo{pointOf(found, row), found.integer(row, 3) == delivery});
+    }
+}
+
+std::int64_t PostgresMeasurements::insertPoint(const std::string& project, const std::string& id,
+                                               const std::string& document, std::int64_t delivery)
+{
+    const std::int64_t number = m_projects.of(project);
+    const PostgresResult given = m_connection.run(
+        "UPDATE project_numbers SET points = points + 1 WHERE number = $1 RETURNING points", number);
+    if (given.isEmpty()) {
+        throw StoreError(StoreFailure::Conflict, "there is no project " + project);
+    }
+    const std::int64_t point = pointNumber(number, given.integer(0, 0));
+    PostgresValues values;
+    values.add(number);
+    values.add(point);
+    values.add(id);
+    values.add(document);
+    values.add(lastTimeOf(document));
+    values.add(delivery);
+    addColumns(values, storedColumns(DocumentKind::PointLocation), document);
+    m_connection.runPrepared("INSERT INTO point_locations (project_number, point, id, document, last_time, "
+                             "first_delivery, last_delivery, cell, sub_category, name, depth, depth_number) "
+                             "VALUES ($1, $2, $3, $4, $5, $6, $6, $7, $8, $9, $10, $11)",
+                             values);
+    m_samples.noteNew(point);
+    return point;
+}
+
+void PostgresMeasurements::replacePoint(std::int64_t point, const std::string& document,
+                                        const std::optional<Instant>& lastTime,
+                                        const std::optional<std::int64_t>& delivery)
+{
+    m_connection.run("UPDATE point_locations SET document = $3, last_time = $4, "
+                     "last_delivery = coalesce($5, last_delivery) WHERE project_number = $1 AND point = $2",
+                     projectNumberOf(point), point, document, lastTime, delivery);
+}
+
+void PostgresMeasurements::removePoint(std::int64_t point)
+{
+    m_samples.forget(point);
+    for (const char* const table : {"sample_segments", "point_locations"}) {
+        m_connection.run("DELETE FROM " + std::string(table) + " WHERE project_number = $1 AND point = $2",
+                         projectNumberOf(point), point);
+    }
+}
+
+bool PostgresMeasurements::replaceLinks(std::int64_t point, const std::string& links, Instant when,
+                                        const std::string& who)
+{
+    const PostgresResult found =
+        m_connection.run("SELECT document FROM point_locations WHERE project_number = $1 AND point = $2",
+                         projectNumberOf(point), point);
+    if (found.isEmpty() || findJsonMember(found.view(0, 0), "\"links\"") == links) {
+        return false;
+    }
+    std::string document = withMember(found.view(0, 0), "links", links);
+    // Texts of times sort like times.
+    if (const std::string now = isoText(when); textOf(document, "\"updatedAt\"") < now) {
+        document = withMember(document, "updatedAt", quoted(now));
+    }
+    document = withMember(document, "updatedBy", quoted(who));
+    m_connection.run("UPDATE point_locations SET document = $3 WHERE project_number = $1 AND point = $2",
+                     projectNumberOf(point), point, document);
+    return true;
+}
+
+std::unique_ptr<PointSelection> PostgresMeasurements::select(const DocumentQuery& query) const
+{
+    m_samples.flush();
+    return std::make_unique<PostgresPointSelection>(m_connection, m_projects, query);
+}
+
+std::optional<Sample> PostgresMeasurements::earliestSample(std::int64_t point) const
+{
+    m_samples.flush();
+    SegmentRows rows(m_connection, {point}, {}, SegmentRows::Order::Earliest);
+    std::vector<KeptSample> samples;
+    if (!rows.next()) {
+        return std::nullopt;
+    }
+    rows.decode(samples);
+    return samples.front().sample;
+}
+
+std::optional<Sample> PostgresMeasurements::latestSample(std::int64_t point) const
+{
+    m_samples.flush();
+    SegmentRows rows(m_connection, {point}, {}, SegmentRows::Order::Latest);
+    std::vector<KeptSample> samples;
+    if (!rows.next()) {
+        return std::nullopt;
+    }
+    rows.decode(samples);
+    return samples.back().sample;
+}
+
+std::optional<Sample> PostgresMeasurements::findSample(std::int64_t point, Instant time,
+                                                       std::int32_t count) const
+{
+    return m_samples.find(point, time, count);
+}
+
+void PostgresMeasurements::visitSamples(std::int64_t point, Instant from, Instant before,
+                                        const SampleVisitor& visitor) const
+{
+    m_samples.flush();
+    SegmentRows rows(m_connection, {point}, {from, before});
+    std::vector<KeptSample> samples;
+    while (rows.next()) {
+        samples.clear();
+        rows.decode(samples);
+        for (const KeptSample& kept : samples) {
+            if (kept.sample.time >= from && kept.sample.time < before) {
+                m_connection.show(visitor, kept.sample);
+            }
+        }
+    }
+}
+
+void PostgresMeasurements::visitSamplesOf(std::int64_t point, std::int64_t delivery,
+                                          const SampleVisitor& visitor) const
+{
+    m_samples.flush();
+    PostgresCursor rows(m_connection, Sql("SELECT content FROM sample_segments WHERE project_number = ")
+                                          .appendValue(projectNumberOf(point))
+                                          .append(" AND point = ")
+                                          .appendValue(point)
+                                          .append(" AND last_delivery >= ")
+                                          .appendValue(delivery)
+                                          .append(" ORDER BY day, part"));
+    std::vector<KeptSample> samples;
+    while (rows.next()) {
+        samples.clear();
+        decodeStored(rows.view(0), samples);
+        for (const KeptSample& kept : samples) {
+            if (kept.delivery == delivery) {
+                m_connection.show(visitor, kept.sample);
+            }
+        }
+    }
+}
+
+std::vector<std::int64_t> PostgresMeasurements::deliveriesOf(std::int64_t point) const
+{
+    m_samples.flush();
+    std::set<std::int64_t> deliveries;
+    const PostgresResult made =
+        m_connection.run("SELECT first_delivery FROM point_locations WHERE project_number = $1 AND "
+                         "point = $2",
+                         projectNumberOf(point), point);
+    if (!made.isEmpty()) {
+        deliveries.insert(made.integer(0, 0));
+    }
+    SegmentRows rows(m_connection, {point}, {});
+    std::vector<KeptSample> samples;
+    while (rows.next()) {
+        samples.clear();
+        rows.decode(samples);
+        for (const KeptSample& kept : samples) {
+            deliveries.insert(kept.delivery);
+        }
+    }
+    return {deliveries.rbegin(), deliveries.rend()};
+}
+
+bool PostgresMeasurements::insertSample(std::int64_t point, const DayPeriod& day, const Sample& sample,
+                                        std::int64_t delivery)
+{
+    return m_samples.insert(point, day, sample, delivery);
+}
+
+void PostgresMeasurements::replaceSample(std::int64_t point, const DayPeriod& day, const Sample& sample)
+{
+    m_samples.replace(point, day, sample);
+}
+
+void PostgresMeasurements::removeSample(std::int64_t point, const DayPeriod& day, Instant time,
+                                        std::int32_t count)
+{
+    m_samples.remove(point, day, time, count);
+}
+
+void PostgresMeasurements::visitDays(std::int64_t point, std::int64_t first, std::int64_t last,
+                                     const DayVisitor& visitor) const
+{
+    m_samples.flush();
+    static const std::string sql =
+        std::string(selectDays) + " AND s.day BETWEEN $3::bigint AND $4::bigint ORDER BY s.day";
+    const PostgresResult found = m_connection.run(sql, projectNumberOf(point), point, first, last);
+    for (int row = 0; row < found.rows(); ++row) {
+        m_connection.show(visitor, dayOf(found, row));
+    }
+}
+
+std::optional<DaySummary> PostgresMeasurements::latestDayBefore(std::int64_t point, std::int64_t day) const
+{
+    m_samples.flush();
+    static const std::string sql =
+        std::string(selectDays) + " AND s.day < $3::bigint ORDER BY s.day DESC LIMIT 1";
+    const PostgresResult found = m_connection.run(sql, projectNumberOf(point), point, day);
+    return found.isEmpty() ? std::nullopt : std::optional(dayOf(found, 0));
+}
+
+std::optional<DaySummary> PostgresMeasurements::earliestDayAfter(std::int64_t point, std::int64_t day) const
+{
+    m_samples.flush();
+    static const std::string sql = std::string(selectDays) + " AND s.day > $3::bigint ORDER BY s.day LIMIT 1";
+    const PostgresResult found = m_connection.run(sql, projectNumberOf(point), point, day);
+    return found.isEmpty() ? std::nullopt : std::optional(dayOf(found, 0));
+}
+
+void PostgresMeasurements::removeDelivered(const std::string& cell, const std::string& subCategory)
+{
+    m_samples.flush(); // those of others as well
+    m_samples.forgetAll();
+    // What refers comes before what is referred to.
+    constexpr std::array statements{
+        "DELETE FROM excesses WHERE project_number = $1 AND point IN (SELECT point FROM point_locations "
+        "WHERE project_number = $1 AND cell = $2 AND sub_category = $3)",
+        "DELETE FROM alarm_depths WHERE project_number = $1 AND detail IN (SELECT e.id FROM alarm_details "
+        "AS e JOIN alarms AS a ON a.project_number = e.project_number AND a.id = e.alarm WHERE "
+        "a.project_number = $1 AND a.cell = $2 AND a.sub_category = $3)",
+        "DELETE FROM alarm_details WHERE project_number = $1 AND alarm IN (SELECT id FROM alarms WHERE "
+        "project_number = $1 AND cell = $2 AND sub_category = $3)",
+        "DELETE FROM alarms WHERE project_number = $1 AND cell = $2 AND sub_category = $3",
+        "DELETE FROM histories WHERE project_number = $1 AND data_manage IN (SELECT id FROM data_manages "
+        "WHERE project_number = $1 AND cell = $2 AND sub_category = $3)",
+        "DELETE FROM data_manages WHERE project_number = $1 AND cell = $2 AND sub_category = $3",
+        "DELETE FROM sample_segments WHERE project_number = $1 AND point IN (SELECT point FROM "
+        "point_locations WHERE project_number = $1 AND cell = $2 AND sub_category = $3)",
+        "DELETE FROM point_locations WHERE project_number = $1 AND cell = $2 AND sub_category = $3"};
+    for (const char* const sql : statements) {
+        m_connection.run(sql, projectOfCell(cell), cell, subCategory);
+    }
+}
+
+// -1, which no project has, when there is no such monitoring.
+std::int64_t PostgresMeasurements::projectOfCell(const std::string& cell) const
+{
+    const auto known = m_projectsOfCells.find(cell);
+    if (known != m_projectsOfCells.end()) {
+        return known->second;
+    }
+    const PostgresResult found = m_connection.run("SELECT project_number FROM cells WHERE id = $1", cell);
+    if (found.isEmpty()) {
+        return -1;
+    }
+    return m_projectsOfCells.emplace(cell, found.integer(0, 0)).first->second;
+}
+
+} // namespace monitorservice

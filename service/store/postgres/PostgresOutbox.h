@@ -1,0 +1,29 @@
+#pragma once
+
+#include "store/Outbox.h"
+#include "store/postgres/PostgresConnection.h"
+
+#include <set>
+
+namespace monitorservice {
+
+class PostgresOutbox final : public Outbox
+{
+public:
+    /// `channels` outlives the outbox.
+    PostgresOutbox(PostgresConnection& connection, Instant now, const std::set<Channel>& channels)
+        : m_connection(connection), m_now(now), m_channels(channels)
+    {
+    }
+
+    void note(const std::string& alarm, Channel channel, const std::string& recipient) override;
+    std::optional<Notice> nextDue(Channel channel, Instant now) const override;
+    void update(const Notice& notice) override;
+
+private:
+    PostgresConnection& m_connection;
+    Instant m_now;
+    const std::set<Channel>& m_channels;
+};
+
+} // namespace monitorservice

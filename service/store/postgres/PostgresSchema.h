@@ -1,0 +1,15 @@
+#pragma once
+
+#include "store/postgres/PostgresConnection.h"
+
+namespace monitorservice {
+
+/// Whether the database has the tables of a store, of whatever version.
+bool isSetUp(PostgresConnection& connection);
+
+/// Makes an empty database, or one of an earlier version, the current one, step by step in one transaction.
+/// Throws StoreError with StoreFailure::CannotOpen when the database is another application's, of a later
+/// version, or not one that a store can be in.
+void migrate(PostgresConnection& connection);
+
+} // namespace monitorservice

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "store/Store.h"
+#include "store/StoreOptions.h"
+#include "store/sql/FairMutex.h"
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace monitorservice {
+
+class PostgresConnection;
+
+/// The store in a PostgreSQL database, version 15 or later, that several services and commands may use at
+/// once. A session that reads sees one snapshot; sessions that write come one after the other, over all
+/// processes. Connections are kept for the sessions to come, and those that are lost are replaced.
+class PostgresStore final : public Store
+{
+public:
+    /// Opens the database at "postgresql://…" (libpq's connection URI) and brings it to the current version.
+    /// Throws StoreError with StoreFailure::CannotOpen and a message that names the database, but no
+    /// password, when it cannot.
+    explicit PostgresStore(std::string url, StoreOptions options = {});
+    ~PostgresStore() override;
+
+    std::unique_ptr<const Session> read() override;
+    std::unique_ptr<Session> write() override;
+
+    /// Whether the database has the tables of a store. Throws as the constructor.
+    static bool exists(const std::string& url);
+    /// The server and the database, without a password.
+    static std::string nameOf(const std::string& url);
+
+private:
+    class ReadSession;
+    class WriteSession;
+
+    template <typename Begin>
+    std::unique_ptr<PostgresConnection> begin(const Begin& begin);
+    std::unique_ptr<PostgresConnection> takeIdle();
+    void giveBack(std::unique_ptr<PostgresConnection> connection);
+
+    std::string m_url;
+    StoreOptions m_options;
+    FairMutex m_writing;
+    std::mutex m_poolMutex;
+    std::vector<std::unique_ptr<PostgresConnection>> m_idle;
+};
+
+} // namespace monitorservice

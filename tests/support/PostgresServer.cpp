@@ -1,0 +1,48 @@
+#include "support/PostgresServer.h"
+
+#include "support/ChildProcess.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <stdexcept>
+
+namespace monitorservice::test {
+
+const PostgresServer& PostgresServer::instance()
+{
+    static const PostgresServer server;
+    return server;
+}
+
+PostgresServer::PostgresServer()
+{
+    if (const char* const file = std::getenv("RK_POSTGRES_SERVER")) {
+        std::getline(std::ifstream(file), m_folder);
+        if (m_folder.empty()) {
+            throw std::runtime_error(std::string(file) + " names no PostgreSQL server");
+        }
+        return;
+    }
+    m_own = std::make_unique<ChildProcess>(
+        std::vector<std::string>{PYTHON_EXECUTABLE, POSTGRES_SERVER_SCRIPT, "run", POSTGRES_PROGRAMS});
+    m_folder = m_own->readLine();
+    if (m_folder.empty()) {
+        throw std::runtime_error(m_own->readErrors());
+    }
+}
+
+PostgresServer::~PostgresServer()
+{
+    if (m_own) {
+        m_own->signal(SIGTERM);
+        m_own->wait();
+    }
+}
+
+std::string PostgresServer::url(const std::string& database) const
+{
+    return "postgresql:///" + database + "?host=" + m_folder + "&user=postgres";
+}
+
+} // namespace monitorservice::test

@@ -1,0 +1,153 @@
+#!/usr/bin/env python3
+"""A PostgreSQL server for tests, without a port: whoever may read its folder, which is its user's alone, is let in.
+
+  postgres_server.py run BIN [PROCESS]  runs it until SIGTERM or until the process ends, by default the parent;
+                                        prints the folder of its socket when it takes connections
+  postgres_server.py start BIN FILE     runs it in the background until the parent ends; FILE names the folder
+  postgres_server.py stop FILE          ends that one, and returns when nothing of it is left
+
+BIN: the folder with initdb and postgres.
+
+Its data go with it, so nothing waits for a disk. Where settings and the order of texts matter, they are not those that
+tests would get anyway: what is tested must not depend on them.
+"""
+
+import os
+import pathlib
+import pwd
+import select
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+ACCOUNT = "postgres"  # the server refuses to run as root
+PATIENCE = 60  # seconds
+SETTINGS = {
+    "listen_addresses": "",
+    "max_connections": "300",
+    "shared_buffers": "64MB",
+    "max_wal_size": "64MB",
+    "fsync": "off",
+    "full_page_writes": "off",
+    "synchronous_commit": "on",
+    "timezone": "Pacific/Chatham",
+    "datestyle": "SQL, DMY",
+    "intervalstyle": "sql_standard",
+    "bytea_output": "escape",
+}
+
+
+def as_account():
+    """What a command of the server begins with: it ends with this process, and is not root."""
+    command = ["setpriv", "--pdeathsig", "INT"]
+    if os.geteuid() == 0:
+        command += [f"--reuid={ACCOUNT}", f"--regid={ACCOUNT}", "--init-groups"]
+    return command
+
+
+def make_cluster(binaries, folder):
+    if os.geteuid() == 0:
+        account = pwd.getpwnam(ACCOUNT)
+        os.chown(folder, account.pw_uid, account.pw_gid)
+    made = subprocess.run(
+        [*as_account(), binaries / "initdb", "--pgdata", folder / "data", "--username", "postgres", "--auth", "trust",
+         "--encoding", "UTF8", "--locale", "C.UTF-8", "--locale-provider", "icu", "--icu-locale", "tr",
+         "--no-sync", "--no-instructions"],
+        cwd=folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
+    if made.returncode != 0:
+        raise RuntimeError(f"initdb: {made.stdout}")
+
+
+def start_server(binaries, folder):
+    settings = {**SETTINGS, "unix_socket_directories": folder}
+    with open(folder / "log", "wb") as log:
+        server = subprocess.Popen(
+            [*as_account(), binaries / "postgres", "-D", folder / "data",
+             *(f"--{name}={value}" for name, value in settings.items())],
+            cwd=folder, stdin=subprocess.DEVNULL, stdout=log, stderr=log)
+    end = time.monotonic() + PATIENCE
+    while not is_ready(folder):
+        if server.poll() is not None or time.monotonic() > end:
+            raise RuntimeError((folder / "log").read_text(encoding="utf-8"))
+        time.sleep(0.01)
+    return server
+
+
+def is_ready(folder):
+    """The last line of this file is what the server says of itself."""
+    try:
+        return (folder / "data" / "postmaster.pid").read_text(encoding="utf-8").split()[-1] == "ready"
+    except (FileNotFoundError, IndexError):
+        return False
+
+
+def stop_server(server):
+    server.send_signal(signal.SIGINT)  # does not wait for clients
+    try:
+        server.wait(PATIENCE)
+    except subprocess.TimeoutExpired:
+        server.kill()
+        server.wait()
+
+
+def run(binaries, process):
+    watched = os.pidfd_open(process)
+    # A signal may come just before select() begins to wait, so it is one of the things that are waited for.
+    signalled, signals = os.pipe2(os.O_CLOEXEC | os.O_NONBLOCK)
+    signal.set_wakeup_fd(signals)
+    signal.signal(signal.SIGTERM, lambda *_: None)
+    signal.signal(signal.SIGINT, signal.SIG_IGN)  # from a terminal it is for the process that is watched
+    # Paths of sockets have at most 107 bytes.
+    folder = pathlib.Path(tempfile.mkdtemp(prefix="postgres-"))
+    server = None
+    try:
+        make_cluster(binaries, folder)
+        server = start_server(binaries, folder)
+        print(folder, flush=True)
+        select.select([watched, signalled, os.pidfd_open(server.pid)], [], [])
+    finally:
+        if server is not None:
+            stop_server(server)
+        shutil.rmtree(folder)
+
+
+def start(binaries, file):
+    file.unlink(missing_ok=True)
+    # In a session of its own, and with none of the parent's pipes: who runs the parent does not wait for it.
+    with subprocess.Popen([sys.executable, __file__, "run", binaries, str(os.getppid())], start_new_session=True,
+                          stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True) as runs:
+        folder = runs.stdout.readline().strip()
+        if not folder:
+            sys.exit(runs.stderr.read())
+        file.write_text(folder, encoding="utf-8")
+        os._exit(0)  # without waiting for it
+
+
+def stop(file):
+    folder = pathlib.Path(file.read_text(encoding="utf-8"))
+    server, *_ = (folder / "data" / "postmaster.pid").read_text(encoding="utf-8").split()
+    os.kill(int(server), signal.SIGINT)  # who runs it clears up
+    end = time.monotonic() + PATIENCE
+    while folder.exists():
+        if time.monotonic() > end:
+            sys.exit(f"the server in {folder} does not end")
+        time.sleep(0.01)
+    file.unlink()
+
+
+def main():
+    match sys.argv[1:]:
+        case ["run", binaries, *process]:
+            run(pathlib.Path(binaries), int(process[0]) if process else os.getppid())
+        case ["start", binaries, file]:
+            start(pathlib.Path(binaries), pathlib.Path(file))
+        case ["stop", file]:
+            stop(pathlib.Path(file))
+        case _:
+            sys.exit(__doc__)
+
+
+main()
