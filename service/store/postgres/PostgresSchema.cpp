@@ -365,7 +365,11 @@ void checkVersion(std::int64_t version)
 
 bool isSetUp(PostgresConnection& connection)
 {
-    return connection.run("SELECT to_regclass('monitor_state') IS NOT NULL").boolean(0, 0);
+    // Not by to_regclass(), which may remember that there was none after another connection has made it.
+    return connection
+        .run("SELECT EXISTS (SELECT 1 FROM pg_class WHERE relname = 'monitor_state' AND "
+             "relkind IN ('r', 'p') AND pg_table_is_visible(oid))")
+        .boolean(0, 0);
 }
 
 void migrate(PostgresConnection& connection)
