@@ -44,9 +44,12 @@ HttpResponse answerStoreError(const StoreError& error)
         return errorResponse(503, "the store is busy; try again");
     case StoreFailure::Unreachable:
         report(error);
+        return errorResponse(503, "the store cannot be reached at present; nothing was written");
+    case StoreFailure::Unacknowledged:
+        report(error);
         return errorResponse(503,
-                             "the store cannot be reached at present; what was written may or may not be "
-                             "there");
+                             "the store has not confirmed what was written; it may be there or not, now or "
+                             "later");
     case StoreFailure::Full:
         report(error);
         return errorResponse(503, "the store has no room left; nothing can be written until there is some");
@@ -153,7 +156,7 @@ HttpResponse Api::answerOperator(const HttpRequest& request) const
     } else if (name == "openapi.json") {
         response.body = openApiText();
     } else if (name == "readyz" && !isReady()) {
-        response = errorResponse(503, "the store cannot be read");
+        response = errorResponse(503, "the store is not ready");
     } else {
         response.body = JsonObjectWriter().text("status", "ok").finish();
     }
@@ -163,7 +166,7 @@ HttpResponse Api::answerOperator(const HttpRequest& request) const
 bool Api::isReady() const
 {
     try {
-        m_store.read()->categories().list();
+        m_store.checkReady();
         return true;
     } catch (const StoreError& error) {
         report(error);

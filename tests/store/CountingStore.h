@@ -21,6 +21,7 @@ public:
     {
         return std::make_unique<CountingSession>(m_store->write(), m_commits);
     }
+    void checkReady() override { m_store->checkReady(); }
 
 private:
     class CountingSession final : public Session

@@ -7,24 +7,33 @@ namespace monitorservice::test {
 
 class ChildProcess;
 
-/// The PostgreSQL server of these tests. ctest starts one for all programs that need it
-/// (rk_add_test(POSTGRES)); a program that is run by itself has one of its own, from the first use to the
-/// program's end.
+/// A PostgreSQL server for tests.
 class PostgresServer
 {
 public:
-    /// Throws std::runtime_error when there is none to be had.
+    /// The one of all tests. ctest starts it for all programs that need it (rk_add_test(POSTGRES)); a program
+    /// that is run by itself has one of its own, from the first use to the program's end. Throws
+    /// std::runtime_error when there is none to be had.
     static const PostgresServer& instance();
 
+    /// One that goes with the object. Throws likewise.
+    PostgresServer();
+    ~PostgresServer();
     PostgresServer(const PostgresServer&) = delete;
     PostgresServer& operator=(const PostgresServer&) = delete;
 
     /// Names the database to a client, with the right to do anything.
     std::string url(const std::string& database) const;
 
+    /// Ends all of its processes at once, as when its machine goes.
+    void kill();
+    /// After that, with what it had written; returns when it takes connections.
+    void start();
+
 private:
-    PostgresServer();
-    ~PostgresServer();
+    explicit PostgresServer(const char* file);
+
+    void ask(int signal, const char* answer);
 
     std::unique_ptr<ChildProcess> m_own;
     std::string m_folder; // of its socket

@@ -2,7 +2,9 @@
 """A PostgreSQL server for tests, without a port: whoever may read its folder, which is its user's alone, is let in.
 
   postgres_server.py run BIN [PROCESS]  runs it until SIGTERM or until the process ends, by default the parent;
-                                        prints the folder of its socket when it takes connections
+                                        prints the folder of its socket when it takes connections; on SIGUSR1 kills it
+                                        with all its processes and prints "killed", on SIGUSR2 starts it again and prints
+                                        "started"
   postgres_server.py start BIN FILE     runs it in the background until the parent ends; FILE names the folder
   postgres_server.py stop FILE          ends that one, and returns when nothing of it is left
 
@@ -32,7 +34,9 @@ SETTINGS = {
     "max_wal_size": "64MB",
     "fsync": "off",
     "full_page_writes": "off",
-    "synchronous_commit": "on",
+    # A database that asks for "on" waits for this standby, which there is not.
+    "synchronous_standby_names": "none",
+    "synchronous_commit": "local",
     "timezone": "Pacific/Chatham",
     "datestyle": "SQL, DMY",
     "intervalstyle": "sql_standard",
@@ -69,17 +73,18 @@ def start_server(binaries, folder):
              *(f"--{name}={value}" for name, value in settings.items())],
             cwd=folder, stdin=subprocess.DEVNULL, stdout=log, stderr=log)
     end = time.monotonic() + PATIENCE
-    while not is_ready(folder):
+    while not is_ready(folder, server):
         if server.poll() is not None or time.monotonic() > end:
             raise RuntimeError((folder / "log").read_text(encoding="utf-8"))
         time.sleep(0.01)
     return server
 
 
-def is_ready(folder):
-    """The last line of this file is what the server says of itself."""
+def is_ready(folder, server):
+    """The last line of this file is what the server says of itself, the first one its process."""
     try:
-        return (folder / "data" / "postmaster.pid").read_text(encoding="utf-8").split()[-1] == "ready"
+        lines = (folder / "data" / "postmaster.pid").read_text(encoding="utf-8").split()
+        return lines[0] == str(server.pid) and lines[-1] == "ready"
     except (FileNotFoundError, IndexError):
         return False
 
@@ -93,12 +98,40 @@ def stop_server(server):
         server.wait()
 
 
+def status_of(process):
+    """The state of a process and its parent, as proc(5) has them; nothing when it is gone."""
+    try:
+        state, parent = pathlib.Path(f"/proc/{process}/stat").read_text(encoding="utf-8").rsplit(")", 1)[1].split()[:2]
+        return state, int(parent)
+    except (FileNotFoundError, ProcessLookupError):
+        return None
+
+
+def children_of(process):
+    processes = [int(one.name) for one in pathlib.Path("/proc").iterdir() if one.name.isdigit()]
+    return [one for one in processes if (status_of(one) or ("", 0))[1] == process]
+
+
+def kill_server(server):
+    """All of it at once, as when its machine goes."""
+    server.send_signal(signal.SIGSTOP)  # starts none any more
+    children = children_of(server.pid)
+    for child in children:
+        os.kill(child, signal.SIGKILL)
+    server.kill()
+    server.wait()
+    # Those that are gone for good; while one is left, the server does not start again.
+    while any((status_of(child) or "Z")[0] != "Z" for child in children):
+        time.sleep(0.001)
+
+
 def run(binaries, process):
     watched = os.pidfd_open(process)
     # A signal may come just before select() begins to wait, so it is one of the things that are waited for.
     signalled, signals = os.pipe2(os.O_CLOEXEC | os.O_NONBLOCK)
     signal.set_wakeup_fd(signals)
-    signal.signal(signal.SIGTERM, lambda *_: None)
+    for handled in (signal.SIGTERM, signal.SIGUSR1, signal.SIGUSR2):
+        signal.signal(handled, lambda *_: None)
     signal.signal(signal.SIGINT, signal.SIG_IGN)  # from a terminal it is for the process that is watched
     # Paths of sockets have at most 107 bytes.
     folder = pathlib.Path(tempfile.mkdtemp(prefix="postgres-"))
@@ -107,7 +140,21 @@ def run(binaries, process):
         make_cluster(binaries, folder)
         server = start_server(binaries, folder)
         print(folder, flush=True)
-        select.select([watched, signalled, os.pidfd_open(server.pid)], [], [])
+        while True:
+            ends = [os.pidfd_open(server.pid)] if server else []
+            ready, *_ = select.select([watched, signalled, *ends], [], [])
+            for end in ends:
+                os.close(end)
+            asked = os.read(signalled, 1)[0] if signalled in ready else signal.SIGTERM
+            if asked == signal.SIGUSR1:
+                kill_server(server)
+                server = None
+                print("killed", flush=True)
+            elif asked == signal.SIGUSR2:
+                server = start_server(binaries, folder)
+                print("started", flush=True)
+            else:
+                break
     finally:
         if server is not None:
             stop_server(server)

@@ -1,5 +1,7 @@
 #include "store/postgres/PostgresConnection.h"
 
+#include "store/postgres/SocketWait.h"
+
 #include <array>
 #include <cstdint>
 #include <utility>
@@ -15,10 +17,19 @@ constexpr std::size_t mostPrepared = 500;
 
 constexpr int binary = 1;
 
-std::string trimmed(const char* message)
+// libpq's messages have lines, each of them indented but for the first.
+std::string inOneLine(const char* message)
 {
-    std::string text = message == nullptr ? "" : message;
-    while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) {
+    std::string text;
+    for (const char c : std::string_view(message == nullptr ? "" : message)) {
+        const bool isSpace = c == '\n' || c == '\t' || c == ' ';
+        if (!isSpace) {
+            text += c;
+        } else if (!text.empty() && text.back() != ' ') {
+            text += ' ';
+        }
+    }
+    if (!text.empty() && text.back() == ' ') {
         text.pop_back();
     }
     return text;
@@ -96,22 +107,42 @@ std::string placeOf(const std::string& url)
     return "postgresql://" + host + (port.empty() ? "" : ":" + port) + "/" + database;
 }
 
-PostgresConnection::PostgresConnection(const std::string& url) : m_place(placeOf(url))
+PostgresConnection::PostgresConnection(const std::string& url, std::chrono::milliseconds patience)
+    : m_place(placeOf(url)), m_patience(patience)
 {
-    // What stands behind the address takes the place of what it says.
-    constexpr std::array keywords{"dbname", "client_encoding", "application_name", "connect_timeout",
+    // What stands before the address is what it may say otherwise: of several hosts the primary is meant, and
+    // one that has gone without a word is noticed within half a minute. What stands behind it holds whatever
+    // it says.
+    constexpr std::array keywords{"target_session_attrs",
+                                  "connect_timeout",
+                                  "tcp_user_timeout",
+                                  "keepalives_idle",
+                                  "keepalives_interval",
+                                  "keepalives_count",
+                                  "dbname",
+                                  "client_encoding",
+                                  "application_name",
                                   static_cast<const char*>(nullptr)};
-    const std::array values{url.c_str(), "UTF8", "monitor-service", "10", static_cast<const char*>(nullptr)};
+    const std::array values{"read-write",
+                            "10",
+                            "20000",
+                            "10",
+                            "5",
+                            "3",
+                            url.c_str(),
+                            "UTF8",
+                            "monitor-service",
+                            static_cast<const char*>(nullptr)};
     constexpr int addressInName = 1;
     m_connection.reset(PQconnectdbParams(keywords.data(), values.data(), addressInName));
     if (!isConnected()) {
         throw lost();
     }
+    // So that a server that takes nothing does not hold the sender up for ever.
+    PQsetnonblocking(m_connection.get(), 1);
+    PQsetNoticeReceiver(m_connection.get(), keepWarning, this);
     // Compiling a statement takes longer than nearly all of them do, and cursors are read to their end.
     execute("SET jit = off; SET cursor_tuple_fraction = 1");
-    // Otherwise messages of the database would be written to the standard error.
-    PQsetNoticeProcessor(
-        m_connection.get(), [](void*, const char*) {}, nullptr);
 }
 
 PostgresResult PostgresConnection::run(const Sql& sql)
@@ -122,23 +153,46 @@ PostgresResult PostgresConnection::run(const Sql& sql)
 PostgresResult PostgresConnection::runOnce(const std::string& sql, const PostgresValues& values)
 {
     refuseWhileShowing();
-    return checked(PQexecParams(m_connection.get(), sql.c_str(), values.count(), nullptr,
-                                values.pointers().data(), values.lengths().data(), values.formats().data(),
-                                binary));
+    return answer(PQsendQueryParams(m_connection.get(), sql.c_str(), values.count(), nullptr,
+                                    values.pointers().data(), values.lengths().data(),
+                                    values.formats().data(), binary));
 }
 
 PostgresResult PostgresConnection::runPrepared(std::string_view sql, const PostgresValues& values)
 {
     refuseWhileShowing();
     const std::string& name = prepared(sql);
-    return checked(PQexecPrepared(m_connection.get(), name.c_str(), values.count(), values.pointers().data(),
-                                  values.lengths().data(), values.formats().data(), binary));
+    return answer(PQsendQueryPrepared(m_connection.get(), name.c_str(), values.count(),
+                                      values.pointers().data(), values.lengths().data(),
+                                      values.formats().data(), binary));
 }
 
-void PostgresConnection::execute(const std::string& sql)
+PostgresResult PostgresConnection::execute(const std::string& sql)
 {
     refuseWhileShowing();
-    checked(PQexec(m_connection.get(), sql.c_str()));
+    return answer(PQsendQuery(m_connection.get(), sql.c_str()));
+}
+
+void PostgresConnection::commit(std::chrono::milliseconds patience)
+{
+    // The server answers a COMMIT of what has failed with ROLLBACK, which is no error to it.
+    if (isConnected() && !isInWorkingTransaction()) {
+        throw StoreError(StoreFailure::Internal, "a session that has failed cannot be committed");
+    }
+    const std::chrono::milliseconds usual = std::exchange(m_patience, patience);
+    m_warning.clear();
+    try {
+        execute("COMMIT");
+    } catch (const StoreError& error) {
+        if (!m_connection) { // given up
+            throw StoreError(StoreFailure::Unacknowledged, error.what());
+        }
+        throw;
+    }
+    m_patience = usual;
+    if (!m_warning.empty()) {
+        throw StoreError(StoreFailure::Unacknowledged, m_place + ": " + m_warning);
+    }
 }
 
 bool PostgresConnection::isConnected() const
@@ -175,27 +229,75 @@ const std::string& PostgresConnection::prepared(std::string_view sql)
         return found->second;
     }
     if (m_prepared.size() >= mostPrepared) {
-        checked(PQexec(m_connection.get(), "DEALLOCATE ALL"));
+        execute("DEALLOCATE ALL");
         m_prepared.clear();
     }
     std::string name = "s" + std::to_string(++m_named);
-    checked(PQprepare(m_connection.get(), name.c_str(), text.c_str(), 0, nullptr));
+    answer(PQsendPrepare(m_connection.get(), name.c_str(), text.c_str(), 0, nullptr));
     return m_prepared.emplace(std::move(text), std::move(name)).first->second;
 }
 
-PostgresResult PostgresConnection::checked(PGresult* result) const
+// Of several statements the last one's, or that of the first one that failed, after which none is run.
+PostgresResult PostgresConnection::answer(int isSent)
 {
-    PostgresResult owned(result);
-    const ExecStatusType status = PQresultStatus(result);
+    if (isSent == 0) {
+        throw lost();
+    }
+    send();
+    PostgresResult last(nullptr);
+    for (;;) {
+        receive();
+        PostgresResult next(PQgetResult(m_connection.get()));
+        if (next.isNothing()) {
+            return checked(std::move(last));
+        }
+        last = std::move(next);
+    }
+}
+
+void PostgresConnection::send()
+{
+    for (;;) {
+        const int left = PQflush(m_connection.get());
+        if (left <= 0) {
+            return; // of a failure the answer tells
+        }
+        awaitServer(true);
+        PQconsumeInput(m_connection.get());
+    }
+}
+
+void PostgresConnection::receive()
+{
+    while (PQisBusy(m_connection.get()) != 0) {
+        awaitServer(false);
+        if (PQconsumeInput(m_connection.get()) == 0) {
+            return; // likewise
+        }
+    }
+}
+
+void PostgresConnection::awaitServer(bool alsoToWrite)
+{
+    if (waitForSocket(PQsocket(m_connection.get()), alsoToWrite, m_patience)) {
+        return;
+    }
+    m_connection.reset();
+    throw StoreError(StoreFailure::Unreachable,
+                     m_place + ": no answer within " + std::to_string(m_patience.count()) + " ms");
+}
+
+PostgresResult PostgresConnection::checked(PostgresResult result) const
+{
+    const ExecStatusType status = result.status();
     if (status == PGRES_TUPLES_OK || status == PGRES_COMMAND_OK) {
-        return owned;
+        return result;
     }
     if (!isConnected()) {
         throw lost();
     }
-    const char* const state = PQresultErrorField(result, PG_DIAG_SQLSTATE);
-    throw StoreError(failureOf(state == nullptr ? "" : state),
-                     m_place + ": " + trimmed(PQresultErrorMessage(result)));
+    throw StoreError(failureOf(result.errorField(PG_DIAG_SQLSTATE)),
+                     m_place + ": " + inOneLine(result.errorMessage()));
 }
 
 void PostgresConnection::refuseWhileShowing() const
@@ -207,7 +309,19 @@ void PostgresConnection::refuseWhileShowing() const
 
 StoreError PostgresConnection::lost() const
 {
-    return {StoreFailure::Unreachable, m_place + ": " + trimmed(PQerrorMessage(m_connection.get()))};
+    const std::string why =
+        m_connection ? inOneLine(PQerrorMessage(m_connection.get())) : "the connection was given up";
+    return {StoreFailure::Unreachable, m_place + ": " + why};
+}
+
+// Called with everything that the server has to say besides answers; without this libpq writes it to the
+// standard error.
+void PostgresConnection::keepWarning(void* connection, const PGresult* notice)
+{
+    const char* const severity = PQresultErrorField(notice, PG_DIAG_SEVERITY_NONLOCALIZED);
+    if (severity != nullptr && std::string_view(severity) == "WARNING") {
+        static_cast<PostgresConnection*>(connection)->m_warning = inOneLine(PQresultErrorMessage(notice));
+    }
 }
 
 } // namespace monitorservice

@@ -7,6 +7,7 @@
 
 #include <libpq-fe.h>
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -19,13 +20,21 @@ constexpr Dialect postgresDialect{
 };
 
 /// One connection to a database, for one thread at a time. Every member throws StoreError: with
-/// StoreFailure::Unreachable when the connection is lost, after which it is of no use any more.
+/// StoreFailure::Unreachable when the connection is lost or nothing comes from the server for longer than the
+/// patience, after which it is of no use any more.
 class PostgresConnection
 {
 public:
     /// Connects to "postgresql://…". Throws StoreError with StoreFailure::Unreachable; the message names the
     /// server and the database, and no password.
-    explicit PostgresConnection(const std::string& url);
+    explicit PostgresConnection(const std::string& url,
+                                std::chrono::milliseconds patience = std::chrono::minutes(2));
+    PostgresConnection(const PostgresConnection&) = delete;
+    PostgresConnection& operator=(const PostgresConnection&) = delete;
+    ~PostgresConnection() = default;
+
+    /// From now on.
+    void setPatience(std::chrono::milliseconds patience) { m_patience = patience; }
 
     /// Runs a statement, prepared once and kept for the next use, with values for $1, $2, …
     template <typename... Values>
@@ -42,8 +51,15 @@ public:
     /// The same without keeping it, for what is hardly asked again.
     PostgresResult runOnce(const std::string& sql, const PostgresValues& values);
 
-    /// Runs statements that take and give nothing, separated by semicolons.
-    void execute(const std::string& sql);
+    /// Runs statements that take nothing, separated by semicolons. What the last one gives comes as text, not
+    /// in binary.
+    PostgresResult execute(const std::string& sql);
+
+    /// Ends the transaction. StoreFailure::Unreachable when the connection is lost meanwhile, so that the
+    /// changes may be there or not. StoreFailure::Unacknowledged when nothing comes within that time, as when
+    /// the server waits for a standby that is gone, or when the server says that it has stopped waiting for
+    /// one: they are there, but may be lost with this server. A commit is never cancelled.
+    void commit(std::chrono::milliseconds patience);
 
     /// Calls a visitor. Statements are refused until it returns, as every store may refuse them then.
     template <typename Visitor, typename... Found>
@@ -87,12 +103,19 @@ private:
     };
 
     const std::string& prepared(std::string_view sql);
-    PostgresResult checked(PGresult* result) const;
+    PostgresResult answer(int isSent);
+    void send();
+    void receive();
+    void awaitServer(bool alsoToWrite);
+    PostgresResult checked(PostgresResult result) const;
     void refuseWhileShowing() const;
     StoreError lost() const;
+    static void keepWarning(void* connection, const PGresult* notice);
 
     std::string m_place; ///< the server and the database, for messages
     std::unique_ptr<PGconn, Finish> m_connection;
+    std::chrono::milliseconds m_patience;
+    std::string m_warning; ///< the last one of the server
     bool m_isShowing = false;
     std::unordered_map<std::string, std::string> m_prepared; ///< names by texts
     std::size_t m_named = 0;                                 ///< names given so far

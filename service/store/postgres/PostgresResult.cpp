@@ -25,6 +25,12 @@ std::uint64_t bigEndian(std::string_view bytes)
 
 } // namespace
 
+std::string_view PostgresResult::errorField(int field) const
+{
+    const char* const value = PQresultErrorField(m_result.get(), field);
+    return value == nullptr ? std::string_view() : value;
+}
+
 std::int64_t PostgresResult::affected() const
 {
     const std::string_view text = PQcmdTuples(m_result.get());

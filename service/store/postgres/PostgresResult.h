@@ -21,6 +21,13 @@ public:
     /// Owns the result.
     explicit PostgresResult(PGresult* result) : m_result(result) {}
 
+    /// Whether it is none at all: the server has given all that a statement gives.
+    bool isNothing() const { return m_result == nullptr; }
+    ExecStatusType status() const { return PQresultStatus(m_result.get()); }
+    const char* errorMessage() const { return PQresultErrorMessage(m_result.get()); }
+    /// One of PG_DIAG_…; empty when the server has not said it.
+    std::string_view errorField(int field) const;
+
     int rows() const { return PQntuples(m_result.get()); }
     bool isEmpty() const { return rows() == 0; }
     /// How many rows the statement has changed.

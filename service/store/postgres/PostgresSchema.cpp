@@ -372,10 +372,15 @@ bool isSetUp(PostgresConnection& connection)
         .boolean(0, 0);
 }
 
+bool isUpToDate(PostgresConnection& connection)
+{
+    return isSetUp(connection) && versionOf(connection) == static_cast<std::int64_t>(migrations.size());
+}
+
 void migrate(PostgresConnection& connection)
 {
     checkServer(connection);
-    if (isSetUp(connection) && versionOf(connection) == static_cast<std::int64_t>(migrations.size())) {
+    if (isUpToDate(connection)) {
         return;
     }
     connection.execute(std::string("BEGIN; SELECT pg_advisory_xact_lock(") + migrationLock + ")");

@@ -7,6 +7,9 @@ namespace monitorservice {
 /// Whether the database has the tables of a store, of whatever version.
 bool isSetUp(PostgresConnection& connection);
 
+/// Whether the tables are there and of the version that this service works with.
+bool isUpToDate(PostgresConnection& connection);
+
 /// Makes an empty database, or one of an earlier version, the current one, step by step in one transaction.
 /// Throws StoreError with StoreFailure::CannotOpen when the database is another application's, of a later
 /// version, or not one that a store can be in.

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <thread>
 #include <utility>
 
 namespace monitorservice {
@@ -94,16 +95,18 @@ public:
 
     void commit() override
     {
+        throw StoreError(StoreFailure::Internal, "a session that reads is not committed");
+    }
+
+protected:
+    // What is still to be sent to the database.
+    void writeRest()
+    {
         m_samples.flush();
         if (m_identifier) {
             m_connection.run("UPDATE monitor_state SET value = $1 WHERE key = 'lastIdentifier'",
                              *m_identifier);
         }
-        // The server answers a COMMIT of what has failed with ROLLBACK, which is no error to it.
-        if (!m_connection.isInWorkingTransaction()) {
-            throw StoreError(StoreFailure::Internal, "a session that has failed cannot be committed");
-        }
-        m_connection.execute("COMMIT");
     }
 
 private:
@@ -140,23 +143,42 @@ private:
     std::unique_ptr<PostgresConnection> m_reader;
 };
 
+// A transaction that has the turn to write among all processes.
+struct PostgresStore::Turn
+{
+    std::unique_ptr<PostgresConnection> connection;
+    std::string transaction; // its number
+    std::string timeline;    // of the server: another one after a standby has taken the primary's place
+};
+
 class PostgresStore::WriteSession final : public PostgresSession
 {
 public:
-    WriteSession(PostgresStore& store, std::unique_lock<FairMutex> turn,
-                 std::unique_ptr<PostgresConnection> writer)
-        : PostgresSession(*writer, store.m_options), m_store(store), m_turn(std::move(turn)),
-          m_writer(std::move(writer))
+    WriteSession(PostgresStore& store, std::unique_lock<FairMutex> lock, Turn turn)
+        : PostgresSession(*turn.connection, store.m_options), m_store(store), m_lock(std::move(lock)),
+          m_turn(std::move(turn))
     {
     }
     WriteSession(const WriteSession&) = delete;
     WriteSession& operator=(const WriteSession&) = delete;
-    ~WriteSession() override { m_store.giveBack(std::move(m_writer)); }
+    ~WriteSession() override { m_store.giveBack(std::move(m_turn.connection)); }
+
+    void commit() override
+    {
+        writeRest();
+        try {
+            m_turn.connection->commit(m_store.m_options.patience);
+        } catch (const StoreError& error) {
+            if (error.failure() != StoreFailure::Unreachable || !m_store.wasCommitted(m_turn)) {
+                throw;
+            }
+        }
+    }
 
 private:
     PostgresStore& m_store;
-    std::unique_lock<FairMutex> m_turn;
-    std::unique_ptr<PostgresConnection> m_writer;
+    std::unique_lock<FairMutex> m_lock; // the turn among the threads of this process
+    Turn m_turn;
 };
 
 PostgresStore::PostgresStore(std::string url, StoreOptions options)
@@ -186,19 +208,83 @@ std::unique_ptr<const Session> PostgresStore::read()
 std::unique_ptr<Session> PostgresStore::write()
 {
     const auto deadline = std::chrono::steady_clock::now() + m_options.patience;
-    std::unique_lock turn(m_writing, m_options.patience);
-    if (!turn.owns_lock()) {
+    std::unique_lock lock(m_writing, m_options.patience);
+    if (!lock.owns_lock()) {
         throw StoreError(StoreFailure::Busy, "other writes take too long");
     }
-    // The turn among all processes: whoever holds the row.
-    const auto takeTurn = [deadline](PostgresConnection& connection) {
+    return std::make_unique<WriteSession>(*this, std::move(lock), takeTurn(deadline));
+}
+
+void PostgresStore::checkReady()
+{
+    giveBack(begin([](PostgresConnection& connection) {
+        if (connection.run("SELECT pg_is_in_recovery() OR current_setting('transaction_read_only')::boolean")
+                .boolean(0, 0)) {
+            throw StoreError(StoreFailure::NotWritable, "the database is read-only");
+        }
+        if (!isUpToDate(connection)) {
+            throw StoreError(StoreFailure::CannotOpen, "the database has been brought to another version");
+        }
+    }));
+}
+
+// Whoever holds the row "turn" has the turn.
+PostgresStore::Turn PostgresStore::takeTurn(std::chrono::steady_clock::time_point deadline)
+{
+    Turn turn;
+    turn.connection = begin([&turn, deadline](PostgresConnection& connection) {
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
             deadline - std::chrono::steady_clock::now());
-        connection.execute("BEGIN ISOLATION LEVEL READ COMMITTED, READ WRITE; SET LOCAL lock_timeout = " +
-                           std::to_string(std::max<std::int64_t>(left.count(), 1)) +
-                           "; SELECT FROM monitor_state WHERE key = 'turn' FOR UPDATE");
-    };
-    return std::make_unique<WriteSession>(*this, std::move(turn), begin(takeTurn));
+        const PostgresResult taken = connection.execute(
+            "BEGIN ISOLATION LEVEL READ COMMITTED; SET LOCAL lock_timeout = " +
+            std::to_string(std::max<std::int64_t>(left.count(), 1)) +
+            "; SELECT pg_current_xact_id(), left(pg_walfile_name(pg_current_wal_lsn()), 8) "
+            "FROM monitor_state WHERE key = 'turn' FOR UPDATE");
+        turn.transaction = taken.text(0, 0);
+        turn.timeline = taken.text(0, 1);
+    });
+    return turn;
+}
+
+// Asked when the connection was lost in a commit, of the same server as soon as it is back. True when the
+// changes are there as if the commit had been answered; false when nothing was written;
+// StoreFailure::Unacknowledged when that is not to be known.
+bool PostgresStore::wasCommitted(const Turn& turn)
+{
+    const auto deadline = std::chrono::steady_clock::now() + m_options.patience;
+    std::string why;
+    for (std::chrono::milliseconds pause(20); std::chrono::steady_clock::now() < deadline; pause *= 2) {
+        try {
+            // Having the turn, it knows that the lost transaction has come to its end.
+            const Turn next = takeTurn(deadline);
+            // Numbers of transactions are given anew by a server that was a standby.
+            if (next.timeline != turn.timeline) {
+                why = "another server has taken over";
+                break;
+            }
+            const std::optional<std::string> status =
+                next.connection->run("SELECT pg_xact_status($1::text::xid8)", turn.transaction)
+                    .optionalText(0, 0);
+            if (status == "committed") {
+                // Acknowledged with this commit, which comes after it.
+                next.connection->commit(m_options.patience);
+                return true;
+            }
+            if (status == "aborted") {
+                return false;
+            }
+            why = "the server does not know the transaction any more";
+            break;
+        } catch (const StoreError& error) {
+            why = error.what();
+            if (error.failure() != StoreFailure::Unreachable) {
+                break;
+            }
+            std::this_thread::sleep_for(std::min<std::chrono::milliseconds>(pause, std::chrono::seconds(1)));
+        }
+    }
+    throw StoreError(StoreFailure::Unacknowledged,
+                     "a commit was not confirmed, the connection being lost: " + why);
 }
 
 bool PostgresStore::exists(const std::string& url)
@@ -216,20 +302,22 @@ std::string PostgresStore::nameOf(const std::string& url)
     return placeOf(url);
 }
 
-// A connection in which a transaction has begun. One that waited may have been lost meanwhile: then a new one
-// is tried.
+// A connection in which a transaction has begun. One that waited may have been lost meanwhile, or lead to a
+// server that has become a standby: then those that wait likewise are of no use, and a new one is tried.
 template <typename Begin>
 std::unique_ptr<PostgresConnection> PostgresStore::begin(const Begin& begin)
 {
-    while (auto idle = takeIdle()) {
+    if (auto idle = takeIdle()) {
         try {
             begin(*idle);
             return idle;
         } catch (const StoreError& error) {
-            if (error.failure() != StoreFailure::Unreachable) {
+            if (error.failure() != StoreFailure::Unreachable &&
+                error.failure() != StoreFailure::NotWritable) {
                 throw;
             }
         }
+        forgetIdle();
     }
     auto connection = std::make_unique<PostgresConnection>(m_url);
     begin(*connection);
@@ -245,6 +333,12 @@ std::unique_ptr<PostgresConnection> PostgresStore::takeIdle()
     auto connection = std::move(m_idle.back());
     m_idle.pop_back();
     return connection;
+}
+
+void PostgresStore::forgetIdle()
+{
+    const std::lock_guard lock(m_poolMutex);
+    m_idle.clear();
 }
 
 void PostgresStore::giveBack(std::unique_ptr<PostgresConnection> connection)

@@ -4,6 +4,7 @@
 #include "store/StoreOptions.h"
 #include "store/sql/FairMutex.h"
 
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -27,6 +28,7 @@ public:
 
     std::unique_ptr<const Session> read() override;
     std::unique_ptr<Session> write() override;
+    void checkReady() override;
 
     /// Whether the database has the tables of a store. Throws as the constructor.
     static bool exists(const std::string& url);
@@ -36,10 +38,14 @@ public:
 private:
     class ReadSession;
     class WriteSession;
+    struct Turn;
 
     template <typename Begin>
     std::unique_ptr<PostgresConnection> begin(const Begin& begin);
+    Turn takeTurn(std::chrono::steady_clock::time_point deadline);
+    bool wasCommitted(const Turn& turn);
     std::unique_ptr<PostgresConnection> takeIdle();
+    void forgetIdle();
     void giveBack(std::unique_ptr<PostgresConnection> connection);
 
     std::string m_url;

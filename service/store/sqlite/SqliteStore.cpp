@@ -257,6 +257,11 @@ std::unique_ptr<Session> SqliteStore::write()
     return std::make_unique<WriteSession>(*this, std::move(turn));
 }
 
+void SqliteStore::checkReady()
+{
+    read()->categories().list();
+}
+
 std::unique_ptr<SqliteConnection> SqliteStore::takeReader()
 {
     {

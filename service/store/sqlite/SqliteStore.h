@@ -32,6 +32,7 @@ public:
 
     std::unique_ptr<const Session> read() override;
     std::unique_ptr<Session> write() override;
+    void checkReady() override;
 
 private:
     class ReadSession;

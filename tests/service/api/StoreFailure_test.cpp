@@ -12,6 +12,7 @@ public:
 
     std::unique_ptr<const Session> read() override { throw StoreError(m_failure, "/secret/path: failure"); }
     std::unique_ptr<Session> write() override { throw StoreError(m_failure, "/secret/path: failure"); }
+    void checkReady() override { throw StoreError(m_failure, "/secret/path: failure"); }
 
 private:
     StoreFailure m_failure;
@@ -50,6 +51,7 @@ TEST(StoreFailure, IsAnsweredByItsKindAndTellsNoPath)
     };
     for (const Case& one :
          {Case{StoreFailure::Busy, 503, true}, Case{StoreFailure::Unreachable, 503, true},
+          Case{StoreFailure::Unacknowledged, 503, true},
           Case{StoreFailure::Full, 503, true}, Case{StoreFailure::NotWritable, 503, true},
           Case{StoreFailure::InputOutput, 500, false}, Case{StoreFailure::Conflict, 409, false},
           Case{StoreFailure::Internal, 500, false}}) {

@@ -1,13 +1,13 @@
 #pragma once
 
 #include "DeliveringClient.h"
+#include "SiteData.h"
 #include "service/admin/ServiceProcess.h"
 #include "service/http/RawClient.h"
 
 #include <atomic>
 #include <chrono>
 #include <exception>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -17,12 +17,14 @@
 
 namespace monitorservice::test {
 
-/// The service's process on a data file, listening on a port of its own.
+/// The service's process on a data file or a database, listening on a port of its own.
 class DataService
 {
 public:
-    explicit DataService(const std::filesystem::path& file, void (*beforeStart)() = nullptr)
-        : m_process({"serve", "--data", file.string(), "--listen", "127.0.0.1:0"}, beforeStart)
+    explicit DataService(const std::string& location, void (*beforeStart)() = nullptr)
+        : m_process(
+              {"serve", isDatabase(location) ? "--store" : "--data", location, "--listen", "127.0.0.1:0"},
+              beforeStart)
     {
         const std::string line = m_process.readLine();
         const std::string begin = "monitor-service listening on http://127.0.0.1:";

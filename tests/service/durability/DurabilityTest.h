@@ -38,13 +38,13 @@ protected:
         }
     }
 
-    /// Finds out what has become of requests not answered 2xx, and compares the file with what it must
+    /// Finds out what has become of requests not answered 2xx, and compares the data with what they must
     /// hold: one line for each problem.
-    std::vector<std::string> problemsOf(const std::filesystem::path& data)
+    std::vector<std::string> problemsOf(const std::string& data)
     {
         std::vector<const SiteModel*> models;
         {
-            const std::unique_ptr<Store> store = openStore(data.string());
+            const std::unique_ptr<Store> store = openStore(data);
             for (const auto& client : clients) {
                 resolve(*client, *store);
                 models.push_back(&client->model());
@@ -63,7 +63,7 @@ protected:
     }
 
     /// Expects that there are no problems; false when there are.
-    bool holdsWhatItMust(const std::filesystem::path& data)
+    bool holdsWhatItMust(const std::string& data)
     {
         const std::vector<std::string> problems = problemsOf(data);
         EXPECT_EQ(tally().missing, 0U) << "deliveries answered 2xx are not held";
@@ -86,7 +86,7 @@ protected:
                   << " of which took something away, " << tally.missing
                   << " deliveries missing; without a 2xx " << tally.unansweredWhole << " whole and "
                   << tally.unansweredAbsent << " absent; "
-                  << (HasFailure() ? "the file is NOT as it must be" : "none in part") << std::endl;
+                  << (HasFailure() ? "the data are NOT as they must be" : "none in part") << std::endl;
     }
 
     /// The first of the problems, one on a line.

@@ -392,11 +392,16 @@ Site makeSite(Store& store, std::size_t clients)
     return site;
 }
 
-Site makeSite(const std::filesystem::path& file, std::size_t clients)
+Site makeSite(const std::string& location, std::size_t clients)
 {
     StoreOptions options;
     options.createIfMissing = true;
-    return makeSite(*openStore(file.string(), options), clients);
+    return makeSite(*openStore(location, options), clients);
+}
+
+bool isDatabase(const std::string& location)
+{
+    return location.rfind("postgresql:", 0) == 0;
 }
 
 std::set<std::string> heldFiles(Store& store, const Site& site)
@@ -409,10 +414,13 @@ std::set<std::string> heldFiles(Store& store, const Site& site)
     return files;
 }
 
-std::vector<std::string> flawsOf(const std::filesystem::path& file, const Site& site)
+std::vector<std::string> flawsOf(const std::string& location, const Site& site)
 {
-    std::vector<std::string> flaws = damageOf(file);
-    const std::unique_ptr<Store> store = openStore(file.string());
+    std::vector<std::string> flaws;
+    if (!isDatabase(location)) {
+        flaws = damageOf(location);
+    }
+    const std::unique_ptr<Store> store = openStore(location);
     for (std::vector<std::string> more :
          {Contradictions(*store->read(), site).find(), identifiersAfterTheNext(*store, site)}) {
         flaws.insert(flaws.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
@@ -429,10 +437,10 @@ bool holdsAllOf(Store& store, const Site& site, const SiteModel& model)
     return std::includes(held.begin(), held.end(), expected.begin(), expected.end());
 }
 
-std::vector<std::string> differences(const std::filesystem::path& file, const Site& site,
+std::vector<std::string> differences(const std::string& location, const Site& site,
                                      const std::vector<const SiteModel*>& models)
 {
-    const std::unique_ptr<Store> store = openStore(file.string());
+    const std::unique_ptr<Store> store = openStore(location);
     std::vector<std::string> held = HeldLines(*store->read(), site).read();
     std::vector<std::string> expected = expectedLines(models);
     std::sort(held.begin(), held.end());

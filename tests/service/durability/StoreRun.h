@@ -6,7 +6,6 @@
 #include "store/OpenStore.h"
 
 #include <atomic>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,13 +14,13 @@
 
 namespace monitorservice::test {
 
-/// The service's answers over a data file, within the test's own process and without sockets, so that the
-/// disk under it can be the test's.
+/// The service's answers over a data file or a database, within the test's own process and without sockets,
+/// so that the disk under it can be the test's.
 class StoreRun
 {
 public:
-    explicit StoreRun(const std::filesystem::path& file)
-        : m_store(openStore(file.string(), options())), m_api(*m_store, std::make_shared<HttpCounters>())
+    explicit StoreRun(const std::string& location)
+        : m_store(openStore(location, options())), m_api(*m_store, std::make_shared<HttpCounters>())
     {
     }
 

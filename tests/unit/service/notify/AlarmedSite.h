@@ -37,9 +37,9 @@ class AlarmedSite
 public:
     using Recipients = std::vector<std::string>;
 
-    AlarmedSite(std::string file, const Recipients& alarmTo,
+    AlarmedSite(std::string location, const Recipients& alarmTo,
                 std::set<Channel> channels = {Channel::Mail, Channel::Webhook})
-        : m_file(std::move(file)), m_channels(std::move(channels))
+        : m_location(std::move(location)), m_channels(std::move(channels))
     {
         reopen();
         write([&alarmTo](Session& session) {
@@ -57,13 +57,19 @@ public:
     void reopen()
     {
         m_store.reset();
+        m_store = openedAgain();
+    }
+
+    /// As another process would beside this one.
+    std::unique_ptr<Store> openedAgain()
+    {
         StoreOptions options;
         options.createIfMissing = true;
         options.channels = m_channels;
         options.clock = [this] {
             return m_now.load();
         };
-        m_store = openStore(m_file, options);
+        return openStore(m_location, options);
     }
 
     Instant now() const { return m_now; }
@@ -152,7 +158,7 @@ private:
         }
     }
 
-    std::string m_file;
+    std::string m_location;
     std::set<Channel> m_channels;
     std::atomic<Instant> m_now{1450679400123}; // 2015-12-21T06:30:00.123Z
     std::unique_ptr<Store> m_store;

@@ -2,7 +2,7 @@
 
 #include "AlarmedSite.h"
 #include "notify/Pacing.h"
-#include "support/TemporaryFolder.h"
+#include "support/TestStore.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -57,9 +57,10 @@ private:
 class Dispatching : public ::testing::Test
 {
 protected:
-    Dispatcher dispatcher(Channel channel = Channel::Mail)
+    Dispatcher dispatcher(Channel channel = Channel::Mail) { return dispatcher(site.store(), channel); }
+    Dispatcher dispatcher(Store& store, Channel channel)
     {
-        return {site.store(), channel, std::make_unique<RecordingTransport>(record),
+        return {store, channel, std::make_unique<RecordingTransport>(record),
                 [this](const std::string& line) {
                     log.push_back(line);
                 }};
@@ -80,8 +81,8 @@ protected:
         return record.sent;
     }
 
-    const test::TemporaryFolder folder;
-    test::AlarmedSite site{folder.file("data.db").string(), {"ada@site"}};
+    const test::TestStore data;
+    test::AlarmedSite site{data.location(), {"ada@site"}};
     RecordingTransport::Record record;
     std::vector<std::string> log;
     const std::atomic<bool> stop{false};
@@ -191,13 +192,19 @@ TEST_F(Dispatching, NewsThatComeWhileSendingAreToldNext)
 TEST_F(Dispatching, NobodyElseSendsWhatIsOnItsWay)
 {
     site.alarm("a1", {excessOf("S1", 1)});
-    Dispatcher other = dispatcher();
-    bool otherFoundAnything = true;
+    const std::unique_ptr<Store> store = site.openedAgain();
+    Dispatcher ofThisService = dispatcher();
+    Dispatcher ofAnotherService = dispatcher(*store, Channel::Mail);
+    int looks = 0;
     record.whileSending = [&] {
-        otherFoundAnything = other.sendNext(stop);
+        EXPECT_FALSE(ofThisService.sendNext(stop));
+        EXPECT_FALSE(ofAnotherService.sendNext(stop));
+        ++looks;
     };
     EXPECT_THAT(sent(), ElementsAre("ada@site: S1"));
-    EXPECT_FALSE(otherFoundAnything);
+    EXPECT_EQ(looks, 1);
+    EXPECT_FALSE(ofAnotherService.sendNext(stop));
+    EXPECT_EQ(record.sent.size(), 1U);
 }
 
 // A service that was killed while it sent.

@@ -2,7 +2,7 @@
 
 #include "AlarmedSite.h"
 #include "store/StoreError.h"
-#include "support/TemporaryFolder.h"
+#include "support/TestStore.h"
 
 #include <gtest/gtest.h>
 
@@ -27,8 +27,8 @@ std::vector<std::string> dueOf(AlarmedSite& site, Channel channel)
 
 TEST(NoteNews, EveryRecipientAndTheWebhookHaveANotice)
 {
-    const test::TemporaryFolder folder;
-    AlarmedSite site(folder.file("data.db").string(), {"b@example.org", "a@example.org", "site office"});
+    const test::TestStore data;
+    AlarmedSite site(data.location(), {"b@example.org", "a@example.org", "site office"});
     site.alarm("a1", {excessOf("S1", 1)});
     EXPECT_EQ(dueOf(site, Channel::Mail),
               (std::vector<std::string>{"a@example.org", "b@example.org", "site office"}));
@@ -37,8 +37,8 @@ TEST(NoteNews, EveryRecipientAndTheWebhookHaveANotice)
 
 TEST(NoteNews, IsPartOfTheTransaction)
 {
-    const test::TemporaryFolder folder;
-    AlarmedSite site(folder.file("data.db").string(), {"a@example.org"});
+    const test::TestStore data;
+    AlarmedSite site(data.location(), {"a@example.org"});
     site.alarm("a1", {excessOf("S1", 1)});
     dueOf(site, Channel::Mail);
     noteNews(*site.store().write(), "a1");
@@ -47,8 +47,8 @@ TEST(NoteNews, IsPartOfTheTransaction)
 
 TEST(NoteNews, AlarmMustExist)
 {
-    const test::TemporaryFolder folder;
-    AlarmedSite site(folder.file("data.db").string(), {});
+    const test::TestStore data;
+    AlarmedSite site(data.location(), {});
     EXPECT_THROW(noteNews(*site.store().write(), "a1"), StoreError);
 }
 

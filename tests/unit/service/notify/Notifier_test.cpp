@@ -2,7 +2,7 @@
 
 #include "AlarmedSite.h"
 #include "store/StoreError.h"
-#include "support/TemporaryFolder.h"
+#include "support/TestStore.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -76,6 +76,7 @@ public:
     {
         throw StoreError(StoreFailure::InputOutput, "the disk is gone");
     }
+    void checkReady() override { throw StoreError(StoreFailure::InputOutput, "the disk is gone"); }
 };
 
 class Notifying : public ::testing::Test
@@ -92,8 +93,8 @@ protected:
         };
     }
 
-    const test::TemporaryFolder folder;
-    test::AlarmedSite site{folder.file("data.db").string(), {"ada@site"}};
+    const test::TestStore data;
+    test::AlarmedSite site{data.location(), {"ada@site"}};
     Lines sent;
     Lines log;
 };

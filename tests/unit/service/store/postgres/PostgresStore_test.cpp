@@ -121,6 +121,31 @@ TEST(PostgresStore, TablesThatAnotherServiceMakesMeanwhileAreSeen)
     EXPECT_TRUE(isSetUp(connection));
 }
 
+TEST(PostgresStore, IsReadyWhileItsDatabaseTakesWritesAndHasTheRightTables)
+{
+    const test::PostgresDatabase database;
+    PostgresStore store(database.url(), creating());
+    EXPECT_NO_THROW(store.checkReady());
+    const auto setReadOnly = [&database](const char* value) {
+        run(database, std::string("DO $$ BEGIN EXECUTE 'ALTER DATABASE ' || current_database() || "
+                                  "' SET default_transaction_read_only = ") +
+                          value + "'; END $$");
+    };
+    setReadOnly("on");
+    endConnections(database);
+    EXPECT_EQ(failureOf([&store] { store.checkReady(); }), StoreFailure::Unreachable);
+    PostgresStore readOnly(database.url() + "&target_session_attrs=any", creating());
+    EXPECT_EQ(failureOf([&readOnly] { readOnly.checkReady(); }), StoreFailure::NotWritable);
+    EXPECT_EQ(failureOf([&readOnly] { readOnly.write(); }), StoreFailure::NotWritable);
+    EXPECT_TRUE(readOnly.read()->categories().list().empty());
+    run(database, "BEGIN READ WRITE; UPDATE monitor_state SET value = '99' WHERE key = 'version'; COMMIT");
+    run(database, "BEGIN READ WRITE; DO $$ BEGIN EXECUTE 'ALTER DATABASE ' || current_database() || "
+                  "' RESET default_transaction_read_only'; END $$; COMMIT");
+    EXPECT_EQ(failureOf([&store] { store.checkReady(); }), StoreFailure::CannotOpen);
+    run(database, "UPDATE monitor_state SET value = '1' WHERE key = 'version'");
+    EXPECT_NO_THROW(store.checkReady());
+}
+
 class OpenPostgresStore : public ::testing::Test
 {
 protected:
