@@ -14,11 +14,11 @@ namespace monitorservice {
 
 bool waitForSocket(int socket, bool alsoToWrite, std::chrono::milliseconds patience)
 {
-    using Clock = std::chrono::steady_clock;
-    const Clock::time_point end = Clock::now() + patience;
+    using std::chrono::steady_clock;
+    const steady_clock::time_point end = steady_clock::now() + patience;
     constexpr std::chrono::milliseconds longest(std::numeric_limits<int>::max());
     for (;;) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - steady_clock::now());
         const int timeout = static_cast<int>(std::clamp(left, std::chrono::milliseconds(0), longest).count());
         const auto events = static_cast<short>(alsoToWrite ? POLLIN | POLLOUT : POLLIN);
 #ifdef _WIN32

@@ -15,7 +15,7 @@ constexpr std::int64_t firstDay = 16'425; // 2014-12-21
 constexpr std::size_t mostRepeatable = 16;
 
 // Each client has these points in every target that they are for.
-constexpr std::array<const char*, 3> depths{"1", "10", "2.5"};
+constexpr std::array<const char*, 3> depthNames{"1", "10", "2.5"};
 
 } // namespace
 
@@ -208,9 +208,9 @@ SentDelivery DeliveringClient::next()
             for (const std::string& name : pointNames(m_number)) {
                 // The last target is the inclinometer's.
                 const bool isDeep = target + 1 == m_site->targets.size();
-                for (std::size_t i = 0; i < (isDeep ? depths.size() : 1); ++i) {
+                for (std::size_t i = 0; i < (isDeep ? depthNames.size() : 1); ++i) {
                     if (random(0, 3) == 0) {
-                        const PointKey key{target, name, isDeep ? depths.at(i) : ""};
+                        const PointKey key{target, name, isDeep ? depthNames.at(i) : ""};
                         delivery.points.push_back(nextPoint(key, static_cast<std::size_t>(random(1, most))));
                     }
                 }
