@@ -1,3 +1,4 @@
+#include "CopyCommand.h"
 #include "ServeCommand.h"
 #include "UsageError.h"
 #include "admin/AdminCommand.h"
@@ -23,6 +24,7 @@ int main(int argc, char** argv)
         application.require_subcommand(1);
         monitorservice::addServeCommand(application);
         monitorservice::addAdminCommand(application);
+        monitorservice::addCopyCommand(application);
         try {
             application.parse(argc, argv);
         } catch (const CLI::ParseError& error) {

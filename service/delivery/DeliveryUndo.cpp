@@ -89,7 +89,7 @@ public:
             m_dataManage.cell, m_dataManage.subCategory, m_history.number,
             [&points](const DeliveredTo& point) { points.push_back(point); });
         for (const DeliveredTo& point : points) {
-            point.isMade ? removeMade(point.point) : revise(point.point);
+            point.made == m_history.number ? removeMade(point.point) : revise(point.point);
         }
         takeBackRecord(m_session, m_dataManage, m_history.id, m_withdrawal.removed, m_author);
         m_withdrawal.alarms = finishAndTell(m_session, m_judgement).touchedAlarms();

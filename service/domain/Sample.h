@@ -18,6 +18,13 @@ struct Sample
     std::string timeFlag;
 };
 
+/// A sample, and the number of the delivery that has inserted it.
+struct KeptSample
+{
+    Sample sample;
+    std::int64_t delivery = 0;
+};
+
 /// The last sample of a day, and how many the day has.
 struct DaySummary
 {

@@ -30,10 +30,10 @@ public:
     virtual std::uint64_t count(const DocumentQuery& query) const = 0;
     virtual void visit(const DocumentQuery& query, const Visitor& visitor) const = 0;
 
-    /// `text` is the whole document; its "_id" and "projectId" are `id` and `project`. It comes back byte for
-    /// byte. StoreFailure::Conflict when the identifier is taken, in whatever project, when the kind holds
-    /// something else to be unique, and when what the document refers to does not exist. Entries of the audit
-    /// trail refer to nothing: their project may be gone, or be none, an empty text.
+    /// `text` is the whole document; its "_id" is `id`, and its "projectId", if it has one, `project`. It
+    /// comes back byte for byte. StoreFailure::Conflict when the identifier is taken, in whatever project,
+    /// when the kind holds something else to be unique, and when what the document refers to does not exist.
+    /// Entries of the audit trail refer to nothing: their project may be gone, or be none, an empty text.
     virtual void insert(const std::string& project, const std::string& id, const std::string& text) = 0;
     /// Nothing is changed when there is no such document in the project.
     virtual void replace(const std::string& project, const std::string& id, const std::string& text) = 0;

@@ -23,6 +23,7 @@ class Measurements : public StoreInterface
 {
 public:
     using SampleVisitor = std::function<void(const Sample& sample)>;
+    using KeptVisitor = std::function<void(const KeptSample& sample)>;
     using DayVisitor = std::function<void(const DaySummary& day)>;
     using PointVisitor = std::function<void(const StoredPoint& point)>;
     using DeliveredToVisitor = std::function<void(const DeliveredTo& point)>;
@@ -37,7 +38,7 @@ public:
     virtual std::optional<StoredPoint> latestPoint(const std::string& cell,
                                                    const std::string& subCategory) const = 0;
     /// Every point of the monitoring and sub-category that the delivery of this number or a later one has
-    /// changed; there may be others among them.
+    /// changed, in the order of names and depths, byte by byte; there may be others among them.
     virtual void visitDeliveredTo(const std::string& cell, const std::string& subCategory,
                                   std::int64_t delivery, const DeliveredToVisitor& visitor) const = 0;
     /// Gives the point's key. The document's "_id" and "projectId" are `id` and `project`; `delivery` is the
@@ -72,6 +73,8 @@ public:
     /// Samples from the first instant to before the second, in the order of time and count.
     virtual void visitSamples(std::int64_t point, Instant from, Instant before,
                               const SampleVisitor& visitor) const = 0;
+    /// All of them with the deliveries that have inserted them, in the same order.
+    virtual void visitKept(std::int64_t point, const KeptVisitor& visitor) const = 0;
     /// Those that the delivery of this number has inserted, in the same order.
     virtual void visitSamplesOf(std::int64_t point, std::int64_t delivery,
                                 const SampleVisitor& visitor) const = 0;

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace monitorservice {
 
@@ -36,6 +37,8 @@ public:
     virtual void note(const std::string& alarm, Channel channel, const std::string& recipient) = 0;
     /// The notice of the channel that has been due for longest at that time; ties go by alarm and recipient.
     virtual std::optional<Notice> nextDue(Channel channel, Instant now) const = 0;
+    /// All notices of an alarm, those that rest included, in the order of channels and recipients.
+    virtual std::vector<Notice> ofAlarm(const std::string& alarm) const = 0;
     /// Gives the notice of this alarm, channel and recipient the other members. Nothing is changed when there
     /// is none: its alarm is gone.
     virtual void update(const Notice& notice) = 0;

@@ -49,6 +49,14 @@ public:
     /// An identifier greater than every one given before, by whatever process. Lost with the session if that
     /// is not committed, and perhaps given anew then.
     virtual std::string newIdentifier() = 0;
+    /// The last one given; empty when none was.
+    virtual std::string lastIdentifier() const = 0;
+    /// Those given from now on come after this one.
+    virtual void skipIdentifiers(const std::string& last) = 0;
+    /// Whether the store lacks a part of what is being copied into it; it is then opened by who says
+    /// StoreOptions::mayBeUnfinished alone.
+    virtual bool isUnfinished() const = 0;
+    virtual void setUnfinished(bool isUnfinished) = 0;
     /// Returns when the changes survive a loss of power and every session that begins reading from now on
     /// sees them, whatever process it is of. The session is over then.
     virtual void commit() = 0;

@@ -10,7 +10,8 @@ enum class StoreFailure
 {
     Busy,           ///< other writers took longer than the patience of the store; trying again later helps
     Unreachable,    ///< the database cannot be reached; nothing is written
-    Unacknowledged, ///< the database has not confirmed a commit: the changes may be there, now or later, or not
+    Unacknowledged, ///< the database has not confirmed a commit: the changes may be there, now or later, or
+                    ///< not
     Full,           ///< no room left where the data lie
     NotWritable,    ///< writing failed for another reason: the disk does not let it; what is held can be read
     InputOutput,    ///< reading failed, or what was read is damaged
@@ -18,6 +19,10 @@ enum class StoreFailure
     CannotOpen,     ///< the data cannot be used at all: missing, not ours, damaged, newer, read-only
     Internal        ///< anything else: a mistake of the service
 };
+
+/// Says, behind "it", why a store cannot be opened that lacks a part of what is being copied into it.
+constexpr const char* unfinishedCopy =
+    "holds a copy that is not complete: go on with it by the same \"monitor-service copy\"";
 
 /// Thrown by the store; the message is for the operator and may name files, never for a client.
 class StoreError : public std::runtime_error

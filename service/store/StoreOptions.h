@@ -19,6 +19,8 @@ struct StoreOptions
     /// Opened by a service, where the store is for one service at a time: StoreFailure::CannotOpen when
     /// another one has it. Commands of administration do not ask for it.
     bool forService = false;
+    /// Opened to go on with a copy; otherwise that a copy is unfinished is StoreFailure::CannotOpen.
+    bool mayBeUnfinished = false;
     /// Those by which people are told. Of the others the outbox keeps nothing: whoever is told by mail from
     /// now on does not want the alarms of the year before.
     std::set<Channel> channels = {};

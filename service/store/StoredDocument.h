@@ -22,11 +22,12 @@ struct StoredPoint
     std::string document; ///< one JSON object, without the samples
 };
 
-/// A point location that a delivery may have changed.
+/// A point location with the numbers of deliveries.
 struct DeliveredTo
 {
     StoredPoint point;
-    bool isMade = false; ///< the delivery has made it
+    std::int64_t made = 0;    ///< of the one that has made it
+    std::int64_t changed = 0; ///< of the latest one that has changed it
 };
 
 } // namespace monitorservice

@@ -16,6 +16,8 @@ public:
     virtual std::optional<Token> find(const std::string& id) const = 0;
     /// Expired and revoked ones are found too. The hash is 32 bytes, any of which may be zero.
     virtual std::optional<Token> findBySecretHash(const std::string& sha256) const = 0;
+    /// The hash of the token's text; empty when there is no such token.
+    virtual std::string secretHash(const std::string& id) const = 0;
     /// In the order of their identifiers.
     virtual std::vector<Token> list() const = 0;
     /// StoreFailure::Conflict when the identifier or the hash is taken.

@@ -44,6 +44,12 @@ std::optional<Token> PostgresTokens::findBySecretHash(const std::string& sha256)
     return oneToken(m_connection.run(selectTokens + "WHERE secret_sha256 = $1", PostgresBytes{sha256}));
 }
 
+std::string PostgresTokens::secretHash(const std::string& id) const
+{
+    const PostgresResult found = m_connection.run("SELECT secret_sha256 FROM tokens WHERE id = $1", id);
+    return found.isEmpty() ? std::string() : found.text(0, 0);
+}
+
 std::vector<Token> PostgresTokens::list() const
 {
     return m_connection.run(selectTokens + "ORDER BY id").each(tokenOf);

@@ -13,6 +13,7 @@ public:
 
     std::optional<Token> find(const std::string& id) const override;
     std::optional<Token> findBySecretHash(const std::string& sha256) const override;
+    std::string secretHash(const std::string& id) const override;
     std::vector<Token> list() const override;
     void insert(const Token& token, const std::string& sha256) override;
     bool revoke(const std::string& id, Instant when) override;

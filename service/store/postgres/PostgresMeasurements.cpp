@@ -131,12 +131,14 @@ std::optional<StoredPoint> PostgresMeasurements::latestPoint(const std::string& 
 void PostgresMeasurements::visitDeliveredTo(const std::string& cell, const std::string& subCategory,
                                             std::int64_t delivery, const DeliveredToVisitor& visitor) const
 {
-    const PostgresResult found = m_connection.run(
-        "SELECT point, id, document, first_delivery FROM point_locations WHERE project_number = $1 AND "
-        "cell = $2 AND sub_category = $3 AND last_delivery >= $4 ORDER BY name, depth",
-        projectOfCell(cell), cell, subCategory, delivery);
+    const PostgresResult found =
+        m_connection.run("SELECT point, id, document, first_delivery, last_delivery FROM point_locations "
+                         "WHERE project_number = $1 AND "
+                         "cell = $2 AND sub_category = $3 AND last_delivery >= $4 ORDER BY name, depth",
+                         projectOfCell(cell), cell, subCategory, delivery);
     for (int row = 0; row < found.rows(); ++row) {
-        m_connection.show(visitor, DeliveredTo{pointOf(found, row), found.integer(row, 3) == delivery});
+        m_connection.show(visitor,
+                          DeliveredTo{pointOf(found, row), found.integer(row, 3), found.integer(row, 4)});
     }
 }
 
@@ -253,6 +255,20 @@ void PostgresMeasurements::visitSamples(std::int64_t point, Instant from, Instan
             if (kept.sample.time >= from && kept.sample.time < before) {
                 m_connection.show(visitor, kept.sample);
             }
+        }
+    }
+}
+
+void PostgresMeasurements::visitKept(std::int64_t point, const KeptVisitor& visitor) const
+{
+    m_samples.flush();
+    SegmentRows rows(m_connection, {point}, {});
+    std::vector<KeptSample> samples;
+    while (rows.next()) {
+        samples.clear();
+        rows.decode(samples);
+        for (const KeptSample& kept : samples) {
+            m_connection.show(visitor, kept);
         }
     }
 }

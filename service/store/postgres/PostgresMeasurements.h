@@ -40,6 +40,7 @@ public:
     std::optional<Sample> findSample(std::int64_t point, Instant time, std::int32_t count) const override;
     void visitSamples(std::int64_t point, Instant from, Instant before,
                       const SampleVisitor& visitor) const override;
+    void visitKept(std::int64_t point, const KeptVisitor& visitor) const override;
     void visitSamplesOf(std::int64_t point, std::int64_t delivery,
                         const SampleVisitor& visitor) const override;
     std::vector<std::int64_t> deliveriesOf(std::int64_t point) const override;

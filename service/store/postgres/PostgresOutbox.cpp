@@ -9,6 +9,11 @@ std::string nameOf(Channel channel)
     return channel == Channel::Mail ? "mail" : "webhook";
 }
 
+Channel channelOf(std::string_view name)
+{
+    return name == nameOf(Channel::Mail) ? Channel::Mail : Channel::Webhook;
+}
+
 } // namespace
 
 void PostgresOutbox::note(const std::string& alarm, Channel channel, const std::string& recipient)
@@ -36,6 +41,22 @@ std::optional<Notice> PostgresOutbox::nextDue(Channel channel, Instant now) cons
     }
     return Notice{found.text(0, 0),    channel,         found.text(0, 1), found.optionalInteger(0, 2),
                   found.integer(0, 3), found.text(0, 4)};
+}
+
+std::vector<Notice> PostgresOutbox::ofAlarm(const std::string& alarm) const
+{
+    return m_connection
+        .run("SELECT channel, recipient, due, attempts, told FROM outbox WHERE project_number = "
+             "(SELECT project_number FROM alarms WHERE id = $1) AND alarm = $1 ORDER BY channel, recipient",
+             alarm)
+        .each([&alarm](const PostgresResult& found, int row) {
+            return Notice{alarm,
+                          channelOf(found.view(row, 0)),
+                          found.text(row, 1),
+                          found.optionalInteger(row, 2),
+                          found.integer(row, 3),
+                          found.text(row, 4)};
+        });
 }
 
 void PostgresOutbox::update(const Notice& notice)

@@ -377,6 +377,11 @@ bool isUpToDate(PostgresConnection& connection)
     return isSetUp(connection) && versionOf(connection) == static_cast<std::int64_t>(migrations.size());
 }
 
+bool isUnfinishedCopy(PostgresConnection& connection)
+{
+    return !connection.run("SELECT 1 FROM monitor_state WHERE key = 'unfinishedCopy'").isEmpty();
+}
+
 void migrate(PostgresConnection& connection)
 {
     checkServer(connection);

@@ -15,4 +15,7 @@ bool isUpToDate(PostgresConnection& connection);
 /// version, or not one that a store can be in.
 void migrate(PostgresConnection& connection);
 
+/// Whether a copy into the database was begun and not ended. The database is up to date.
+bool isUnfinishedCopy(PostgresConnection& connection);
+
 } // namespace monitorservice

@@ -85,12 +85,30 @@ public:
 
     std::string newIdentifier() override
     {
-        if (!m_identifier) {
-            m_identifier =
-                m_connection.run("SELECT value FROM monitor_state WHERE key = 'lastIdentifier'").text(0, 0);
-        }
-        m_identifier = identifierAfter(*m_identifier, m_now);
+        m_identifier = identifierAfter(lastIdentifier(), m_now);
         return *m_identifier;
+    }
+
+    std::string lastIdentifier() const override
+    {
+        return m_identifier ? *m_identifier
+                            : m_connection.run("SELECT value FROM monitor_state WHERE key = 'lastIdentifier'")
+                                  .text(0, 0);
+    }
+
+    void skipIdentifiers(const std::string& last) override
+    {
+        m_identifier = std::max(lastIdentifier(), last);
+    }
+
+    bool isUnfinished() const override { return isUnfinishedCopy(m_connection); }
+
+    void setUnfinished(bool isUnfinished) override
+    {
+        m_connection.run(isUnfinished
+                             ? "INSERT INTO monitor_state (key, value) VALUES ('unfinishedCopy', '') "
+                               "ON CONFLICT DO NOTHING"
+                             : "DELETE FROM monitor_state WHERE key = 'unfinishedCopy'");
     }
 
     void commit() override
@@ -190,6 +208,9 @@ PostgresStore::PostgresStore(std::string url, StoreOptions options)
             throw StoreError(StoreFailure::CannotOpen, "holds no data of a monitor-service");
         }
         migrate(*connection);
+        if (!m_options.mayBeUnfinished && isUnfinishedCopy(*connection)) {
+            throw StoreError(StoreFailure::CannotOpen, unfinishedCopy);
+        }
         m_idle.push_back(std::move(connection));
     } catch (const StoreError& error) {
         throw cannotOpen(m_url, error);
@@ -224,6 +245,9 @@ void PostgresStore::checkReady()
         }
         if (!isUpToDate(connection)) {
             throw StoreError(StoreFailure::CannotOpen, "the database has been brought to another version");
+        }
+        if (isUnfinishedCopy(connection)) {
+            throw StoreError(StoreFailure::CannotOpen, std::string("the database ") + unfinishedCopy);
         }
     }));
 }

@@ -4,19 +4,11 @@
 #include "store/segments/SegmentError.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace monitorservice {
-
-/// A sample, and the number of the delivery that has inserted it.
-struct KeptSample
-{
-    Sample sample;
-    std::int64_t delivery = 0;
-};
 
 /// What one segment holds at most: samples, and bytes of their time flags together. They bound the memory
 /// that a segment can ask for, however few its bytes are.

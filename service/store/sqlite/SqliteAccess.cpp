@@ -44,6 +44,12 @@ std::optional<Token> SqliteTokens::findBySecretHash(const std::string& sha256) c
     return oneToken(statement);
 }
 
+std::string SqliteTokens::secretHash(const std::string& id) const
+{
+    SqliteStatement statement = m_connection.statement("SELECT secret_sha256 FROM tokens WHERE id = ?");
+    return statement.bind(id).step() ? statement.text(0) : std::string();
+}
+
 std::vector<Token> SqliteTokens::list() const
 {
     SqliteStatement statement = m_connection.statement(selectTokens + "ORDER BY id");

@@ -73,12 +73,13 @@ void SqliteMeasurements::visitDeliveredTo(const std::string& cell, const std::st
                                           std::int64_t delivery, const DeliveredToVisitor& visitor) const
 {
     SqliteStatement statement = m_connection.statement(
-        "SELECT point, id, document, first_delivery FROM point_locations WHERE cell = ? AND "
+        "SELECT point, id, document, first_delivery, last_delivery FROM point_locations WHERE cell = ? AND "
         "sub_category = ? AND last_delivery >= ? ORDER BY name, depth");
     statement.bind(cell, subCategory, delivery);
     while (statement.step()) {
         m_connection.show(visitor, DeliveredTo{{statement.integer(0), statement.text(1), statement.text(2)},
-                                               statement.integer(3) == delivery});
+                                               statement.integer(3),
+                                               statement.integer(4)});
     }
 }
 
@@ -172,6 +173,20 @@ void SqliteMeasurements::visitSamples(std::int64_t point, Instant from, Instant 
     while (statement.step()) {
         readSample(statement, sample);
         m_connection.show(visitor, sample);
+    }
+}
+
+void SqliteMeasurements::visitKept(std::int64_t point, const KeptVisitor& visitor) const
+{
+    SqliteStatement statement =
+        m_connection.statement("SELECT time, count, offset_minutes, value, time_flag, delivery FROM samples "
+                               "WHERE point = ? ORDER BY time, count");
+    statement.bind(point);
+    KeptSample kept;
+    while (statement.step()) {
+        readSample(statement, kept.sample);
+        kept.delivery = statement.integer(5);
+        m_connection.show(visitor, kept);
     }
 }
 

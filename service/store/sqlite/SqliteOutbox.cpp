@@ -9,6 +9,11 @@ std::string nameOf(Channel channel)
     return channel == Channel::Mail ? "mail" : "webhook";
 }
 
+Channel channelOf(std::string_view name)
+{
+    return name == nameOf(Channel::Mail) ? Channel::Mail : Channel::Webhook;
+}
+
 } // namespace
 
 void SqliteOutbox::note(const std::string& alarm, Channel channel, const std::string& recipient)
@@ -35,6 +40,20 @@ std::optional<Notice> SqliteOutbox::nextDue(Channel channel, Instant now) const
     }
     return Notice{statement.text(0),    channel,          statement.text(1), statement.optionalInteger(2),
                   statement.integer(3), statement.text(4)};
+}
+
+std::vector<Notice> SqliteOutbox::ofAlarm(const std::string& alarm) const
+{
+    SqliteStatement statement =
+        m_connection.statement("SELECT channel, recipient, due, attempts, told FROM outbox WHERE alarm = ? "
+                               "ORDER BY channel, recipient");
+    statement.bind(alarm);
+    std::vector<Notice> notices;
+    while (statement.step()) {
+        notices.push_back({alarm, channelOf(statement.view(0)), statement.text(1),
+                           statement.optionalInteger(2), statement.integer(3), statement.text(4)});
+    }
+    return notices;
 }
 
 void SqliteOutbox::update(const Notice& notice)

@@ -4,6 +4,8 @@
 #include "store/sqlite/SqliteConnection.h"
 
 #include <set>
+#include <string>
+#include <vector>
 
 namespace monitorservice {
 
@@ -18,6 +20,7 @@ public:
 
     void note(const std::string& alarm, Channel channel, const std::string& recipient) override;
     std::optional<Notice> nextDue(Channel channel, Instant now) const override;
+    std::vector<Notice> ofAlarm(const std::string& alarm) const override;
     void update(const Notice& notice) override;
 
 private:

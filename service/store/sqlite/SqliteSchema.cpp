@@ -537,6 +537,11 @@ void requireKnown(SqliteConnection& connection)
     }
 }
 
+bool isUnfinishedCopy(SqliteConnection& connection)
+{
+    return connection.statement("SELECT 1 FROM state WHERE key = 'unfinishedCopy'").step();
+}
+
 void migrate(SqliteConnection& connection, std::chrono::milliseconds patience)
 {
     checkOwnership(connection);

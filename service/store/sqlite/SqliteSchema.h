@@ -16,6 +16,9 @@ void migrate(SqliteConnection& connection, std::chrono::milliseconds patience);
 /// or an earlier one.
 void requireKnown(SqliteConnection& connection);
 
+/// Whether a copy into the database was begun and not ended. The database is of the current version.
+bool isUnfinishedCopy(SqliteConnection& connection);
+
 /// The SQL expression for the Instant that a text holds as isoText() writes it; NULL for an empty text.
 /// `text` is SQL too.
 std::string instantIn(const std::string& text);

@@ -11,6 +11,7 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <array>
 #include <fstream>
 #include <system_error>
@@ -79,6 +80,9 @@ std::unique_ptr<SqliteConnection> openWriter(const fs::path& file, const StoreOp
         explainReadOnlyFolder(file);
         throw;
     }
+    if (!options.mayBeUnfinished && isUnfinishedCopy(*writer)) {
+        throw StoreError(StoreFailure::CannotOpen, unfinishedCopy);
+    }
     return writer;
 }
 
@@ -138,13 +142,32 @@ public:
 
     std::string newIdentifier() override
     {
-        if (!m_identifier) {
-            SqliteStatement statement =
-                m_connection.statement("SELECT value FROM state WHERE key = 'lastIdentifier'");
-            m_identifier = statement.step() ? statement.text(0) : std::string();
-        }
-        m_identifier = identifierAfter(*m_identifier, m_now);
+        m_identifier = identifierAfter(lastIdentifier(), m_now);
         return *m_identifier;
+    }
+
+    std::string lastIdentifier() const override
+    {
+        if (m_identifier) {
+            return *m_identifier;
+        }
+        SqliteStatement statement =
+            m_connection.statement("SELECT value FROM state WHERE key = 'lastIdentifier'");
+        return statement.step() ? statement.text(0) : std::string();
+    }
+
+    void skipIdentifiers(const std::string& last) override
+    {
+        m_identifier = std::max(lastIdentifier(), last);
+    }
+
+    bool isUnfinished() const override { return isUnfinishedCopy(m_connection); }
+
+    void setUnfinished(bool isUnfinished) override
+    {
+        m_connection.execute(isUnfinished
+                                 ? "INSERT OR REPLACE INTO state (key, value) VALUES ('unfinishedCopy', '')"
+                                 : "DELETE FROM state WHERE key = 'unfinishedCopy'");
     }
 
     void commit() override

@@ -3,19 +3,13 @@
 // environment, RK_TEST_LONG=1: many more requests; RK_TEST_SEED and RK_TEST_REQUESTS: one run of that seed
 // and length.
 
-#include "RandomRequests.h"
-#include "TwoServices.h"
-#include "api/Resources.h"
+#include "AskedServices.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <simdjson.h>
 
+#include <algorithm>
 #include <cstdlib>
-#include <map>
-#include <set>
-#include <string>
-#include <string_view>
 
 namespace monitorservice::test {
 namespace {
@@ -24,112 +18,8 @@ namespace {
 constexpr std::size_t enoughForEveryAnswer = 300;
 constexpr std::size_t enoughForEveryRoute = 5000;
 
-constexpr Rights allRights = Rights(Right::Read) | Right::Create | Right::Edit | Right::Delete;
-
-// A number in the environment.
-std::size_t given(const char* name, std::size_t otherwise)
+class StoresAgreement : public AskedServices
 {
-    const char* const text = std::getenv(name);
-    return text == nullptr ? otherwise : std::stoul(text);
-}
-
-// Such as "GET cells/*/groupSettings".
-template <typename Text>
-std::string routeOf(std::string_view method, const std::vector<Text>& path)
-{
-    std::string route(method);
-    for (std::size_t i = 0; i < path.size(); ++i) {
-        route += i == 0 ? " " : "/";
-        route += i == 1 ? std::string_view("*") : std::string_view(path[i]);
-    }
-    return route;
-}
-
-class StoresAgreement : public ::testing::TestWithParam<unsigned>
-{
-protected:
-    StoresAgreement() : requests(static_cast<unsigned>(given("RK_TEST_SEED", GetParam())))
-    {
-        for (const char* const token : {"editor", "reader", "creator", "nobody"}) {
-            services.addToken(token);
-        }
-        services.grant("editor", std::nullopt, std::nullopt, Right::Administer);
-        for (const char* const category : {"Settlement", "Inclinometer"}) {
-            ask({"editor", "POST", {"categories"}, {}, R"({"name":")" + std::string(category) + "\"}"});
-        }
-        for (const char* const zone : {"Europe/Vienna", "America/St_Johns"}) {
-            ask({"editor",
-                 "POST",
-                 {"projects"},
-                 {},
-                 R"({"name":"Pit","timeZone":")" + std::string(zone) + "\"}"});
-        }
-        isReady = true;
-    }
-
-    // Asks both, and lets whoever makes a project work in it.
-    void ask(const Question& question)
-    {
-        const HttpResponse answer = services.ask(question);
-        ++answers[answer.status];
-        EXPECT_EQ(answer.body.find("the store has failed"), std::string::npos) << question.text();
-        if (answer.status >= 300) {
-            return;
-        }
-        done.insert(routeOf(question.method, question.path));
-        requests.learn(question, answer.body);
-        const bool isNewProject =
-            answer.status == 201 && question.path == std::vector<std::string>{"projects"};
-        // One that nothing is in can be removed.
-        if (isNewProject && (!isReady || requests.chance().once(3))) {
-            openProject(answer.body);
-        }
-    }
-
-    void openProject(const std::string& json)
-    {
-        simdjson::dom::parser parser;
-        const std::string project(parser.parse(json)["_id"].get_string().value());
-        services.grant("editor", project, std::nullopt, allRights);
-        services.write([&project](Session& session) {
-            // Whatever its name is now.
-            const std::string category = session.categories().list().front();
-            session.grants().add({session.newIdentifier(), "reader", project, category, Right::Read, 0});
-        });
-        services.grant("creator", project, std::nullopt, Right::Create);
-        for (const char* const category : {"Settlement", "Inclinometer"}) {
-            const std::string members =
-                R"("name":")" + std::string(category) + R"(","category":")" + category;
-            ask({"editor", "POST", {"projects", project, "subCategories"}, {}, "{" + members + "\"}"});
-            ask({"editor", "POST", {"cells"}, {}, R"({"projectId":")" + project + "\"," + members + "\"}"});
-        }
-    }
-
-    // Routes of which every request was refused.
-    std::vector<std::string> neverDone() const
-    {
-        std::vector<std::string> never;
-        for (const Route& route : allRoutes()) {
-            for (const auto& [method, handler] : route.methods) {
-                if (done.count(routeOf(method, route.path)) == 0) {
-                    never.push_back(routeOf(method, route.path));
-                }
-            }
-        }
-        return never;
-    }
-
-    void letTimePass()
-    {
-        static const std::vector<Instant> steps{0, 0, 1, 1000, 60'000, 3'600'000, 40'000'000, -1000};
-        services.wait(requests.chance().of(steps));
-    }
-
-    TwoServices services;
-    RandomRequests requests;
-    bool isReady = false;            // both projects are there that requests begin with
-    std::map<unsigned, int> answers; // by status
-    std::set<std::string> done;      // routes
 };
 
 TEST_P(StoresAgreement, RandomRequestsAreAnsweredTheSame)
@@ -137,16 +27,10 @@ TEST_P(StoresAgreement, RandomRequestsAreAnsweredTheSame)
     const bool isLong = std::getenv("RK_TEST_LONG") != nullptr;
     const std::size_t number = given("RK_TEST_REQUESTS", isLong ? 5000 : 600);
     constexpr std::size_t requestsOfStep = 1000;
-    for (std::size_t i = 1; i <= number; ++i) {
-        letTimePass();
-        const Question question = requests.next(services.now());
-        ask(question);
-        ASSERT_FALSE(HasFailure()) << "request " << i << " of seed " << given("RK_TEST_SEED", GetParam());
-        if (i % requestsOfStep == 0 || i == number) {
-            services.compareContents();
-            ASSERT_FALSE(HasFailure())
-                << "after request " << i << " of seed " << given("RK_TEST_SEED", GetParam());
-        }
+    while (asked < number && !HasFailure()) {
+        askRandomly(std::min(requestsOfStep, number - asked));
+        services.compareContents();
+        EXPECT_FALSE(HasFailure()) << "after request " << asked << " of seed " << seed;
     }
     if (number >= enoughForEveryAnswer) {
         EXPECT_GT(answers[200], static_cast<int>(number) / 3);

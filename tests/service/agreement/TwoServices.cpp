@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <limits>
 
 namespace monitorservice::test {
@@ -110,7 +111,7 @@ HttpResponse TwoServices::Service::answer(const Question& question) const
 }
 
 TwoServices::TwoServices()
-    : m_first(m_folder.file("data.db").string(), options()), m_second(m_database.url(), options())
+    : m_first(firstFile(), options()), m_second(std::make_unique<Service>(m_database.url(), options()))
 {
 }
 
@@ -129,14 +130,14 @@ StoreOptions TwoServices::options() const
 HttpResponse TwoServices::ask(const Question& question)
 {
     HttpResponse first = m_first.answer(question);
-    const HttpResponse second = m_second.answer(question);
+    const HttpResponse second = m_second->answer(question);
     compare(textOf(first), textOf(second), question);
     return first;
 }
 
 void TwoServices::write(const std::function<void(Session& session)>& action)
 {
-    for (const Service* const service : {&m_first, &m_second}) {
+    for (const Service* const service : std::array<const Service*, 2>{&m_first, m_second.get()}) {
         const auto session = service->store->write();
         action(*session);
         session->commit();
@@ -162,10 +163,16 @@ void TwoServices::grant(const std::string& token, const std::optional<std::strin
 void TwoServices::compareContents()
 {
     const std::vector<std::string> first = allOf(*m_first.store);
-    const std::vector<std::string> second = allOf(*m_second.store);
+    const std::vector<std::string> second = allOf(*m_second->store);
     const auto [one, other] = std::mismatch(first.begin(), first.end(), second.begin(), second.end());
     EXPECT_EQ(one == first.end() ? "nothing more" : *one, other == second.end() ? "nothing more" : *other)
         << "the first difference between what the stores hold";
+}
+
+void TwoServices::moveSecond(const std::string& location)
+{
+    m_second.reset();
+    m_second = std::make_unique<Service>(location, options());
 }
 
 } // namespace monitorservice::test

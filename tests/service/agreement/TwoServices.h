@@ -34,6 +34,15 @@ public:
     /// The running test fails when the stores hold different data.
     void compareContents();
 
+    /// For what requests cannot do.
+    Store& first() { return *m_first.store; }
+    Store& second() { return *m_second->store; }
+    std::string firstFile() const { return m_folder.file("data.db").string(); }
+    /// From now on the second service is over the data at this location.
+    void moveSecond(const std::string& location);
+    /// As the services open theirs.
+    StoreOptions options() const;
+
     void wait(Instant milliseconds) { m_now += milliseconds; }
     Instant now() const { return m_now; }
 
@@ -48,13 +57,11 @@ private:
         Api api;
     };
 
-    StoreOptions options() const;
-
     Instant m_now = 1445716800123; ///< 2015-10-24T20:00:00.123Z, some hours before clocks are put back
     TemporaryFolder m_folder;
     PostgresDatabase m_database;
     Service m_first;
-    Service m_second;
+    std::unique_ptr<Service> m_second;
 };
 
 } // namespace monitorservice::test

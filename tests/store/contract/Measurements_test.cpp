@@ -457,7 +457,7 @@ TEST_P(PointMeasurements, PointsAreFoundByTheDeliveriesThatChangedThem)
     const auto found = [this](std::int64_t delivery) {
         std::vector<std::string> names;
         measurements().visitDeliveredTo("c", "s", delivery, [&names](const DeliveredTo& one) {
-            names.push_back(one.point.id + (one.isMade ? " made" : ""));
+            names.push_back(one.point.id + (one.made == delivery ? " made" : ""));
         });
         return names;
     };

@@ -2,6 +2,8 @@
 
 #include <SQLiteCpp/SQLiteCpp.h>
 
+#include <algorithm>
+
 namespace monitorservice::test {
 
 std::vector<std::string> damageOf(const std::filesystem::path& file)
@@ -17,6 +19,35 @@ std::vector<std::string> damageOf(const std::filesystem::path& file)
         }
     }
     return damage;
+}
+
+std::vector<std::string> rowsOf(const std::filesystem::path& file)
+{
+    const SQLite::Database database(file.string());
+    std::vector<std::string> tables;
+    SQLite::Statement listed(database, "SELECT name FROM sqlite_schema WHERE type = 'table'");
+    while (listed.executeStep()) {
+        tables.push_back(listed.getColumn(0).getString());
+    }
+    std::vector<std::string> rows;
+    for (const std::string& table : tables) {
+        std::string columns;
+        SQLite::Statement named(database, "SELECT name FROM pragma_table_xinfo(?) WHERE name <> 'position'");
+        named.bind(1, table);
+        while (named.executeStep()) {
+            const std::string column = named.getColumn(0).getString();
+            columns += " || ' ' || quote(";
+            columns += column == "point" ? "(SELECT p.id FROM point_locations AS p WHERE p.point = t.point)"
+                                         : "t." + column;
+            columns += ')';
+        }
+        SQLite::Statement query(database, "SELECT '" + table + "'" + columns + " FROM " + table + " AS t");
+        while (query.executeStep()) {
+            rows.push_back(query.getColumn(0).getString());
+        }
+    }
+    std::sort(rows.begin(), rows.end());
+    return rows;
 }
 
 void makeForeignDatabase(const std::filesystem::path& file)
