@@ -26,21 +26,27 @@ struct CopySettings
     CopyEnd to;
 };
 
-void addEnd(CLI::App& command, const std::string& option, CopyEnd& end, const std::string& what)
+void addEnd(CLI::App& command, const std::string& option, const std::string& what, CopyEnd& end)
 {
-    CLI::Option_group* const group = command.add_option_group(what);
-    group->add_option(option, end.location, "A file, or postgresql://USER@HOST:PORT/NAME")
-        ->type_name("FILE|URL");
-    group
-        ->add_option(option + "-url-file", end.urlFile,
-                     "Or the database whose address, with its password, is the one line of this file")
-        ->type_name("FILE");
-    group->require_option(1);
+    CLI::Option* const location =
+        command.add_option(option, end.location, what + ": a file, or postgresql://USER@HOST:PORT/NAME")
+            ->type_name("FILE|URL");
+    command
+        .add_option(option + "-url-file", end.urlFile,
+                    "Or the database whose address, with its password, is the one line of this file")
+        ->type_name("FILE")
+        ->excludes(location);
 }
 
 std::string locationOf(const std::string& option, const CopyEnd& end)
 {
-    return end.urlFile.empty() ? end.location : readSecretFile(option + "-url-file", end.urlFile);
+    if (!end.urlFile.empty()) {
+        return readSecretFile(option + "-url-file", end.urlFile);
+    }
+    if (end.location.empty()) {
+        throw CLI::RequiredError(option + " or " + option + "-url-file");
+    }
+    return end.location;
 }
 
 void copy(const CopySettings& settings)
@@ -70,13 +76,13 @@ void addCopyCommand(CLI::App& application)
     CLI::App* const command = application.add_subcommand(
         "copy", "Copy all data from a file to a database, or back, or to another of its kind");
     const auto settings = std::make_shared<CopySettings>();
-    addEnd(*command, "--from", settings->from, "The data, as they are when the copy begins");
-    addEnd(*command, "--to", settings->to, "Where there are none yet");
+    addEnd(*command, "--from", "The data", settings->from);
+    addEnd(*command, "--to", "Where there are none yet", settings->to);
     command->footer(R"(
-Identifiers, tokens, limits, alarms, notifications still to be sent and the audit trail go with the measured data. In the end
-both places are read again and compared. A copy that was interrupted goes on when the same command is run again; until it
-is complete, no service and no other command takes the copy for data. Stop the service before, unless it is a trial:
-what it takes in after the beginning is not in the copy.
+Identifiers, tokens, limits, alarms, notifications still to be sent and the audit trail go with the measured
+data. In the end both places are read again and compared. A copy that was interrupted goes on when the same
+command is run again; until it is complete, no service and no other command takes it for data. Stop the
+service first, unless it is a trial: what it takes in after the beginning is not in the copy.
 
 Examples:
   monitor-service copy --from site.db --to-url-file site.url
