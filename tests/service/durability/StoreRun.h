@@ -6,6 +6,7 @@
 #include "store/OpenStore.h"
 
 #include <atomic>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -25,6 +26,8 @@ public:
     }
 
     Store& store() const { return *m_store; }
+    /// How many of the requests that were sent were answered that they may be carried out or not.
+    std::size_t unconfirmed() const { return m_unconfirmed; }
 
     /// The path is one below the service's, and may have a query.
     HttpResponse call(const Site& site, const std::string& method, const std::string& path,
@@ -45,6 +48,9 @@ public:
     {
         return [this, &site](const std::string& method, const std::string& path, const std::string& body) {
             HttpResponse response = call(site, method, path, body);
+            if (response.body.find("has not confirmed") != std::string::npos) {
+                ++m_unconfirmed;
+            }
             return std::optional(ServiceAnswer{response.status, std::move(response.body)});
         };
     }
@@ -74,6 +80,7 @@ private:
 
     std::unique_ptr<Store> m_store;
     Api m_api;
+    mutable std::atomic<std::size_t> m_unconfirmed = 0;
 };
 
 } // namespace monitorservice::test
