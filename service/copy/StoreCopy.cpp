@@ -88,7 +88,9 @@ private:
         ContentWriter writer(*session);
         visitMonitoring(*m_source, project.id, cell, writer);
         session->commit();
-        m_progress(nameOf(*m_source, project, cell) + ": " + toText(writer.count()));
+        ContentCount count = writer.count();
+        count.monitorings = 0; // it is named
+        m_progress(nameOf(*m_source, project, cell) + ": " + toText(count));
     }
 
     // Entries come in the order in which they were made, so that those there are the first ones.
