@@ -20,8 +20,8 @@ public:
     /// for the turn, in the order of asking, no longer than the patience of the store, then
     /// StoreFailure::Busy. A thread has one at a time.
     virtual std::unique_ptr<Session> write() = 0;
-    /// Throws StoreError when a service on this store had better get no requests: the data cannot be read, lie on
-    /// a server that takes no writes, or were brought to another version since the store was opened.
+    /// Throws StoreError when a service on this store had better get no requests: the data cannot be read,
+    /// lie on a server that takes no writes, or were brought to another version since the store was opened.
     virtual void checkReady() = 0;
 };
 

@@ -10,7 +10,8 @@ enum class StoreFailure
 {
     Busy,           ///< other writers took longer than the patience of the store; trying again later helps
     Unreachable,    ///< the database cannot be reached; nothing is written
-    Unacknowledged, ///< the database has not confirmed a commit: the changes may be there, now or later, or not
+    Unacknowledged, ///< the database has not confirmed a commit: the changes may be there, now or later, or
+                    ///< not
     Full,           ///< no room left where the data lie
     NotWritable,    ///< writing failed for another reason: the disk does not let it; what is held can be read
     InputOutput,    ///< reading failed, or what was read is damaged
