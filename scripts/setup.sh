@@ -14,7 +14,7 @@ packages=(
   liborcus-dev                                                      # spreadsheets
   libqwt-qt5-dev libqt5svg5-dev fonts-dejavu-core fonts-wqy-microhei # charts
   libgtest-dev libgmock-dev python3 python3-aiosmtpd                # tests
-  postgresql-15                                                     # the server that some of them start for themselves
+  postgresql-15 haproxy                                             # the servers that some of them start for themselves
 )
 if [ "${1:-}" = --checks ]; then
   packages+=(clang-format-14 clang-tidy-14 clang-14 libclang-rt-14-dev llvm-14 valgrind)

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <stdexcept>
+#include <utility>
 
 namespace monitorservice::test {
 
@@ -27,8 +28,18 @@ PostgresServer::PostgresServer(const char* file)
 
 PostgresServer::PostgresServer()
 {
-    m_own = std::make_unique<ChildProcess>(
-        std::vector<std::string>{PYTHON_EXECUTABLE, POSTGRES_SERVER_SCRIPT, "run", POSTGRES_PROGRAMS});
+    run({"run", POSTGRES_PROGRAMS});
+}
+
+PostgresServer::PostgresServer(const char* kind, const std::string& argument)
+{
+    run({kind, POSTGRES_PROGRAMS, argument});
+}
+
+void PostgresServer::run(std::vector<std::string> arguments)
+{
+    arguments.insert(arguments.begin(), {PYTHON_EXECUTABLE, POSTGRES_SERVER_SCRIPT});
+    m_own = std::make_unique<ChildProcess>(std::move(arguments));
     m_folder = m_own->readLine();
     if (m_folder.empty()) {
         throw std::runtime_error(m_own->readErrors());

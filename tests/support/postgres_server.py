@@ -5,6 +5,8 @@
                                         prints the folder of its socket when it takes connections; on SIGUSR1 kills it
                                         with all its processes and prints "killed", on SIGUSR2 starts it again and prints
                                         "started"
+  postgres_server.py primary BIN SETTINGS  the same, with the settings that the file SETTINGS has, for the parent
+  postgres_server.py standby BIN FOLDER    the same, of the one whose socket is in the folder; it calls itself "standby"
   postgres_server.py start BIN FILE     runs it in the background until the parent ends; FILE names the folder
   postgres_server.py stop FILE          ends that one, and returns when nothing of it is left
 
@@ -34,13 +36,16 @@ SETTINGS = {
     "max_wal_size": "64MB",
     "fsync": "off",
     "full_page_writes": "off",
-    # A database that asks for "on" waits for this standby, which there is not.
-    "synchronous_standby_names": "none",
-    "synchronous_commit": "local",
     "timezone": "Pacific/Chatham",
     "datestyle": "SQL, DMY",
     "intervalstyle": "sql_standard",
     "bytea_output": "escape",
+}
+# Of a server that is alone.
+ALONE = {
+    # A database that asks for "on" waits for this standby, which there is not.
+    "synchronous_standby_names": "none",
+    "synchronous_commit": "local",
 }
 
 
@@ -52,21 +57,41 @@ def as_account():
     return command
 
 
-def make_cluster(binaries, folder):
+def make_folder():
+    # Paths of sockets have at most 107 bytes.
+    folder = pathlib.Path(tempfile.mkdtemp(prefix="postgres-"))
     if os.geteuid() == 0:
         account = pwd.getpwnam(ACCOUNT)
         os.chown(folder, account.pw_uid, account.pw_gid)
+    return folder
+
+
+def make_data(folder, program, *arguments):
     made = subprocess.run(
-        [*as_account(), binaries / "initdb", "--pgdata", folder / "data", "--username", "postgres", "--auth", "trust",
-         "--encoding", "UTF8", "--locale", "C.UTF-8", "--locale-provider", "icu", "--icu-locale", "tr",
-         "--no-sync", "--no-instructions"],
+        [*as_account(), program, "--pgdata", folder / "data", "--no-sync", *arguments],
         cwd=folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
     if made.returncode != 0:
-        raise RuntimeError(f"initdb: {made.stdout}")
+        raise RuntimeError(f"{program}: {made.stdout}")
 
 
-def start_server(binaries, folder):
-    settings = {**SETTINGS, "unix_socket_directories": folder}
+def make_cluster(binaries, folder):
+    make_data(folder, binaries / "initdb", "--username", "postgres", "--auth", "trust", "--encoding", "UTF8",
+              "--locale", "C.UTF-8", "--locale-provider", "icu", "--icu-locale", "tr", "--no-instructions")
+
+
+def make_primary(binaries, folder, settings):
+    make_cluster(binaries, folder)
+    with open(folder / "data" / "postgresql.conf", "a", encoding="utf-8") as configuration:
+        configuration.write(settings.read_text(encoding="utf-8"))
+
+
+def make_standby(binaries, folder, primary):
+    make_data(folder, binaries / "pg_basebackup", "--checkpoint", "fast", "--write-recovery-conf", "--create-slot",
+              "--slot", "standby", "--dbname", f"host={primary} user=postgres application_name=standby")
+
+
+def start_server(binaries, folder, settings):
+    settings = {**SETTINGS, **settings, "unix_socket_directories": folder}
     with open(folder / "log", "wb") as log:
         server = subprocess.Popen(
             [*as_account(), binaries / "postgres", "-D", folder / "data",
@@ -125,7 +150,8 @@ def kill_server(server):
         time.sleep(0.001)
 
 
-def run(binaries, process):
+def run(binaries, process, settings, make):
+    """With what make(binaries, folder) has made."""
     watched = os.pidfd_open(process)
     # A signal may come just before select() begins to wait, so it is one of the things that are waited for.
     signalled, signals = os.pipe2(os.O_CLOEXEC | os.O_NONBLOCK)
@@ -133,12 +159,11 @@ def run(binaries, process):
     for handled in (signal.SIGTERM, signal.SIGUSR1, signal.SIGUSR2):
         signal.signal(handled, lambda *_: None)
     signal.signal(signal.SIGINT, signal.SIG_IGN)  # from a terminal it is for the process that is watched
-    # Paths of sockets have at most 107 bytes.
-    folder = pathlib.Path(tempfile.mkdtemp(prefix="postgres-"))
+    folder = make_folder()
     server = None
     try:
-        make_cluster(binaries, folder)
-        server = start_server(binaries, folder)
+        make(binaries, folder)
+        server = start_server(binaries, folder, settings)
         print(folder, flush=True)
         while True:
             ends = [os.pidfd_open(server.pid)] if server else []
@@ -151,7 +176,7 @@ def run(binaries, process):
                 server = None
                 print("killed", flush=True)
             elif asked == signal.SIGUSR2:
-                server = start_server(binaries, folder)
+                server = start_server(binaries, folder, settings)
                 print("started", flush=True)
             else:
                 break
@@ -188,7 +213,12 @@ def stop(file):
 def main():
     match sys.argv[1:]:
         case ["run", binaries, *process]:
-            run(pathlib.Path(binaries), int(process[0]) if process else os.getppid())
+            run(pathlib.Path(binaries), int(process[0]) if process else os.getppid(), ALONE, make_cluster)
+        case ["primary", binaries, settings]:
+            run(pathlib.Path(binaries), os.getppid(), {},
+                lambda *where: make_primary(*where, pathlib.Path(settings)))
+        case ["standby", binaries, primary]:
+            run(pathlib.Path(binaries), os.getppid(), {}, lambda *where: make_standby(*where, primary))
         case ["start", binaries, file]:
             start(pathlib.Path(binaries), pathlib.Path(file))
         case ["stop", file]:

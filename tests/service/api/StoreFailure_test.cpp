@@ -51,10 +51,9 @@ TEST(StoreFailure, IsAnsweredByItsKindAndTellsNoPath)
     };
     for (const Case& one :
          {Case{StoreFailure::Busy, 503, true}, Case{StoreFailure::Unreachable, 503, true},
-          Case{StoreFailure::Unacknowledged, 503, true},
-          Case{StoreFailure::Full, 503, true}, Case{StoreFailure::NotWritable, 503, true},
-          Case{StoreFailure::InputOutput, 500, false}, Case{StoreFailure::Conflict, 409, false},
-          Case{StoreFailure::Internal, 500, false}}) {
+          Case{StoreFailure::Unacknowledged, 503, true}, Case{StoreFailure::Full, 503, true},
+          Case{StoreFailure::NotWritable, 503, true}, Case{StoreFailure::InputOutput, 500, false},
+          Case{StoreFailure::Conflict, 409, false}, Case{StoreFailure::Internal, 500, false}}) {
         const HttpResponse response = answerOf(one.failure, {"monitor-service", "categories"});
         EXPECT_EQ(response.status, one.status);
         EXPECT_EQ(test::member(response.body, "status"), std::to_string(one.status));
