@@ -456,7 +456,7 @@ TEST_P(PointMeasurements, PointsAreFoundByTheDeliveriesThatChangedThem)
     const std::int64_t second = measurements().insertPoint("p", "w2", pointDocument("w2", "W2", ""), 4);
     const auto found = [this](std::int64_t delivery) {
         std::vector<std::string> names;
-        measurements().visitDeliveredTo("c", "s", delivery, [&names](const DeliveredTo& one) {
+        measurements().visitDeliveredTo("c", "s", delivery, [&names, delivery](const DeliveredTo& one) {
             names.push_back(one.point.id + (one.made == delivery ? " made" : ""));
         });
         return names;
