@@ -55,6 +55,10 @@ private:
 
         Instant now() const override { return m_session->now(); }
         std::string newIdentifier() override { return m_session->newIdentifier(); }
+        std::string lastIdentifier() const override { return m_session->lastIdentifier(); }
+        void skipIdentifiers(const std::string& last) override { m_session->skipIdentifiers(last); }
+        bool isUnfinished() const override { return m_session->isUnfinished(); }
+        void setUnfinished(bool unfinished) override { m_session->setUnfinished(unfinished); }
         void commit() override
         {
             m_session->commit();
