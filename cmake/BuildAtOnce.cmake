@@ -1,7 +1,7 @@
-# For builds from nothing in which nobody edits (RKMONITORINGDATA_BUILD_AT_ONCE: presets asan and tsan, and everything in
+# For builds from nothing in which nobody edits (RKMONITORINGDATA_BUILD_AT_ONCE: presets asan, tsan and fuzz, and everything in
 # .ci/run). More than half of the time of a compilation is spent on the headers of others and on what they define inline. So
-# gcc reads those headers once for many files, and what uses CLI11, all of which lies in headers, is compiled several files at
-# a time. The preset dev does without: there a changed file costs one file, and ccache needs no special settings.
+# what ships is compiled several files at a time, and gcc reads those headers once for many tests. The preset dev does
+# without: there a changed file costs one file, and ccache needs no special settings.
 #
 # That each file includes what it uses is seen elsewhere: scripts/check-sources.sh reads all that ships file by file, and clang,
 # which is quick in reading, compiles the tests without precompiled headers.
@@ -77,6 +77,36 @@ function(rk_precompile_headers target type libraries)
   endif()
 endfunction()
 
+# rk_join_sources(<target>)
+#   The files of a folder become one, or several of nearly the same size: with more of them, one core would wait.
+function(rk_join_sources target)
+  get_target_property(sources ${target} SOURCES)
+  list(FILTER sources INCLUDE REGEX "\\.cpp$")
+  list(SORT sources)
+  get_target_property(base ${target} SOURCE_DIR)
+  set(folders "")
+  foreach(source IN LISTS sources)
+    cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY "${base}" NORMALIZE)
+    cmake_path(GET source PARENT_PATH folder)
+    list(APPEND folders "${folder}")
+    list(APPEND "in_${folder}" "${source}")
+  endforeach()
+  list(REMOVE_DUPLICATES folders)
+  set(number 0)
+  foreach(folder IN LISTS folders)
+    list(LENGTH "in_${folder}" count)
+    math(EXPR parts "(${count} + 7) / 8")
+    foreach(source IN LISTS "in_${folder}")
+      math(EXPR part "${number} % ${parts}")
+      cmake_path(GET folder FILENAME name)
+      set(group "${name}_${part}")
+      set_source_files_properties("${source}" TARGET_DIRECTORY ${target} PROPERTIES UNITY_GROUP "${group}")
+      math(EXPR number "${number} + 1")
+    endforeach()
+  endforeach()
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
+endfunction()
+
 # rk_build_at_once(<directory>)
 #   For each target of <directory> and of the folders below.
 function(rk_build_at_once directory)
@@ -93,8 +123,8 @@ function(rk_build_at_once directory)
     endif()
     get_target_property(reads_alone ${target} DISABLE_PRECOMPILE_HEADERS)
     rk_linked_libraries(${target} libraries)
-    if("CLI11::CLI11" IN_LIST libraries AND NOT "GTest::gmock" IN_LIST libraries)
-      set_target_properties(${target} PROPERTIES UNITY_BUILD ON)
+    if(NOT reads_alone AND directory MATCHES "^${PROJECT_SOURCE_DIR}/(apps|companions|service|src)(/|$)")
+      rk_join_sources(${target})
     elseif(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT reads_alone)
       rk_precompile_headers(${target} ${type} "${libraries}")
     endif()

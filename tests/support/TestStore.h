@@ -16,6 +16,7 @@ public:
     TestStore& operator=(const TestStore&) = delete;
     ~TestStore();
 
+    bool isInDatabase() const { return m_database != nullptr; }
     /// For openStore().
     const std::string& location() const { return m_location; }
     /// The option of monitor-service that takes the location.

@@ -12,11 +12,11 @@ namespace chart {
 namespace {
 
 // The values of points by day.
-using Values = QHash<QString, QMap<QDate, double>>;
+using ValuesByPoint = QHash<QString, QMap<QDate, double>>;
 
-Values valuesByPoint(const Days& days)
+ValuesByPoint valuesByPoint(const Days& days)
 {
-    Values values;
+    ValuesByPoint values;
     for (auto day = days.cbegin(); day != days.cend(); ++day) {
         for (const RKPointLocationChartData& entry : *day) {
             values[entry.id].insert(day.key(), entry.value);

@@ -12,7 +12,7 @@
 namespace {
 
 // Name and depth.
-using Place = QPair<QString, QString>;
+using NameAndDepth = QPair<QString, QString>;
 
 // Names of the points, in portions that a request can hold.
 QList<QStringList> namePortions(const QList<PointKey>& points)
@@ -39,10 +39,10 @@ QList<QStringList> namePortions(const QList<PointKey>& points)
 
 // Identifiers of a monitoring's points with these names. The statistic gives them with one entry per day,
 // where reading the points would bring every sample.
-QHash<Place, QSet<QString>> pointsMeasured(ServiceSession& session, const QString& cellId,
-                                           const QList<QStringList>& portions)
+QHash<NameAndDepth, QSet<QString>> pointsMeasured(ServiceSession& session, const QString& cellId,
+                                                  const QList<QStringList>& portions)
 {
-    QHash<Place, QSet<QString>> measured;
+    QHash<NameAndDepth, QSet<QString>> measured;
     for (const QStringList& names : portions) {
         RKPointLocationCondition condition;
         condition.cellId = cellId;
@@ -114,7 +114,8 @@ QSet<PointKey> knownOfCell(ServiceSession& session, const QString& cellId, const
             concerned.append(point);
         }
     }
-    const QHash<Place, QSet<QString>> measured = pointsMeasured(session, cellId, namePortions(concerned));
+    const QHash<NameAndDepth, QSet<QString>> measured =
+        pointsMeasured(session, cellId, namePortions(concerned));
 
     QSet<PointKey> known;
     QList<PointKey> unclear;

@@ -43,6 +43,8 @@ StoreError cannotOpen(const std::string& url, const StoreError& error)
     return {StoreFailure::CannotOpen, "cannot open " + place + subject + what};
 }
 
+} // namespace
+
 // What every session has: the tables as seen by one connection within one transaction.
 class PostgresSession : public Session
 {
@@ -142,8 +144,6 @@ private:
     PostgresGrants m_grants;
     PostgresOutbox m_outbox;
 };
-
-} // namespace
 
 class PostgresStore::ReadSession final : public PostgresSession
 {

@@ -95,6 +95,8 @@ AllDocuments documentsOf(SqliteConnection& connection, std::index_sequence<index
     return {SqliteDocuments(connection, sqliteTable(allDocumentKinds.at(indexes)))...};
 }
 
+} // namespace
+
 // What every session has: the tables as seen by one connection within one transaction.
 class SqliteSession : public Session
 {
@@ -203,8 +205,6 @@ private:
     SqliteOutbox m_outbox;
     std::unique_ptr<SQLite::Transaction> m_transaction;
 };
-
-} // namespace
 
 class SqliteStore::ReadSession final : public SqliteSession
 {

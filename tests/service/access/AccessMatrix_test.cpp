@@ -75,6 +75,8 @@ public:
         m_rows = m_served->rows();
     }
 
+    bool isInDatabase() const { return m_world.data().isInDatabase(); }
+
     void askAllAs(const Role& role)
     {
         for (const Resource& resource : m_resources) {
@@ -310,14 +312,15 @@ private:
 void askAll(const std::vector<Role>& roles, Way way)
 {
     Asker asker(roles, way);
-    for (const Role& role : roles) {
-        asker.askAllAs(role);
-        if (::testing::Test::HasFatalFailure()) {
-            break;
-        }
+    // A database takes a tenth of a second to come back after each write.
+    const std::size_t step = asker.isInDatabase() && way == Way::Direct && !isLongRun() ? 4 : 1;
+    std::size_t asked = 0;
+    for (std::size_t i = 0; i < roles.size() && !::testing::Test::HasFatalFailure(); i += step) {
+        asker.askAllAs(roles[i]);
+        ++asked;
     }
     const Tally& tally = asker.tally();
-    std::cout << "access: " << roles.size() << " roles, " << tally.requests << " requests, " << tally.refused
+    std::cout << "access: " << asked << " roles, " << tally.requests << " requests, " << tally.refused
               << " refused, " << tally.writes
               << " writes done, wrong answers: " << (::testing::Test::HasFailure() ? "some" : "0")
               << std::endl;

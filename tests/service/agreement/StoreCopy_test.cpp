@@ -43,7 +43,13 @@ CopyProgress interruptAfter(std::size_t parts)
 class CopiedStore : public AskedServices
 {
 protected:
-    CopiedStore() { askRandomly(150); }
+    CopiedStore()
+    {
+        askRandomly(150);
+        while (documentsOf(services.first(), DocumentKind::Alarm).empty() && !HasFailure() && asked < 2000) {
+            askRandomly(10);
+        }
+    }
 
     std::unique_ptr<Store> openTarget(const std::string& location) const
     {
