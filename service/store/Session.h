@@ -20,6 +20,9 @@ namespace monitorservice {
 /// destroyed by the thread that began it, by one call at a time: what is given to a visitor may still be on
 /// its way from a database, so a visitor must not call into the session that it visits.
 ///
+/// What a change is refused for may be told by a later call that does not say so, by commit() at the latest:
+/// a database far away is not waited for after each of them. Calls that give something tell at once.
+///
 /// A call that throws StoreError leaves a session in an unknown state: it is to be destroyed without
 /// commit(), and nothing that it wrote comes to be. QueryError, and what a visitor throws, leave it as it
 /// was.

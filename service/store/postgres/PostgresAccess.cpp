@@ -57,10 +57,10 @@ std::vector<Token> PostgresTokens::list() const
 
 void PostgresTokens::insert(const Token& token, const std::string& sha256)
 {
-    m_connection.run("INSERT INTO tokens (id, owner, name, created_at, expires_at, revoked_at, "
-                     "secret_sha256) VALUES ($1, $2, $3, $4, $5, $6, $7)",
-                     token.id, token.owner, token.name, token.createdAt, token.expiresAt, token.revokedAt,
-                     PostgresBytes{sha256});
+    m_connection.post("INSERT INTO tokens (id, owner, name, created_at, expires_at, revoked_at, "
+                      "secret_sha256) VALUES ($1, $2, $3, $4, $5, $6, $7)",
+                      token.id, token.owner, token.name, token.createdAt, token.expiresAt, token.revokedAt,
+                      PostgresBytes{sha256});
 }
 
 bool PostgresTokens::revoke(const std::string& id, Instant when)

@@ -15,6 +15,9 @@ namespace {
 // are prepared anew, as nothing tells which ones will be used again.
 constexpr std::size_t mostPrepared = 500;
 
+// Statements that are sent before those before them are waited for.
+constexpr std::size_t mostPosted = 1000;
+
 constexpr int binary = 1;
 
 // libpq's messages have lines, each of them indented but for the first.
@@ -167,10 +170,43 @@ PostgresResult PostgresConnection::runPrepared(std::string_view sql, const Postg
                                       values.formats().data(), binary));
 }
 
+void PostgresConnection::postPrepared(std::string_view sql, const PostgresValues& values)
+{
+    refuseWhileShowing();
+    if (m_posted >= mostPosted) {
+        settle();
+    }
+    const std::string& name = prepared(sql);
+    const bool isSent =
+        (m_posted > 0 || PQenterPipelineMode(m_connection.get()) != 0) &&
+        PQsendQueryPrepared(m_connection.get(), name.c_str(), values.count(), values.pointers().data(),
+                            values.lengths().data(), values.formats().data(), binary) != 0;
+    if (!isSent) {
+        throw lost();
+    }
+    ++m_posted;
+}
+
 PostgresResult PostgresConnection::execute(const std::string& sql)
 {
     refuseWhileShowing();
+    settle();
     return answer(PQsendQuery(m_connection.get(), sql.c_str()));
+}
+
+void PostgresConnection::rollBack()
+{
+    try {
+        settle();
+    } catch (const StoreError&) {
+        if (!isConnected()) {
+            throw;
+        }
+        // It goes with all the others.
+    }
+    if (PQtransactionStatus(m_connection.get()) != PQTRANS_IDLE) {
+        execute("ROLLBACK");
+    }
 }
 
 void PostgresConnection::commit(std::chrono::milliseconds patience)
@@ -182,7 +218,7 @@ void PostgresConnection::commit(std::chrono::milliseconds patience)
     const std::chrono::milliseconds usual = std::exchange(m_patience, patience);
     m_warning.clear();
     try {
-        execute("COMMIT");
+        runOnce("COMMIT", {});
     } catch (const StoreError& error) {
         if (!m_connection) { // given up
             throw StoreError(StoreFailure::Unacknowledged, error.what());
@@ -200,14 +236,9 @@ bool PostgresConnection::isConnected() const
     return PQstatus(m_connection.get()) == CONNECTION_OK;
 }
 
-bool PostgresConnection::isInTransaction() const
-{
-    return PQtransactionStatus(m_connection.get()) != PQTRANS_IDLE;
-}
-
 bool PostgresConnection::isInWorkingTransaction() const
 {
-    return PQtransactionStatus(m_connection.get()) == PQTRANS_INTRANS;
+    return m_posted > 0 || PQtransactionStatus(m_connection.get()) == PQTRANS_INTRANS;
 }
 
 int PostgresConnection::serverVersion() const
@@ -228,6 +259,7 @@ const std::string& PostgresConnection::prepared(std::string_view sql)
     if (found != m_prepared.end()) {
         return found->second;
     }
+    settle(); // what fails would leave a statement that was never prepared
     if (m_prepared.size() >= mostPrepared) {
         execute("DEALLOCATE ALL");
         m_prepared.clear();
@@ -243,6 +275,9 @@ PostgresResult PostgresConnection::answer(int isSent)
     if (isSent == 0) {
         throw lost();
     }
+    if (m_posted > 0) {
+        return answerAfterPosted();
+    }
     send();
     PostgresResult last(nullptr);
     for (;;) {
@@ -252,6 +287,47 @@ PostgresResult PostgresConnection::answer(int isSent)
             return checked(std::move(last));
         }
         last = std::move(next);
+    }
+}
+
+// Of the statement sent last, or of the first one that failed, after which none is run
+// (https://www.postgresql.org/docs/15/libpq-pipeline-mode.html).
+PostgresResult PostgresConnection::answerAfterPosted()
+{
+    m_posted = 0;
+    if (PQpipelineSync(m_connection.get()) == 0) {
+        throw lost();
+    }
+    send();
+    PostgresResult last(nullptr);
+    bool hasFailed = false;
+    for (;;) {
+        receive();
+        PostgresResult next(PQgetResult(m_connection.get()));
+        if (next.isNothing()) {
+            // Between two statements; for ever when the connection is lost.
+            if (!isConnected()) {
+                throw lost();
+            }
+            continue;
+        }
+        if (next.status() == PGRES_PIPELINE_SYNC) {
+            break;
+        }
+        if (!hasFailed) {
+            hasFailed = next.status() == PGRES_FATAL_ERROR;
+            last = std::move(next);
+        }
+    }
+    PQexitPipelineMode(m_connection.get());
+    return checked(std::move(last));
+}
+
+// Waits for what was posted.
+void PostgresConnection::settle()
+{
+    if (m_posted > 0) {
+        answerAfterPosted();
     }
 }
 

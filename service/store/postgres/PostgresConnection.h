@@ -51,10 +51,24 @@ public:
     /// The same without keeping it, for what is hardly asked again.
     PostgresResult runOnce(const std::string& sql, const PostgresValues& values);
 
+    /// Sends a statement of which nothing is to be known, and does not wait for it: several of them take the
+    /// time of one. That it has failed is told by what is waited for next, as if that had failed; commit() at
+    /// the latest.
+    template <typename... Values>
+    void post(std::string_view sql, const Values&... values)
+    {
+        PostgresValues bound;
+        (bound.add(values), ...);
+        postPrepared(sql, bound);
+    }
+    void postPrepared(std::string_view sql, const PostgresValues& values);
+
     /// Runs statements that take nothing, separated by semicolons. What the last one gives comes as text, not
     /// in binary.
     PostgresResult execute(const std::string& sql);
 
+    /// Ends the transaction, if there is one, without its changes.
+    void rollBack();
     /// Ends the transaction. StoreFailure::Unreachable when the connection is lost meanwhile, so that the
     /// changes may be there or not. StoreFailure::Unacknowledged when nothing comes within that time, as when
     /// the server waits for a standby that is gone, or when the server says that it has stopped waiting for
@@ -71,9 +85,7 @@ public:
 
     /// Whether it can be used; false once it was lost.
     bool isConnected() const;
-    /// Whether a transaction is under way.
-    bool isInTransaction() const;
-    /// Whether one is under way in which nothing has failed.
+    /// Whether a transaction is under way in which nothing has failed, as far as is known.
     bool isInWorkingTransaction() const;
     /// One that no other cursor of the connection has.
     std::string newCursorName() { return "c" + std::to_string(++m_cursors); }
@@ -104,6 +116,8 @@ private:
 
     const std::string& prepared(std::string_view sql);
     PostgresResult answer(int isSent);
+    PostgresResult answerAfterPosted();
+    void settle();
     void send();
     void receive();
     void awaitServer(bool alsoToWrite);
@@ -116,6 +130,8 @@ private:
     std::unique_ptr<PGconn, Finish> m_connection;
     std::chrono::milliseconds m_patience;
     std::string m_warning; ///< the last one of the server
+    std::size_t m_posted =
+        0; ///< statements sent and not waited for; libpq is in pipeline mode while there are
     bool m_isShowing = false;
     std::unordered_map<std::string, std::string> m_prepared; ///< names by texts
     std::size_t m_named = 0;                                 ///< names given so far

@@ -131,8 +131,8 @@ void PostgresDocuments::insert(const std::string& project, const std::string& id
     for (int place = 4; place <= values.count(); ++place) {
         places += ", $" + std::to_string(place);
     }
-    m_connection.runPrepared("INSERT INTO " + m_table.name + " (" + columns + ") VALUES (" + places + ")",
-                             values);
+    m_connection.postPrepared("INSERT INTO " + m_table.name + " (" + columns + ") VALUES (" + places + ")",
+                              values);
 }
 
 void PostgresDocuments::replace(const std::string& project, const std::string& id, const std::string& text)
@@ -148,14 +148,14 @@ void PostgresDocuments::replace(const std::string& project, const std::string& i
         columns += ", " + column.name + " = $" + std::to_string(++place);
     }
     addColumns(values, stored, text);
-    m_connection.runPrepared(
+    m_connection.postPrepared(
         "UPDATE " + m_table.name + " SET " + columns + " WHERE project_number = $1 AND id = $2", values);
 }
 
 void PostgresDocuments::remove(const std::string& project, const std::string& id)
 {
-    m_connection.run("DELETE FROM " + m_table.name + " WHERE project_number = $1 AND id = $2",
-                     m_projects.of(project), id);
+    m_connection.post("DELETE FROM " + m_table.name + " WHERE project_number = $1 AND id = $2",
+                      m_projects.of(project), id);
 }
 
 const DocumentTable& postgresTable(DocumentKind kind)

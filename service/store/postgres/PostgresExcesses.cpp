@@ -35,16 +35,16 @@ std::vector<std::string> PostgresExcesses::openAlarms(const std::string& project
 
 void PostgresExcesses::insert(std::int64_t point, const ReadingInExcess& reading)
 {
-    m_connection.run("INSERT INTO excesses (project_number, point, time, count, alarm) VALUES "
-                     "($1, $2, $3, $4, $5)",
-                     projectNumberOf(point), point, reading.time, reading.count, reading.alarm);
+    m_connection.post("INSERT INTO excesses (project_number, point, time, count, alarm) VALUES "
+                      "($1, $2, $3, $4, $5)",
+                      projectNumberOf(point), point, reading.time, reading.count, reading.alarm);
 }
 
 void PostgresExcesses::remove(std::int64_t point, Instant time, std::int32_t count)
 {
-    m_connection.run("DELETE FROM excesses WHERE project_number = $1 AND point = $2 AND time = $3 AND "
-                     "count = $4",
-                     projectNumberOf(point), point, time, count);
+    m_connection.post("DELETE FROM excesses WHERE project_number = $1 AND point = $2 AND time = $3 AND "
+                      "count = $4",
+                      projectNumberOf(point), point, time, count);
 }
 
 void PostgresExcesses::show(const PostgresResult& rows, const Visitor& visitor) const

@@ -160,10 +160,10 @@ std::int64_t PostgresMeasurements::insertPoint(const std::string& project, const
     values.add(lastTimeOf(document));
     values.add(delivery);
     addColumns(values, storedColumns(DocumentKind::PointLocation), document);
-    m_connection.runPrepared("INSERT INTO point_locations (project_number, point, id, document, last_time, "
-                             "first_delivery, last_delivery, cell, sub_category, name, depth, depth_number) "
-                             "VALUES ($1, $2, $3, $4, $5, $6, $6, $7, $8, $9, $10, $11)",
-                             values);
+    m_connection.postPrepared("INSERT INTO point_locations (project_number, point, id, document, last_time, "
+                              "first_delivery, last_delivery, cell, sub_category, name, depth, depth_number) "
+                              "VALUES ($1, $2, $3, $4, $5, $6, $6, $7, $8, $9, $10, $11)",
+                              values);
     m_samples.noteNew(point);
     return point;
 }
@@ -172,17 +172,17 @@ void PostgresMeasurements::replacePoint(std::int64_t point, const std::string& d
                                         const std::optional<Instant>& lastTime,
                                         const std::optional<std::int64_t>& delivery)
 {
-    m_connection.run("UPDATE point_locations SET document = $3, last_time = $4, "
-                     "last_delivery = coalesce($5, last_delivery) WHERE project_number = $1 AND point = $2",
-                     projectNumberOf(point), point, document, lastTime, delivery);
+    m_connection.post("UPDATE point_locations SET document = $3, last_time = $4, "
+                      "last_delivery = coalesce($5, last_delivery) WHERE project_number = $1 AND point = $2",
+                      projectNumberOf(point), point, document, lastTime, delivery);
 }
 
 void PostgresMeasurements::removePoint(std::int64_t point)
 {
     m_samples.forget(point);
     for (const char* const table : {"sample_segments", "point_locations"}) {
-        m_connection.run("DELETE FROM " + std::string(table) + " WHERE project_number = $1 AND point = $2",
-                         projectNumberOf(point), point);
+        m_connection.post("DELETE FROM " + std::string(table) + " WHERE project_number = $1 AND point = $2",
+                          projectNumberOf(point), point);
     }
 }
 
@@ -201,8 +201,8 @@ bool PostgresMeasurements::replaceLinks(std::int64_t point, const std::string& l
         document = withMember(document, "updatedAt", quoted(now));
     }
     document = withMember(document, "updatedBy", quoted(who));
-    m_connection.run("UPDATE point_locations SET document = $3 WHERE project_number = $1 AND point = $2",
-                     projectNumberOf(point), point, document);
+    m_connection.post("UPDATE point_locations SET document = $3 WHERE project_number = $1 AND point = $2",
+                      projectNumberOf(point), point, document);
     return true;
 }
 
@@ -386,7 +386,7 @@ void PostgresMeasurements::removeDelivered(const std::string& cell, const std::s
         "point_locations WHERE project_number = $1 AND cell = $2 AND sub_category = $3)",
         "DELETE FROM point_locations WHERE project_number = $1 AND cell = $2 AND sub_category = $3"};
     for (const char* const sql : statements) {
-        m_connection.run(sql, projectOfCell(cell), cell, subCategory);
+        m_connection.post(sql, projectOfCell(cell), cell, subCategory);
     }
 }
 

@@ -22,7 +22,7 @@ void PostgresOutbox::note(const std::string& alarm, Channel channel, const std::
         return;
     }
     // -1 is no project: the reference to the alarm fails then.
-    m_connection.run(
+    m_connection.post(
         "INSERT INTO outbox AS held (project_number, alarm, channel, recipient, due, attempts, told) VALUES "
         "(coalesce((SELECT project_number FROM alarms WHERE id = $1), -1), $1, $2, $3, $4, 0, $5) "
         "ON CONFLICT (project_number, alarm, channel, recipient) DO UPDATE SET due = excluded.due "
@@ -61,10 +61,10 @@ std::vector<Notice> PostgresOutbox::ofAlarm(const std::string& alarm) const
 
 void PostgresOutbox::update(const Notice& notice)
 {
-    m_connection.run("UPDATE outbox SET due = $1, attempts = $2, told = $3 WHERE alarm = $4 AND "
-                     "channel = $5 AND recipient = $6",
-                     notice.due, notice.attempts, notice.told, notice.alarm, nameOf(notice.channel),
-                     notice.recipient);
+    m_connection.post("UPDATE outbox SET due = $1, attempts = $2, told = $3 WHERE alarm = $4 AND "
+                      "channel = $5 AND recipient = $6",
+                      notice.due, notice.attempts, notice.told, notice.alarm, nameOf(notice.channel),
+                      notice.recipient);
 }
 
 } // namespace monitorservice

@@ -30,10 +30,10 @@ std::vector<Project> PostgresProjects::list() const
 
 void PostgresProjects::insert(const Project& project)
 {
-    m_connection.run("INSERT INTO projects (project_number, id, name, time_zone, created_at) VALUES "
-                     "($1, $2, $3, $4, $5)",
-                     m_numbers.give(project.id), project.id, project.name, project.timeZone,
-                     project.createdAt);
+    m_connection.post("INSERT INTO projects (project_number, id, name, time_zone, created_at) VALUES "
+                      "($1, $2, $3, $4, $5)",
+                      m_numbers.give(project.id), project.id, project.name, project.timeZone,
+                      project.createdAt);
 }
 
 bool PostgresProjects::rename(const std::string& id, const std::string& name)
@@ -74,7 +74,7 @@ bool PostgresCategories::rename(const std::string& category, const std::string& 
     for (const char* const table : {"cells", "sub_categories", "changes"}) {
         renameIn(table, category, name);
     }
-    m_connection.run("UPDATE grants SET category = $1 WHERE category = $2", name, category);
+    m_connection.post("UPDATE grants SET category = $1 WHERE category = $2", name, category);
     m_connection.execute("SET CONSTRAINTS ALL IMMEDIATE");
     return isThere;
 }
@@ -95,7 +95,7 @@ void PostgresCategories::renameIn(const std::string& table, const std::string& c
                           Sql("SELECT project_number, id, document FROM " + table + " WHERE category = ")
                               .appendValue(category));
     while (cursor.next()) {
-        m_connection.run(
+        m_connection.post(
             "UPDATE " + table + " SET category = $3, document = $4 WHERE project_number = $1 AND id = $2",
             cursor.integer(0), cursor.view(1), name, withMember(cursor.view(2), "category", quotedName));
     }

@@ -80,7 +80,7 @@ public:
         if (m_rows.points.size() == 0) {
             return;
         }
-        m_connection.run(
+        m_connection.post(
             "INSERT INTO sample_segments (project_number, point, day, part, samples, first_time, last_time, "
             "last_count, last_offset_minutes, last_value, last_delivery, content) "
             "SELECT * FROM unnest($1::bigint[], $2::bigint[], $3::bigint[], $4::bigint[], $5::bigint[], "
@@ -191,9 +191,9 @@ void PostgresSamples::flush()
             parts.add(point, number, part, day.samples.data() + begin, day.samples.data() + end);
         }
         if (partsNeeded < day.partsHeld) {
-            m_connection.run("DELETE FROM sample_segments WHERE project_number = $1 AND point = $2 AND "
-                             "day = $3 AND part >= $4",
-                             projectNumberOf(point), point, number, static_cast<std::int64_t>(partsNeeded));
+            m_connection.post("DELETE FROM sample_segments WHERE project_number = $1 AND point = $2 AND "
+                              "day = $3 AND part >= $4",
+                              projectNumberOf(point), point, number, static_cast<std::int64_t>(partsNeeded));
         }
         day.partsHeld = partsNeeded;
         day.firstChanged = unchanged;

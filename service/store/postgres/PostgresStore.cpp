@@ -107,10 +107,10 @@ public:
 
     void setUnfinished(bool isUnfinished) override
     {
-        m_connection.run(isUnfinished
-                             ? "INSERT INTO monitor_state (key, value) VALUES ('unfinishedCopy', '') "
-                               "ON CONFLICT DO NOTHING"
-                             : "DELETE FROM monitor_state WHERE key = 'unfinishedCopy'");
+        m_connection.post(isUnfinished
+                              ? "INSERT INTO monitor_state (key, value) VALUES ('unfinishedCopy', '') "
+                                "ON CONFLICT DO NOTHING"
+                              : "DELETE FROM monitor_state WHERE key = 'unfinishedCopy'");
     }
 
     void commit() override
@@ -124,8 +124,8 @@ protected:
     {
         m_samples.flush();
         if (m_identifier) {
-            m_connection.run("UPDATE monitor_state SET value = $1 WHERE key = 'lastIdentifier'",
-                             *m_identifier);
+            m_connection.post("UPDATE monitor_state SET value = $1 WHERE key = 'lastIdentifier'",
+                              *m_identifier);
         }
     }
 
@@ -368,8 +368,8 @@ void PostgresStore::forgetIdle()
 void PostgresStore::giveBack(std::unique_ptr<PostgresConnection> connection)
 {
     try {
-        if (connection->isConnected() && connection->isInTransaction()) {
-            connection->execute("ROLLBACK");
+        if (connection->isConnected()) {
+            connection->rollBack();
         }
     } catch (const StoreError&) {
         return;

@@ -59,10 +59,11 @@ TEST_P(AccessRecords, TokensAreListedByIdentifier)
 
 TEST_P(AccessRecords, TokenOrSecretThatIsThereIsAConflict)
 {
-    EXPECT_EQ(failureOf([this] {
-                  session->tokens().insert({"t2", "Bea", "", 1, std::nullopt, std::nullopt},
-                                           std::string(32, '\x01'));
-              }),
+    EXPECT_EQ(failureOf(*session,
+                        [this] {
+                            session->tokens().insert({"t2", "Bea", "", 1, std::nullopt, std::nullopt},
+                                                     std::string(32, '\x01'));
+                        }),
               "conflict");
 }
 
@@ -162,7 +163,11 @@ TEST_P(AccessRecords, ProjectIsFoundAsItWasStored)
 
 TEST_P(AccessRecords, ProjectOfAKnownIdentifierIsAConflict)
 {
-    EXPECT_EQ(failureOf([this] { session->projects().insert({"p1", "Other", "UTC", 1}); }), "conflict");
+    EXPECT_EQ(failureOf(*session,
+                        [this] {
+                            session->projects().insert({"p1", "Other", "UTC", 1});
+                        }),
+              "conflict");
 }
 
 RK_EVERY_STORE(AccessRecords);

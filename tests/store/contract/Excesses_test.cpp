@@ -130,18 +130,19 @@ TEST_P(ReadingsInExcess, MakeAnAlarmOpenOnce)
 TEST_P(ReadingsInExcess, StandInOneAlarm)
 {
     excesses().insert(point, {10, 2, "a1"});
-    EXPECT_EQ(failureOf([&] { excesses().insert(point, {10, 2, "a2"}); }), "conflict");
+    EXPECT_EQ(failureOf(*session, [&] { excesses().insert(point, {10, 2, "a2"}); }), "conflict");
 }
 
 TEST_P(ReadingsInExcess, NeedAnAlarmThatIsThere)
 {
-    EXPECT_EQ(failureOf([&] { excesses().insert(point, {10, 2, "a3"}); }), "conflict");
+    EXPECT_EQ(failureOf(*session, [&] { excesses().insert(point, {10, 2, "a3"}); }), "conflict");
 }
 
 TEST_P(ReadingsInExcess, HoldTheirAlarm)
 {
     excesses().insert(point, {10, 2, "a1"});
-    EXPECT_EQ(failureOf([&] { session->documents(DocumentKind::Alarm).remove("p", "a1"); }), "conflict");
+    EXPECT_EQ(failureOf(*session, [&] { session->documents(DocumentKind::Alarm).remove("p", "a1"); }),
+              "conflict");
 }
 
 TEST_P(ReadingsInExcess, AreTakenOutOneByOne)

@@ -386,7 +386,8 @@ TEST_P(PointMeasurements, CategoryOfAPointIsThatOfItsMonitoring)
 TEST_P(PointMeasurements, PointOfAKnownNameAndDepthIsAConflict)
 {
     EXPECT_EQ(
-        failureOf([this] { measurements().insertPoint("p", "again", pointDocument("again", "W1", ""), 0); }),
+        failureOf(*session,
+                  [this] { measurements().insertPoint("p", "again", pointDocument("again", "W1", ""), 0); }),
         "conflict");
 }
 
@@ -394,12 +395,13 @@ TEST_P(PointMeasurements, PointOfAnUnknownMonitoringIsAConflict)
 {
     std::string document = pointDocument("w2", "W2", "");
     document.replace(document.find("\"cellId\":\"c\""), 12, "\"cellId\":\"x\"");
-    EXPECT_EQ(failureOf([&] { measurements().insertPoint("p", "w2", document, 0); }), "conflict");
+    EXPECT_EQ(failureOf(*session, [&] { measurements().insertPoint("p", "w2", document, 0); }), "conflict");
 }
 
 TEST_P(PointMeasurements, MonitoringWithPointsIsNotRemoved)
 {
-    EXPECT_EQ(failureOf([this] { session->documents(DocumentKind::Cell).remove("p", "c"); }), "conflict");
+    EXPECT_EQ(failureOf(*session, [this] { session->documents(DocumentKind::Cell).remove("p", "c"); }),
+              "conflict");
 }
 
 TEST_P(PointMeasurements, LinksAreReplacedOnceAndNeverBeforeTheLastChange)

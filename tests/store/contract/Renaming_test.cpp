@@ -194,7 +194,7 @@ TEST_P(Renaming, ReferencesAreCheckedAfterARenaming)
 {
     const auto session = store->write();
     EXPECT_TRUE(session->categories().rename("Settlement", "Heave"));
-    EXPECT_EQ(failureOf([&] { insertCell(*session, "p1", "Settlement"); }), "conflict");
+    EXPECT_EQ(failureOf(*session, [&] { insertCell(*session, "p1", "Settlement"); }), "conflict");
 }
 
 TEST_P(Renaming, GrantsOfTheCategoryGoWithIt)

@@ -97,6 +97,16 @@ std::string failureOf(Action&& action)
     return "none";
 }
 
+/// The failure that a change ends with, at the latest when it is committed.
+template <typename Change>
+std::string failureOf(Session& session, Change&& change)
+{
+    return failureOf([&] {
+        change();
+        session.commit();
+    });
+}
+
 inline std::string nameOfFactory(const ::testing::TestParamInfo<StoreFactory>& info)
 {
     return info.param.name;
