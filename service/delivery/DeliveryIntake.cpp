@@ -5,6 +5,7 @@
 #include "delivery/PointMerge.h"
 #include "json/JsonText.h"
 
+#include <cstddef>
 #include <deque>
 #include <unordered_map>
 #include <utility>
@@ -13,6 +14,9 @@
 namespace monitorservice {
 
 namespace {
+
+// Points, and days of them: what is read at once is held.
+constexpr std::size_t mostAnnounced = 2000;
 
 // What the sender cannot know of a point. Not its whole document: of that it may have been a small part, so
 // that a small delivery would have a huge answer.
@@ -45,11 +49,41 @@ struct TargetTally
     }
 
     const DeliveryTarget& target;
+    std::size_t announced = 0; // the store knows which of the points before this one go there
     DeliveryRecord record;
     DeliveryShare share;
     Judgement judgement;
     Judgement::Outcome outcome;
 };
+
+std::vector<DayPeriod> daysOf(const DeliveredPoint& point, LocalDays& calendar)
+{
+    std::vector<DayPeriod> days;
+    for (const DeliveredSample& sample : point.samples) {
+        if (days.empty() || sample.time >= days.back().before) {
+            days.push_back(calendar.periodOf(sample.time));
+        }
+    }
+    return days;
+}
+
+// Tells the store what the next points need that go where the first of them goes.
+void announce(Session& session, TargetTally& tally, const Delivery& delivery, std::size_t first)
+{
+    const DeliveryTarget& target = tally.target;
+    std::vector<ExpectedPoint> expected;
+    std::size_t days = 0;
+    std::size_t next = first;
+    for (; next < delivery.points.size() && next - first < mostAnnounced && days < mostAnnounced; ++next) {
+        const DeliveredPoint& point = delivery.points[next];
+        if (point.cell == target.quantity.cell && point.subCategory == target.quantity.subCategory) {
+            expected.push_back({point.name, point.depth, daysOf(point, *target.days)});
+            days += expected.back().days.size();
+        }
+    }
+    session.measurements().expect(target.quantity.cell, target.quantity.subCategory, expected);
+    tally.announced = next;
+}
 
 // A point as it will be answered, but for its alarm.
 struct PointAnswer
@@ -110,11 +144,15 @@ IntakeResult takeIn(Session& session, const Delivery& delivery, const MayDo& may
     std::unordered_map<const DeliveryTarget*, TargetTally*> tallyOf;
     std::vector<PointAnswer> points;
     points.reserve(delivery.points.size());
-    for (const DeliveredPoint& point : delivery.points) {
+    for (std::size_t i = 0; i < delivery.points.size(); ++i) {
+        const DeliveredPoint& point = delivery.points[i];
         const DeliveryTarget& target = targets.of(delivery, point);
         TargetTally*& tally = tallyOf[&target];
         if (tally == nullptr) {
             tally = &tallies.emplace_back(session, target, author);
+        }
+        if (i >= tally->announced) {
+            announce(session, *tally, delivery, i);
         }
         const Merging merging{target, delivery, tally->record.mark(), author};
         MergedPoint merged = mergePoint(session, merging, point, tally->judgement.concerns(point.name));

@@ -16,6 +16,14 @@
 
 namespace monitorservice {
 
+/// A point that is about to be looked for, and days of which samples are about to be changed, ascending.
+struct ExpectedPoint
+{
+    std::string name;
+    std::string depth;
+    std::vector<DayPeriod> days;
+};
+
 /// The samples of the point locations, and what is kept of each day: that is what the day's samples give, at
 /// any time. Every member may throw StoreError. A visitor must not call into the session, as with
 /// Documents::Visitor.
@@ -28,6 +36,11 @@ public:
     using PointVisitor = std::function<void(const StoredPoint& point)>;
     using DeliveredToVisitor = std::function<void(const DeliveredTo& point)>;
 
+    /// Says which points of a monitoring and sub-category findPoint() is about to be asked for, each of them
+    /// once, and which of their days are about to change, so that they can be read at once where reading
+    /// takes long. No answer depends on it.
+    virtual void expect(const std::string& cell, const std::string& subCategory,
+                        const std::vector<ExpectedPoint>& points) = 0;
     /// Depths are compared as settledDepth() writes them.
     virtual std::optional<StoredPoint> findPoint(const std::string& cell, const std::string& subCategory,
                                                  const std::string& name, const std::string& depth) const = 0;

@@ -1,43 +1,23 @@
 #include "store/postgres/PostgresMeasurements.h"
 
 #include "domain/Depth.h"
+#include "domain/PointLocation.h"
 #include "json/JsonMembers.h"
 #include "json/JsonPieces.h"
 #include "json/JsonText.h"
 #include "store/postgres/PostgresPointSelection.h"
 #include "store/postgres/SegmentRows.h"
 #include "store/postgres/StoredColumns.h"
+#include "store/postgres/StoredDays.h"
 #include "time/Timestamp.h"
 
 #include <array>
 #include <set>
+#include <utility>
 
 namespace monitorservice {
 
 namespace {
-
-// With the columns day, time, count, offset_minutes, value, samples. A day's last sample is that of its last
-// part.
-constexpr const char* selectDays =
-    "SELECT s.day, s.last_time, s.last_count, s.last_offset_minutes, s.last_value, "
-    "(SELECT sum(d.samples) FROM sample_segments AS d WHERE d.project_number = s.project_number AND "
-    "d.point = s.point AND d.day = s.day) FROM sample_segments AS s WHERE s.project_number = $1 AND "
-    "s.point = $2 AND NOT EXISTS (SELECT 1 FROM sample_segments AS l WHERE "
-    "l.project_number = s.project_number AND l.point = s.point AND l.day = s.day AND l.part > s.part)";
-
-DaySummary dayOf(const PostgresResult& rows, int row)
-{
-    DaySummary day;
-    day.day = rows.integer(row, 0);
-    day.time = rows.integer(row, 1);
-    day.count = static_cast<std::int32_t>(rows.integer(row, 2));
-    if (!rows.isNull(row, 3)) {
-        day.offsetMinutes = static_cast<int>(rows.integer(row, 3));
-    }
-    day.value = rows.real(row, 4);
-    day.samples = rows.integer(row, 5);
-    return day;
-}
 
 StoredPoint pointOf(const PostgresResult& rows, int row)
 {
@@ -74,11 +54,26 @@ std::optional<Instant> lastTimeOf(const std::string& document)
 
 } // namespace
 
+void PostgresMeasurements::expect(const std::string& cell, const std::string& subCategory,
+                                  const std::vector<ExpectedPoint>& points)
+{
+    m_samples.flush(); // what is fetched is as it is now
+    std::vector<ExpectedSamples> samples;
+    for (const ExpectedPoints::Found& found :
+         m_expected.fetch(projectOfCell(cell), cell, subCategory, points)) {
+        samples.push_back({found.point, &found.expected->days, found.before});
+    }
+    m_samples.expect(samples);
+}
+
 std::optional<StoredPoint> PostgresMeasurements::findPoint(const std::string& cell,
                                                            const std::string& subCategory,
                                                            const std::string& name,
                                                            const std::string& depth) const
 {
+    if (auto expected = m_expected.take(cell, subCategory, name, depth)) {
+        return std::move(expected->point);
+    }
     std::optional<StoredPoint> found = onePoint(m_connection.run(
         "SELECT point, id, document FROM point_locations WHERE project_number = $1 AND cell = $2 AND "
         "sub_category = $3 AND name = $4 AND depth = $5",
@@ -146,12 +141,11 @@ std::int64_t PostgresMeasurements::insertPoint(const std::string& project, const
                                                const std::string& document, std::int64_t delivery)
 {
     const std::int64_t number = m_projects.of(project);
-    const PostgresResult given = m_connection.run(
-        "UPDATE project_numbers SET points = points + 1 WHERE number = $1 RETURNING points", number);
-    if (given.isEmpty()) {
-        throw StoreError(StoreFailure::Conflict, "there is no project " + project);
+    if (m_expected.missing() > 0) {
+        const auto location = fromDocument<PointLocation>(document);
+        m_expected.forgetMissing(location.cell, location.subCategory, location.name);
     }
-    const std::int64_t point = pointNumber(number, given.integer(0, 0));
+    const std::int64_t point = newPoint(number, project);
     PostgresValues values;
     values.add(number);
     values.add(point);
@@ -168,10 +162,28 @@ std::int64_t PostgresMeasurements::insertPoint(const std::string& project, const
     return point;
 }
 
+// Numbers are taken for all points that are still expected to be new; those not needed are left out.
+std::int64_t PostgresMeasurements::newPoint(std::int64_t number, const std::string& project)
+{
+    if (m_newPoints.project != number || m_newPoints.left == 0) {
+        const auto count = static_cast<std::int64_t>(1 + m_expected.missing());
+        const PostgresResult given = m_connection.run(
+            "UPDATE project_numbers SET points = points + $2 WHERE number = $1 RETURNING points", number,
+            count);
+        if (given.isEmpty()) {
+            throw StoreError(StoreFailure::Conflict, "there is no project " + project);
+        }
+        m_newPoints = {number, given.integer(0, 0) - count, count};
+    }
+    --m_newPoints.left;
+    return pointNumber(number, ++m_newPoints.last);
+}
+
 void PostgresMeasurements::replacePoint(std::int64_t point, const std::string& document,
                                         const std::optional<Instant>& lastTime,
                                         const std::optional<std::int64_t>& delivery)
 {
+    m_expected.forget(point);
     m_connection.post("UPDATE point_locations SET document = $3, last_time = $4, "
                       "last_delivery = coalesce($5, last_delivery) WHERE project_number = $1 AND point = $2",
                       projectNumberOf(point), point, document, lastTime, delivery);
@@ -179,6 +191,7 @@ void PostgresMeasurements::replacePoint(std::int64_t point, const std::string& d
 
 void PostgresMeasurements::removePoint(std::int64_t point)
 {
+    m_expected.forget(point);
     m_samples.forget(point);
     for (const char* const table : {"sample_segments", "point_locations"}) {
         m_connection.post("DELETE FROM " + std::string(table) + " WHERE project_number = $1 AND point = $2",
@@ -195,6 +208,7 @@ bool PostgresMeasurements::replaceLinks(std::int64_t point, const std::string& l
     if (found.isEmpty() || findJsonMember(found.view(0, 0), "\"links\"") == links) {
         return false;
     }
+    m_expected.forget(point);
     std::string document = withMember(found.view(0, 0), "links", links);
     // Texts of times sort like times.
     if (const std::string now = isoText(when); textOf(document, "\"updatedAt\"") < now) {
@@ -340,35 +354,37 @@ void PostgresMeasurements::visitDays(std::int64_t point, std::int64_t first, std
                                      const DayVisitor& visitor) const
 {
     m_samples.flush();
-    static const std::string sql =
-        std::string(selectDays) + " AND s.day BETWEEN $3::bigint AND $4::bigint ORDER BY s.day";
+    static const std::string sql = selectDays("s.day BETWEEN $3::bigint AND $4::bigint ORDER BY s.day");
     const PostgresResult found = m_connection.run(sql, projectNumberOf(point), point, first, last);
     for (int row = 0; row < found.rows(); ++row) {
-        m_connection.show(visitor, dayOf(found, row));
+        m_connection.show(visitor, storedDay(found, row, 0));
     }
 }
 
 std::optional<DaySummary> PostgresMeasurements::latestDayBefore(std::int64_t point, std::int64_t day) const
 {
+    if (const std::optional<DaySummary>* const known = m_samples.latestDayBefore(point, day)) {
+        return *known;
+    }
     m_samples.flush();
-    static const std::string sql =
-        std::string(selectDays) + " AND s.day < $3::bigint ORDER BY s.day DESC LIMIT 1";
+    static const std::string sql = selectDays("s.day < $3::bigint ORDER BY s.day DESC LIMIT 1");
     const PostgresResult found = m_connection.run(sql, projectNumberOf(point), point, day);
-    return found.isEmpty() ? std::nullopt : std::optional(dayOf(found, 0));
+    return found.isEmpty() ? std::nullopt : std::optional(storedDay(found, 0, 0));
 }
 
 std::optional<DaySummary> PostgresMeasurements::earliestDayAfter(std::int64_t point, std::int64_t day) const
 {
     m_samples.flush();
-    static const std::string sql = std::string(selectDays) + " AND s.day > $3::bigint ORDER BY s.day LIMIT 1";
+    static const std::string sql = selectDays("s.day > $3::bigint ORDER BY s.day LIMIT 1");
     const PostgresResult found = m_connection.run(sql, projectNumberOf(point), point, day);
-    return found.isEmpty() ? std::nullopt : std::optional(dayOf(found, 0));
+    return found.isEmpty() ? std::nullopt : std::optional(storedDay(found, 0, 0));
 }
 
 void PostgresMeasurements::removeDelivered(const std::string& cell, const std::string& subCategory)
 {
     m_samples.flush(); // those of others as well
     m_samples.forgetAll();
+    m_expected.forgetAll();
     // What refers comes before what is referred to.
     constexpr std::array statements{
         "DELETE FROM excesses WHERE project_number = $1 AND point IN (SELECT point FROM point_locations "

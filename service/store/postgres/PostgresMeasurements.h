@@ -1,12 +1,14 @@
 #pragma once
 
 #include "store/Measurements.h"
+#include "store/postgres/ExpectedPoints.h"
 #include "store/postgres/PostgresConnection.h"
 #include "store/postgres/PostgresSamples.h"
 #include "store/postgres/ProjectNumbers.h"
 
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 namespace monitorservice {
 
@@ -18,6 +20,8 @@ public:
     {
     }
 
+    void expect(const std::string& cell, const std::string& subCategory,
+                const std::vector<ExpectedPoint>& points) override;
     std::optional<StoredPoint> findPoint(const std::string& cell, const std::string& subCategory,
                                          const std::string& name, const std::string& depth) const override;
     void visitPoints(const std::string& cell, const std::string& subCategory, const std::string& name,
@@ -57,7 +61,16 @@ public:
     void removeDelivered(const std::string& cell, const std::string& subCategory) override;
 
 private:
+    // Numbers of points that no point has yet.
+    struct NewPoints
+    {
+        std::int64_t project = 0;
+        std::int64_t last = 0; // the one given last
+        std::int64_t left = 0;
+    };
+
     std::int64_t projectOfCell(const std::string& cell) const;
+    std::int64_t newPoint(std::int64_t number, const std::string& project);
     std::optional<StoredPoint> findPointSpeltOtherwise(const std::string& cell,
                                                        const std::string& subCategory,
                                                        const std::string& name,
@@ -66,6 +79,8 @@ private:
     PostgresConnection& m_connection;
     ProjectNumbers& m_projects;
     PostgresSamples& m_samples; ///< changed by reading too: what is pending is written first
+    mutable ExpectedPoints m_expected{m_connection}; ///< given once each
+    NewPoints m_newPoints;
     mutable std::unordered_map<std::string, std::int64_t> m_projectsOfCells;
 };
 

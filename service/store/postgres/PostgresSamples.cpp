@@ -122,6 +122,53 @@ private:
 
 } // namespace
 
+void PostgresSamples::expect(const std::vector<ExpectedSamples>& points)
+{
+    if (m_held > mostHeld) {
+        flush();
+        forgetAll();
+    }
+    PostgresArray projects(PostgresArray::Type::Integer);
+    PostgresArray numbers(PostgresArray::Type::Integer);
+    PostgresArray days(PostgresArray::Type::Integer);
+    std::vector<Day*> read;
+    for (const ExpectedSamples& one : points) {
+        for (const DayPeriod& period : *one.days) {
+            const auto [day, isNew] = m_days.try_emplace({one.point, period.day}, Day{period, {}});
+            if (isNew && m_newPoints.count(one.point) == 0) {
+                projects.add(projectNumberOf(one.point));
+                numbers.add(one.point);
+                days.add(period.day);
+                read.push_back(&day->second);
+            }
+        }
+        if (!one.days->empty()) {
+            m_before[one.point] = {one.days->front().day, one.before};
+        }
+    }
+    if (read.empty()) {
+        return;
+    }
+    const PostgresResult rows = m_connection.run(
+        "SELECT e.place, s.content FROM unnest($1::bigint[], $2::bigint[], $3::bigint[]) WITH ORDINALITY "
+        "AS e (project, point, day, place) JOIN sample_segments AS s ON s.project_number = e.project AND "
+        "s.point = e.point AND s.day = e.day ORDER BY e.place, s.part",
+        projects, numbers, days);
+    for (int row = 0; row < rows.rows(); ++row) {
+        Day& day = *read.at(static_cast<std::size_t>(rows.integer(row, 0)) - 1);
+        const std::size_t before = day.samples.size();
+        decodeStored(rows.view(row, 1), day.samples);
+        ++day.partsHeld;
+        m_held += day.samples.size() - before;
+    }
+}
+
+const std::optional<DaySummary>* PostgresSamples::latestDayBefore(std::int64_t point, std::int64_t day) const
+{
+    const auto before = m_before.find(point);
+    return before != m_before.end() && before->second.day == day ? &before->second.latest : nullptr;
+}
+
 bool PostgresSamples::insert(std::int64_t point, const DayPeriod& period, const Sample& sample,
                              std::int64_t delivery)
 {
@@ -205,6 +252,7 @@ void PostgresSamples::flush()
 void PostgresSamples::forget(std::int64_t point)
 {
     m_latest = m_days.end();
+    m_before.erase(point);
     for (auto day = m_days.lower_bound({point, std::numeric_limits<std::int64_t>::min()});
          day != m_days.end() && day->first.first == point;) {
         m_held -= day->second.samples.size();
@@ -219,6 +267,7 @@ void PostgresSamples::forgetAll()
     m_changed.clear();
     m_latest = m_days.end();
     m_newPoints.clear(); // what they had may have been written
+    m_before.clear();
     m_held = 0;
 }
 
@@ -255,6 +304,10 @@ PostgresSamples::Day& PostgresSamples::dayOf(std::int64_t point, const DayPeriod
 void PostgresSamples::noteChange(const Key& key, Day& day, std::size_t place)
 {
     m_changed.insert(key);
+    if (const auto before = m_before.find(key.first);
+        before != m_before.end() && key.second < before->second.day) {
+        m_before.erase(before);
+    }
     day.firstChanged = std::min(day.firstChanged, place);
 }
 

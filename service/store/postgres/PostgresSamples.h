@@ -11,10 +11,19 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
 namespace monitorservice {
+
+/// Samples of a point that are about to be changed.
+struct ExpectedSamples
+{
+    std::int64_t point = 0;
+    const std::vector<DayPeriod>* days = nullptr; ///< ascending
+    std::optional<DaySummary> before;             ///< the latest day before the first of them
+};
 
 /// The samples that one session changes. A day is read when it is first needed, changed here, and written
 /// with all the others by flush(), which has to come before the database is asked for samples.
@@ -22,6 +31,12 @@ class PostgresSamples
 {
 public:
     explicit PostgresSamples(PostgresConnection& connection) : m_connection(connection) {}
+
+    /// Reads days at once; of points each of which is named once.
+    void expect(const std::vector<ExpectedSamples>& points);
+    /// The latest day before this one that has samples, when that is known without asking the database; null
+    /// otherwise. Valid until something is changed.
+    const std::optional<DaySummary>* latestDayBefore(std::int64_t point, std::int64_t day) const;
 
     /// As Measurements has them.
     bool insert(std::int64_t point, const DayPeriod& day, const Sample& sample, std::int64_t delivery);
@@ -50,6 +65,13 @@ private:
     using Key = std::pair<std::int64_t, std::int64_t>; ///< point and day
     using Days = std::map<Key, Day>;
 
+    // The latest day before another one.
+    struct Before
+    {
+        std::int64_t day = 0;
+        std::optional<DaySummary> latest;
+    };
+
     Day& dayOf(std::int64_t point, const DayPeriod& period);
     void noteChange(const Key& key, Day& day, std::size_t place);
 
@@ -58,6 +80,7 @@ private:
     Days::iterator m_latest = m_days.end(); ///< the one asked for last
     std::set<Key> m_changed;                ///< of m_days
     std::set<std::int64_t> m_newPoints;
+    std::unordered_map<std::int64_t, Before> m_before;
     std::size_t m_held = 0; ///< samples in m_days
 };
 

@@ -16,6 +16,11 @@ public:
     /// To be called before what was written is committed.
     void finish() { m_days.write(); }
 
+    // A file is at hand.
+    void expect(const std::string& /*cell*/, const std::string& /*subCategory*/,
+                const std::vector<ExpectedPoint>& /*points*/) override
+    {
+    }
     std::optional<StoredPoint> findPoint(const std::string& cell, const std::string& subCategory,
                                          const std::string& name, const std::string& depth) const override;
     void visitPoints(const std::string& cell, const std::string& subCategory, const std::string& name,
