@@ -351,7 +351,6 @@ TEST_P(PointMeasurements, PointIsFoundByMonitoringSubCategoryNameAndDepth)
     std::vector<std::string> ids;
     measurements().visitPoints("c", "s", "W1", [&](const StoredPoint& one) { ids.push_back(one.id); });
     EXPECT_THAT(ids, ElementsAre("w1", "w1deep"));
-    EXPECT_THROW(measurements().insertPoint("p", "again", pointDocument("again", "W1", "20"), 0), StoreError);
 }
 
 TEST_P(PointMeasurements, PointsOrderByTheirLatestTimeWhateverItsOffset)
