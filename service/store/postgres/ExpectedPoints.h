@@ -55,15 +55,14 @@ public:
 private:
     /// Cell, sub-category, name and depth.
     using Key = std::tuple<std::string, std::string, std::string, std::string>;
-
     using Points = std::map<Key, Fetched>;
 
     void drop(Points::iterator fetched);
 
     PostgresConnection& m_connection;
     Points m_fetched;
-    std::unordered_multimap<std::int64_t, Key>
-        m_keys; ///< of those that are there: depths are spelt in many ways
+    /// Of those that are there. A point may be expected by several spellings of its depth.
+    std::unordered_multimap<std::int64_t, Key> m_keys;
     std::size_t m_missing = 0;
 };
 

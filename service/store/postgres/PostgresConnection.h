@@ -129,9 +129,8 @@ private:
     std::string m_place; ///< the server and the database, for messages
     std::unique_ptr<PGconn, Finish> m_connection;
     std::chrono::milliseconds m_patience;
-    std::string m_warning; ///< the last one of the server
-    std::size_t m_posted =
-        0; ///< statements sent and not waited for; libpq is in pipeline mode while there are
+    std::string m_warning;    ///< the last one of the server
+    std::size_t m_posted = 0; ///< statements not waited for: while there are, libpq is in pipeline mode
     bool m_isShowing = false;
     std::unordered_map<std::string, std::string> m_prepared; ///< names by texts
     std::size_t m_named = 0;                                 ///< names given so far
