@@ -6,10 +6,10 @@
 
 namespace monitorservice {
 
-Writing beginWriting(ApiRequest& request)
+Writing beginWriting(ApiRequest& request, const Claim& claim)
 {
     request.session.reset();
-    std::unique_ptr<Session> session = request.store.write();
+    std::unique_ptr<Session> session = request.store.write(claim);
     Principal principal = authenticate(*session, request.http.authorization);
     return {std::move(session), std::move(principal)};
 }

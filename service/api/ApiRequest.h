@@ -27,8 +27,8 @@ struct Writing
     Principal principal;
 };
 
-/// Ends the reading session and waits for the turn to write. The token and its grants are read once more:
-/// what was revoked during the wait is refused.
-Writing beginWriting(ApiRequest& request);
+/// Ends the reading session and waits for the turn to write what is claimed. The token and its grants are
+/// read once more: what was revoked during the wait is refused.
+Writing beginWriting(ApiRequest& request, const Claim& claim = {});
 
 } // namespace monitorservice

@@ -4,9 +4,14 @@
 #include "domain/Cell.h"
 #include "domain/SubCategory.h"
 
+#include <set>
+
 namespace monitorservice {
 
 namespace {
+
+// Each takes a lock of those that a database has for all; whoever needs more takes all at once.
+constexpr std::size_t mostClaimed = 16;
 
 [[noreturn]] void refuse(const std::string& place, const std::string& member, const std::string& reason)
 {
@@ -30,6 +35,28 @@ std::shared_ptr<LocalDays> daysIn(const Session& session, const std::string& pro
 }
 
 } // namespace
+
+// Numbers of points are given by project, and waited for: two deliveries that both went to two projects could
+// wait for each other. One monitoring is of one project.
+Claim claimOf(const Delivery& delivery)
+{
+    std::set<std::string> subCategories;
+    for (const DeliveredPoint& point : delivery.points) {
+        if (point.cell != delivery.points.front().cell) {
+            return {};
+        }
+        subCategories.insert(point.subCategory);
+    }
+    if (subCategories.empty() || subCategories.size() > mostClaimed) {
+        return {};
+    }
+    Claim claim;
+    claim.targets.emplace();
+    for (const std::string& subCategory : subCategories) {
+        claim.targets->push_back({delivery.points.front().cell, subCategory});
+    }
+    return claim;
+}
 
 DeliveryTarget targetOf(const Session& session, const std::string& cell, const std::string& subCategory)
 {

@@ -25,6 +25,9 @@ struct DeliveryTarget
     std::shared_ptr<LocalDays> days;
 };
 
+/// What a session needs that takes the delivery in.
+Claim claimOf(const Delivery& delivery);
+
 /// The target that is there already; whether anybody may edit it is not asked.
 DeliveryTarget targetOf(const Session& session, const std::string& cell, const std::string& subCategory);
 

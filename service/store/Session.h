@@ -15,8 +15,10 @@
 
 namespace monitorservice {
 
-/// One transaction: everything it reads is of one moment, that of its first reading, and besides that what it
-/// wrote itself; everything it writes comes to be at once with commit(), or not at all. To be used and
+/// One transaction: everything it writes comes to be at once with commit(), or not at all. A session that only
+/// reads sees everything as of one moment, that of its first reading; one that writes sees what it wrote
+/// itself and what others had committed when its claim was had, and may see of what it has not claimed what
+/// others commit meanwhile. To be used and
 /// destroyed by the thread that began it, by one call at a time: what is given to a visitor may still be on
 /// its way from a database, so a visitor must not call into the session that it visits.
 ///
@@ -49,10 +51,11 @@ public:
 
     /// The time at which the session began.
     virtual Instant now() const = 0;
-    /// An identifier greater than every one given before, by whatever process. Lost with the session if that
-    /// is not committed, and perhaps given anew then.
+    /// An identifier that no other session gives, by whatever process: greater than every one that was given
+    /// before to sessions with a target in common with this one's claim; so greater than all when that, or
+    /// theirs, is of everything. Lost with the session if that is not committed, and perhaps given anew then.
     virtual std::string newIdentifier() = 0;
-    /// The last one given; empty when none was.
+    /// The greatest one given; empty when none was.
     virtual std::string lastIdentifier() const = 0;
     /// Those given from now on come after this one.
     virtual void skipIdentifiers(const std::string& last) = 0;

@@ -17,9 +17,10 @@ public:
     int commits() const { return m_commits; }
 
     std::unique_ptr<const Session> read() override { return m_store->read(); }
-    std::unique_ptr<Session> write() override
+    using Store::write;
+    std::unique_ptr<Session> write(const Claim& claim) override
     {
-        return std::make_unique<CountingSession>(m_store->write(), m_commits);
+        return std::make_unique<CountingSession>(m_store->write(claim), m_commits);
     }
     void checkReady() override { m_store->checkReady(); }
 

@@ -1,5 +1,7 @@
 #include "store/postgres/PostgresSchema.h"
 
+#include "store/postgres/LaneLocks.h"
+
 #include <array>
 #include <string>
 
@@ -320,8 +322,24 @@ CREATE VIEW alarm_depths_read AS
 )sql";
 }
 
+// Turns to write are locks that are no rows, and identifiers rise by lanes. Whoever has the turn now is waited
+// for, so that the last identifier is the last one.
+std::string secondVersion()
+{
+    return R"sql(
+DELETE FROM monitor_state WHERE key = 'turn';
+
+CREATE TABLE last_identifiers (
+    lane integer PRIMARY KEY,
+    value text COLLATE "C" NOT NULL
+);
+INSERT INTO last_identifiers (lane, value) SELECT 0, value FROM monitor_state WHERE key = 'lastIdentifier';
+DELETE FROM monitor_state WHERE key = 'lastIdentifier';
+)sql";
+}
+
 // The step at index n leads from version n to version n + 1. Steps that were released are never changed.
-constexpr std::array migrations{firstVersion};
+constexpr std::array migrations{firstVersion, secondVersion};
 
 std::int64_t versionOf(PostgresConnection& connection)
 {
@@ -353,11 +371,11 @@ void checkServer(const PostgresConnection& connection)
 
 void checkVersion(std::int64_t version)
 {
-    if (version > static_cast<std::int64_t>(migrations.size())) {
+    if (version > knownVersion()) {
         throw StoreError(StoreFailure::CannotOpen,
                          "has data of version " + std::to_string(version) +
                              ", written by a later monitor-service; this one knows versions up to " +
-                             std::to_string(migrations.size()));
+                             std::to_string(knownVersion()));
     }
 }
 
@@ -372,9 +390,14 @@ bool isSetUp(PostgresConnection& connection)
         .boolean(0, 0);
 }
 
+std::int64_t knownVersion()
+{
+    return static_cast<std::int64_t>(migrations.size());
+}
+
 bool isUpToDate(PostgresConnection& connection)
 {
-    return isSetUp(connection) && versionOf(connection) == static_cast<std::int64_t>(migrations.size());
+    return isSetUp(connection) && versionOf(connection) == knownVersion();
 }
 
 bool isUnfinishedCopy(PostgresConnection& connection)
@@ -396,12 +419,13 @@ void migrate(PostgresConnection& connection)
     }
     const std::int64_t version = isNew ? 0 : versionOf(connection);
     checkVersion(version);
+    connection.execute(lockLanes({allLanes}));
     for (auto step = static_cast<std::size_t>(version); step < migrations.size(); ++step) {
         connection.execute(migrations.at(step)());
     }
     connection.run("INSERT INTO monitor_state (key, value) VALUES ('version', $1) "
                    "ON CONFLICT (key) DO UPDATE SET value = excluded.value",
-                   std::to_string(migrations.size()));
+                   std::to_string(knownVersion()));
     connection.execute("COMMIT");
 }
 

@@ -2,10 +2,15 @@
 
 #include "store/postgres/PostgresConnection.h"
 
+#include <cstdint>
+
 namespace monitorservice {
 
 /// Whether the database has the tables of a store, of whatever version.
 bool isSetUp(PostgresConnection& connection);
+
+/// The version of the tables that this service works with.
+std::int64_t knownVersion();
 
 /// Whether the tables are there and of the version that this service works with.
 bool isUpToDate(PostgresConnection& connection);

@@ -1,6 +1,7 @@
 #include "store/postgres/PostgresStore.h"
 
 #include "domain/Identifier.h"
+#include "store/postgres/LaneLocks.h"
 #include "store/postgres/PostgresAccess.h"
 #include "store/postgres/PostgresDocuments.h"
 #include "store/postgres/PostgresExcesses.h"
@@ -22,6 +23,12 @@ namespace {
 // Connections that wait for the next session.
 constexpr std::size_t mostIdle = 12;
 
+// At once; more of one process would rather wait for each other than be faster.
+constexpr std::size_t mostWriters = 4;
+
+constexpr const char* readOnly = "the database is read-only";
+constexpr const char* otherVersion = "the database has been brought to another version";
+
 // One for each of allDocumentKinds, in its order, which is that of their values.
 using AllDocuments = std::array<PostgresDocuments, allDocumentKinds.size()>;
 
@@ -30,6 +37,20 @@ AllDocuments documentsOf(PostgresConnection& connection, ProjectNumbers& project
                          std::index_sequence<indexes...> /*all*/)
 {
     return {PostgresDocuments(connection, projects, allDocumentKinds.at(indexes))...};
+}
+
+// After which what is given in these lanes has to come.
+std::string selectLastOf(const std::vector<Lane>& lanes)
+{
+    std::string select = "SELECT coalesce(max(value), '') FROM last_identifiers";
+    if (lanes.front() != allLanes) {
+        select += " WHERE lane IN (" + std::to_string(allLanes);
+        for (const Lane lane : lanes) {
+            select += ", " + std::to_string(lane);
+        }
+        select += ')';
+    }
+    return select;
 }
 
 StoreError cannotOpen(const std::string& url, const StoreError& error)
@@ -85,22 +106,20 @@ public:
 
     Instant now() const override { return m_now; }
 
+    // Overridden by those that can keep it.
     std::string newIdentifier() override
     {
-        m_identifier = identifierAfter(lastIdentifier(), m_now);
-        return *m_identifier;
+        throw StoreError(StoreFailure::Internal, "a session that reads gives no identifiers");
     }
 
     std::string lastIdentifier() const override
     {
-        return m_identifier ? *m_identifier
-                            : m_connection.run("SELECT value FROM monitor_state WHERE key = 'lastIdentifier'")
-                                  .text(0, 0);
+        return m_connection.run(selectLastOf({allLanes})).text(0, 0);
     }
 
-    void skipIdentifiers(const std::string& last) override
+    void skipIdentifiers(const std::string& /*last*/) override
     {
-        m_identifier = std::max(lastIdentifier(), last);
+        throw StoreError(StoreFailure::Internal, "a session that reads gives no identifiers");
     }
 
     bool isUnfinished() const override { return isUnfinishedCopy(m_connection); }
@@ -120,19 +139,11 @@ public:
 
 protected:
     // What is still to be sent to the database.
-    void writeRest()
-    {
-        m_samples.flush();
-        if (m_identifier) {
-            m_connection.post("UPDATE monitor_state SET value = $1 WHERE key = 'lastIdentifier'",
-                              *m_identifier);
-        }
-    }
+    void writeRest() { m_samples.flush(); }
 
 private:
     PostgresConnection& m_connection;
     Instant m_now;
-    std::optional<std::string> m_identifier; // the last one given, once one was asked for
     ProjectNumbers m_numbers;
     PostgresSamples m_samples;
     AllDocuments m_documents;
@@ -161,29 +172,44 @@ private:
     std::unique_ptr<PostgresConnection> m_reader;
 };
 
-// A transaction that has the turn to write among all processes.
+// A transaction that has the turn to write in its lanes among all processes.
 struct PostgresStore::Turn
 {
+    std::vector<Lane> lanes;
     std::unique_ptr<PostgresConnection> connection;
-    std::string transaction; // its number
-    std::string timeline;    // of the server: another one after a standby has taken the primary's place
+    std::string transaction;    // its number
+    std::string timeline;       // of the server: another one after a standby has taken the primary's place
+    std::string lastIdentifier; // of the lanes
 };
 
 class PostgresStore::WriteSession final : public PostgresSession
 {
 public:
-    WriteSession(PostgresStore& store, std::unique_lock<FairMutex> lock, Turn turn)
-        : PostgresSession(*turn.connection, store.m_options), m_store(store), m_lock(std::move(lock)),
-          m_turn(std::move(turn))
+    WriteSession(PostgresStore& store, Turns::Turn inProcess, Turn turn)
+        : PostgresSession(*turn.connection, store.m_options), m_store(store),
+          m_inProcess(std::move(inProcess)), m_turn(std::move(turn)), m_identifier(m_turn.lastIdentifier)
     {
     }
     WriteSession(const WriteSession&) = delete;
     WriteSession& operator=(const WriteSession&) = delete;
     ~WriteSession() override { m_store.giveBack(std::move(m_turn.connection)); }
 
+    std::string newIdentifier() override
+    {
+        return m_identifier = identifierAfter(m_identifier, now(), m_turn.lanes.front());
+    }
+
+    std::string lastIdentifier() const override
+    {
+        return std::max(PostgresSession::lastIdentifier(), m_identifier);
+    }
+
+    void skipIdentifiers(const std::string& last) override { m_identifier = std::max(lastIdentifier(), last); }
+
     void commit() override
     {
         writeRest();
+        writeLastIdentifier();
         try {
             m_turn.connection->commit(m_store.m_options.patience);
         } catch (const StoreError& error) {
@@ -194,13 +220,26 @@ public:
     }
 
 private:
+    void writeLastIdentifier()
+    {
+        if (m_identifier == m_turn.lastIdentifier) {
+            return;
+        }
+        for (const Lane lane : m_turn.lanes) {
+            m_turn.connection->post("INSERT INTO last_identifiers (lane, value) VALUES ($1, $2) "
+                                    "ON CONFLICT (lane) DO UPDATE SET value = excluded.value",
+                                    std::int64_t{lane}, m_identifier);
+        }
+    }
+
     PostgresStore& m_store;
-    std::unique_lock<FairMutex> m_lock; // the turn among the threads of this process
+    Turns::Turn m_inProcess; // the turn among the threads of this process
     Turn m_turn;
+    std::string m_identifier; // the last one given
 };
 
 PostgresStore::PostgresStore(std::string url, StoreOptions options)
-    : m_url(std::move(url)), m_options(std::move(options))
+    : m_url(std::move(url)), m_options(std::move(options)), m_writing(mostWriters)
 {
     try {
         auto connection = std::make_unique<PostgresConnection>(m_url);
@@ -226,14 +265,15 @@ std::unique_ptr<const Session> PostgresStore::read()
     }));
 }
 
-std::unique_ptr<Session> PostgresStore::write()
+std::unique_ptr<Session> PostgresStore::write(const Claim& claim)
 {
     const auto deadline = std::chrono::steady_clock::now() + m_options.patience;
-    std::unique_lock lock(m_writing, m_options.patience);
-    if (!lock.owns_lock()) {
+    std::vector<Lane> lanes = lanesOf(claim);
+    Turns::Turn inProcess = m_writing.take(lanes, m_options.patience);
+    if (!inProcess) {
         throw StoreError(StoreFailure::Busy, "other writes take too long");
     }
-    return std::make_unique<WriteSession>(*this, std::move(lock), takeTurn(deadline));
+    return std::make_unique<WriteSession>(*this, std::move(inProcess), takeTurn(std::move(lanes), deadline));
 }
 
 void PostgresStore::checkReady()
@@ -241,10 +281,10 @@ void PostgresStore::checkReady()
     giveBack(begin([](PostgresConnection& connection) {
         if (connection.run("SELECT pg_is_in_recovery() OR current_setting('transaction_read_only')::boolean")
                 .boolean(0, 0)) {
-            throw StoreError(StoreFailure::NotWritable, "the database is read-only");
+            throw StoreError(StoreFailure::NotWritable, readOnly);
         }
         if (!isUpToDate(connection)) {
-            throw StoreError(StoreFailure::CannotOpen, "the database has been brought to another version");
+            throw StoreError(StoreFailure::CannotOpen, otherVersion);
         }
         if (isUnfinishedCopy(connection)) {
             throw StoreError(StoreFailure::CannotOpen, std::string("the database ") + unfinishedCopy);
@@ -252,20 +292,32 @@ void PostgresStore::checkReady()
     }));
 }
 
-// Whoever holds the row "turn" has the turn.
-PostgresStore::Turn PostgresStore::takeTurn(std::chrono::steady_clock::time_point deadline)
+// Each statement sees what was committed when it begins: those after the locks all that the holders of them
+// have written.
+PostgresStore::Turn PostgresStore::takeTurn(std::vector<Lane> lanes,
+                                            std::chrono::steady_clock::time_point deadline)
 {
     Turn turn;
+    turn.lanes = std::move(lanes);
     turn.connection = begin([&turn, deadline](PostgresConnection& connection) {
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
             deadline - std::chrono::steady_clock::now());
         const PostgresResult taken = connection.execute(
             "BEGIN ISOLATION LEVEL READ COMMITTED; SET LOCAL lock_timeout = " +
-            std::to_string(std::max<std::int64_t>(left.count(), 1)) +
-            "; SELECT pg_current_xact_id(), left(pg_walfile_name(pg_current_wal_lsn()), 8) "
-            "FROM monitor_state WHERE key = 'turn' FOR UPDATE");
+            std::to_string(std::max<std::int64_t>(left.count(), 1)) + "; " + lockLanes(turn.lanes) +
+            "SELECT pg_current_xact_id(), left(pg_walfile_name(pg_current_wal_lsn()), 8), (" +
+            selectLastOf(turn.lanes) +
+            "), value FROM monitor_state WHERE key = 'version' AND "
+            "NOT current_setting('transaction_read_only')::boolean");
+        if (taken.isEmpty()) {
+            throw StoreError(StoreFailure::NotWritable, readOnly);
+        }
+        if (taken.text(0, 3) != std::to_string(knownVersion())) {
+            throw StoreError(StoreFailure::NotWritable, otherVersion);
+        }
         turn.transaction = taken.text(0, 0);
         turn.timeline = taken.text(0, 1);
+        turn.lastIdentifier = taken.text(0, 2);
     });
     return turn;
 }
@@ -280,7 +332,7 @@ bool PostgresStore::wasCommitted(const Turn& turn)
     for (std::chrono::milliseconds pause(20); std::chrono::steady_clock::now() < deadline; pause *= 2) {
         try {
             // Having the turn, it knows that the lost transaction has come to its end.
-            const Turn next = takeTurn(deadline);
+            const Turn next = takeTurn(turn.lanes, deadline);
             // Numbers of transactions are given anew by a server that was a standby.
             if (next.timeline != turn.timeline) {
                 why = "another server has taken over";

@@ -2,7 +2,7 @@
 
 #include "store/Store.h"
 #include "store/StoreOptions.h"
-#include "store/sql/FairMutex.h"
+#include "store/sql/Turns.h"
 
 #include <chrono>
 #include <memory>
@@ -15,8 +15,8 @@ namespace monitorservice {
 class PostgresConnection;
 
 /// The store in a PostgreSQL database, version 15 or later, that several services and commands may use at
-/// once. A session that reads sees one snapshot; sessions that write come one after the other, over all
-/// processes. Connections are kept for the sessions to come, and those that are lost are replaced.
+/// once. A session that reads sees one snapshot; sessions that write what others have claimed wait for them,
+/// over all processes. Connections are kept for the sessions to come, and those that are lost are replaced.
 class PostgresStore final : public Store
 {
 public:
@@ -27,7 +27,8 @@ public:
     ~PostgresStore() override;
 
     std::unique_ptr<const Session> read() override;
-    std::unique_ptr<Session> write() override;
+    using Store::write;
+    std::unique_ptr<Session> write(const Claim& claim) override;
     void checkReady() override;
 
     /// Whether the database has the tables of a store. Throws as the constructor.
@@ -42,7 +43,7 @@ private:
 
     template <typename Begin>
     std::unique_ptr<PostgresConnection> begin(const Begin& begin);
-    Turn takeTurn(std::chrono::steady_clock::time_point deadline);
+    Turn takeTurn(std::vector<Lane> lanes, std::chrono::steady_clock::time_point deadline);
     bool wasCommitted(const Turn& turn);
     std::unique_ptr<PostgresConnection> takeIdle();
     void forgetIdle();
@@ -50,7 +51,7 @@ private:
 
     std::string m_url;
     StoreOptions m_options;
-    FairMutex m_writing;
+    Turns m_writing;
     std::mutex m_poolMutex;
     std::vector<std::unique_ptr<PostgresConnection>> m_idle;
 };

@@ -442,6 +442,19 @@ UPDATE changes SET document = json_set(document, '$.delivery', '');
 )sql";
 }
 
+// Identifiers rise by lanes.
+std::string eighthVersion()
+{
+    return R"sql(
+CREATE TABLE last_identifiers (
+    lane INTEGER PRIMARY KEY,
+    value TEXT NOT NULL
+) STRICT;
+INSERT INTO last_identifiers (lane, value) SELECT 0, value FROM state WHERE key = 'lastIdentifier';
+DELETE FROM state WHERE key = 'lastIdentifier';
+)sql";
+}
+
 void toFirstVersion(SqliteConnection& connection)
 {
     connection.execute(firstVersion());
@@ -479,9 +492,14 @@ void toSeventhVersion(SqliteConnection& connection)
     connection.execute(seventhVersion());
 }
 
+void toEighthVersion(SqliteConnection& connection)
+{
+    connection.execute(eighthVersion());
+}
+
 // The step at index n leads from version n to version n + 1. Steps that were released are never changed.
 constexpr std::array migrations{toFirstVersion, toSecondVersion, toThirdVersion,  toFourthVersion,
-                                toFifthVersion, toSixthVersion,  toSeventhVersion};
+                                toFifthVersion, toSixthVersion,  toSeventhVersion, toEighthVersion};
 
 void checkOwnership(SqliteConnection& connection)
 {

@@ -102,8 +102,8 @@ class SqliteSession : public Session
 {
 public:
     SqliteSession(SqliteConnection& connection, SQLite::TransactionBehavior behavior,
-                  const StoreOptions& options)
-        : m_connection(connection), m_now(options.clock()),
+                  const StoreOptions& options, std::vector<Lane> lanes)
+        : m_connection(connection), m_now(options.clock()), m_lanes(std::move(lanes)),
           m_documents(documentsOf(connection, std::make_index_sequence<allDocumentKinds.size()>())),
           m_measurements(connection), m_excesses(connection), m_projects(connection),
           m_categories(connection), m_tokens(connection), m_grants(connection),
@@ -144,18 +144,18 @@ public:
 
     std::string newIdentifier() override
     {
-        m_identifier = identifierAfter(lastIdentifier(), m_now);
-        return *m_identifier;
+        if (!m_identifier) {
+            m_identifier = lastOfLanes();
+        }
+        return *(m_identifier = identifierAfter(*m_identifier, m_now, m_lanes.front()));
     }
 
     std::string lastIdentifier() const override
     {
-        if (m_identifier) {
-            return *m_identifier;
-        }
         SqliteStatement statement =
-            m_connection.statement("SELECT value FROM state WHERE key = 'lastIdentifier'");
-        return statement.step() ? statement.text(0) : std::string();
+            m_connection.statement("SELECT coalesce(max(value), '') FROM last_identifiers");
+        statement.step();
+        return std::max(statement.text(0), m_identifier.value_or(std::string()));
     }
 
     void skipIdentifiers(const std::string& last) override
@@ -176,9 +176,12 @@ public:
     {
         m_measurements.finish();
         if (m_identifier) {
-            m_connection.statement("INSERT OR REPLACE INTO state (key, value) VALUES ('lastIdentifier', ?)")
-                .bind(*m_identifier)
-                .run();
+            for (const Lane lane : m_lanes) {
+                m_connection.statement("INSERT OR REPLACE INTO last_identifiers (lane, value) VALUES (?, ?)")
+                    .bind(std::int64_t{lane})
+                    .bind(*m_identifier)
+                    .run();
+            }
         }
         try {
             m_transaction->commit();
@@ -192,8 +195,29 @@ protected:
     void endTransaction() { m_transaction.reset(); }
 
 private:
+    // Those after which what is given in them has to come.
+    std::string lastOfLanes() const
+    {
+        std::string last;
+        if (m_lanes.front() == allLanes) {
+            return lastIdentifier();
+        }
+        const auto look = [this, &last](Lane lane) {
+            SqliteStatement statement =
+                m_connection.statement("SELECT value FROM last_identifiers WHERE lane = ?");
+            statement.bind(std::int64_t{lane});
+            if (statement.step()) {
+                last = std::max(last, statement.text(0));
+            }
+        };
+        look(allLanes);
+        std::for_each(m_lanes.begin(), m_lanes.end(), look);
+        return last;
+    }
+
     SqliteConnection& m_connection;
     Instant m_now;
+    std::vector<Lane> m_lanes;
     std::optional<std::string> m_identifier; // the last one given, once one was asked for
     AllDocuments m_documents;
     SqliteMeasurements m_measurements;
@@ -210,8 +234,8 @@ class SqliteStore::ReadSession final : public SqliteSession
 {
 public:
     ReadSession(SqliteStore& store, std::unique_ptr<SqliteConnection> reader)
-        : SqliteSession(*reader, SQLite::TransactionBehavior::DEFERRED, store.m_options), m_store(store),
-          m_reader(std::move(reader))
+        : SqliteSession(*reader, SQLite::TransactionBehavior::DEFERRED, store.m_options, {allLanes}),
+          m_store(store), m_reader(std::move(reader))
     {
     }
     ReadSession(const ReadSession&) = delete;
@@ -231,8 +255,9 @@ private:
 class SqliteStore::WriteSession final : public SqliteSession
 {
 public:
-    WriteSession(SqliteStore& store, std::unique_lock<FairMutex> turn)
-        : SqliteSession(*store.m_writer, SQLite::TransactionBehavior::IMMEDIATE, store.m_options),
+    WriteSession(SqliteStore& store, std::vector<Lane> lanes, Turns::Turn turn)
+        : SqliteSession(*store.m_writer, SQLite::TransactionBehavior::IMMEDIATE, store.m_options,
+                        std::move(lanes)),
           m_turn(std::move(turn))
     {
     }
@@ -242,7 +267,7 @@ public:
     ~WriteSession() override { endTransaction(); }
 
 private:
-    std::unique_lock<FairMutex> m_turn;
+    Turns::Turn m_turn;
 };
 
 SqliteStore::SqliteStore(fs::path file, StoreOptions options)
@@ -271,13 +296,15 @@ std::unique_ptr<const Session> SqliteStore::read()
     return std::make_unique<ReadSession>(*this, takeReader());
 }
 
-std::unique_ptr<Session> SqliteStore::write()
+// The file has one writer at a time, whatever is claimed.
+std::unique_ptr<Session> SqliteStore::write(const Claim& claim)
 {
-    std::unique_lock turn(m_writing, m_options.patience);
-    if (!turn.owns_lock()) {
+    std::vector<Lane> lanes = lanesOf(claim);
+    Turns::Turn turn = m_writing.take(lanes, m_options.patience);
+    if (!turn) {
         throw StoreError(StoreFailure::Busy, "other writes take too long");
     }
-    return std::make_unique<WriteSession>(*this, std::move(turn));
+    return std::make_unique<WriteSession>(*this, std::move(lanes), std::move(turn));
 }
 
 void SqliteStore::checkReady()

@@ -2,7 +2,7 @@
 
 #include "store/Store.h"
 #include "store/StoreOptions.h"
-#include "store/sql/FairMutex.h"
+#include "store/sql/Turns.h"
 #include "store/sqlite/ServiceLock.h"
 
 #include <filesystem>
@@ -31,7 +31,8 @@ public:
     ~SqliteStore() override;
 
     std::unique_ptr<const Session> read() override;
-    std::unique_ptr<Session> write() override;
+    using Store::write;
+    std::unique_ptr<Session> write(const Claim& claim) override;
     void checkReady() override;
 
 private:
@@ -44,7 +45,7 @@ private:
     std::filesystem::path m_file;
     StoreOptions m_options;
     std::optional<ServiceLock> m_lock; ///< a service's own
-    FairMutex m_writing;
+    Turns m_writing{1};
     std::unique_ptr<SqliteConnection> m_writer;
     std::mutex m_poolMutex;
     std::vector<std::unique_ptr<SqliteConnection>> m_idleReaders;

@@ -11,7 +11,10 @@ public:
     explicit FailingStore(StoreFailure failure) : m_failure(failure) {}
 
     std::unique_ptr<const Session> read() override { throw StoreError(m_failure, "/secret/path: failure"); }
-    std::unique_ptr<Session> write() override { throw StoreError(m_failure, "/secret/path: failure"); }
+    std::unique_ptr<Session> write(const Claim& /*claim*/) override
+    {
+        throw StoreError(m_failure, "/secret/path: failure");
+    }
     void checkReady() override { throw StoreError(m_failure, "/secret/path: failure"); }
 
 private:

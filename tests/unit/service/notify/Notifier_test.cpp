@@ -72,7 +72,7 @@ public:
     {
         throw StoreError(StoreFailure::InputOutput, "the disk is gone");
     }
-    std::unique_ptr<Session> write() override
+    std::unique_ptr<Session> write(const Claim& /*claim*/) override
     {
         throw StoreError(StoreFailure::InputOutput, "the disk is gone");
     }

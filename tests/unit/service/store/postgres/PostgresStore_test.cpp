@@ -4,15 +4,18 @@
 #include "store/postgres/PostgresConnection.h"
 #include "store/postgres/PostgresSchema.h"
 #include "support/PostgresDatabase.h"
+#include "trail/AuditTrail.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <libpq-fe.h>
 
 #include <chrono>
+#include <future>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace monitorservice {
 namespace {
@@ -142,8 +145,41 @@ TEST(PostgresStore, IsReadyWhileItsDatabaseTakesWritesAndHasTheRightTables)
     run(database, "BEGIN READ WRITE; DO $$ BEGIN EXECUTE 'ALTER DATABASE ' || current_database() || "
                   "' RESET default_transaction_read_only'; END $$; COMMIT");
     EXPECT_EQ(failureOf([&store] { store.checkReady(); }), StoreFailure::CannotOpen);
-    run(database, "UPDATE monitor_state SET value = '1' WHERE key = 'version'");
+    EXPECT_EQ(failureOf([&store] { store.write(); }), StoreFailure::NotWritable);
+    run(database,
+        "UPDATE monitor_state SET value = '" + std::to_string(knownVersion()) + "' WHERE key = 'version'");
     EXPECT_NO_THROW(store.checkReady());
+}
+
+TEST(PostgresStore, IdentifiersOfTheFirstVersionAreFollowed)
+{
+    const test::PostgresDatabase database;
+    const std::string last = "fff000000000000000000007"; // later than any clock
+    EXPECT_EQ(refusal(database.url()), "opened");
+    run(database, "DROP TABLE last_identifiers; UPDATE monitor_state SET value = '1' WHERE key = 'version'; "
+                  "INSERT INTO monitor_state (key, value) VALUES ('turn', ''), ('lastIdentifier', '" +
+                      last + "')");
+    PostgresStore store(database.url(), creating());
+    EXPECT_EQ(store.read()->lastIdentifier(), last);
+    EXPECT_GT(store.write()->newIdentifier(), last);
+    EXPECT_GT(store.write(Claim{{{{"c", "s"}}}})->newIdentifier(), last);
+}
+
+// A service of the first version has a row for its turn.
+TEST(PostgresStore, WhoWritesIsWaitedForBeforeTheVersionChanges)
+{
+    const test::PostgresDatabase database;
+    EXPECT_EQ(refusal(database.url()), "opened");
+    run(database, "DROP TABLE last_identifiers; UPDATE monitor_state SET value = '1' WHERE key = 'version'; "
+                  "INSERT INTO monitor_state (key, value) VALUES ('turn', ''), ('lastIdentifier', '')");
+    PostgresConnection earlier(database.url());
+    earlier.execute("BEGIN; SELECT 1 FROM monitor_state WHERE key = 'turn' FOR UPDATE");
+    auto opening = std::async(std::launch::async, [&] { return refusal(database.url()); });
+    EXPECT_EQ(opening.wait_for(std::chrono::milliseconds(200)), std::future_status::timeout);
+    earlier.execute("UPDATE monitor_state SET value = 'fff000000000000000000007' "
+                    "WHERE key = 'lastIdentifier'; COMMIT");
+    EXPECT_EQ(opening.get(), "opened");
+    EXPECT_EQ(PostgresStore(database.url()).read()->lastIdentifier(), "fff000000000000000000007");
 }
 
 class OpenPostgresStore : public ::testing::Test
@@ -154,6 +190,14 @@ protected:
         const auto session = store.write();
         session->categories().add(name);
         session->commit();
+    }
+
+    static void addChange(Session& session, const std::string& name)
+    {
+        Change change;
+        change.action = "test";
+        change.name = name;
+        record(session, change);
     }
 
     // More than come from the database at once.
@@ -228,6 +272,39 @@ TEST_F(OpenPostgresStore, TurnOfALostConnectionIsFreeForOtherProcesses)
     next->categories().add("Settlement");
     next->commit();
     EXPECT_EQ(failureOf([&session] { session->categories().list(); }), StoreFailure::Unreachable);
+}
+
+TEST_F(OpenPostgresStore, DeliveriesForDifferentTargetsGoSideBySide)
+{
+    PostgresStore other(database.url(), creating());
+    const auto one = store.write(Claim{{{{"c", "1"}}}});
+    const auto beside = store.write(Claim{{{{"c", "2"}}}});
+    const auto ofAnotherService = other.write(Claim{{{{"c", "3"}, {"c", "4"}}}});
+    addChange(*one, "of one");
+    addChange(*beside, "beside");
+    addChange(*ofAnotherService, "of another service");
+    ofAnotherService->commit();
+    one->commit();
+    beside->commit();
+    DocumentQuery query;
+    query.everyProject = true;
+    EXPECT_EQ(store.read()->documents(DocumentKind::Change).count(query), 3U);
+}
+
+// The number of transactions of this process alone.
+TEST_F(OpenPostgresStore, FourOfOneProcessWriteAtOnce)
+{
+    StoreOptions impatient = creating();
+    impatient.patience = std::chrono::milliseconds(20);
+    PostgresStore own(database.url(), impatient);
+    std::vector<std::unique_ptr<Session>> writing;
+    for (int i = 0; i < 4; ++i) {
+        writing.push_back(own.write(Claim{{{{"c", std::to_string(i)}}}}));
+    }
+    EXPECT_EQ(failureOf([&own] { own.write(Claim{{{{"c", "4"}}}}); }), StoreFailure::Busy);
+    EXPECT_EQ(failureOf([this] { store.write(Claim{{{{"c", "4"}}}}); }), std::nullopt);
+    writing.pop_back();
+    EXPECT_EQ(failureOf([&own] { own.write(Claim{{{{"c", "4"}}}}); }), std::nullopt);
 }
 
 TEST_F(OpenPostgresStore, ConnectionLostDuringAVisitEndsTheVisit)

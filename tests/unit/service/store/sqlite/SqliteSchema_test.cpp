@@ -79,16 +79,17 @@ CREATE TABLE grants (
 CREATE UNIQUE INDEX grants_by_token ON grants (token, project, ifnull(category, x''));
 )sql";
 
-const std::string columnsBeforeTheSeventhVersion = R"sql(
+const std::string tablesBeforeTheSeventhVersion = R"sql(
 ALTER TABLE samples DROP COLUMN delivery;
 ALTER TABLE point_locations DROP COLUMN first_delivery;
 ALTER TABLE point_locations DROP COLUMN last_delivery;
+DROP TABLE last_identifiers;
 )sql";
 
-// What the sixth version has made anew, without content, and what the seventh has added.
+// What the sixth version has made anew, without content, and what later ones have added.
 void backToFifthVersion(SqliteConnection& connection)
 {
-    connection.execute(grantsOfTheFifthVersion + columnsBeforeTheSeventhVersion + R"sql(
+    connection.execute(grantsOfTheFifthVersion + tablesBeforeTheSeventhVersion + R"sql(
 DROP TABLE changes;
 CREATE TABLE changes (
     project TEXT NOT NULL REFERENCES projects (id),
@@ -116,7 +117,7 @@ PRAGMA user_version = 5)sql");
 void backToThirdVersion(SqliteConnection& connection)
 {
     connection.execute(
-        grantsOfTheFifthVersion + columnsBeforeTheSeventhVersion +
+        grantsOfTheFifthVersion + tablesBeforeTheSeventhVersion +
         "DROP TABLE outbox; DROP TABLE changes; DROP TABLE excesses; "
         "DELETE FROM sqlite_stat1 WHERE tbl IN ('changes', 'excesses'); PRAGMA user_version = 3");
 }
@@ -143,7 +144,7 @@ TEST_F(SqliteSchema, FileOfTheFirstVersionBecomesTheCurrentOneWithItsData)
                 Not(Contains(HasSubstr("sqlite_stat"))));
     migrate(connection, patience);
     EXPECT_EQ(schemaOf(connection), current);
-    EXPECT_EQ(connection.integer("PRAGMA user_version"), 7);
+    EXPECT_EQ(connection.integer("PRAGMA user_version"), 8);
     EXPECT_EQ(SqliteStore(file).read()->documents(DocumentKind::Cell).find("c")->category, "Settlement");
 }
 
@@ -288,7 +289,7 @@ TEST_F(SqliteSchema, KnowingWhichDeliveryASampleIsOfCostsAtMostFourBytes)
         return connection.integer("PRAGMA page_count") * connection.integer("PRAGMA page_size");
     };
     const std::int64_t with = bytes();
-    connection.execute(columnsBeforeTheSeventhVersion + "VACUUM");
+    connection.execute(tablesBeforeTheSeventhVersion + "VACUUM");
     const double perSample = static_cast<double>(with - bytes()) / (pointCount * samplesEach);
     EXPECT_GT(perSample, 3);
     EXPECT_LE(perSample, 4);
@@ -326,6 +327,23 @@ TEST_F(SqliteSchema, GrantsAndEntriesOfTheFifthVersionStay)
     EXPECT_EQ(grants[1].category, "Settlement");
     EXPECT_EQ(session->documents(DocumentKind::Change).find("h")->text,
               entry.substr(0, entry.size() - 1) + R"(,"delivery":""})");
+}
+
+TEST_F(SqliteSchema, IdentifiersOfTheSeventhVersionAreFollowed)
+{
+    const std::string last = "fff000000000000000000007"; // later than any clock
+    {
+        SqliteConnection connection = open();
+        connection.execute("DROP TABLE last_identifiers; PRAGMA user_version = 7; "
+                           "INSERT INTO state (key, value) VALUES ('lastIdentifier', '" +
+                           last + "')");
+        migrate(connection, patience);
+        EXPECT_THAT(textsOf(connection, "SELECT key FROM state", 0), Not(Contains("lastIdentifier")));
+    }
+    SqliteStore store(file);
+    EXPECT_EQ(store.read()->lastIdentifier(), last);
+    EXPECT_GT(store.write()->newIdentifier(), last);
+    EXPECT_GT(store.write(Claim{{{{"c", "s"}}}})->newIdentifier(), last);
 }
 
 TEST_F(SqliteSchema, EveryIndexOfATableWithFiguresHasThem)
