@@ -44,6 +44,29 @@ TEST_F(DatabaseFailure, KilledServiceLosesNothingThatWasAnswered)
     print("kill -9 of the service, " + std::to_string(cycles) + " times", tally());
 }
 
+// What one of them claims, the other waits for.
+TEST_F(DatabaseFailure, TwoServicesOfWhichOneIsKilledLoseNothingThatWasAnswered)
+{
+    const PostgresDatabase database;
+    useSite(makeSite(database.url(), clientCount));
+    const int cycles = repetitions(10);
+    for (int i = 0; i < cycles && !HasFailure(); ++i) {
+        DataService killed(database.url());
+        const DataService other(database.url());
+        {
+            const DeliveryRun run(clients, {killed.port(), other.port()}, site->token);
+            waitForWork(run);
+            killed.process().signal(SIGKILL);
+            EXPECT_EQ(killed.process().wait(), -SIGKILL);
+            run.waitForAnswers(run.answered() + random(2, 8));
+        }
+        holdsWhatItMust(database.url());
+    }
+    EXPECT_GT(tally().answered, static_cast<std::size_t>(cycles) * 4);
+    EXPECT_EQ(tally().refused, 0U);
+    print("kill -9 of one of two services, " + std::to_string(cycles) + " times", tally());
+}
+
 // The service stays, and goes on as soon as the server is back.
 TEST_F(DatabaseFailure, KilledServerLosesNothingThatWasAnswered)
 {

@@ -204,7 +204,15 @@ SentDelivery DeliveringClient::next()
     } else {
         // Now and then one that does not fit into a few pages.
         const int most = random(0, 29) == 0 ? 300 : 12;
+        // Mostly for one monitoring: what is for several has the service to itself.
+        const bool isForAll = random(0, 2) == 0;
+        const std::string& cell =
+            m_site->targets.at(static_cast<std::size_t>(random(0, static_cast<int>(m_site->targets.size()) - 1)))
+                .cell;
         for (std::size_t target = 0; target < m_site->targets.size(); ++target) {
+            if (!isForAll && m_site->targets[target].cell != cell) {
+                continue;
+            }
             for (const std::string& name : pointNames(m_number)) {
                 // The last target is the inclinometer's.
                 const bool isDeep = target + 1 == m_site->targets.size();

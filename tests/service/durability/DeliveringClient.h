@@ -34,7 +34,7 @@ struct ServiceAnswer
 };
 
 /// Sends deliveries of points of its own, one after the other: new samples, corrections of those sent before,
-/// repeated deliveries, over several monitorings and depths; now and then it takes its latest delivery back,
+/// repeated deliveries, for one monitoring or several, over depths; now and then it takes its latest delivery back,
 /// or deletes samples or points. Knows what the service must hold of them.
 class DeliveringClient
 {

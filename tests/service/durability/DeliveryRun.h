@@ -80,9 +80,16 @@ class DeliveryRun
 public:
     DeliveryRun(std::vector<std::unique_ptr<DeliveringClient>>& clients, std::uint16_t port,
                 const std::string& token)
+        : DeliveryRun(clients, std::vector<std::uint16_t>{port}, token)
+    {
+    }
+    /// To several services in turn, the first client to the first of them.
+    DeliveryRun(std::vector<std::unique_ptr<DeliveringClient>>& clients,
+                const std::vector<std::uint16_t>& ports, const std::string& token)
     {
         m_clients = clients.size();
         for (const auto& client : clients) {
+            const std::uint16_t port = ports.at(m_threads.size() % ports.size());
             m_threads.emplace_back([this, &client = *client, port, token] {
                 deliver(client, port, token);
                 --m_clients;
@@ -98,6 +105,9 @@ public:
     }
     DeliveryRun(const DeliveryRun&) = delete;
     DeliveryRun& operator=(const DeliveryRun&) = delete;
+
+    /// The number of requests answered 2xx so far.
+    int answered() const { return m_answered; }
 
     /// Waits until so many requests have been answered 2xx, or none will be any more.
     void waitForAnswers(int number) const

@@ -366,6 +366,7 @@ Site makeSite(Store& store, std::size_t clients)
     session->grants().add({session->newIdentifier(), token, site.project, std::nullopt,
                            Rights(Right::Read) | Right::Create | Right::Edit | Right::Delete,
                            session->now()});
+    std::map<std::string, std::string> cells;
     for (const char* const category : {"Settlement", "Settlement", "Inclinometer"}) {
         session->categories().add(category);
         const std::string subCategory = session->newIdentifier();
@@ -375,10 +376,14 @@ Site makeSite(Store& store, std::size_t clients)
                                            category == std::string("Inclinometer")
                                                ? SubCategoryKind::Inclinometer
                                                : SubCategoryKind::Settlement}));
-        const std::string cell = session->newIdentifier();
-        session->documents(DocumentKind::Cell)
-            .insert(site.project, cell, cellJson(cell, site.project, category));
-        site.targets.push_back({cell, subCategory});
+        // One monitoring of each category.
+        if (cells.count(category) == 0) {
+            const std::string cell = session->newIdentifier();
+            session->documents(DocumentKind::Cell)
+                .insert(site.project, cell, cellJson(cell, site.project, category));
+            cells.emplace(category, cell);
+        }
+        site.targets.push_back({cells.at(category), subCategory});
     }
     site.groups = {{{0, 2.5, 7}, {1, 150, 0}}, {{0, 0, 9}}, {{0, 3, 0}, {0, 0, 6}}};
     for (std::size_t target = 0; target < site.targets.size(); ++target) {
