@@ -15,8 +15,8 @@
 
 namespace monitorservice {
 
-/// One transaction: everything it writes comes to be at once with commit(), or not at all. A session that only
-/// reads sees everything as of one moment, that of its first reading; one that writes sees what it wrote
+/// One transaction: everything it writes comes to be at once with commit(), or not at all. A session that
+/// only reads sees everything as of one moment, that of its first reading; one that writes sees what it wrote
 /// itself and what others had committed when its claim was had, and may see of what it has not claimed what
 /// others commit meanwhile. To be used and
 /// destroyed by the thread that began it, by one call at a time: what is given to a visitor may still be on

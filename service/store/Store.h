@@ -18,10 +18,10 @@ public:
     /// and is not changed by them. There may be any number.
     virtual std::unique_ptr<const Session> read() = 0;
     /// A session that may write what it claims, and add to the audit trail. It waits for those whose claims
-    /// have a target in common with its own, in the order of asking, no longer than the patience of the store,
-    /// then StoreFailure::Busy; others may write beside it, or not, as the store can. So what it reads stays
-    /// as it is until it ends, but for what is delivered for targets that it has not claimed. A thread has one
-    /// at a time.
+    /// have a target in common with its own, in the order of asking, no longer than the patience of the
+    /// store, then StoreFailure::Busy; others may write beside it, or not, as the store can. So what it reads
+    /// stays as it is until it ends, but for what is delivered for targets that it has not claimed. A thread
+    /// has one at a time.
     virtual std::unique_ptr<Session> write(const Claim& claim) = 0;
     /// A session that has everything to itself.
     std::unique_ptr<Session> write() { return write(Claim()); }

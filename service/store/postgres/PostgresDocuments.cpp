@@ -38,12 +38,17 @@ PostgresDocuments::PostgresDocuments(PostgresConnection& connection, ProjectNumb
 
 std::optional<StoredDocument> PostgresDocuments::find(const std::string& id) const
 {
-    const PostgresResult found =
-        m_connection.run("SELECT project, category, document FROM " + m_table.view + " WHERE id = $1", id);
+    const PostgresResult found = m_connection.run(
+        "SELECT project, category, document, project_number FROM " + m_table.view + " WHERE id = $1", id);
     if (found.isEmpty()) {
         return std::nullopt;
     }
-    return StoredDocument{id, found.text(0, 0), found.text(0, 1), found.text(0, 2)};
+    StoredDocument document{id, found.text(0, 0), found.text(0, 1), found.text(0, 2)};
+    m_projects.note(document.project, found.integer(0, 3));
+    if (m_kind == DocumentKind::Cell) {
+        m_projects.noteCell(id, found.integer(0, 3));
+    }
+    return document;
 }
 
 std::uint64_t PostgresDocuments::count(const DocumentQuery& query) const

@@ -60,7 +60,7 @@ void PostgresMeasurements::expect(const std::string& cell, const std::string& su
     m_samples.flush(); // what is fetched is as it is now
     std::vector<ExpectedSamples> samples;
     for (const ExpectedPoints::Found& found :
-         m_expected.fetch(projectOfCell(cell), cell, subCategory, points)) {
+         m_expected.fetch(m_projects.ofCell(cell), cell, subCategory, points)) {
         samples.push_back({found.point, &found.expected->days, found.before});
     }
     m_samples.expect(samples);
@@ -77,7 +77,7 @@ std::optional<StoredPoint> PostgresMeasurements::findPoint(const std::string& ce
     std::optional<StoredPoint> found = onePoint(m_connection.run(
         "SELECT point, id, document FROM point_locations WHERE project_number = $1 AND cell = $2 AND "
         "sub_category = $3 AND name = $4 AND depth = $5",
-        projectOfCell(cell), cell, subCategory, name, depth));
+        m_projects.ofCell(cell), cell, subCategory, name, depth));
     if (found || depth.empty()) {
         return found;
     }
@@ -93,7 +93,7 @@ std::optional<StoredPoint> PostgresMeasurements::findPointSpeltOtherwise(const s
     const PostgresResult found = m_connection.run(
         "SELECT point, id, document, depth FROM point_locations WHERE project_number = $1 AND cell = $2 AND "
         "sub_category = $3 AND name = $4 AND depth_number = $5",
-        projectOfCell(cell), cell, subCategory, name, numberAtBeginOf(settled));
+        m_projects.ofCell(cell), cell, subCategory, name, numberAtBeginOf(settled));
     for (int row = 0; row < found.rows(); ++row) {
         if (settledDepth(found.view(row, 3)) == settled) {
             return pointOf(found, row);
@@ -108,7 +108,7 @@ void PostgresMeasurements::visitPoints(const std::string& cell, const std::strin
     const PostgresResult found = m_connection.run(
         "SELECT point, id, document FROM point_locations WHERE project_number = $1 AND cell = $2 AND "
         "sub_category = $3 AND name = $4 ORDER BY depth",
-        projectOfCell(cell), cell, subCategory, name);
+        m_projects.ofCell(cell), cell, subCategory, name);
     for (int row = 0; row < found.rows(); ++row) {
         m_connection.show(visitor, pointOf(found, row));
     }
@@ -120,7 +120,7 @@ std::optional<StoredPoint> PostgresMeasurements::latestPoint(const std::string& 
     return onePoint(m_connection.run(
         "SELECT point, id, document FROM point_locations WHERE project_number = $1 AND cell = $2 AND "
         "sub_category = $3 AND last_time IS NOT NULL ORDER BY last_time DESC, point LIMIT 1",
-        projectOfCell(cell), cell, subCategory));
+        m_projects.ofCell(cell), cell, subCategory));
 }
 
 void PostgresMeasurements::visitDeliveredTo(const std::string& cell, const std::string& subCategory,
@@ -130,7 +130,7 @@ void PostgresMeasurements::visitDeliveredTo(const std::string& cell, const std::
         m_connection.run("SELECT point, id, document, first_delivery, last_delivery FROM point_locations "
                          "WHERE project_number = $1 AND "
                          "cell = $2 AND sub_category = $3 AND last_delivery >= $4 ORDER BY name, depth",
-                         projectOfCell(cell), cell, subCategory, delivery);
+                         m_projects.ofCell(cell), cell, subCategory, delivery);
     for (int row = 0; row < found.rows(); ++row) {
         m_connection.show(visitor,
                           DeliveredTo{pointOf(found, row), found.integer(row, 3), found.integer(row, 4)});
@@ -402,22 +402,8 @@ void PostgresMeasurements::removeDelivered(const std::string& cell, const std::s
         "point_locations WHERE project_number = $1 AND cell = $2 AND sub_category = $3)",
         "DELETE FROM point_locations WHERE project_number = $1 AND cell = $2 AND sub_category = $3"};
     for (const char* const sql : statements) {
-        m_connection.post(sql, projectOfCell(cell), cell, subCategory);
+        m_connection.post(sql, m_projects.ofCell(cell), cell, subCategory);
     }
-}
-
-// -1, which no project has, when there is no such monitoring.
-std::int64_t PostgresMeasurements::projectOfCell(const std::string& cell) const
-{
-    const auto known = m_projectsOfCells.find(cell);
-    if (known != m_projectsOfCells.end()) {
-        return known->second;
-    }
-    const PostgresResult found = m_connection.run("SELECT project_number FROM cells WHERE id = $1", cell);
-    if (found.isEmpty()) {
-        return -1;
-    }
-    return m_projectsOfCells.emplace(cell, found.integer(0, 0)).first->second;
 }
 
 } // namespace monitorservice

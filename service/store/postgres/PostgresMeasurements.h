@@ -7,7 +7,6 @@
 #include "store/postgres/ProjectNumbers.h"
 
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace monitorservice {
@@ -69,7 +68,6 @@ private:
         std::int64_t left = 0;
     };
 
-    std::int64_t projectOfCell(const std::string& cell) const;
     std::int64_t newPoint(std::int64_t number, const std::string& project);
     std::optional<StoredPoint> findPointSpeltOtherwise(const std::string& cell,
                                                        const std::string& subCategory,
@@ -81,7 +79,6 @@ private:
     PostgresSamples& m_samples; ///< changed by reading too: what is pending is written first
     mutable ExpectedPoints m_expected{m_connection}; ///< given once each
     NewPoints m_newPoints;
-    mutable std::unordered_map<std::string, std::int64_t> m_projectsOfCells;
 };
 
 } // namespace monitorservice

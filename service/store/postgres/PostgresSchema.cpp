@@ -322,8 +322,8 @@ CREATE VIEW alarm_depths_read AS
 )sql";
 }
 
-// Turns to write are locks that are no rows, and identifiers rise by lanes. Whoever has the turn now is waited
-// for, so that the last identifier is the last one.
+// Turns to write are locks that are no rows, and identifiers rise by lanes. Whoever has the turn now is
+// waited for, so that the last identifier is the last one.
 std::string secondVersion()
 {
     return R"sql(

@@ -204,7 +204,10 @@ public:
         return std::max(PostgresSession::lastIdentifier(), m_identifier);
     }
 
-    void skipIdentifiers(const std::string& last) override { m_identifier = std::max(lastIdentifier(), last); }
+    void skipIdentifiers(const std::string& last) override
+    {
+        m_identifier = std::max(lastIdentifier(), last);
+    }
 
     void commit() override
     {

@@ -23,6 +23,19 @@ std::int64_t ProjectNumbers::of(const std::string& project)
     return number;
 }
 
+std::int64_t ProjectNumbers::ofCell(const std::string& cell)
+{
+    const auto known = m_ofCells.find(cell);
+    if (known != m_ofCells.end()) {
+        return known->second;
+    }
+    const PostgresResult found = m_connection.run("SELECT project_number FROM cells WHERE id = $1", cell);
+    if (found.isEmpty()) {
+        return none; // there may be one later
+    }
+    return m_ofCells.emplace(cell, found.integer(0, 0)).first->second;
+}
+
 std::int64_t ProjectNumbers::give(const std::string& project)
 {
     if (const std::int64_t number = of(project); number != none) {

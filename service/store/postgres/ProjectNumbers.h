@@ -8,7 +8,7 @@
 
 namespace monitorservice {
 
-/// The numbers that keys begin with, of the projects that one session asks for.
+/// The numbers that keys begin with, of the projects that one session asks for. They never change.
 class ProjectNumbers
 {
 public:
@@ -16,12 +16,18 @@ public:
 
     /// That of no row when there is no such project.
     std::int64_t of(const std::string& project);
+    /// That of the project which the monitoring is of; that of no row when there is no such monitoring.
+    std::int64_t ofCell(const std::string& cell);
+    /// What a row says that was read for something else.
+    void note(const std::string& project, std::int64_t number) { m_known[project] = number; }
+    void noteCell(const std::string& cell, std::int64_t number) { m_ofCells[cell] = number; }
     /// Gives a project its number, unless it has one.
     std::int64_t give(const std::string& project);
 
 private:
     PostgresConnection& m_connection;
     std::unordered_map<std::string, std::int64_t> m_known;
+    std::unordered_map<std::string, std::int64_t> m_ofCells;
 };
 
 /// The number of a point is that of its project and, below, one of its own.

@@ -7,8 +7,8 @@
 
 namespace monitorservice {
 
-/// Sessions that write go side by side in lanes, each lane had by one of them at a time. What is delivered for
-/// a monitoring and sub-category always goes in the same lane, whatever else goes there: two that meet by
+/// Sessions that write go side by side in lanes, each lane had by one of them at a time. What is delivered
+/// for a monitoring and sub-category always goes in the same lane, whatever else goes there: two that meet by
 /// chance wait for each other without need, and that is all. Lanes, unlike monitorings, are so few that what
 /// is kept of each of them is read in no time.
 using Lane = std::uint16_t;

@@ -24,8 +24,8 @@ Turns::Turn Turns::take(std::vector<Lane> lanes, std::chrono::milliseconds patie
 std::size_t Turns::waiting() const
 {
     const std::lock_guard guard(m_guard);
-    return static_cast<std::size_t>(std::count_if(m_entries.begin(), m_entries.end(),
-                                                  [](const Entry& entry) { return !entry.hasTurn; }));
+    return static_cast<std::size_t>(
+        std::count_if(m_entries.begin(), m_entries.end(), [](const Entry& entry) { return !entry.hasTurn; }));
 }
 
 void Turns::leave(Entry& entry)

@@ -498,7 +498,7 @@ void toEighthVersion(SqliteConnection& connection)
 }
 
 // The step at index n leads from version n to version n + 1. Steps that were released are never changed.
-constexpr std::array migrations{toFirstVersion, toSecondVersion, toThirdVersion,  toFourthVersion,
+constexpr std::array migrations{toFirstVersion, toSecondVersion, toThirdVersion,   toFourthVersion,
                                 toFifthVersion, toSixthVersion,  toSeventhVersion, toEighthVersion};
 
 void checkOwnership(SqliteConnection& connection)

@@ -207,7 +207,8 @@ SentDelivery DeliveringClient::next()
         // Mostly for one monitoring: what is for several has the service to itself.
         const bool isForAll = random(0, 2) == 0;
         const std::string& cell =
-            m_site->targets.at(static_cast<std::size_t>(random(0, static_cast<int>(m_site->targets.size()) - 1)))
+            m_site->targets
+                .at(static_cast<std::size_t>(random(0, static_cast<int>(m_site->targets.size()) - 1)))
                 .cell;
         for (std::size_t target = 0; target < m_site->targets.size(); ++target) {
             if (!isForAll && m_site->targets[target].cell != cell) {

@@ -34,8 +34,8 @@ struct ServiceAnswer
 };
 
 /// Sends deliveries of points of its own, one after the other: new samples, corrections of those sent before,
-/// repeated deliveries, for one monitoring or several, over depths; now and then it takes its latest delivery back,
-/// or deletes samples or points. Knows what the service must hold of them.
+/// repeated deliveries, for one monitoring or several, over depths; now and then it takes its latest delivery
+/// back, or deletes samples or points. Knows what the service must hold of them.
 class DeliveringClient
 {
 public:

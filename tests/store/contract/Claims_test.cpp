@@ -54,8 +54,9 @@ protected:
     static std::string dataManage(const std::string& subCategory, int number)
     {
         return R"({"_id":"d)" + subCategory + R"(","projectId":"p","cellId":"c","subCategoryId":")" +
-               subCategory + R"(","createdAt":"2015-12-21T06:30:00.123Z","createdBy":"Ada","updatedAt":)"
-                             R"("2015-12-21T06:30:00.123Z","updatedBy":"Ada","lastCount":)" +
+               subCategory +
+               R"(","createdAt":"2015-12-21T06:30:00.123Z","createdBy":"Ada","updatedAt":)"
+               R"("2015-12-21T06:30:00.123Z","updatedBy":"Ada","lastCount":)" +
                std::to_string(number) + "}";
     }
 
@@ -80,8 +81,7 @@ protected:
                     .insert("p", target,
                             R"({"_id":")" + target + R"(","projectId":"p","name":")" + target +
                                 R"(","category":"Settlement","alias":""})");
-                session.documents(DocumentKind::DataManage)
-                    .insert("p", "d" + target, dataManage(target, 0));
+                session.documents(DocumentKind::DataManage).insert("p", "d" + target, dataManage(target, 0));
             }
         });
     }

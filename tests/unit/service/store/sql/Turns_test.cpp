@@ -74,7 +74,8 @@ TEST(Turns, GoInTheOrderOfComing)
     std::vector<std::thread> threads;
     for (int number = 0; number < 8; ++number) {
         threads.emplace_back([&turns, &order, number] {
-            const Turns::Turn turn = turns.take(number % 2 == 0 ? everything : std::vector<Lane>{1}, patience);
+            const Turns::Turn turn =
+                turns.take(number % 2 == 0 ? everything : std::vector<Lane>{1}, patience);
             if (turn) {
                 order.push_back(number);
             }
