@@ -3,6 +3,7 @@
 #include "api/Parameters.h"
 #include "api/Permission.h"
 #include "api/Resources.h"
+#include "api/TargetClaim.h"
 #include "api/WithdrawalText.h"
 #include "delivery/DeliveryUndo.h"
 
@@ -38,7 +39,8 @@ void requireLatest(const History& history, const DataManage& dataManage)
 HttpResponse undo(ApiRequest& request)
 {
     const Parameters parameters(request.http, {});
-    const auto [session, principal] = beginWriting(request);
+    const Claim claim = claimOfDelivery(*request.session, request.ids[0]);
+    const auto [session, principal] = beginWriting(request, claim);
     const StoredDocument stored =
         readable(session->documents(DocumentKind::History), principal, "delivery", request.ids[0]);
     requireRight(principal, Right::Delete, "deliveries", stored.project, stored.category);

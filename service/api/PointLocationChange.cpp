@@ -4,6 +4,7 @@
 #include "api/Parameters.h"
 #include "api/Permission.h"
 #include "api/Resources.h"
+#include "api/TargetClaim.h"
 #include "delivery/PointChange.h"
 
 namespace monitorservice {
@@ -37,7 +38,8 @@ HttpResponse changePointLocation(ApiRequest& request)
     const Parameters parameters(request.http, {});
     const PointChange change = parsePointChange(request.http.body);
 
-    const auto [session, principal] = beginWriting(request);
+    const Claim claim = claimOfPoint(*request.session, request.ids[0]);
+    const auto [session, principal] = beginWriting(request, claim);
     StoredDocument stored = readable(session->documents(DocumentKind::PointLocation), principal,
                                      "point location", request.ids[0]);
     requireRight(principal, Right::Edit, "point locations", stored.project, stored.category);

@@ -3,6 +3,7 @@
 #include "api/Parameters.h"
 #include "api/Permission.h"
 #include "api/Resources.h"
+#include "api/TargetClaim.h"
 #include "api/WithdrawalText.h"
 #include "delivery/PointDeletion.h"
 
@@ -25,7 +26,8 @@ StoredDocument deletable(const Session& session, const Principal& principal, con
 HttpResponse deletePointLocation(ApiRequest& request)
 {
     const Parameters parameters(request.http, {});
-    const auto [session, principal] = beginWriting(request);
+    const Claim claim = claimOfPoint(*request.session, request.ids[0]);
+    const auto [session, principal] = beginWriting(request, claim);
     const StoredDocument stored = deletable(*session, principal, request.ids[0]);
     const Withdrawal withdrawal =
         deletePoint(*session, fromDocument<PointLocation>(stored.text), principal.owner());
@@ -52,7 +54,8 @@ HttpResponse deleteReadings(ApiRequest& request)
     const Parameters parameters(request.http, {"where"});
     const Where where = requiredCondition(parameters, "every sample of the point would be deleted");
     requireMembersOfSamples(where);
-    const auto [session, principal] = beginWriting(request);
+    const Claim claim = claimOfPoint(*request.session, request.ids[0]);
+    const auto [session, principal] = beginWriting(request, claim);
     const StoredDocument stored = deletable(*session, principal, request.ids[0]);
     const Withdrawal withdrawal =
         deleteSamples(*session, fromDocument<PointLocation>(stored.text), where, principal.owner());
