@@ -4,22 +4,34 @@
 
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <utility>
+#include <vector>
 
 namespace monitorservice::test {
 
-/// A store that counts what is committed through it.
+/// A store that counts what is committed through it, and notes what is claimed.
 class CountingStore final : public Store
 {
 public:
     explicit CountingStore(std::unique_ptr<Store> store) : m_store(std::move(store)) {}
 
     int commits() const { return m_commits; }
+    /// In the order in which they were asked for.
+    std::vector<Claim> claims() const
+    {
+        const std::lock_guard lock(m_guard);
+        return m_claims;
+    }
 
     std::unique_ptr<const Session> read() override { return m_store->read(); }
     using Store::write;
     std::unique_ptr<Session> write(const Claim& claim) override
     {
+        {
+            const std::lock_guard lock(m_guard);
+            m_claims.push_back(claim);
+        }
         return std::make_unique<CountingSession>(m_store->write(claim), m_commits);
     }
     void checkReady() override { m_store->checkReady(); }
@@ -73,6 +85,8 @@ private:
 
     std::unique_ptr<Store> m_store;
     std::atomic<int> m_commits{0};
+    mutable std::mutex m_guard; ///< of what follows
+    std::vector<Claim> m_claims;
 };
 
 } // namespace monitorservice::test
