@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <stdexcept>
@@ -38,6 +39,17 @@ CopyProgress interruptAfter(std::size_t parts)
             throw Interrupted();
         }
     };
+}
+
+// Of the last identifiers the greatest one is copied, and not of which lane it was.
+std::vector<std::string> copiedRowsOf(const std::string& file)
+{
+    std::vector<std::string> rows = rowsOf(file);
+    const auto isLastIdentifier = [](const std::string& row) {
+        return row.rfind("last_identifiers ", 0) == 0;
+    };
+    rows.erase(std::remove_if(rows.begin(), rows.end(), isLastIdentifier), rows.end());
+    return rows;
 }
 
 class CopiedStore : public AskedServices
@@ -115,7 +127,7 @@ TEST_P(CopiedStore, ComesBackFromADatabaseRowByRow)
     EXPECT_GT(there.count.samples, 100U);
     EXPECT_GT(there.count.alarms, 0U);
     const std::string original = services.firstFile();
-    EXPECT_EQ(rowsOf(file), rowsOf(original));
+    EXPECT_EQ(copiedRowsOf(file), copiedRowsOf(original));
     EXPECT_THAT(damageOf(file), ::testing::IsEmpty());
 }
 
