@@ -24,6 +24,7 @@ Examples:
   monitor-service admin --data site.db grant --token ID --project ID --role editor
   monitor-service admin --data site.db grant --token ID --role administrator
   monitor-service admin --data site.db token list --json
+  monitor-service admin --data site.db samples check
   monitor-service admin --data site.db backup site-backup.db
   monitor-service admin restore site-backup.db --data restored.db
   monitor-service admin --store-url-file site.url project list
@@ -125,7 +126,7 @@ void addDataOptions(CLI::App& command, AdminSettings& settings)
 void addAdminCommand(CLI::App& application)
 {
     CLI::App* const admin =
-        application.add_subcommand("admin", "Projects, categories, tokens and grants; backups")
+        application.add_subcommand("admin", "Projects, categories, tokens and grants; checks and backups")
             ->require_subcommand(1);
     admin->footer(examples);
     const auto settings = std::make_shared<AdminSettings>();
@@ -134,6 +135,7 @@ void addAdminCommand(CLI::App& application)
     addSubCategoryCommands(*admin, settings);
     addTokenCommands(*admin, settings);
     addGrantCommands(*admin, settings);
+    addSampleCommands(*admin, settings);
     addBackupCommands(*admin, settings);
     addDataOptions(*admin, *settings);
 }

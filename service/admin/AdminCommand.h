@@ -33,6 +33,7 @@ void addAdminCommand(CLI::App& application);
 void addBackupCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);
 void addProjectCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);
 void addCategoryCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);
+void addSampleCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);
 void addSubCategoryCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);
 void addTokenCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);
 void addGrantCommands(CLI::App& admin, const std::shared_ptr<AdminSettings>& settings);

@@ -5,6 +5,7 @@
 #include "domain/AlarmDetail.h"
 #include "domain/Group.h"
 #include "domain/SubCategory.h"
+#include "inspection/SampleCheck.h"
 #include "json/JsonText.h"
 #include "store/OpenStore.h"
 #include "store/StoreContents.h"
@@ -426,6 +427,7 @@ std::vector<std::string> flawsOf(const std::string& location, const Site& site)
         flaws = damageOf(location);
     }
     const std::unique_ptr<Store> store = openStore(location);
+    checkSamples(*store, [&flaws](const std::string& flaw) { flaws.push_back(flaw); });
     for (std::vector<std::string> more :
          {Contradictions(*store->read(), site).find(), identifiersAfterTheNext(*store, site)}) {
         flaws.insert(flaws.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));

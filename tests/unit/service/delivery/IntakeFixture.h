@@ -57,7 +57,7 @@ protected:
         now += 1000;
         try {
             const Delivery delivery = parseDelivery(body);
-            const auto session = store.write();
+            const auto session = store.write(claimOf(delivery));
             const auto mayDo = [this](Right right, const std::string& project, const std::string&) {
                 return lacking.count({right, project}) == 0;
             };
