@@ -72,11 +72,10 @@ TEST_F(SampleCheck, NamesThePointOfAFlaw)
 {
     damage(
         "UPDATE point_locations SET document = replace(document, '\"insertCount\":1', '\"insertCount\":7')");
-    EXPECT_THAT(
-        flaws(),
-        ElementsAre(
-            AllOf(HasSubstr("project \"Bluff\", monitoring \"cell c3\", \"level s3\", point \"P2\" at 2.5 ("),
-                  HasSubstr("): 1 samples are held, but 7 are counted"))));
+    EXPECT_THAT(flaws(),
+                ElementsAre(AllOf(
+                    HasSubstr("project \"Bluff\", monitoring \"cell c3\", \"sub s3\", point \"P2\" at 2.5 ("),
+                    HasSubstr("): 1 samples are held, but 7 are counted"))));
 }
 
 TEST_F(SampleCheck, FindsDaysThatAreKeptOtherwise)
