@@ -66,7 +66,7 @@ TEST_F(SampleCommands, PrintTheSamplesOfAPoint)
 
 TEST_F(SampleCommands, OfNothingAreRefused)
 {
-    expectFailure({"samples", "check"}, "no such file");
+    expectFailure({"samples", "check"}, "it does not exist");
     newProject();
     expectFailure({"samples", "dump", "none"}, "there is no point location \"none\"");
     EXPECT_EQ(line({"samples", "check"}), "0 points, 0 samples on 0 days: nothing is wrong");
