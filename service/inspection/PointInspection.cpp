@@ -4,7 +4,6 @@
 #include "time/Timestamp.h"
 
 #include <algorithm>
-#include <cstring>
 #include <functional>
 #include <limits>
 #include <set>
@@ -23,24 +22,16 @@ std::string nameOfDay(std::int64_t day)
     return isoText(day * millisecondsPerDay).substr(0, 10);
 }
 
-// Bit for bit: a value that is no number is equal to itself. The sign of zero is not kept by every store.
-bool isSameValue(double left, double right)
-{
-    return left == right || std::memcmp(&left, &right, sizeof left) == 0;
-}
-
 bool isSame(const Sample& left, const Sample& right)
 {
-    return std::tie(left.time, left.count, left.offsetMinutes, left.timeFlag) ==
-               std::tie(right.time, right.count, right.offsetMinutes, right.timeFlag) &&
-           isSameValue(left.value, right.value);
+    return std::tie(left.time, left.count, left.offsetMinutes, left.value, left.timeFlag) ==
+           std::tie(right.time, right.count, right.offsetMinutes, right.value, right.timeFlag);
 }
 
 bool isSame(const DaySummary& left, const DaySummary& right)
 {
-    return std::tie(left.day, left.time, left.count, left.offsetMinutes, left.samples) ==
-               std::tie(right.day, right.time, right.count, right.offsetMinutes, right.samples) &&
-           isSameValue(left.value, right.value);
+    return std::tie(left.day, left.time, left.count, left.offsetMinutes, left.value, left.samples) ==
+           std::tie(right.day, right.time, right.count, right.offsetMinutes, right.value, right.samples);
 }
 
 class Inspection
