@@ -245,7 +245,7 @@ PostgresStore::PostgresStore(std::string url, StoreOptions options)
     : m_url(std::move(url)), m_options(std::move(options)), m_writing(mostWriters)
 {
     try {
-        auto connection = std::make_unique<PostgresConnection>(m_url);
+        auto connection = connect();
         if (!m_options.createIfMissing && !isSetUp(*connection)) {
             throw StoreError(StoreFailure::CannotOpen, "holds no data of a monitor-service");
         }
@@ -398,8 +398,29 @@ std::unique_ptr<PostgresConnection> PostgresStore::begin(const Begin& begin)
         }
         forgetIdle();
     }
-    auto connection = std::make_unique<PostgresConnection>(m_url);
+    auto connection = connect();
     begin(*connection);
+    return connection;
+}
+
+// Each server that takes over begins a new timeline, numbered in 8 hexadecimal digits. One that comes back
+// with an earlier one knows nothing of what was written since, and what it takes in would be lost.
+std::unique_ptr<PostgresConnection> PostgresStore::connect()
+{
+    auto connection = std::make_unique<PostgresConnection>(m_url);
+    const PostgresResult found = connection->run(
+        "SELECT left(pg_walfile_name(pg_current_wal_lsn()), 8) WHERE NOT pg_is_in_recovery()");
+    if (!found.isEmpty()) {
+        const std::string timeline = found.text(0, 0);
+        const std::lock_guard lock(m_poolMutex);
+        if (timeline < m_timeline) {
+            throw StoreError(StoreFailure::Unreachable,
+                             placeOf(m_url) + ": the server has timeline " + timeline +
+                                 ", after another one had " + m_timeline +
+                                 ": it was the primary before that one, and must not be used");
+        }
+        m_timeline = timeline;
+    }
     return connection;
 }
 

@@ -16,7 +16,9 @@ class PostgresConnection;
 
 /// The store in a PostgreSQL database, version 15 or later, that several services and commands may use at
 /// once. A session that reads sees one snapshot; sessions that write what others have claimed wait for them,
-/// over all processes. Connections are kept for the sessions to come, and those that are lost are replaced.
+/// over all processes. A server that was the primary and comes back after another one has taken its place is
+/// not used by those who have used the other one. Connections are kept for the sessions to come, and those
+/// that are lost are replaced.
 class PostgresStore final : public Store
 {
 public:
@@ -45,6 +47,7 @@ private:
     std::unique_ptr<PostgresConnection> begin(const Begin& begin);
     Turn takeTurn(std::vector<Lane> lanes, std::chrono::steady_clock::time_point deadline);
     bool wasCommitted(const Turn& turn);
+    std::unique_ptr<PostgresConnection> connect();
     std::unique_ptr<PostgresConnection> takeIdle();
     void forgetIdle();
     void giveBack(std::unique_ptr<PostgresConnection> connection);
@@ -54,6 +57,7 @@ private:
     Turns m_writing;
     std::mutex m_poolMutex;
     std::vector<std::unique_ptr<PostgresConnection>> m_idle;
+    std::string m_timeline; ///< the latest that a primary had
 };
 
 } // namespace monitorservice

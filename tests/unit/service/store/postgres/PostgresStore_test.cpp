@@ -4,6 +4,7 @@
 #include "store/postgres/PostgresConnection.h"
 #include "store/postgres/PostgresSchema.h"
 #include "support/PostgresDatabase.h"
+#include "support/PostgresServer.h"
 #include "trail/AuditTrail.h"
 
 #include <gmock/gmock.h>
@@ -11,10 +12,12 @@
 #include <libpq-fe.h>
 
 #include <chrono>
+#include <functional>
 #include <future>
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace monitorservice {
@@ -72,6 +75,13 @@ std::optional<StoreFailure> failureOf(const Action& action)
         return error.failure();
     }
     return std::nullopt;
+}
+
+void waitFor(const std::function<bool()>& condition)
+{
+    while (!condition()) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
 }
 
 TEST(PostgresStore, DatabaseIsSetUpOnceAndKnownFromThenOn)
@@ -180,6 +190,43 @@ TEST(PostgresStore, WhoWritesIsWaitedForBeforeTheVersionChanges)
                     "WHERE key = 'lastIdentifier'; COMMIT");
     EXPECT_EQ(opening.get(), "opened");
     EXPECT_EQ(PostgresStore(database.url()).read()->lastIdentifier(), "fff000000000000000000007");
+}
+
+// It is the first one that the address names.
+TEST(PostgresStore, FormerPrimaryThatComesBackIsNotUsed)
+{
+    test::PostgresServer primary;
+    const test::PostgresServer standby = primary.standby();
+    const std::string both =
+        "postgresql:///postgres?host=" + primary.folder() + "," + standby.folder() + "&user=postgres";
+    PostgresStore store(both, creating());
+    const auto add = [](Store& to, const char* category) {
+        const auto session = to.write();
+        session->categories().add(category);
+        session->commit();
+    };
+    const auto contains = [&store](const char* category) {
+        return store.read()->categories().contains(category);
+    };
+    add(store, "before");
+    PostgresConnection promoting(standby.url("postgres") + "&target_session_attrs=any");
+    waitFor([&promoting] {
+        return promoting.run("SELECT 1 FROM pg_class WHERE relname = 'categories'").rows() > 0 &&
+               !promoting.run("SELECT 1 FROM categories").isEmpty();
+    });
+    primary.kill();
+    EXPECT_TRUE(promoting.run("SELECT pg_promote()").boolean(0, 0));
+    waitFor([&contains] { return failureOf([&contains] { contains("before"); }) == std::nullopt; });
+    add(store, "after");
+    primary.start();
+    promoting.execute("SELECT pg_terminate_backend(pid, 60000) FROM pg_stat_activity WHERE "
+                      "usename = 'postgres' AND backend_type = 'client backend' AND pid <> pg_backend_pid()");
+    EXPECT_EQ(failureOf([&contains] { contains("after"); }), StoreFailure::Unreachable);
+    EXPECT_EQ(failureOf([&] { add(store, "lost"); }), StoreFailure::Unreachable);
+    EXPECT_EQ(failureOf([&store] { store.checkReady(); }), StoreFailure::Unreachable);
+    primary.kill();
+    EXPECT_TRUE(contains("before"));
+    EXPECT_TRUE(contains("after"));
 }
 
 class OpenPostgresStore : public ::testing::Test
