@@ -6,7 +6,7 @@ namespace monitorservice {
 namespace {
 
 // GET projects/{project}/alarmManages: the alarms, or with "open" those that are open, newest first;
-// identifiers rise with time whatever the clock does.
+// identifiers rise with time.
 HttpResponse listAlarms(ApiRequest& request)
 {
     const std::string& project = request.ids[0];

@@ -6,7 +6,7 @@ namespace monitorservice {
 
 namespace {
 
-// Newest first; identifiers rise with time whatever the clock does.
+// Newest first; identifiers rise with time.
 HttpResponse answerChanges(const ApiRequest& request, const ListReach& reach)
 {
     ListKind list;
