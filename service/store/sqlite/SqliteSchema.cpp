@@ -501,14 +501,19 @@ void toEighthVersion(SqliteConnection& connection)
 constexpr std::array migrations{toFirstVersion, toSecondVersion, toThirdVersion,   toFourthVersion,
                                 toFifthVersion, toSixthVersion,  toSeventhVersion, toEighthVersion};
 
+// In one statement, as between two of them another process may set the file up.
 void checkOwnership(SqliteConnection& connection)
 {
-    const std::int64_t owner = connection.integer("PRAGMA application_id");
-    const bool empty = connection.integer("SELECT count(*) FROM sqlite_schema") == 0;
-    if (owner != applicationId && !(owner == 0 && empty)) {
+    SqliteStatement found = connection.statement(
+        "SELECT (SELECT application_id FROM pragma_application_id), "
+        "(SELECT user_version FROM pragma_user_version), EXISTS (SELECT 1 FROM sqlite_schema)");
+    found.step();
+    const std::int64_t owner = found.integer(0);
+    const std::int64_t version = found.integer(1);
+    const bool isEmpty = found.integer(2) == 0;
+    if (owner != applicationId && !(owner == 0 && isEmpty)) {
         throw StoreError(StoreFailure::CannotOpen, "is a database of another application");
     }
-    const std::int64_t version = connection.integer("PRAGMA user_version");
     if (version > static_cast<std::int64_t>(migrations.size())) {
         throw StoreError(StoreFailure::CannotOpen, "has data of version " + std::to_string(version) +
                                                        ", written by a later monitor-service; " +

@@ -18,6 +18,7 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include <fstream>
 #include <functional>
 #include <iostream>
 
@@ -344,6 +345,68 @@ TEST_F(SqliteSchema, IdentifiersOfTheSeventhVersionAreFollowed)
     EXPECT_EQ(store.read()->lastIdentifier(), last);
     EXPECT_GT(store.write()->newIdentifier(), last);
     EXPECT_GT(store.write(Claim{{{{"c", "s"}}}})->newIdentifier(), last);
+}
+
+// Sets a file up from another connection, as soon as it can, from a certain statement of the first one on.
+class SetUpMeanwhile
+{
+public:
+    SetUpMeanwhile(SqliteConnection& first, std::filesystem::path file, int statement)
+        : m_first(first.database().getHandle()), m_file(std::move(file)), m_left(statement)
+    {
+        sqlite3_trace_v2(m_first, SQLITE_TRACE_STMT, &SetUpMeanwhile::atStatement, this);
+    }
+    ~SetUpMeanwhile() { sqlite3_trace_v2(m_first, 0, nullptr, nullptr); }
+    SetUpMeanwhile(const SetUpMeanwhile&) = delete;
+    SetUpMeanwhile& operator=(const SetUpMeanwhile&) = delete;
+
+    bool isDone() const { return m_isDone; }
+    bool wasReached() const { return m_left <= 0; }
+
+private:
+    static int atStatement(unsigned /*event*/, void* self, void* /*statement*/, void* /*text*/)
+    {
+        static_cast<SetUpMeanwhile*>(self)->next();
+        return 0;
+    }
+
+    void next()
+    {
+        if (m_isDone || --m_left > 0) {
+            return;
+        }
+        constexpr std::chrono::milliseconds atOnce(0);
+        try {
+            SqliteConnection other(m_file, SqliteConnection::Access::Write, atOnce);
+            migrate(other, atOnce);
+            m_isDone = true;
+        } catch (const StoreError& error) {
+            EXPECT_EQ(error.failure(), StoreFailure::Busy) << error.what();
+        }
+    }
+
+    sqlite3* m_first;
+    std::filesystem::path m_file;
+    int m_left;
+    bool m_isDone = false;
+};
+
+TEST(SqliteSchemaOfTwo, FileThatIsSetUpByAnotherMeanwhileIsUsed)
+{
+    int done = 0;
+    bool isOver = false;
+    for (int statement = 1; !isOver; ++statement) {
+        const test::TemporaryFolder folder;
+        const std::filesystem::path file = folder.file("data.db");
+        std::ofstream(file).close();
+        SqliteConnection connection(file, SqliteConnection::Access::Write, patience);
+        const SetUpMeanwhile meanwhile(connection, file, statement);
+        EXPECT_NO_THROW(migrate(connection, patience)) << "another one at statement " << statement;
+        EXPECT_NO_THROW(requireKnown(connection));
+        done += meanwhile.isDone() ? 1 : 0;
+        isOver = !meanwhile.wasReached();
+    }
+    EXPECT_GT(done, 1);
 }
 
 TEST_F(SqliteSchema, EveryIndexOfATableWithFiguresHasThem)
