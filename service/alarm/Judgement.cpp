@@ -1,6 +1,7 @@
 #include "alarm/Judgement.h"
 
 #include "alarm/NamedPoints.h"
+#include "store/QuantityQuery.h"
 #include "store/StoreError.h"
 
 #include <algorithm>
@@ -16,14 +17,9 @@ constexpr Instant endOfTime = std::numeric_limits<Instant>::max();
 
 bool hasAlarms(const Session& session, const MonitoredQuantity& quantity)
 {
-    const Where where = Where::equals("subCategoryId", quantity.subCategory);
-    DocumentQuery query;
-    query.project = quantity.project;
-    query.parent = quantity.cell;
-    query.where = &where;
-    query.limit = 1;
+    const QuantityQuery first(quantity, 1);
     bool found = false;
-    session.documents(DocumentKind::Alarm).visit(query, [&found](std::string_view /*document*/) {
+    session.documents(DocumentKind::Alarm).visit(first.query(), [&found](std::string_view /*document*/) {
         found = true;
     });
     return found;
@@ -297,6 +293,12 @@ Judgement::Judgement(Session& session, const MonitoredQuantity& quantity, LocalD
     : m_session(session), m_quantity(quantity), m_days(days), m_limits(session, quantity),
       m_book(session, quantity, days, author), m_hasAlarms(hasAlarms(session, quantity))
 {
+}
+
+void Judgement::expect(const Session& session, const MonitoredQuantity& quantity)
+{
+    QuantityLimits::expect(session, quantity);
+    session.documents(DocumentKind::Alarm).expect(QuantityQuery(quantity, 1).query());
 }
 
 void Judgement::judge(const ChangedPoint& changed)

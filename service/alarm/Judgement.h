@@ -52,6 +52,9 @@ public:
     /// All of it must outlive the judgement.
     Judgement(Session& session, const MonitoredQuantity& quantity, LocalDays& days, const Author& author);
 
+    /// Tells the store that a judgement of the quantity is about to be made.
+    static void expect(const Session& session, const MonitoredQuantity& quantity);
+
     /// False when no group limits the name, and there are no alarms in which it might stand: its readings
     /// need not be judged.
     bool concerns(std::string_view name) const { return m_hasAlarms || !m_limits.of(name).empty(); }

@@ -1,5 +1,7 @@
 #include "alarm/QuantityLimits.h"
 
+#include "store/QuantityQuery.h"
+
 #include <set>
 #include <utility>
 
@@ -7,14 +9,15 @@ namespace monitorservice {
 
 QuantityLimits::QuantityLimits(const Session& session, const MonitoredQuantity& quantity)
 {
-    const Where where = Where::equals("subCategoryId", quantity.subCategory);
-    DocumentQuery query;
-    query.project = quantity.project;
-    query.parent = quantity.cell;
-    query.where = &where;
-    session.documents(DocumentKind::Group).visit(query, [this](std::string_view document) {
+    const QuantityQuery groups(quantity);
+    session.documents(DocumentKind::Group).visit(groups.query(), [this](std::string_view document) {
         add(fromDocument<Group>(document));
     });
+}
+
+void QuantityLimits::expect(const Session& session, const MonitoredQuantity& quantity)
+{
+    session.documents(DocumentKind::Group).expect(QuantityQuery(quantity).query());
 }
 
 void QuantityLimits::add(Group group)

@@ -26,6 +26,9 @@ class QuantityLimits
 public:
     QuantityLimits(const Session& session, const MonitoredQuantity& quantity);
 
+    /// Tells the store that those of the quantity are about to be made.
+    static void expect(const Session& session, const MonitoredQuantity& quantity);
+
     /// The groups with a limit that list the name, by identifier; they live as long as this.
     const std::vector<const LimitingGroup*>& of(std::string_view name) const;
 

@@ -130,8 +130,10 @@ HttpResponse Api::answerOrRefuse(HttpRequest& request, std::string& caller) cons
 
 HttpResponse Api::answerClient(HttpRequest& request, std::string& caller) const
 {
-    std::unique_ptr<const Session> session = m_store.read();
-    Principal principal = authenticate(*session, request.authorization);
+    Expectations expected;
+    expected.secretHash = secretHashOf(request.authorization);
+    std::unique_ptr<const Session> session = m_store.read(expected);
+    Principal principal = authenticate(*session, expected.secretHash);
     caller = principal.token();
     RouteMatch match = findRoute(m_routes, request);
     ApiRequest apiRequest{request, std::move(match.ids), m_store, std::move(session), std::move(principal)};

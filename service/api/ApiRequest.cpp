@@ -6,11 +6,12 @@
 
 namespace monitorservice {
 
-Writing beginWriting(ApiRequest& request, const Claim& claim)
+Writing beginWriting(ApiRequest& request, const Claim& claim, Expectations expected)
 {
     request.session.reset();
-    std::unique_ptr<Session> session = request.store.write(claim);
-    Principal principal = authenticate(*session, request.http.authorization);
+    expected.secretHash = secretHashOf(request.http.authorization);
+    std::unique_ptr<Session> session = request.store.write(claim, expected);
+    Principal principal = authenticate(*session, expected.secretHash);
     return {std::move(session), std::move(principal)};
 }
 

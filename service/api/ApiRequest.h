@@ -27,8 +27,9 @@ struct Writing
     Principal principal;
 };
 
-/// Ends the reading session and waits for the turn to write what is claimed. The token and its grants are
-/// read once more: what was revoked during the wait is refused.
-Writing beginWriting(ApiRequest& request, const Claim& claim = {});
+/// Ends the reading session and waits for the turn to write what is claimed; what is expected is what the
+/// request will look up then. The token and its grants are read once more: what was revoked during the wait
+/// is refused.
+Writing beginWriting(ApiRequest& request, const Claim& claim = {}, Expectations expected = {});
 
 } // namespace monitorservice

@@ -34,20 +34,26 @@ std::string_view tokenIn(const std::optional<std::string>& authorization)
 
 } // namespace
 
-Principal authenticate(const Session& session, const std::optional<std::string>& authorization)
+std::string secretHashOf(const std::optional<std::string>& authorization)
 {
-    // Found by its hash: how long the search takes tells nothing about the tokens there are.
-    const std::optional<Token> token = session.tokens().findBySecretHash(sha256(tokenIn(authorization)));
-    if (!token) {
+    return sha256(tokenIn(authorization));
+}
+
+// Found by its hash: how long the search takes tells nothing about the tokens there are.
+Principal authenticate(const Session& session, const std::string& secretHash)
+{
+    const std::optional<Bearer> bearer = session.tokens().findBearer(secretHash);
+    if (!bearer) {
         throw AuthenticationError("the token is not known");
     }
-    if (token->revokedAt) {
-        throw AuthenticationError("the token has been revoked", token->id);
+    const Token& token = bearer->token;
+    if (token.revokedAt) {
+        throw AuthenticationError("the token has been revoked", token.id);
     }
-    if (token->expiresAt && session.now() >= *token->expiresAt) {
-        throw AuthenticationError("the token has expired", token->id);
+    if (token.expiresAt && session.now() >= *token.expiresAt) {
+        throw AuthenticationError("the token has expired", token.id);
     }
-    return {token->owner, session.grants().ofToken(token->id), token->id};
+    return {token.owner, bearer->grants, token.id};
 }
 
 } // namespace monitorservice

@@ -26,8 +26,11 @@ private:
     std::string m_token;
 };
 
-/// The bearer of the token in an Authorization field (RFC 6750, section 2.1), as the session sees the token
-/// and its grants: what was revoked before the session began holds no longer. Throws AuthenticationError.
-Principal authenticate(const Session& session, const std::optional<std::string>& authorization);
+/// The SHA-256 of the token in an Authorization field (RFC 6750, section 2.1). Throws AuthenticationError.
+std::string secretHashOf(const std::optional<std::string>& authorization);
+
+/// The bearer of the token with this hash, as the session sees the token and its grants: what was revoked
+/// before the session began holds no longer. Throws AuthenticationError.
+Principal authenticate(const Session& session, const std::string& secretHash);
 
 } // namespace monitorservice

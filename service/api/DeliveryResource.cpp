@@ -23,7 +23,7 @@ std::string takeIn(ApiRequest& request)
 {
     const Delivery delivery = parseDelivery(request.http.body);
     std::string().swap(request.http.body); // up to 64 MiB that nobody needs during the wait and the writing
-    const auto [session, principal] = beginWriting(request, claimOf(delivery));
+    const auto [session, principal] = beginWriting(request, claimOf(delivery), expectationsOf(delivery));
     const Principal& sender = principal;
     const MayDo mayDo = [&sender](Right right, const std::string& project, const std::string& category) {
         return sender.may(right, project, category);

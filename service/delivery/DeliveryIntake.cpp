@@ -67,10 +67,11 @@ std::vector<DayPeriod> daysOf(const DeliveredPoint& point, LocalDays& calendar)
     return days;
 }
 
-// Tells the store what the next points need that go where the first of them goes.
-void announce(Session& session, TargetTally& tally, const Delivery& delivery, std::size_t first)
+// Tells the store what the next points need that go where the first of them goes; gives the place of the
+// first one it does not know of.
+std::size_t announce(Session& session, const DeliveryTarget& target, const Delivery& delivery,
+                     std::size_t first)
 {
-    const DeliveryTarget& target = tally.target;
     std::vector<ExpectedPoint> expected;
     std::size_t days = 0;
     std::size_t next = first;
@@ -82,7 +83,7 @@ void announce(Session& session, TargetTally& tally, const Delivery& delivery, st
         }
     }
     session.measurements().expect(target.quantity.cell, target.quantity.subCategory, expected);
-    tally.announced = next;
+    return next;
 }
 
 // A point as it will be answered, but for its alarm.
@@ -149,10 +150,13 @@ IntakeResult takeIn(Session& session, const Delivery& delivery, const MayDo& may
         const DeliveryTarget& target = targets.of(delivery, point);
         TargetTally*& tally = tallyOf[&target];
         if (tally == nullptr) {
+            DeliveryRecord::expect(session, target.quantity);
+            Judgement::expect(session, target.quantity);
+            const std::size_t announced = announce(session, target, delivery, i);
             tally = &tallies.emplace_back(session, target, author);
-        }
-        if (i >= tally->announced) {
-            announce(session, *tally, delivery, i);
+            tally->announced = announced;
+        } else if (i >= tally->announced) {
+            tally->announced = announce(session, target, delivery, i);
         }
         const Merging merging{target, delivery, tally->record.mark(), author};
         MergedPoint merged = mergePoint(session, merging, point, tally->judgement.concerns(point.name));

@@ -2,6 +2,7 @@
 
 #include "domain/History.h"
 #include "domain/PointLocation.h"
+#include "store/QuantityQuery.h"
 #include "time/Timestamp.h"
 
 #include <utility>
@@ -69,17 +70,17 @@ void replaceRemoved(Session& session, DataManage& dataManage, std::int64_t remov
 
 std::optional<DataManage> findDataManage(const Session& session, const MonitoredQuantity& quantity)
 {
-    const Where where = Where::equals("subCategoryId", quantity.subCategory);
-    DocumentQuery query;
-    query.project = quantity.project;
-    query.parent = quantity.cell;
-    query.where = &where;
-    query.limit = 1;
+    const QuantityQuery first(quantity, 1);
     std::optional<DataManage> found;
-    session.documents(DocumentKind::DataManage).visit(query, [&found](std::string_view document) {
+    session.documents(DocumentKind::DataManage).visit(first.query(), [&found](std::string_view document) {
         found = fromDocument<DataManage>(document);
     });
     return found;
+}
+
+void DeliveryRecord::expect(const Session& session, const MonitoredQuantity& quantity)
+{
+    session.documents(DocumentKind::DataManage).expect(QuantityQuery(quantity, 1).query());
 }
 
 DeliveryRecord::DeliveryRecord(Session& session, const MonitoredQuantity& quantity, const Author& author)

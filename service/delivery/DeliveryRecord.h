@@ -42,6 +42,9 @@ public:
     /// All of it must outlive the record.
     DeliveryRecord(Session& session, const MonitoredQuantity& quantity, const Author& author);
 
+    /// Tells the store that a record of the quantity is about to be made.
+    static void expect(const Session& session, const MonitoredQuantity& quantity);
+
     /// Under which it will be noted.
     const DeliveryMark& mark() const { return m_mark; }
 

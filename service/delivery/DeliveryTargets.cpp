@@ -13,6 +13,9 @@ namespace {
 // Each takes a lock of those that a database has for all; whoever needs more takes all at once.
 constexpr std::size_t mostClaimed = 16;
 
+// Documents that are read ahead: they are held.
+constexpr std::size_t mostExpected = 100;
+
 [[noreturn]] void refuse(const std::string& place, const std::string& member, const std::string& reason)
 {
     throw DeliveryRefusal("\"" + place + "." + member + "\": " + reason);
@@ -56,6 +59,31 @@ Claim claimOf(const Delivery& delivery)
         claim.targets->push_back({delivery.points.front().cell, subCategory});
     }
     return claim;
+}
+
+Expectations expectationsOf(const Delivery& delivery)
+{
+    std::set<std::string> cells;
+    std::set<std::string> subCategories;
+    std::set<std::string> projects;
+    for (const DeliveredPoint& point : delivery.points) {
+        cells.insert(point.cell);
+        subCategories.insert(point.subCategory);
+        if (point.project) {
+            projects.insert(*point.project);
+        }
+    }
+    Expectations expected;
+    if (cells.size() + subCategories.size() + projects.size() <= mostExpected) {
+        for (const std::string& cell : cells) {
+            expected.documents.emplace_back(DocumentKind::Cell, cell);
+        }
+        for (const std::string& subCategory : subCategories) {
+            expected.documents.emplace_back(DocumentKind::SubCategory, subCategory);
+        }
+        expected.projects.assign(projects.begin(), projects.end());
+    }
+    return expected;
 }
 
 DeliveryTarget targetOf(const Session& session, const std::string& cell, const std::string& subCategory)

@@ -28,6 +28,9 @@ struct DeliveryTarget
 /// What a session needs that takes the delivery in.
 Claim claimOf(const Delivery& delivery);
 
+/// What it looks up first.
+Expectations expectationsOf(const Delivery& delivery);
+
 /// The target that is there already; whether anybody may edit it is not asked.
 DeliveryTarget targetOf(const Session& session, const std::string& cell, const std::string& subCategory);
 

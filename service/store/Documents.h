@@ -28,6 +28,9 @@ public:
 
     virtual std::optional<StoredDocument> find(const std::string& id) const = 0;
     virtual std::uint64_t count(const DocumentQuery& query) const = 0;
+    /// Says that this query is likely to be visited soon, before anything is changed: a database far away
+    /// gives what several of them find at once. No answer depends on it.
+    virtual void expect(const DocumentQuery& query) const = 0;
     virtual void visit(const DocumentQuery& query, const Visitor& visitor) const = 0;
 
     /// `text` is the whole document; its "_id" is `id`, and its "projectId", if it has one, `project`. It

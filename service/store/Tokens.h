@@ -1,6 +1,6 @@
 #pragma once
 
-#include "access/Token.h"
+#include "access/Bearer.h"
 #include "store/StoreInterface.h"
 
 #include <optional>
@@ -14,8 +14,9 @@ class Tokens : public StoreInterface
 {
 public:
     virtual std::optional<Token> find(const std::string& id) const = 0;
-    /// Expired and revoked ones are found too. The hash is 32 bytes, any of which may be zero.
-    virtual std::optional<Token> findBySecretHash(const std::string& sha256) const = 0;
+    /// Of the token with this hash, expired or revoked as it may be. The hash is 32 bytes, any of which may
+    /// be zero.
+    virtual std::optional<Bearer> findBearer(const std::string& sha256) const = 0;
     /// The hash of the token's text; empty when there is no such token.
     virtual std::string secretHash(const std::string& id) const = 0;
     /// In the order of their identifiers.

@@ -24,15 +24,19 @@ public:
         return m_claims;
     }
 
-    std::unique_ptr<const Session> read() override { return m_store->read(); }
+    using Store::read;
+    std::unique_ptr<const Session> read(const Expectations& expected) override
+    {
+        return m_store->read(expected);
+    }
     using Store::write;
-    std::unique_ptr<Session> write(const Claim& claim) override
+    std::unique_ptr<Session> write(const Claim& claim, const Expectations& expected) override
     {
         {
             const std::lock_guard lock(m_guard);
             m_claims.push_back(claim);
         }
-        return std::make_unique<CountingSession>(m_store->write(claim), m_commits);
+        return std::make_unique<CountingSession>(m_store->write(claim, expected), m_commits);
     }
     void checkReady() override { m_store->checkReady(); }
 

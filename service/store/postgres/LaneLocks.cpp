@@ -5,27 +5,22 @@ namespace monitorservice {
 namespace {
 
 // Nothing but this number keeps a lane's lock out of the way of other locks of numbers: the letters "RKML".
-constexpr const char* lockedLanes = "1380666700";
-
-std::string lockStatement(const char* how, Lane lane)
-{
-    return std::string("SELECT ") + how + "(" + lockedLanes + ", " + std::to_string(lane) + "); ";
-}
+constexpr int lockedLanes = 1380666700;
 
 } // namespace
 
 // Who has one lane shares the lock of all of them, so that who wants all has one lock to wait for. Everybody
 // asks in the same order, and so nobody waits in a circle.
-std::string lockLanes(const std::vector<Lane>& lanes)
+void lockLanes(PostgresConnection& connection, const std::vector<Lane>& lanes)
 {
-    if (lanes.front() == allLanes) {
-        return lockStatement("pg_advisory_xact_lock", allLanes);
+    if (lanes.front() != allLanes) {
+        connection.post("SELECT pg_advisory_xact_lock_shared($1::integer, $2::integer)", lockedLanes,
+                        std::int64_t{allLanes});
     }
-    std::string statements = lockStatement("pg_advisory_xact_lock_shared", allLanes);
     for (const Lane lane : lanes) {
-        statements += lockStatement("pg_advisory_xact_lock", lane);
+        connection.post("SELECT pg_advisory_xact_lock($1::integer, $2::integer)", lockedLanes,
+                        std::int64_t{lane});
     }
-    return statements;
 }
 
 } // namespace monitorservice

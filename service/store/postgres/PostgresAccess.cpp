@@ -5,6 +5,12 @@ namespace monitorservice {
 namespace {
 
 const std::string selectTokens = "SELECT id, owner, name, created_at, expires_at, revoked_at FROM tokens ";
+// With a row for each of the grants, or one without any.
+const std::string selectBearer =
+    "SELECT t.id, t.owner, t.name, t.created_at, t.expires_at, t.revoked_at, "
+    "g.id, g.token, g.project, g.category, g.rights, g.created_at "
+    "FROM tokens AS t LEFT JOIN grants AS g ON g.token = t.id WHERE t.secret_sha256 = $1";
+constexpr int firstOfGrant = 6;
 const std::string selectGrants = "SELECT id, token, project, category, rights, created_at FROM grants ";
 
 Token tokenOf(const PostgresResult& rows, int row)
@@ -17,31 +23,46 @@ Token tokenOf(const PostgresResult& rows, int row)
             rows.optionalInteger(row, 5)};
 }
 
-std::optional<Token> oneToken(const PostgresResult& rows)
+// From this column on.
+Grant grantAt(const PostgresResult& rows, int row, int column)
 {
-    return rows.isEmpty() ? std::nullopt : std::optional(tokenOf(rows, 0));
+    return {rows.text(row, column),
+            rows.text(row, column + 1),
+            rows.optionalText(row, column + 2),
+            rows.optionalText(row, column + 3),
+            Rights::ofBits(rows.integer(row, column + 4)),
+            rows.integer(row, column + 5)};
 }
 
 Grant grantOf(const PostgresResult& rows, int row)
 {
-    return {rows.text(row, 0),
-            rows.text(row, 1),
-            rows.optionalText(row, 2),
-            rows.optionalText(row, 3),
-            Rights::ofBits(rows.integer(row, 4)),
-            rows.integer(row, 5)};
+    return grantAt(rows, row, 0);
 }
 
 } // namespace
 
 std::optional<Token> PostgresTokens::find(const std::string& id) const
 {
-    return oneToken(m_connection.run(selectTokens + "WHERE id = $1", id));
+    const PostgresResult found = m_connection.run(selectTokens + "WHERE id = $1", id);
+    return found.isEmpty() ? std::nullopt : std::optional(tokenOf(found, 0));
 }
 
-std::optional<Token> PostgresTokens::findBySecretHash(const std::string& sha256) const
+std::optional<Bearer> PostgresTokens::findBearer(const std::string& sha256) const
 {
-    return oneToken(m_connection.run(selectTokens + "WHERE secret_sha256 = $1", PostgresBytes{sha256}));
+    const PostgresResult found = m_connection.run(selectBearer, PostgresBytes{sha256});
+    if (found.isEmpty()) {
+        return std::nullopt;
+    }
+    Bearer bearer{tokenOf(found, 0), {}};
+    for (int row = 0; row < found.rows() && !found.isNull(row, firstOfGrant); ++row) {
+        bearer.grants.push_back(grantAt(found, row, firstOfGrant));
+    }
+    return bearer;
+}
+
+void expectBearer(PostgresConnection& connection, const std::string& sha256)
+{
+    connection.expect(selectBearer, PostgresBytes{sha256});
 }
 
 std::string PostgresTokens::secretHash(const std::string& id) const

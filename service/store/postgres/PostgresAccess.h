@@ -12,7 +12,7 @@ public:
     explicit PostgresTokens(PostgresConnection& connection) : m_connection(connection) {}
 
     std::optional<Token> find(const std::string& id) const override;
-    std::optional<Token> findBySecretHash(const std::string& sha256) const override;
+    std::optional<Bearer> findBearer(const std::string& sha256) const override;
     std::string secretHash(const std::string& id) const override;
     std::vector<Token> list() const override;
     void insert(const Token& token, const std::string& sha256) override;
@@ -21,6 +21,9 @@ public:
 private:
     PostgresConnection& m_connection;
 };
+
+/// Sends for what findBearer() will give, as PostgresConnection::expect().
+void expectBearer(PostgresConnection& connection, const std::string& sha256);
 
 class PostgresGrants final : public Grants
 {

@@ -2,6 +2,7 @@
 
 #include "store/postgres/SocketWait.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <utility>
@@ -70,6 +71,14 @@ StoreFailure failureOf(std::string_view state)
         return StoreFailure::Unreachable;
     }
     return kind == "58" || kind == "XX" ? StoreFailure::InputOutput : StoreFailure::Internal;
+}
+
+// Tells a statement with its values from all others.
+std::string keyOf(std::string_view sql, const PostgresValues& values)
+{
+    std::string key(sql);
+    values.appendTo(key);
+    return key;
 }
 
 struct FreeOptions
@@ -155,7 +164,8 @@ PostgresResult PostgresConnection::run(const Sql& sql)
 
 PostgresResult PostgresConnection::runOnce(const std::string& sql, const PostgresValues& values)
 {
-    refuseWhileShowing();
+    beReady();
+    forgetUnlessReading(sql);
     return answer(PQsendQueryParams(m_connection.get(), sql.c_str(), values.count(), nullptr,
                                     values.pointers().data(), values.lengths().data(),
                                     values.formats().data(), binary));
@@ -163,7 +173,11 @@ PostgresResult PostgresConnection::runOnce(const std::string& sql, const Postgre
 
 PostgresResult PostgresConnection::runPrepared(std::string_view sql, const PostgresValues& values)
 {
-    refuseWhileShowing();
+    beReady();
+    if (std::optional<PostgresResult> expected = takeExpected(sql, values)) {
+        return std::move(*expected);
+    }
+    forgetUnlessReading(sql);
     const std::string& name = prepared(sql);
     return answer(PQsendQueryPrepared(m_connection.get(), name.c_str(), values.count(),
                                       values.pointers().data(), values.lengths().data(),
@@ -172,25 +186,32 @@ PostgresResult PostgresConnection::runPrepared(std::string_view sql, const Postg
 
 void PostgresConnection::postPrepared(std::string_view sql, const PostgresValues& values)
 {
-    refuseWhileShowing();
-    if (m_posted >= mostPosted) {
-        settle();
+    beReady();
+    forgetUnlessReading(sql);
+    sendLater(sql, values, {});
+}
+
+void PostgresConnection::expectPrepared(std::string_view sql, const PostgresValues& values)
+{
+    beReady();
+    sendLater(sql, values, keyOf(sql, values));
+}
+
+void PostgresConnection::settle()
+{
+    beReady();
+    if (!m_posted.empty()) {
+        PostgresResult answer = answerOfPosted();
+        if (!answer.isNothing()) {
+            checked(std::move(answer));
+        }
     }
-    const std::string& name = prepared(sql);
-    const bool isSent =
-        (m_posted > 0 || PQenterPipelineMode(m_connection.get()) != 0) &&
-        PQsendQueryPrepared(m_connection.get(), name.c_str(), values.count(), values.pointers().data(),
-                            values.lengths().data(), values.formats().data(), binary) != 0;
-    if (!isSent) {
-        throw lost();
-    }
-    ++m_posted;
 }
 
 PostgresResult PostgresConnection::execute(const std::string& sql)
 {
-    refuseWhileShowing();
     settle();
+    forgetExpected();
     return answer(PQsendQuery(m_connection.get(), sql.c_str()));
 }
 
@@ -204,8 +225,22 @@ void PostgresConnection::rollBack()
         }
         // It goes with all the others.
     }
+    forgetExpected();
     if (PQtransactionStatus(m_connection.get()) != PQTRANS_IDLE) {
         execute("ROLLBACK");
+    }
+}
+
+void PostgresConnection::leave()
+{
+    if (!m_posted.empty() || PQtransactionStatus(m_connection.get()) != PQTRANS_INTRANS) {
+        rollBack();
+        return;
+    }
+    forgetExpected();
+    m_isLeaving = PQsendQuery(m_connection.get(), "ROLLBACK") != 0 && PQflush(m_connection.get()) >= 0;
+    if (!m_isLeaving) {
+        throw lost();
     }
 }
 
@@ -238,7 +273,7 @@ bool PostgresConnection::isConnected() const
 
 bool PostgresConnection::isInWorkingTransaction() const
 {
-    return m_posted > 0 || PQtransactionStatus(m_connection.get()) == PQTRANS_INTRANS;
+    return !m_posted.empty() || PQtransactionStatus(m_connection.get()) == PQTRANS_INTRANS;
 }
 
 int PostgresConnection::serverVersion() const
@@ -275,32 +310,40 @@ PostgresResult PostgresConnection::answer(int isSent)
     if (isSent == 0) {
         throw lost();
     }
-    if (m_posted > 0) {
-        return answerAfterPosted();
+    if (!m_posted.empty()) {
+        return checked(answerOfPosted());
     }
+    ++m_waits;
+    return checked(lastAnswer());
+}
+
+PostgresResult PostgresConnection::lastAnswer()
+{
     send();
     PostgresResult last(nullptr);
     for (;;) {
         receive();
         PostgresResult next(PQgetResult(m_connection.get()));
         if (next.isNothing()) {
-            return checked(std::move(last));
+            return last;
         }
         last = std::move(next);
     }
 }
 
-// Of the statement sent last, or of the first one that failed, after which none is run
+// Of the statement sent last that is not expected, or of the first one that failed, after which none is run
 // (https://www.postgresql.org/docs/15/libpq-pipeline-mode.html).
-PostgresResult PostgresConnection::answerAfterPosted()
+PostgresResult PostgresConnection::answerOfPosted()
 {
-    m_posted = 0;
+    std::vector<std::string> keys = std::exchange(m_posted, {});
+    ++m_waits;
     if (PQpipelineSync(m_connection.get()) == 0) {
         throw lost();
     }
     send();
     PostgresResult last(nullptr);
     bool hasFailed = false;
+    std::size_t place = 0;
     for (;;) {
         receive();
         PostgresResult next(PQgetResult(m_connection.get()));
@@ -314,20 +357,81 @@ PostgresResult PostgresConnection::answerAfterPosted()
         if (next.status() == PGRES_PIPELINE_SYNC) {
             break;
         }
-        if (!hasFailed) {
-            hasFailed = next.status() == PGRES_FATAL_ERROR;
+        const std::string key = place < keys.size() ? std::move(keys[place]) : std::string();
+        ++place;
+        if (hasFailed) {
+            continue;
+        }
+        hasFailed = next.status() == PGRES_FATAL_ERROR;
+        if (hasFailed || key.empty()) {
             last = std::move(next);
+        } else {
+            m_expected.insert_or_assign(key, std::move(next));
         }
     }
     PQexitPipelineMode(m_connection.get());
-    return checked(std::move(last));
+    return last;
 }
 
-// Waits for what was posted.
-void PostgresConnection::settle()
+void PostgresConnection::sendLater(std::string_view sql, const PostgresValues& values, std::string key)
 {
-    if (m_posted > 0) {
-        answerAfterPosted();
+    if (m_posted.size() >= mostPosted) {
+        settle();
+    }
+    const std::string& name = prepared(sql);
+    const bool isSent =
+        (!m_posted.empty() || PQenterPipelineMode(m_connection.get()) != 0) &&
+        PQsendQueryPrepared(m_connection.get(), name.c_str(), values.count(), values.pointers().data(),
+                            values.lengths().data(), values.formats().data(), binary) != 0;
+    if (!isSent) {
+        throw lost();
+    }
+    m_posted.push_back(std::move(key));
+}
+
+std::optional<PostgresResult> PostgresConnection::takeExpected(std::string_view sql,
+                                                               const PostgresValues& values)
+{
+    const bool isComing =
+        std::any_of(m_posted.begin(), m_posted.end(), [](const std::string& key) { return !key.empty(); });
+    if (!isComing && m_expected.empty()) {
+        return std::nullopt;
+    }
+    const std::string key = keyOf(sql, values);
+    if (std::find(m_posted.begin(), m_posted.end(), key) != m_posted.end()) {
+        settle();
+    }
+    const auto found = m_expected.find(key);
+    if (found == m_expected.end()) {
+        return std::nullopt;
+    }
+    PostgresResult result = std::move(found->second);
+    m_expected.erase(found);
+    return result;
+}
+
+void PostgresConnection::forgetExpected()
+{
+    m_expected.clear();
+    std::fill(m_posted.begin(), m_posted.end(), std::string());
+}
+
+void PostgresConnection::forgetUnlessReading(std::string_view sql)
+{
+    constexpr std::string_view reading = "SELECT ";
+    if (sql.substr(0, reading.size()) != reading) {
+        forgetExpected();
+    }
+}
+
+// Most often the answer has long been there.
+void PostgresConnection::finishLeaving()
+{
+    if (std::exchange(m_isLeaving, false)) {
+        const PostgresResult end = lastAnswer();
+        if (end.status() != PGRES_COMMAND_OK) {
+            throw lost();
+        }
     }
 }
 
@@ -376,11 +480,13 @@ PostgresResult PostgresConnection::checked(PostgresResult result) const
                      m_place + ": " + inOneLine(result.errorMessage()));
 }
 
-void PostgresConnection::refuseWhileShowing() const
+// For the next statement.
+void PostgresConnection::beReady()
 {
     if (m_isShowing) {
         throw StoreError(StoreFailure::Internal, "a visitor has called into the session that it visits");
     }
+    finishLeaving();
 }
 
 StoreError PostgresConnection::lost() const

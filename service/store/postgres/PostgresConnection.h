@@ -8,10 +8,14 @@
 #include <libpq-fe.h>
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace monitorservice {
 
@@ -63,12 +67,29 @@ public:
     }
     void postPrepared(std::string_view sql, const PostgresValues& values);
 
+    /// Sends a statement that is likely to be run soon, and does not wait for it: run() with the same values
+    /// gives what was found now, once, unless something was changed in the meantime. Of a statement that
+    /// fails what is waited for next tells, as of one that is posted.
+    template <typename... Values>
+    void expect(std::string_view sql, const Values&... values)
+    {
+        PostgresValues bound;
+        (bound.add(values), ...);
+        expectPrepared(sql, bound);
+    }
+    void expectPrepared(std::string_view sql, const PostgresValues& values);
+
+    /// Waits for all that was sent.
+    void settle();
+
     /// Runs statements that take nothing, separated by semicolons. What the last one gives comes as text, not
     /// in binary.
     PostgresResult execute(const std::string& sql);
 
     /// Ends the transaction, if there is one, without its changes.
     void rollBack();
+    /// The same, without waiting for the end: that the connection was lost is told by what is run next.
+    void leave();
     /// Ends the transaction. StoreFailure::Unreachable when the connection is lost meanwhile, so that the
     /// changes may be there or not. StoreFailure::Unacknowledged when nothing comes within that time, as when
     /// the server waits for a standby that is gone, or when the server says that it has stopped waiting for
@@ -85,6 +106,8 @@ public:
 
     /// Whether it can be used; false once it was lost.
     bool isConnected() const;
+    /// How often the server was waited for since this was asked.
+    std::uint64_t takeWaits() { return std::exchange(m_waits, 0); }
     /// Whether a transaction is under way in which nothing has failed, as far as is known.
     bool isInWorkingTransaction() const;
     /// One that no other cursor of the connection has.
@@ -116,22 +139,32 @@ private:
 
     const std::string& prepared(std::string_view sql);
     PostgresResult answer(int isSent);
-    PostgresResult answerAfterPosted();
-    void settle();
+    void sendLater(std::string_view sql, const PostgresValues& values, std::string key);
+    PostgresResult lastAnswer();
+    PostgresResult answerOfPosted();
+    std::optional<PostgresResult> takeExpected(std::string_view sql, const PostgresValues& values);
+    void forgetExpected();
+    void forgetUnlessReading(std::string_view sql);
+    void finishLeaving();
+    void beReady();
     void send();
     void receive();
     void awaitServer(bool alsoToWrite);
     PostgresResult checked(PostgresResult result) const;
-    void refuseWhileShowing() const;
     StoreError lost() const;
     static void keepWarning(void* connection, const PGresult* notice);
 
     std::string m_place; ///< the server and the database, for messages
     std::unique_ptr<PGconn, Finish> m_connection;
     std::chrono::milliseconds m_patience;
-    std::string m_warning;    ///< the last one of the server
-    std::size_t m_posted = 0; ///< statements not waited for: while there are, libpq is in pipeline mode
+    std::string m_warning; ///< the last one of the server
+    /// Statements not waited for: while there are, libpq is in pipeline mode. Each with its key when what it
+    /// gives is expected.
+    std::vector<std::string> m_posted;
+    std::unordered_map<std::string, PostgresResult> m_expected; ///< what was given, by key
+    bool m_isLeaving = false;                                   ///< the end of a transaction is under way
     bool m_isShowing = false;
+    std::uint64_t m_waits = 0;
     std::unordered_map<std::string, std::string> m_prepared; ///< names by texts
     std::size_t m_named = 0;                                 ///< names given so far
     std::size_t m_cursors = 0;                               ///< likewise

@@ -9,6 +9,15 @@ constexpr int rowsAtOnce = 500;
 // A page of documents.
 constexpr std::uint64_t few = 1000;
 
+// Most have few rows, whatever their limit. The plan of a cursor is made anew each time, which takes longer
+// than to see that.
+std::string selectFirst(const std::string& query, std::uint64_t limit)
+{
+    return limit <= few
+               ? query
+               : "SELECT * FROM (" + query + ") AS first_rows LIMIT " + std::to_string(rowsAtOnce + 1);
+}
+
 } // namespace
 
 PostgresCursor::PostgresCursor(PostgresConnection& connection, const Sql& query, std::uint64_t limit)
@@ -20,22 +29,19 @@ PostgresCursor::PostgresCursor(PostgresConnection& connection, const std::string
                                const PostgresValues& values, std::uint64_t limit)
     : m_connection(connection)
 {
-    if (limit <= few) {
-        m_rows.emplace(connection.runPrepared(query, values));
-        m_isAtEnd = true;
-        return;
-    }
-    // Most have few rows all the same. The plan of a cursor is made anew each time, which takes longer than
-    // to see that.
-    m_rows.emplace(connection.runPrepared(
-        "SELECT * FROM (" + query + ") AS first_rows LIMIT " + std::to_string(rowsAtOnce + 1), values));
-    if (m_rows->rows() <= rowsAtOnce) {
+    m_rows.emplace(connection.runPrepared(selectFirst(query, limit), values));
+    if (limit <= few || m_rows->rows() <= rowsAtOnce) {
         m_isAtEnd = true;
         return;
     }
     m_rows.reset();
     m_name = connection.newCursorName();
     connection.runOnce("DECLARE " + m_name + " NO SCROLL CURSOR FOR " + query, values);
+}
+
+void PostgresCursor::expect(PostgresConnection& connection, const Sql& query, std::uint64_t limit)
+{
+    connection.expectPrepared(selectFirst(query.text(postgresDialect), limit), valuesOf(query));
 }
 
 PostgresCursor::~PostgresCursor()

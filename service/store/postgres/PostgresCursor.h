@@ -19,6 +19,9 @@ public:
                    std::uint64_t limit = std::numeric_limits<std::uint64_t>::max());
     PostgresCursor(PostgresConnection& connection, const Sql& query,
                    std::uint64_t limit = std::numeric_limits<std::uint64_t>::max());
+    /// Sends for the first rows of what will be such a cursor, as PostgresConnection::expect().
+    static void expect(PostgresConnection& connection, const Sql& query,
+                       std::uint64_t limit = std::numeric_limits<std::uint64_t>::max());
     /// Closes it, unless the transaction is over or has failed.
     ~PostgresCursor();
     PostgresCursor(const PostgresCursor&) = delete;

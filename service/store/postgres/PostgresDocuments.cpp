@@ -2,7 +2,6 @@
 
 #include "store/postgres/PostgresCursor.h"
 #include "store/postgres/StoredColumns.h"
-#include "store/sql/DocumentSelection.h"
 
 #include <array>
 
@@ -19,6 +18,22 @@ std::array<DocumentTable, allDocumentKinds.size()> allTables()
         tables.at(static_cast<std::size_t>(kind)) = table;
     }
     return tables;
+}
+
+std::string selectById(const DocumentTable& table)
+{
+    return "SELECT project, category, document, project_number FROM " + table.view + " WHERE id = $1";
+}
+
+// A page of those that are chosen without reading them.
+Sql selectPage(const DocumentQuery& query, const DocumentSelection& selection, const Sql& order)
+{
+    return Sql("SELECT document")
+        .append(selection.rows)
+        .append(" ")
+        .append(order)
+        .append(" ")
+        .append(Sql::page(query.skip, query.limit));
 }
 
 RowMatcher::Row textsOf(const PostgresCursor& row)
@@ -38,8 +53,7 @@ PostgresDocuments::PostgresDocuments(PostgresConnection& connection, ProjectNumb
 
 std::optional<StoredDocument> PostgresDocuments::find(const std::string& id) const
 {
-    const PostgresResult found = m_connection.run(
-        "SELECT project, category, document, project_number FROM " + m_table.view + " WHERE id = $1", id);
+    const PostgresResult found = m_connection.run(selectById(m_table), id);
     if (found.isEmpty()) {
         return std::nullopt;
     }
@@ -54,8 +68,7 @@ std::optional<StoredDocument> PostgresDocuments::find(const std::string& id) con
 std::uint64_t PostgresDocuments::count(const DocumentQuery& query) const
 {
     orderOf(query, m_table, postgresDialect); // read for its check alone
-    const DocumentSelection selection =
-        selectDocuments(query, rowsOfProject(query, m_projects), m_table, postgresDialect);
+    const DocumentSelection selection = chosenBy(query);
     if (selection.exact) {
         const PostgresResult counted = m_connection.run(Sql("SELECT count(*)").append(selection.rows));
         return static_cast<std::uint64_t>(counted.integer(0, 0));
@@ -70,20 +83,21 @@ std::uint64_t PostgresDocuments::count(const DocumentQuery& query) const
     return matching;
 }
 
+void PostgresDocuments::expect(const DocumentQuery& query) const
+{
+    const Sql order = orderOf(query, m_table, postgresDialect);
+    const DocumentSelection selection = chosenBy(query);
+    if (selection.exact) {
+        PostgresCursor::expect(m_connection, selectPage(query, selection, order), query.limit);
+    }
+}
+
 void PostgresDocuments::visit(const DocumentQuery& query, const Visitor& visitor) const
 {
     const Sql order = orderOf(query, m_table, postgresDialect);
-    const DocumentSelection selection =
-        selectDocuments(query, rowsOfProject(query, m_projects), m_table, postgresDialect);
+    const DocumentSelection selection = chosenBy(query);
     if (selection.exact) {
-        PostgresCursor cursor(m_connection,
-                              Sql("SELECT document")
-                                  .append(selection.rows)
-                                  .append(" ")
-                                  .append(order)
-                                  .append(" ")
-                                  .append(Sql::page(query.skip, query.limit)),
-                              query.limit);
+        PostgresCursor cursor(m_connection, selectPage(query, selection, order), query.limit);
         while (cursor.next()) {
             m_connection.show(visitor, cursor.view(0));
         }
@@ -107,6 +121,11 @@ void PostgresDocuments::visit(const DocumentQuery& query, const Visitor& visitor
         visitStored(cursor.text(0), visitor);
         --toGive;
     }
+}
+
+DocumentSelection PostgresDocuments::chosenBy(const DocumentQuery& query) const
+{
+    return selectDocuments(query, rowsOfProject(query, m_projects), m_table, postgresDialect);
 }
 
 void PostgresDocuments::visitStored(const std::string& id, const Visitor& visitor) const
@@ -161,6 +180,11 @@ void PostgresDocuments::remove(const std::string& project, const std::string& id
 {
     m_connection.post("DELETE FROM " + m_table.name + " WHERE project_number = $1 AND id = $2",
                       m_projects.of(project), id);
+}
+
+void expectDocument(PostgresConnection& connection, DocumentKind kind, const std::string& id)
+{
+    connection.expect(selectById(postgresTable(kind)), id);
 }
 
 const DocumentTable& postgresTable(DocumentKind kind)

@@ -9,6 +9,7 @@ namespace monitorservice {
 namespace {
 
 const std::string selectProjects = "SELECT id, name, time_zone, created_at FROM projects ";
+const std::string selectProject = selectProjects + "WHERE id = $1";
 
 Project projectOf(const PostgresResult& rows, int row)
 {
@@ -19,8 +20,13 @@ Project projectOf(const PostgresResult& rows, int row)
 
 std::optional<Project> PostgresProjects::find(const std::string& id) const
 {
-    const PostgresResult found = m_connection.run(selectProjects + "WHERE id = $1", id);
+    const PostgresResult found = m_connection.run(selectProject, id);
     return found.isEmpty() ? std::nullopt : std::optional(projectOf(found, 0));
+}
+
+void expectProject(PostgresConnection& connection, const std::string& id)
+{
+    connection.expect(selectProject, id);
 }
 
 std::vector<Project> PostgresProjects::list() const

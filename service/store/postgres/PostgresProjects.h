@@ -26,6 +26,9 @@ private:
     ProjectNumbers& m_numbers;
 };
 
+/// Sends for what find() of projects will give, as PostgresConnection::expect().
+void expectProject(PostgresConnection& connection, const std::string& id);
+
 class PostgresCategories final : public Categories
 {
 public:

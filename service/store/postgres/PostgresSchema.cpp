@@ -335,6 +335,17 @@ CREATE TABLE last_identifiers (
 );
 INSERT INTO last_identifiers (lane, value) SELECT 0, value FROM monitor_state WHERE key = 'lastIdentifier';
 DELETE FROM monitor_state WHERE key = 'lastIdentifier';
+
+-- The server takes no statistics of a table by itself before 50 rows have changed. It then guesses how many there
+-- are, and of few monitorings it guesses so many that it reads all points of a project for a page of them.
+ALTER TABLE project_numbers SET (autovacuum_analyze_threshold = 1);
+ALTER TABLE projects SET (autovacuum_analyze_threshold = 1);
+ALTER TABLE categories SET (autovacuum_analyze_threshold = 1);
+ALTER TABLE sub_categories SET (autovacuum_analyze_threshold = 1);
+ALTER TABLE cells SET (autovacuum_analyze_threshold = 1);
+ALTER TABLE groups SET (autovacuum_analyze_threshold = 1);
+ALTER TABLE tokens SET (autovacuum_analyze_threshold = 1);
+ALTER TABLE grants SET (autovacuum_analyze_threshold = 1);
 )sql";
 }
 
@@ -419,7 +430,7 @@ void migrate(PostgresConnection& connection)
     }
     const std::int64_t version = isNew ? 0 : versionOf(connection);
     checkVersion(version);
-    connection.execute(lockLanes({allLanes}));
+    lockLanes(connection, {allLanes});
     for (auto step = static_cast<std::size_t>(version); step < migrations.size(); ++step) {
         connection.execute(migrations.at(step)());
     }

@@ -39,18 +39,51 @@ AllDocuments documentsOf(PostgresConnection& connection, ProjectNumbers& project
     return {PostgresDocuments(connection, projects, allDocumentKinds.at(indexes))...};
 }
 
-// After which what is given in these lanes has to come.
-std::string selectLastOf(const std::vector<Lane>& lanes)
+constexpr const char* selectLast = "SELECT coalesce(max(value), '') FROM last_identifiers";
+
+// What is to be known of a transaction that has its locks: nothing on a server that takes no writes.
+PostgresResult askAfterTurn(PostgresConnection& connection, const std::vector<Lane>& lanes)
 {
-    std::string select = "SELECT coalesce(max(value), '') FROM last_identifiers";
-    if (lanes.front() != allLanes) {
-        select += " WHERE lane IN (" + std::to_string(allLanes);
-        for (const Lane lane : lanes) {
-            select += ", " + std::to_string(lane);
-        }
-        select += ')';
+    const auto statement = [](const std::string& last) {
+        return "SELECT pg_current_xact_id()::text, left(pg_walfile_name(pg_current_wal_lsn()), 8), (" + last +
+               "), value FROM monitor_state WHERE key = 'version' AND "
+               "NOT current_setting('transaction_read_only')::boolean";
+    };
+    static const std::string ofAll = statement(selectLast);
+    static const std::string ofSome = statement(std::string(selectLast) + " WHERE lane = ANY ($1::bigint[])");
+    if (lanes.front() == allLanes) {
+        return connection.run(ofAll);
     }
-    return select;
+    // What is given in these lanes has to come after what was given in that of all, too.
+    PostgresArray before(PostgresArray::Type::Integer);
+    before.add(std::int64_t{allLanes});
+    for (const Lane lane : lanes) {
+        before.add(std::int64_t{lane});
+    }
+    return connection.run(ofSome, before);
+}
+
+// What no column can hold is refused where it is looked up.
+bool canBeHeld(const std::string& identifier)
+{
+    return identifier.find('\0') == std::string::npos;
+}
+
+void expect(PostgresConnection& connection, const Expectations& expected)
+{
+    if (!expected.secretHash.empty()) {
+        expectBearer(connection, expected.secretHash);
+    }
+    for (const auto& [kind, id] : expected.documents) {
+        if (canBeHeld(id)) {
+            expectDocument(connection, kind, id);
+        }
+    }
+    for (const std::string& project : expected.projects) {
+        if (canBeHeld(project)) {
+            expectProject(connection, project);
+        }
+    }
 }
 
 StoreError cannotOpen(const std::string& url, const StoreError& error)
@@ -112,10 +145,7 @@ public:
         throw StoreError(StoreFailure::Internal, "a session that reads gives no identifiers");
     }
 
-    std::string lastIdentifier() const override
-    {
-        return m_connection.run(selectLastOf({allLanes})).text(0, 0);
-    }
+    std::string lastIdentifier() const override { return m_connection.run(selectLast).text(0, 0); }
 
     void skipIdentifiers(const std::string& /*last*/) override
     {
@@ -261,14 +291,16 @@ PostgresStore::PostgresStore(std::string url, StoreOptions options)
 
 PostgresStore::~PostgresStore() = default;
 
-std::unique_ptr<const Session> PostgresStore::read()
+std::unique_ptr<const Session> PostgresStore::read(const Expectations& expected)
 {
-    return std::make_unique<ReadSession>(*this, begin([](PostgresConnection& connection) {
-        connection.execute("BEGIN ISOLATION LEVEL REPEATABLE READ, READ ONLY");
+    return std::make_unique<ReadSession>(*this, begin([&expected](PostgresConnection& connection) {
+        connection.post("BEGIN ISOLATION LEVEL REPEATABLE READ, READ ONLY");
+        expect(connection, expected);
+        connection.settle();
     }));
 }
 
-std::unique_ptr<Session> PostgresStore::write(const Claim& claim)
+std::unique_ptr<Session> PostgresStore::write(const Claim& claim, const Expectations& expected)
 {
     const auto deadline = std::chrono::steady_clock::now() + m_options.patience;
     std::vector<Lane> lanes = lanesOf(claim);
@@ -276,7 +308,8 @@ std::unique_ptr<Session> PostgresStore::write(const Claim& claim)
     if (!inProcess) {
         throw StoreError(StoreFailure::Busy, "other writes take too long");
     }
-    return std::make_unique<WriteSession>(*this, std::move(inProcess), takeTurn(std::move(lanes), deadline));
+    return std::make_unique<WriteSession>(*this, std::move(inProcess),
+                                          takeTurn(std::move(lanes), deadline, expected));
 }
 
 void PostgresStore::checkReady()
@@ -298,20 +331,20 @@ void PostgresStore::checkReady()
 // Each statement sees what was committed when it begins: those after the locks all that the holders of them
 // have written.
 PostgresStore::Turn PostgresStore::takeTurn(std::vector<Lane> lanes,
-                                            std::chrono::steady_clock::time_point deadline)
+                                            std::chrono::steady_clock::time_point deadline,
+                                            const Expectations& expected)
 {
     Turn turn;
     turn.lanes = std::move(lanes);
-    turn.connection = begin([&turn, deadline](PostgresConnection& connection) {
+    turn.connection = begin([&turn, deadline, &expected](PostgresConnection& connection) {
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
             deadline - std::chrono::steady_clock::now());
-        const PostgresResult taken = connection.execute(
-            "BEGIN ISOLATION LEVEL READ COMMITTED; SET LOCAL lock_timeout = " +
-            std::to_string(std::max<std::int64_t>(left.count(), 1)) + "; " + lockLanes(turn.lanes) +
-            "SELECT pg_current_xact_id(), left(pg_walfile_name(pg_current_wal_lsn()), 8), (" +
-            selectLastOf(turn.lanes) +
-            "), value FROM monitor_state WHERE key = 'version' AND "
-            "NOT current_setting('transaction_read_only')::boolean");
+        connection.post("BEGIN ISOLATION LEVEL READ COMMITTED");
+        connection.post("SELECT set_config('lock_timeout', $1, true)",
+                        std::to_string(std::max<std::int64_t>(left.count(), 1)));
+        lockLanes(connection, turn.lanes);
+        expect(connection, expected);
+        const PostgresResult taken = askAfterTurn(connection, turn.lanes);
         if (taken.isEmpty()) {
             throw StoreError(StoreFailure::NotWritable, readOnly);
         }
@@ -335,7 +368,7 @@ bool PostgresStore::wasCommitted(const Turn& turn)
     for (std::chrono::milliseconds pause(20); std::chrono::steady_clock::now() < deadline; pause *= 2) {
         try {
             // Having the turn, it knows that the lost transaction has come to its end.
-            const Turn next = takeTurn(turn.lanes, deadline);
+            const Turn next = takeTurn(turn.lanes, deadline, {});
             // Numbers of transactions are given anew by a server that was a standby.
             if (next.timeline != turn.timeline) {
                 why = "another server has taken over";
@@ -374,6 +407,12 @@ bool PostgresStore::exists(const std::string& url)
     } catch (const StoreError& error) {
         throw cannotOpen(url, error);
     }
+}
+
+std::uint64_t PostgresStore::takeWaits()
+{
+    const std::lock_guard lock(m_poolMutex);
+    return std::exchange(m_waits, 0);
 }
 
 std::string PostgresStore::nameOf(const std::string& url)
@@ -445,7 +484,7 @@ void PostgresStore::giveBack(std::unique_ptr<PostgresConnection> connection)
 {
     try {
         if (connection->isConnected()) {
-            connection->rollBack();
+            connection->leave();
         }
     } catch (const StoreError&) {
         return;
@@ -454,6 +493,7 @@ void PostgresStore::giveBack(std::unique_ptr<PostgresConnection> connection)
         return;
     }
     const std::lock_guard lock(m_poolMutex);
+    m_waits += connection->takeWaits();
     if (m_idle.size() < mostIdle) {
         m_idle.push_back(std::move(connection));
     }

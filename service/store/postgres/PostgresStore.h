@@ -5,6 +5,7 @@
 #include "store/sql/Turns.h"
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -28,10 +29,14 @@ public:
     explicit PostgresStore(std::string url, StoreOptions options = {});
     ~PostgresStore() override;
 
-    std::unique_ptr<const Session> read() override;
+    using Store::read;
+    std::unique_ptr<const Session> read(const Expectations& expected) override;
     using Store::write;
-    std::unique_ptr<Session> write(const Claim& claim) override;
+    std::unique_ptr<Session> write(const Claim& claim, const Expectations& expected) override;
     void checkReady() override;
+
+    /// How often the sessions that are over have waited for an answer of the server, since this was asked.
+    std::uint64_t takeWaits();
 
     /// Whether the database has the tables of a store. Throws as the constructor.
     static bool exists(const std::string& url);
@@ -45,7 +50,8 @@ private:
 
     template <typename Begin>
     std::unique_ptr<PostgresConnection> begin(const Begin& begin);
-    Turn takeTurn(std::vector<Lane> lanes, std::chrono::steady_clock::time_point deadline);
+    Turn takeTurn(std::vector<Lane> lanes, std::chrono::steady_clock::time_point deadline,
+                  const Expectations& expected);
     bool wasCommitted(const Turn& turn);
     std::unique_ptr<PostgresConnection> connect();
     std::unique_ptr<PostgresConnection> takeIdle();
@@ -57,6 +63,7 @@ private:
     Turns m_writing;
     std::mutex m_poolMutex;
     std::vector<std::unique_ptr<PostgresConnection>> m_idle;
+    std::uint64_t m_waits = 0;
     std::string m_timeline; ///< the latest that a primary had
 };
 

@@ -23,6 +23,14 @@ void PostgresValues::add(const std::string& value)
     addText(value);
 }
 
+void PostgresValues::appendTo(std::string& key) const
+{
+    for (const Value& value : m_values) {
+        key += '\0';
+        key += value.bytes ? std::to_string(value.bytes->size()) + ':' + *value.bytes : std::string("NULL");
+    }
+}
+
 std::vector<const char*> PostgresValues::pointers() const
 {
     std::vector<const char*> pointers;

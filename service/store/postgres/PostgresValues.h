@@ -41,6 +41,8 @@ public:
     }
 
     int count() const { return static_cast<int>(m_values.size()); }
+    /// Appends what tells them from all others.
+    void appendTo(std::string& key) const;
     std::vector<const char*> pointers() const;
     std::vector<int> lengths() const;
     std::vector<int> formats() const;

@@ -13,11 +13,6 @@ Token tokenOf(const SqliteStatement& row)
             row.optionalInteger(5)};
 }
 
-std::optional<Token> oneToken(SqliteStatement& statement)
-{
-    return statement.step() ? std::optional(tokenOf(statement)) : std::nullopt;
-}
-
 std::vector<Grant> allGrants(SqliteStatement& statement)
 {
     std::vector<Grant> grants;
@@ -34,14 +29,18 @@ std::vector<Grant> allGrants(SqliteStatement& statement)
 std::optional<Token> SqliteTokens::find(const std::string& id) const
 {
     SqliteStatement statement = m_connection.statement(selectTokens + "WHERE id = ?");
-    return oneToken(statement.bind(id));
+    return statement.bind(id).step() ? std::optional(tokenOf(statement)) : std::nullopt;
 }
 
-std::optional<Token> SqliteTokens::findBySecretHash(const std::string& sha256) const
+std::optional<Bearer> SqliteTokens::findBearer(const std::string& sha256) const
 {
     SqliteStatement statement = m_connection.statement(selectTokens + "WHERE secret_sha256 = ?");
     statement.bindBlob(sha256);
-    return oneToken(statement);
+    if (!statement.step()) {
+        return std::nullopt;
+    }
+    const Token token = tokenOf(statement);
+    return Bearer{token, SqliteGrants(m_connection).ofToken(token.id)};
 }
 
 std::string SqliteTokens::secretHash(const std::string& id) const

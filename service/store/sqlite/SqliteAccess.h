@@ -12,7 +12,7 @@ public:
     explicit SqliteTokens(SqliteConnection& connection) : m_connection(connection) {}
 
     std::optional<Token> find(const std::string& id) const override;
-    std::optional<Token> findBySecretHash(const std::string& sha256) const override;
+    std::optional<Bearer> findBearer(const std::string& sha256) const override;
     std::string secretHash(const std::string& id) const override;
     std::vector<Token> list() const override;
     void insert(const Token& token, const std::string& sha256) override;

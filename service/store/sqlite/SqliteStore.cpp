@@ -291,13 +291,13 @@ SqliteStore::~SqliteStore()
     m_writer->database().tryExec("PRAGMA wal_checkpoint(TRUNCATE)");
 }
 
-std::unique_ptr<const Session> SqliteStore::read()
+std::unique_ptr<const Session> SqliteStore::read(const Expectations& /*expected*/)
 {
     return std::make_unique<ReadSession>(*this, takeReader());
 }
 
 // The file has one writer at a time, whatever is claimed.
-std::unique_ptr<Session> SqliteStore::write(const Claim& claim)
+std::unique_ptr<Session> SqliteStore::write(const Claim& claim, const Expectations& /*expected*/)
 {
     std::vector<Lane> lanes = lanesOf(claim);
     Turns::Turn turn = m_writing.take(lanes, m_options.patience);

@@ -30,9 +30,10 @@ public:
     /// Moves the write-ahead log into the file, as far as other processes let it.
     ~SqliteStore() override;
 
-    std::unique_ptr<const Session> read() override;
+    using Store::read;
+    std::unique_ptr<const Session> read(const Expectations& expected) override;
     using Store::write;
-    std::unique_ptr<Session> write(const Claim& claim) override;
+    std::unique_ptr<Session> write(const Claim& claim, const Expectations& expected) override;
     void checkReady() override;
 
 private:

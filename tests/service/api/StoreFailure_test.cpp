@@ -10,8 +10,11 @@ class FailingStore final : public Store
 public:
     explicit FailingStore(StoreFailure failure) : m_failure(failure) {}
 
-    std::unique_ptr<const Session> read() override { throw StoreError(m_failure, "/secret/path: failure"); }
-    std::unique_ptr<Session> write(const Claim& /*claim*/) override
+    std::unique_ptr<const Session> read(const Expectations& /*expected*/) override
+    {
+        throw StoreError(m_failure, "/secret/path: failure");
+    }
+    std::unique_ptr<Session> write(const Claim& /*claim*/, const Expectations& /*expected*/) override
     {
         throw StoreError(m_failure, "/secret/path: failure");
     }

@@ -1,5 +1,7 @@
 #include "StoreContract.h"
 
+#include <algorithm>
+
 namespace monitorservice::test {
 namespace {
 
@@ -26,24 +28,51 @@ protected:
 
 TEST_P(AccessRecords, TokenIsFoundByTheHashOfItsSecretAlone)
 {
-    const auto token = session->tokens().findBySecretHash(std::string(32, '\x01'));
-    ASSERT_TRUE(token);
-    EXPECT_EQ(token->id, "t1");
-    EXPECT_EQ(token->owner, "Ada");
-    EXPECT_EQ(token->name, "laptop");
-    EXPECT_FALSE(token->expiresAt);
-    EXPECT_FALSE(token->revokedAt);
-    EXPECT_FALSE(session->tokens().findBySecretHash(std::string(32, '\x02')));
-    EXPECT_FALSE(session->tokens().findBySecretHash(""));
+    const auto bearer = session->tokens().findBearer(std::string(32, '\x01'));
+    ASSERT_TRUE(bearer);
+    EXPECT_TRUE(bearer->grants.empty());
+    const Token& token = bearer->token;
+    EXPECT_EQ(token.id, "t1");
+    EXPECT_EQ(token.owner, "Ada");
+    EXPECT_EQ(token.name, "laptop");
+    EXPECT_FALSE(token.expiresAt);
+    EXPECT_FALSE(token.revokedAt);
+    EXPECT_FALSE(session->tokens().findBearer(std::string(32, '\x02')));
+    EXPECT_FALSE(session->tokens().findBearer(""));
+}
+
+TEST_P(AccessRecords, BearerHasWhatIsGrantedToTheToken)
+{
+    session->tokens().insert({"t2", "Bea", "", 1, std::nullopt, std::nullopt}, "2");
+    Grant whole = grant("g1", std::nullopt, Right::Administer);
+    whole.project = std::nullopt;
+    session->grants().add(whole);
+    session->grants().add(grant("g2", "Settlement", Right::Read));
+    session->grants().add(grant("g3", std::nullopt, Right::Edit));
+    Grant others = grant("g4", std::nullopt, Right::Delete);
+    others.token = "t2";
+    session->grants().add(others);
+
+    std::vector<Grant> grants = session->tokens().findBearer(std::string(32, '\x01'))->grants;
+    std::sort(grants.begin(), grants.end(),
+              [](const Grant& one, const Grant& other) { return one.id < other.id; });
+    ASSERT_EQ(grants.size(), 3U);
+    EXPECT_EQ(grants[0].project, std::nullopt);
+    EXPECT_EQ(grants[0].rights.names(), "administer");
+    EXPECT_EQ(grants[1].category, std::optional<std::string>("Settlement"));
+    EXPECT_EQ(grants[1].token, "t1");
+    EXPECT_EQ(grants[1].createdAt, 1);
+    EXPECT_EQ(grants[2].project, std::optional<std::string>("p1"));
+    EXPECT_EQ(grants[2].category, std::nullopt);
 }
 
 TEST_P(AccessRecords, HashWithANulByteIsComparedWhole)
 {
     const std::string hash("a\0b", 3);
     session->tokens().insert({"t2", "Bea", "", 1, 5, std::nullopt}, hash);
-    EXPECT_EQ(session->tokens().findBySecretHash(hash)->expiresAt, std::optional<Instant>(5));
-    EXPECT_FALSE(session->tokens().findBySecretHash(std::string("a\0c", 3)));
-    EXPECT_FALSE(session->tokens().findBySecretHash("a"));
+    EXPECT_EQ(session->tokens().findBearer(hash)->token.expiresAt, std::optional<Instant>(5));
+    EXPECT_FALSE(session->tokens().findBearer(std::string("a\0c", 3)));
+    EXPECT_FALSE(session->tokens().findBearer("a"));
 }
 
 TEST_P(AccessRecords, TokensAreListedByIdentifier)

@@ -19,7 +19,7 @@ protected:
 TEST_F(TokensAdministered, AreToldOfWithoutTheirSecret)
 {
     const NewToken made = administration.create({"Ada", "laptop", 1999999999999});
-    EXPECT_EQ(session->tokens().findBySecretHash(sha256(made.secret))->id, made.token.id);
+    EXPECT_EQ(session->tokens().findBearer(sha256(made.secret))->token.id, made.token.id);
     const Token revoked = administration.revoke(made.token.id);
     EXPECT_EQ(revoked.revokedAt, session->now());
     administration.revoke(made.token.id);

@@ -68,11 +68,11 @@ private:
 class BrokenStore final : public Store
 {
 public:
-    std::unique_ptr<const Session> read() override
+    std::unique_ptr<const Session> read(const Expectations& /*expected*/) override
     {
         throw StoreError(StoreFailure::InputOutput, "the disk is gone");
     }
-    std::unique_ptr<Session> write(const Claim& /*claim*/) override
+    std::unique_ptr<Session> write(const Claim& /*claim*/, const Expectations& /*expected*/) override
     {
         throw StoreError(StoreFailure::InputOutput, "the disk is gone");
     }

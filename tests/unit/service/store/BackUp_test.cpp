@@ -99,7 +99,7 @@ TEST_F(BackUp, RestoredStoreHoldsTheSame)
     restoreStore(copy, restored);
     const auto store = openStore(restored);
     EXPECT_EQ(test::contentsOf(*store), before);
-    EXPECT_TRUE(store->read()->tokens().findBySecretHash(std::string(32, '\0')));
+    EXPECT_TRUE(store->read()->tokens().findBearer(std::string(32, '\0')));
     EXPECT_THAT(test::damageOf(restored), ::testing::IsEmpty());
 }
 
