@@ -18,7 +18,17 @@ std::string jsonMember(const std::string& json, const std::string& name)
     return json.substr(value, json.find('"', value) - value);
 }
 
-ServedSite::ServedSite() : m_file(m_folder.file("data.db"))
+ServedSite::ServedSite() : m_location{"--data", m_folder.file("data.db")}
+{
+    serve();
+}
+
+ServedSite::ServedSite(const std::string& url) : m_location{"--store", url}
+{
+    serve();
+}
+
+void ServedSite::serve()
 {
     m_project =
         admin({"project", "create", "--name", "Harbour tunnel", "--time-zone", "Europe/Vienna"}).line();
@@ -30,8 +40,9 @@ ServedSite::ServedSite() : m_file(m_folder.file("data.db"))
     m_token = jsonMember(token, "token");
     admin({"grant", "--token", jsonMember(token, "_id"), "--project", m_project, "--role", "editor"});
 
-    m_service = std::make_unique<ServiceProcess>(
-        std::vector<std::string>{"serve", "--data", m_file, "--listen", "127.0.0.1:0"});
+    std::vector<std::string> arguments{"serve", "--listen", "127.0.0.1:0"};
+    arguments.insert(arguments.end(), m_location.begin(), m_location.end());
+    m_service = std::make_unique<ServiceProcess>(arguments);
     const std::string line = m_service->readLine();
     m_port = static_cast<std::uint16_t>(
         std::strtoul(line.substr(std::min(line.rfind(':'), line.size() - 1) + 1).c_str(), nullptr, 10));
@@ -79,7 +90,10 @@ DeliveryTarget ServedSite::targetIn(const std::string& cell) const
 
 CommandResult ServedSite::admin(const std::vector<std::string>& arguments) const
 {
-    CommandResult result = runAdmin(m_file, arguments);
+    std::vector<std::string> command{"admin"};
+    command.insert(command.end(), m_location.begin(), m_location.end());
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    CommandResult result = run(command);
     if (result.exitCode != 0) {
         throw std::runtime_error("monitor-service admin: " + result.error);
     }

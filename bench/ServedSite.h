@@ -13,12 +13,15 @@
 /// The text of a member of a JSON object; throws when there is none.
 std::string jsonMember(const std::string& json, const std::string& name);
 
-/// The service as it is shipped, in a process of its own on a file in the folder for temporary files: with
-/// one project, the category "Settlement" and a token that may do everything there.
+/// The service as it is shipped, in a process of its own: with one project, the category "Settlement" and a
+/// token that may do everything there.
 class ServedSite
 {
 public:
+    /// On a file in the folder for temporary files.
     ServedSite();
+    /// On the empty database at "postgresql://…".
+    explicit ServedSite(const std::string& url);
 
     std::uint16_t port() const { return m_port; }
     pid_t processId() const { return m_service->id(); }
@@ -41,10 +44,11 @@ public:
     DeliveryTarget targetIn(const std::string& cell) const;
 
 private:
+    void serve();
     monitorservice::test::CommandResult admin(const std::vector<std::string>& arguments) const;
 
     monitorservice::test::TemporaryFolder m_folder;
-    std::string m_file;
+    std::vector<std::string> m_location; ///< of the data, as the command line has it
     std::string m_project;
     std::string m_subCategory;
     std::string m_token;

@@ -10,9 +10,9 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 usage() { sed -n '2,6s/^# \{0,1\}//p' "$0" >&2; exit 2; }
 
 all=(DateText_bench bench_exchange bench_read bench_library bench_deliveries bench_monitoring_reads bench_measured_reads
-  bench_growth bench_requests bench_rkmon)
+  bench_growth bench_requests bench_rkmon bench_stores)
 declare -A short=([bench_exchange]="1 100" [bench_read]="1 1000" [bench_library]="1" [bench_deliveries]="3 10"
-  [bench_monitoring_reads]="2000" [bench_measured_reads]="1" [bench_growth]="100" [bench_requests]="500 1" [bench_rkmon]="1000 1")
+  [bench_monitoring_reads]="2000" [bench_measured_reads]="1" [bench_growth]="100" [bench_requests]="500 1" [bench_rkmon]="1000 1" [bench_stores]="100 1")
 
 quick=false
 write=false
@@ -58,11 +58,27 @@ machine() {
     "load before the first benchmark $load"
 }
 
+# A server for the one program that needs one; its first line is the folder of its socket.
+start_server() {
+  coproc server { exec python3 tests/support/postgres_server.py durable "$(pg_config --bindir)" $$; }
+  local folder
+  read -r folder <&"${server[0]}"
+  server_url="postgresql:///postgres?host=$folder&user=postgres"
+}
+
 run() {
   local name=$1 arguments=()
   if $quick; then read -ra arguments <<< "${short[$name]:-}"; fi
+  if [ "$name" = bench_stores ]; then
+    start_server
+    arguments=("$server_url" "${arguments[@]}")
+  fi
   printf '\n### %s\n\n```text\n' "$name"
   build/bench/bin/"$name" "${arguments[@]}"
+  if [ "$name" = bench_stores ]; then
+    kill "$server_PID"
+    wait "$server_PID" || true
+  fi
   printf '```\n'
 }
 

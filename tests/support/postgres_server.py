@@ -5,6 +5,7 @@
                                         prints the folder of its socket when it takes connections; on SIGUSR1 kills it
                                         with all its processes and prints "killed", on SIGUSR2 starts it again and prints
                                         "started"
+  postgres_server.py durable BIN [PROCESS]  the same, but what is committed survives a loss of power: for measurements
   postgres_server.py primary BIN SETTINGS  the same, with the settings that the file SETTINGS has, for the parent
   postgres_server.py standby BIN FOLDER    the same, of the one whose socket is in the folder; it calls itself "standby"
   postgres_server.py start BIN FILE     runs it in the background until the parent ends; FILE names the folder
@@ -12,8 +13,8 @@
 
 BIN: the folder with initdb and postgres.
 
-Its data go with it, so nothing waits for a disk. Where settings and the order of texts matter, they are not those that
-tests would get anyway: what is tested must not depend on them.
+Its data go with it, so nothing waits for a disk, but for the durable one. Where settings and the order of texts matter,
+they are not those that tests would get anyway: what is tested must not depend on them.
 """
 
 import os
@@ -46,6 +47,17 @@ ALONE = {
     # A database that asks for "on" waits for this standby, which there is not.
     "synchronous_standby_names": "none",
     "synchronous_commit": "local",
+}
+
+
+# Of one that keeps what it commits, with the memory of a server on a small machine.
+DURABLE = {
+    **ALONE,
+    "fsync": "on",
+    "full_page_writes": "on",
+    "shared_buffers": "256MB",
+    "max_wal_size": "1GB",
+    "autovacuum_naptime": "1s",  # not the first minute of a database is measured, without statistics yet
 }
 
 
@@ -214,6 +226,8 @@ def main():
     match sys.argv[1:]:
         case ["run", binaries, *process]:
             run(pathlib.Path(binaries), int(process[0]) if process else os.getppid(), ALONE, make_cluster)
+        case ["durable", binaries, *process]:
+            run(pathlib.Path(binaries), int(process[0]) if process else os.getppid(), DURABLE, make_cluster)
         case ["primary", binaries, settings]:
             run(pathlib.Path(binaries), os.getppid(), {},
                 lambda *where: make_primary(*where, pathlib.Path(settings)))
