@@ -63,6 +63,7 @@ start_server() {
   coproc server { exec python3 tests/support/postgres_server.py durable "$(pg_config --bindir)" $$; }
   local folder
   read -r folder <&"${server[0]}"
+  server_process=$server_PID # the shell forgets its own when the process ends
   server_url="postgresql:///postgres?host=$folder&user=postgres"
 }
 
@@ -76,8 +77,8 @@ run() {
   printf '\n### %s\n\n```text\n' "$name"
   build/bench/bin/"$name" "${arguments[@]}"
   if [ "$name" = bench_stores ]; then
-    kill "$server_PID"
-    wait "$server_PID" || true
+    kill "$server_process"
+    wait "$server_process" || true
   fi
   printf '```\n'
 }

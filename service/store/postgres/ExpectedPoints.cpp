@@ -12,13 +12,16 @@ namespace monitorservice {
 
 namespace {
 
-// With a row per point that an expected one may be, as PostgresMeasurements::findPoint() looks for it.
+// With a row per point that an expected one may be, as PostgresMeasurements::findPoint() looks for it. OFFSET
+// keeps the server from joining the points another way than by looking each of them up: without statistics it
+// would take all of the monitoring's for a few.
 constexpr const char* selectExpected =
     "SELECT e.place, p.point, p.id, p.document, p.depth, b.* "
     "FROM unnest($4::text[], $5::text[], $6::double precision[], $7::bigint[]) WITH ORDINALITY "
     "AS e (name, depth, depth_number, first_day, place) "
-    "JOIN point_locations AS p ON p.project_number = $1 AND p.cell = $2 AND p.sub_category = $3 AND "
-    "p.name = e.name AND (p.depth = e.depth OR (e.depth <> '' AND p.depth_number = e.depth_number)) "
+    "CROSS JOIN LATERAL (SELECT project_number, point, id, document, depth FROM point_locations "
+    "WHERE project_number = $1 AND cell = $2 AND sub_category = $3 AND name = e.name AND "
+    "(depth = e.depth OR (e.depth <> '' AND depth_number = e.depth_number)) OFFSET 0) AS p "
     "LEFT JOIN LATERAL (";
 
 bool isHeldAsItIs(const std::string& text)

@@ -383,12 +383,14 @@ std::unique_ptr<PostgresCursor> PostgresPointSelection::pageOf(const Chosen& cho
     values.add(static_cast<std::int64_t>(std::min<std::uint64_t>(m_query.limit, INT64_MAX)));
     values.add(static_cast<std::int64_t>(std::min<std::uint64_t>(m_query.skip, INT64_MAX)));
     const std::string view = postgresTable(DocumentKind::PointLocation).view;
+    // OFFSET keeps the server from joining them another way than by looking each of them up: without
+    // statistics it would take all points of a project for a few.
     return std::make_unique<PostgresCursor>(
         m_connection,
         std::string(pageColumns) +
             " FROM unnest($1::bigint[], $2::bigint[], $3::bigint[]) AS chosen (chosen_project, chosen_point, "
-            "newest) JOIN " +
-            view + " AS p ON p.project_number = chosen_project AND p.point = chosen_point" +
+            "newest) CROSS JOIN LATERAL (SELECT * FROM " +
+            view + " WHERE project_number = chosen_project AND point = chosen_point OFFSET 0) AS p" +
             order.text(postgresDialect) + " LIMIT $4 OFFSET $5",
         values, m_query.limit);
 }
